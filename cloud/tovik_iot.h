@@ -1,0 +1,113 @@
+#ifndef CLOUD_TOVIK_IOT_H
+#define CLOUD_TOVIK_IOT_H
+
+#include "cloud/monitor_data_item.h"
+#include "cloud/served_items.h"
+#include "property/property_tovik_iot.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QVariant>
+
+#include <atomic>
+
+class QTcpSocket;
+class QTimer;
+
+/// The client: the conversation with the cloud service over HTTPS with JSON bodies.
+///
+/// Lives in a thread of its own. A request blocks that thread in a nested event loop until the
+/// reply has arrived; there is no time-out of the client's own. Timers and queued slots may run
+/// inside a request.
+///
+/// Operations that return int give 0 for success, 256 for a failure that the client detected, and
+/// the service's own "errorcode" otherwise. A reply that is JSON but no object raises picojson's
+/// error, which nothing catches (docs/hazards.md).
+class TovikIot : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// \param property the configuration, shared with the driver; not owned. The client reads it
+    ///        and rebuilds its groups.
+    explicit TovikIot(PropertyTovikIot* property);
+    ~TovikIot();
+
+    /// Keeps the host's link socket; the client does nothing with it. Not owned.
+    void SetDrvLink(QTcpSocket* link);
+    /// Takes back a connection that no client makes: without effect, the pointer is kept.
+    void RemoveDrvLink();
+    /// Takes the host's error-handling settings. The reconnect interval becomes
+    /// 1000 × \a err_return_time ms for type 1 with \a err_return_time_en, otherwise 1000 ms.
+    void SetDrvErrHandle(int err_handle_type, int err_return_time, int err_retry_count,
+                         bool err_return_time_en, bool err_restore_switch_bs_en);
+
+    /// Logs in and rebuilds the catalogue.
+    int Connect2Cloud();
+    /// Stops both timers and marks the client as not connected. Sends nothing; the token is kept.
+    /// May be called from another thread (closing does).
+    void Disconnect2Cloud();
+    /// Starts the reconnect timer, if the error-handling settings want it and it is not running.
+    void StartReconnect();
+    /// Starts polling the served items every 1000 ms; nothing when there is none.
+    void StartMonitor();
+
+    /// Logs in and keeps the token. An empty token is a failure (256, no message).
+    int Login(QString project, QString email, QString password);
+    /// Replaces the configuration's groups by the service's, items included.
+    int GetGroupList(QString token);
+    /// Appends the service's items of \a group to it.
+    int GetDataitemList(QString token, PropertyTovikIotGroup* group);
+    /// Reads one value and appends it to the monitor list.
+    int ReadDataitemValue(QString token, PropertyTovikIotDataItem item);
+    /// Writes one value. Not a number and infinities raise picojson's `std::overflow_error`.
+    int WriteDataitemValue(QString token, PropertyTovikIotDataItem item, const QVariant& value);
+    /// Posts \a body to \a url and returns the reply's body up to its first NUL, as Latin-1 text.
+    /// A transport error is logged; what arrived (often nothing) is returned all the same.
+    QString PostRequest(QString body, QString url);
+
+    /// The served items, as driver and client share them. Thread-safe.
+    ServedItems* Items();
+
+Q_SIGNALS:
+    /// The values of one monitor cycle, in the order of the served items.
+    void EmitGetMonitor(QList<MonitorDataItem> update_list);
+    /// The result of a connect attempt (a successful first one excepted) or of a failed read or
+    /// write.
+    void EmitUpdateErrCode(int result);
+
+public Q_SLOTS:
+    /// Connects for the first time; to be run in the client's thread.
+    void SlotInitialLater();
+    /// Writes \a write_value to the served item at \a index, which must be in range.
+    void SlotWriteValue(int index, const QVariant& write_value);
+    /// Tries to connect once, unless connected; the reconnect timer and the driver call it.
+    void SlotReconnect();
+    /// One monitor cycle: reads every served item and emits the values gathered.
+    void SlotMonitorTimeOut();
+
+private:
+    Q_DISABLE_COPY(TovikIot)
+
+    QString urlOf(const char* path) const;
+    QTimer* makeTimer(const char* slot);
+    void handleFailure(int result);
+
+    PropertyTovikIot* property_;
+    QString token_;
+    std::atomic<bool> connected_;
+    std::atomic<QTimer*> reconnect_timer_;
+    std::atomic<QTimer*> monitor_timer_;
+    QTcpSocket* link_;
+    QList<MonitorDataItem> monitor_list_;
+    int err_handle_type_;
+    int err_return_time_;
+    int err_retry_count_;
+    bool err_return_time_en_;
+    bool err_restore_switch_bs_en_;
+    int reconnect_interval_;
+    ServedItems items_;
+};
+
+#endif

@@ -1,0 +1,59 @@
+# What `cmake --install` puts in place: the library, its headers, a CMake package, a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+set(TOVIK_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/tovik)
+set(TOVIK_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/TovikIot)
+
+set(TOVIK_PUBLIC_HEADERS
+  compat/export.h
+  compat/serial_port.h
+  framework/protocol_basic.h
+  interface/addr_data.h
+  interface/data_element_group.h
+  interface/drv_base.h
+  interface/drv_ethernet.h
+  interface/drv_interface.h
+  interface/drv_serial.h
+  interface/drvlib.h
+  property/property_tovik_iot.h
+  property/property_tovik_iot_dataitem.h
+  property/property_tovik_iot_group.h
+  property/warning_message.h)
+if(NOT TOVIK_HAS_QEXTSERIALPORT)
+  list(APPEND TOVIK_PUBLIC_HEADERS compat/qext_serial_port.h)
+endif()
+foreach(header IN LISTS TOVIK_PUBLIC_HEADERS)
+  get_filename_component(folder ${header} DIRECTORY)
+  install(FILES ${header} DESTINATION ${TOVIK_INCLUDE_DIR}/${folder} COMPONENT development)
+endforeach()
+
+target_include_directories(tovik_iot INTERFACE $<INSTALL_INTERFACE:${TOVIK_INCLUDE_DIR}>)
+install(TARGETS tovik_iot EXPORT TovikIotTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
+          NAMELINK_COMPONENT development)
+install(EXPORT TovikIotTargets NAMESPACE Tovik:: DESTINATION ${TOVIK_CMAKE_DIR}
+        COMPONENT development)
+
+configure_package_config_file(cmake/TovikIotConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/TovikIotConfig.cmake
+  INSTALL_DESTINATION ${TOVIK_CMAKE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/TovikIotConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/TovikIotConfig.cmake
+              ${PROJECT_BINARY_DIR}/TovikIotConfigVersion.cmake
+        DESTINATION ${TOVIK_CMAKE_DIR} COMPONENT development)
+
+if(TOVIK_QT EQUAL 4)
+  set(TOVIK_PC_REQUIRES "QtCore >= 4.8 QtNetwork >= 4.8 QtGui >= 4.8")
+else()
+  set(TOVIK_PC_REQUIRES "Qt5Core >= 5.15 Qt5Network >= 5.15 Qt5Widgets >= 5.15")
+endif()
+set(TOVIK_PC_CFLAGS "")
+if(TOVIK_HAS_QEXTSERIALPORT)
+  set(TOVIK_PC_CFLAGS "-DTOVIK_HAS_QEXTSERIALPORT -I${QEXTSERIALPORT_INCLUDE_DIR}")
+endif()
+# From the file's own folder: an installed tree may be moved, and --prefix may name another one.
+file(RELATIVE_PATH TOVIK_PC_PREFIX /x/${CMAKE_INSTALL_LIBDIR}/pkgconfig /x)
+configure_file(cmake/tovik_iot.pc.in ${PROJECT_BINARY_DIR}/tovik_iot.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/tovik_iot.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

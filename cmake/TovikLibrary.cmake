@@ -1,0 +1,72 @@
+# What a host compiles for itself: the declarations through which host and drivers meet.
+set(TOVIK_SHARED_SOURCES
+  compat/export.h
+  compat/serial_port.h
+  interface/addr_data.h
+  interface/data_element_group.h
+  interface/drv_base.h interface/drv_base.cpp
+  interface/drv_ethernet.h interface/drv_ethernet.cpp
+  interface/drv_interface.h interface/drv_interface.cpp
+  interface/drv_serial.h interface/drv_serial.cpp
+  property/list_stream.h
+  property/property_tovik_iot.h property/property_tovik_iot.cpp
+  property/property_tovik_iot_dataitem.h property/property_tovik_iot_dataitem.cpp
+  property/property_tovik_iot_group.h property/property_tovik_iot_group.cpp
+  property/stream_registration.h property/stream_registration.cpp
+  property/warning_message.h property/warning_message.cpp)
+if(NOT TOVIK_HAS_QEXTSERIALPORT)
+  list(APPEND TOVIK_SHARED_SOURCES compat/qext_serial_port.h compat/qext_serial_port.cpp)
+endif()
+
+set(TOVIK_DRIVER_SOURCES
+  cloud/catalogue.h cloud/catalogue.cpp
+  cloud/data_item_type.h cloud/data_item_type.cpp
+  cloud/driver_status.h cloud/driver_status.cpp
+  cloud/drv_tovik_iot.h cloud/drv_tovik_iot.cpp
+  cloud/host_bytes.h cloud/host_bytes.cpp
+  cloud/json_number.h cloud/json_number.cpp
+  cloud/monitor_data_item.h
+  cloud/served_items.h cloud/served_items.cpp
+  cloud/service_message.h cloud/service_message.cpp
+  cloud/tovik_iot.h cloud/tovik_iot.cpp
+  compat/text.h compat/text.cpp
+  framework/element_packing.h framework/element_packing.cpp
+  framework/protocol_basic.h framework/protocol_basic.cpp
+  interface/drvlib.h interface/drvlib.cpp)
+
+# The library's sources keep to C++11: the panels' compilers are older than ours.
+function(tovik_library_target target)
+  tovik_use_qt(${target})
+  tovik_warnings(${target})
+  tovik_explicit_text(${target})
+  target_include_directories(${target} SYSTEM PRIVATE ${PICOJSON_INCLUDE_DIR})
+  set_target_properties(${target} PROPERTIES
+    CXX_STANDARD 11
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
+
+# Tests link these objects, and so reach what the shared library hides.
+add_library(tovik_iot_objects OBJECT ${TOVIK_SHARED_SOURCES} ${TOVIK_DRIVER_SOURCES})
+tovik_library_target(tovik_iot_objects)
+
+add_library(tovik_iot SHARED)
+add_library(Tovik::iot ALIAS tovik_iot)
+target_sources(tovik_iot PRIVATE $<TARGET_OBJECTS:tovik_iot_objects>)
+tovik_use_qt(tovik_iot)
+set_target_properties(tovik_iot PROPERTIES
+  AUTOMOC OFF
+  EXPORT_NAME iot
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR}
+  LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+# What is exported stands in exports.map alone. The library stays mapped after dlclose: Qt keeps
+# functions of it (meta-types, their stream operators) for as long as the process lives.
+target_link_options(tovik_iot PRIVATE
+  LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map
+  LINKER:-z,defs LINKER:-z,nodelete)
+
+# What a host is built from: the tools and the system tests load the driver with dlopen.
+add_library(tovik_host_side STATIC ${TOVIK_SHARED_SOURCES})
+tovik_library_target(tovik_host_side)

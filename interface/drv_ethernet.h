@@ -1,0 +1,24 @@
+#ifndef INTERFACE_DRV_ETHERNET_H
+#define INTERFACE_DRV_ETHERNET_H
+
+#include "compat/export.h"
+#include "interface/drv_base.h"
+
+#include <QTcpSocket>
+
+/// A TCP link: the host's socket with the host's settings.
+class TOVIK_EXPORT DrvEthernet : public QTcpSocket, public DrvBase
+{
+    Q_OBJECT
+
+public:
+    explicit DrvEthernet(QObject* parent = 0);
+    ~DrvEthernet();
+
+Q_SIGNALS:
+    /// The host emits this just before it releases the link. Drivers stop using it before the
+    /// emission returns: the connection is direct, in the emitting thread.
+    void EmitNotifyBeforeRelease();
+};
+
+#endif

@@ -1,0 +1,14 @@
+#include "property/warning_message.h"
+
+#include <QMessageBox>
+
+void TovikIotWarningMsg(QString text, QString informative_text)
+{
+    QMessageBox box;
+    box.setWindowModality(Qt::ApplicationModal);
+    box.setText(text);
+    box.setInformativeText(informative_text);
+    box.setIcon(QMessageBox::Critical);
+    box.setStandardButtons(QMessageBox::Ok);
+    box.exec();
+}

@@ -1,0 +1,29 @@
+#ifndef TESTS_COMPAT_MACHINE_SERIAL_PORT_QEXTSERIALPORT_H
+#define TESTS_COMPAT_MACHINE_SERIAL_PORT_QEXTSERIALPORT_H
+
+#include <QIODevice>
+#include <QString>
+
+/// Stands for the serial port library of a machine that has one, as far as the links need it: the
+/// library must then be built without a class of that name of its own.
+class QextSerialPort : public QIODevice
+{
+    Q_OBJECT
+
+public:
+    enum QueryMode
+    {
+        Polling,
+        EventDriven
+    };
+
+    explicit QextSerialPort(QueryMode mode = EventDriven, QObject* parent = 0);
+    explicit QextSerialPort(const QString& name, QueryMode mode = EventDriven, QObject* parent = 0);
+    ~QextSerialPort();
+
+protected:
+    qint64 readData(char* data, qint64 max_size);
+    qint64 writeData(const char* data, qint64 max_size);
+};
+
+#endif

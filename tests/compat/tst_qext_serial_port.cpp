@@ -1,0 +1,304 @@
+#include "compat/serial_port.h"
+#include "tests/compat/pty.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+const PortSettings other_settings = {BAUD19200, DATA_7, PAR_EVEN, STOP_2, FLOW_XONXOFF, 250};
+
+/// While it lives the process is nobody, to whom, unlike root, permissions of files apply.
+class AsNobody
+{
+public:
+    AsNobody() : user_(geteuid()), is_nobody_(user_ != 0 || seteuid(65534) == 0) {}
+    ~AsNobody()
+    {
+        if (seteuid(user_) != 0)
+            qFatal("cannot take the privileges back");
+    }
+    bool isNobody() const { return is_nobody_; }
+
+private:
+    Q_DISABLE_COPY(AsNobody)
+
+    uid_t user_;
+    bool is_nobody_;
+};
+
+/// Settings in the form in which rows compare them.
+QList<int> settingsOf(const QextSerialPort& port)
+{
+    return QList<int>{port.baudRate(), port.dataBits(), port.parity(), port.stopBits(),
+                      port.flowControl()};
+}
+
+} // namespace
+
+class TestQextSerialPort : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void constructors();
+    void constructorsSettingsReachTheLine();
+    void settingsBeforeOpening();
+    void settingsWhileOpen();
+    void lineSpeed_data();
+    void lineSpeed();
+    void stopBitsAndFlowReachTheLine();
+    void refusedSettingLeavesThePortInUse();
+    void portsThatDoNotOpen_data();
+    void portsThatDoNotOpen();
+    void portWithoutPermission();
+    void openCloseReopen();
+    void closedPortHasNothing();
+};
+
+void TestQextSerialPort::constructors()
+{
+    const QList<int> defaults{BAUD9600, DATA_8, PAR_NONE, STOP_1, FLOW_OFF};
+    const QList<int> others{BAUD19200, DATA_7, PAR_EVEN, STOP_2, FLOW_XONXOFF};
+    const QString name = QString::fromLatin1("/dev/ttyS9");
+    QObject parent;
+
+    const QextSerialPort plain;
+    QCOMPARE(settingsOf(plain), defaults);
+    QCOMPARE(plain.queryMode(), QextSerialPort::EventDriven);
+    QVERIFY(plain.portName().isEmpty());
+    QVERIFY(!plain.isOpen());
+    QVERIFY(plain.isSequential());
+    QCOMPARE(plain.lastError(), ulong(E_NO_ERROR));
+
+    const auto* named = new QextSerialPort(name, QextSerialPort::Polling, &parent);
+    QCOMPARE(settingsOf(*named), defaults);
+    QCOMPARE(named->queryMode(), QextSerialPort::Polling);
+    QVERIFY(named->portName().endsWith(QLatin1String("ttyS9")));
+    QCOMPARE(named->parent(), &parent);
+
+    QextSerialPort set(other_settings, QextSerialPort::Polling);
+    QCOMPARE(settingsOf(set), others);
+    QCOMPARE(set.queryMode(), QextSerialPort::Polling);
+    set.setQueryMode(QextSerialPort::EventDriven);
+    QCOMPARE(set.queryMode(), QextSerialPort::EventDriven);
+
+    const QextSerialPort all(name, other_settings);
+    QCOMPARE(settingsOf(all), others);
+    QVERIFY(all.portName().endsWith(QLatin1String("ttyS9")));
+}
+
+void TestQextSerialPort::constructorsSettingsReachTheLine()
+{
+    Pty pty;
+    QVERIFY(pty.isValid());
+    QextSerialPort port(pty.portName(), other_settings);
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    const termios line = pty.attributes();
+    QCOMPARE(cfgetospeed(&line), speed_t(B19200));
+    QVERIFY(line.c_cflag & CSTOPB);
+    QVERIFY(line.c_iflag & IXON);
+}
+
+static void setAll(QextSerialPort* port)
+{
+    port->setBaudRate(BAUD115200);
+    port->setDataBits(DATA_8);
+    port->setParity(PAR_NONE);
+    port->setStopBits(STOP_2);
+    port->setFlowControl(FLOW_HARDWARE);
+}
+
+static void verifyAll(const QextSerialPort& port, const Pty& pty)
+{
+    const QList<int> expected{BAUD115200, DATA_8, PAR_NONE, STOP_2, FLOW_HARDWARE};
+    QCOMPARE(settingsOf(port), expected);
+    const termios line = pty.attributes();
+    QCOMPARE(cfgetospeed(&line), speed_t(B115200));
+    QCOMPARE(cfgetispeed(&line), speed_t(B115200));
+    QCOMPARE(line.c_cflag & CSIZE, tcflag_t(CS8));
+    QVERIFY(!(line.c_cflag & PARENB));
+    QVERIFY(line.c_cflag & CSTOPB);
+    QVERIFY(line.c_cflag & CRTSCTS);
+    QVERIFY(!(line.c_iflag & (IXON | IXOFF)));
+}
+
+void TestQextSerialPort::settingsBeforeOpening()
+{
+    Pty pty;
+    QVERIFY(pty.isValid());
+    QextSerialPort port(other_settings);
+    port.setPortName(pty.portName());
+    setAll(&port);
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    verifyAll(port, pty);
+}
+
+void TestQextSerialPort::settingsWhileOpen()
+{
+    Pty pty;
+    QextSerialPort port(pty.portName());
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    setAll(&port);
+    QCOMPARE(port.lastError(), ulong(E_NO_ERROR));
+    verifyAll(port, pty);
+}
+
+void TestQextSerialPort::lineSpeed_data()
+{
+    QTest::addColumn<int>("baud_rate");
+    QTest::addColumn<int>("line_speed");
+    QTest::newRow("50") << int(BAUD50) << B50;
+    QTest::newRow("110") << int(BAUD110) << B110;
+    QTest::newRow("1200") << int(BAUD1200) << B1200;
+    QTest::newRow("9600") << int(BAUD9600) << B9600;
+    QTest::newRow("38400") << int(BAUD38400) << B38400;
+    QTest::newRow("57600") << int(BAUD57600) << B57600;
+    QTest::newRow("921600") << int(BAUD921600) << B921600;
+}
+
+void TestQextSerialPort::lineSpeed()
+{
+    QFETCH(int, baud_rate);
+    QFETCH(int, line_speed);
+    Pty pty;
+    QextSerialPort port(pty.portName());
+    port.setBaudRate(BAUD2400);
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    port.setBaudRate(BaudRateType(baud_rate));
+    QCOMPARE(int(port.baudRate()), baud_rate);
+    const termios line = pty.attributes();
+    QCOMPARE(int(cfgetospeed(&line)), line_speed);
+}
+
+void TestQextSerialPort::stopBitsAndFlowReachTheLine()
+{
+    Pty pty;
+    QextSerialPort port(pty.portName());
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    port.setStopBits(STOP_2);
+    QVERIFY(pty.attributes().c_cflag & CSTOPB);
+    port.setStopBits(STOP_1);
+    QVERIFY(!(pty.attributes().c_cflag & CSTOPB));
+    port.setFlowControl(FLOW_XONXOFF);
+    QVERIFY(pty.attributes().c_iflag & IXON);
+    QVERIFY(!(pty.attributes().c_cflag & CRTSCTS));
+    port.setFlowControl(FLOW_OFF);
+    QVERIFY(!(pty.attributes().c_iflag & IXON));
+    port.setParity(PAR_ODD); // a pseudo terminal has no parity, but keeps which one was asked for
+    QVERIFY(pty.attributes().c_cflag & PARODD);
+    QCOMPARE(port.parity(), PAR_ODD);
+}
+
+// A pseudo terminal has eight data bits and no parity. It takes other wishes at opening and ignores
+// them; later ones it refuses. The port says what was asked for, and goes on.
+void TestQextSerialPort::refusedSettingLeavesThePortInUse()
+{
+    Pty pty;
+    QextSerialPort port(pty.portName(), other_settings);
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    QCOMPARE(port.dataBits(), DATA_7);
+    QCOMPARE(port.parity(), PAR_EVEN);
+    QCOMPARE(port.lastError(), ulong(E_NO_ERROR));
+
+    port.setDataBits(DATA_8);
+    port.setParity(PAR_NONE);
+    QCOMPARE(port.lastError(), ulong(E_NO_ERROR));
+    port.setDataBits(DATA_7);
+    QCOMPARE(port.lastError(), ulong(E_INVALID_DEVICE));
+    QCOMPARE(port.dataBits(), DATA_7);
+    QCOMPARE(pty.attributes().c_cflag & CSIZE, tcflag_t(CS8));
+    port.setParity(PAR_EVEN);
+    QCOMPARE(port.lastError(), ulong(E_INVALID_DEVICE));
+    QCOMPARE(port.parity(), PAR_EVEN);
+
+    QVERIFY(port.isOpen());
+    QVERIFY(pty.send("on"));
+    QTRY_COMPARE(port.bytesAvailable(), 2);
+    QCOMPARE(port.readAll(), QByteArray("on"));
+}
+
+void TestQextSerialPort::portsThatDoNotOpen_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("error");
+    QTest::newRow("missing device")
+        << QString::fromLatin1("/dev/tovik-no-such-port") << int(E_FILE_NOT_FOUND);
+    QTest::newRow("missing folder")
+        << QString::fromLatin1("/no-such-folder/port") << int(E_FILE_NOT_FOUND);
+    // The path is completed to that of the folder of all devices.
+    QTest::newRow("empty name") << QString() << int(E_IO_ERROR);
+    QTest::newRow("no terminal") << QString::fromLatin1("/dev/null") << int(E_INVALID_DEVICE);
+}
+
+void TestQextSerialPort::portsThatDoNotOpen()
+{
+    QFETCH(QString, name);
+    QFETCH(int, error);
+    QextSerialPort port(name);
+    QVERIFY(!port.open(QIODevice::ReadWrite));
+    QVERIFY(!port.isOpen());
+    QCOMPARE(port.lastError(), ulong(error));
+    QVERIFY(!port.errorString().isEmpty());
+
+    Pty pty; // the object is still of use
+    port.setPortName(pty.portName());
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    QCOMPARE(port.lastError(), ulong(E_NO_ERROR));
+}
+
+void TestQextSerialPort::portWithoutPermission()
+{
+    Pty pty;
+    const QByteArray path = QFile::encodeName(pty.portName());
+    QCOMPARE(chmod(path.constData(), 0), 0);
+    QextSerialPort port(pty.portName());
+    {
+        const AsNobody nobody;
+        if (!nobody.isNobody())
+            QSKIP("cannot become a user to whom permissions apply");
+        QVERIFY(!port.open(QIODevice::ReadWrite));
+        QCOMPARE(port.lastError(), ulong(E_PERMISSION_DENIED));
+    }
+    QCOMPARE(chmod(path.constData(), S_IRUSR | S_IWUSR), 0);
+    QVERIFY(port.open(QIODevice::ReadWrite));
+}
+
+void TestQextSerialPort::openCloseReopen()
+{
+    Pty pty;
+    QextSerialPort port(pty.portName());
+    for (const char* bytes : {"first", "second"}) {
+        QVERIFY(port.open(QIODevice::ReadWrite));
+        QVERIFY(port.isOpen());
+        QVERIFY(!port.open(QIODevice::ReadWrite)); // it is open already, and stays so
+        QVERIFY(port.isOpen());
+        QVERIFY(pty.send(bytes));
+        QTRY_COMPARE(port.bytesAvailable(), qint64(qstrlen(bytes)));
+        QCOMPARE(port.readAll(), QByteArray(bytes));
+        port.close();
+        QVERIFY(!port.isOpen());
+        port.close();
+    }
+}
+
+void TestQextSerialPort::closedPortHasNothing()
+{
+    Pty pty;
+    QextSerialPort port(pty.portName());
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    QVERIFY(pty.send("left behind"));
+    QTRY_COMPARE(port.bytesAvailable(), 11);
+    port.close();
+    port.flush();
+    QCOMPARE(port.bytesAvailable(), 0);
+    QCOMPARE(port.bytesToWrite(), 0);
+    QCOMPARE(port.size(), 0);
+    QVERIFY(!port.canReadLine());
+}
+
+QTEST_GUILESS_MAIN(TestQextSerialPort)
+#include "tst_qext_serial_port.moc"

@@ -1,0 +1,332 @@
+#include "compat/serial_port.h"
+#include "tests/compat/pty.h"
+
+#include <QAbstractEventDispatcher>
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+#include <memory>
+
+namespace {
+
+const int patience = 10000; // milliseconds; reached only by a failing test
+
+const int too_much = 300 * 1000; // more bytes than the kernel takes while nobody reads
+
+/// Waits without an event loop, as code does that polls a port.
+template <typename Condition>
+bool becomesTrue(Condition condition)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.hasExpired(patience))
+            return false;
+        QThread::yieldCurrentThread();
+    }
+    return true;
+}
+
+bool arrives(const QextSerialPort& port, qint64 size)
+{
+    return becomesTrue([&] { return port.bytesAvailable() >= size; });
+}
+
+QByteArray someBytes(int size)
+{
+    QByteArray bytes;
+    for (int i = 0; i < size; ++i)
+        bytes.append(char(i * 7 + i / 256));
+    return bytes;
+}
+
+/// What the far end receives, up to \a size bytes, while the port's event loop runs.
+QByteArray receivedBy(Pty* pty, int size)
+{
+    QByteArray received;
+    becomesTrue([&] {
+        QCoreApplication::processEvents();
+        return (received += pty->take()).size() >= size;
+    });
+    return received;
+}
+
+} // namespace
+
+class TestQextSerialPortData : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void eventDrivenReading();
+    void pollingNeedsNoEventLoop();
+    void pollingEmitsNothing();
+    void readTakesWhatPortAndKernelHold();
+    void everyByteValueBothWays();
+    void lines();
+    void peekLeavesTheBytes();
+    void waitForReadyReadReturnsWithBytes();
+    void waitForReadyReadTimesOut();
+    void writingArrives_data();
+    void writingArrives();
+    void writeToABlockedLine_data();
+    void writeToABlockedLine();
+    void largeWriteArrivesWhole();
+    void flushDropsWhatWasReceived_data();
+    void flushDropsWhatWasReceived();
+    void flushDropsWhatWasNotSent();
+    void hangUpEndsWaiting();
+    void hangUpEndsReading();
+    void hangUpLeavesTheEventLoopIdle();
+
+private:
+    std::unique_ptr<Pty> pty_;
+    std::unique_ptr<QextSerialPort> port_;
+};
+
+void TestQextSerialPortData::init()
+{
+    port_.reset();
+    pty_.reset(new Pty);
+    QVERIFY(pty_->isValid());
+    port_.reset(new QextSerialPort(pty_->portName()));
+    QVERIFY(port_->open(QIODevice::ReadWrite));
+}
+
+void TestQextSerialPortData::eventDrivenReading()
+{
+    QSignalSpy spy(port_.get(), &QIODevice::readyRead);
+    QVERIFY(pty_->send("event"));
+    QTRY_COMPARE(port_->bytesAvailable(), 5);
+    QTRY_VERIFY(!spy.isEmpty());
+    QCOMPARE(port_->readAll(), QByteArray("event"));
+    QCOMPARE(port_->bytesAvailable(), 0);
+
+    spy.clear();
+    QVERIFY(pty_->send("again"));
+    QTRY_VERIFY(!spy.isEmpty());
+}
+
+void TestQextSerialPortData::pollingNeedsNoEventLoop()
+{
+    port_->setQueryMode(QextSerialPort::Polling);
+    QCOMPARE(port_->bytesAvailable(), 0);
+    QVERIFY(port_->readAll().isEmpty());
+    QVERIFY(pty_->send("poll"));
+    QVERIFY(arrives(*port_, 4));
+    QCOMPARE(port_->bytesAvailable(), 4);
+    QCOMPARE(port_->size(), 4);
+    QCOMPARE(port_->read(3), QByteArray("pol"));
+    QCOMPARE(port_->bytesAvailable(), 1);
+    QCOMPARE(port_->readAll(), QByteArray("l"));
+    QCOMPARE(port_->bytesAvailable(), 0);
+}
+
+void TestQextSerialPortData::pollingEmitsNothing()
+{
+    port_->setQueryMode(QextSerialPort::Polling);
+    QSignalSpy spy(port_.get(), &QIODevice::readyRead);
+    QVERIFY(pty_->send("poll"));
+    QVERIFY(arrives(*port_, 4));
+    QCoreApplication::processEvents(); // the bytes are there: an emission would happen now
+    QCOMPARE(spy.size(), 0);
+    QCOMPARE(port_->readAll(), QByteArray("poll"));
+}
+
+void TestQextSerialPortData::readTakesWhatPortAndKernelHold()
+{
+    QVERIFY(pty_->send("abc"));
+    QVERIFY(port_->waitForReadyRead(patience)); // these are in the port now
+    QVERIFY(pty_->send("de"));
+    QVERIFY(arrives(*port_, 5)); // and these in the kernel
+    QCOMPARE(port_->read(100), QByteArray("abcde"));
+    QCOMPARE(port_->bytesAvailable(), 0);
+}
+
+void TestQextSerialPortData::everyByteValueBothWays()
+{
+    const QByteArray bytes = someBytes(256);
+    QVERIFY(pty_->send(bytes));
+    QVERIFY(arrives(*port_, 256));
+    QCOMPARE(port_->readAll().toHex(), bytes.toHex());
+
+    QByteArray received;
+    QCOMPARE(port_->write(bytes), 256);
+    QVERIFY(becomesTrue([&] { return (received += pty_->take()).size() >= 256; }));
+    QCOMPARE(received.toHex(), bytes.toHex());
+}
+
+void TestQextSerialPortData::lines()
+{
+    QVERIFY(pty_->send("one\ntwo"));
+    QTRY_VERIFY(port_->canReadLine());
+    QCOMPARE(port_->readLine(), QByteArray("one\n"));
+    QVERIFY(!port_->canReadLine());
+    QVERIFY(arrives(*port_, 3));
+    QCOMPARE(port_->readLine(), QByteArray("two"));
+}
+
+void TestQextSerialPortData::peekLeavesTheBytes()
+{
+    QVERIFY(pty_->send("peek"));
+    QVERIFY(arrives(*port_, 4));
+    QCOMPARE(port_->peek(2), QByteArray("pe"));
+    QCOMPARE(port_->bytesAvailable(), 4);
+    QCOMPARE(port_->readAll(), QByteArray("peek"));
+}
+
+void TestQextSerialPortData::waitForReadyReadReturnsWithBytes()
+{
+    QVERIFY(pty_->send("wait"));
+    QVERIFY(port_->waitForReadyRead(patience));
+    QVERIFY(arrives(*port_, 4));
+    QCOMPARE(port_->readAll(), QByteArray("wait"));
+}
+
+void TestQextSerialPortData::waitForReadyReadTimesOut()
+{
+    QVERIFY(!port_->waitForReadyRead(1));
+    QCOMPARE(port_->lastError(), ulong(E_PORT_TIMEOUT));
+    QVERIFY(pty_->send("late"));
+    QVERIFY(arrives(*port_, 4));
+    QCOMPARE(port_->readAll(), QByteArray("late"));
+}
+
+void TestQextSerialPortData::writingArrives_data()
+{
+    QTest::addColumn<int>("timeout");
+    QTest::newRow("waiting for the line") << 10;
+    QTest::newRow("without waiting") << 0;
+}
+
+void TestQextSerialPortData::writingArrives()
+{
+    QFETCH(int, timeout);
+    port_->setTimeout(timeout);
+    QSignalSpy spy(port_.get(), &QIODevice::bytesWritten);
+    QByteArray received;
+    QCOMPARE(port_->write("no event loop"), 13);
+    QVERIFY(becomesTrue([&] { return (received += pty_->take()).size() >= 13; }));
+    QCOMPARE(received, QByteArray("no event loop"));
+    QCOMPARE(port_->bytesToWrite(), 0);
+    QTRY_VERIFY(!spy.isEmpty());
+}
+
+void TestQextSerialPortData::writeToABlockedLine_data()
+{
+    QTest::addColumn<int>("timeout");
+    QTest::newRow("waits as long as it may") << 50;
+    QTest::newRow("does not wait") << 0;
+    QTest::newRow("does not wait for ever either") << -1;
+}
+
+void TestQextSerialPortData::writeToABlockedLine()
+{
+    QFETCH(int, timeout);
+    port_->setTimeout(0);
+    QCOMPARE(port_->write(QByteArray(too_much, 'x')), too_much);
+    while (port_->waitForBytesWritten(20)) // until the kernel takes no more
+        QVERIFY(port_->bytesToWrite() > 0);
+
+    port_->setTimeout(timeout);
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(port_->write("!", 1), 1);
+    QVERIFY(timer.elapsed() >= timeout - 10); // timers are coarse
+    QCOMPARE(port_->lastError(), ulong(E_PORT_TIMEOUT));
+
+    const QByteArray received = receivedBy(pty_.get(), too_much + 1);
+    QCOMPARE(received.size(), too_much + 1);
+    QVERIFY(received.endsWith('!'));
+}
+
+void TestQextSerialPortData::largeWriteArrivesWhole()
+{
+    const QByteArray bytes = someBytes(too_much);
+    port_->setTimeout(0);
+    QCOMPARE(port_->write(bytes), bytes.size());
+    QVERIFY(port_->bytesToWrite() > 0);
+    QVERIFY(receivedBy(pty_.get(), bytes.size()) == bytes);
+    QCOMPARE(port_->bytesToWrite(), 0);
+}
+
+void TestQextSerialPortData::flushDropsWhatWasReceived_data()
+{
+    QTest::addColumn<bool>("is_in_port");
+    QTest::addColumn<int>("read_before");
+    QTest::newRow("held by the kernel") << false << 0;
+    QTest::newRow("held by the port") << true << 0;
+    QTest::newRow("the rest of what was read in part") << false << 1;
+    QTest::newRow("the rest of what the port held") << true << 1;
+}
+
+void TestQextSerialPortData::flushDropsWhatWasReceived()
+{
+    QFETCH(bool, is_in_port);
+    QFETCH(int, read_before);
+    QVERIFY(pty_->send("stale"));
+    QVERIFY(arrives(*port_, 5));
+    if (is_in_port)
+        QVERIFY(port_->waitForReadyRead(patience));
+    QCOMPARE(port_->read(read_before).size(), read_before);
+    port_->flush();
+    QCOMPARE(port_->bytesAvailable(), 0);
+    QVERIFY(port_->readAll().isEmpty());
+    QVERIFY(pty_->send("new"));
+    QVERIFY(arrives(*port_, 3));
+    QCOMPARE(port_->readAll(), QByteArray("new"));
+}
+
+void TestQextSerialPortData::flushDropsWhatWasNotSent()
+{
+    port_->setTimeout(0);
+    QCOMPARE(port_->write(QByteArray(too_much, 'x')), too_much);
+    QVERIFY(port_->bytesToWrite() > 0);
+    port_->flush();
+    QCOMPARE(port_->bytesToWrite(), 0);
+    QCOMPARE(port_->write("!", 1), 1);
+
+    QByteArray received;
+    QTRY_VERIFY_WITH_TIMEOUT((received += pty_->take()).endsWith('!'), patience);
+    QVERIFY(received.size() < too_much);
+}
+
+void TestQextSerialPortData::hangUpEndsWaiting()
+{
+    pty_->close();
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(!port_->waitForReadyRead(patience));
+    QVERIFY(!timer.hasExpired(patience / 2));
+    QVERIFY(port_->lastError() != ulong(E_NO_ERROR));
+    QVERIFY(port_->lastError() != ulong(E_PORT_TIMEOUT));
+    QVERIFY(!port_->errorString().isEmpty());
+}
+
+void TestQextSerialPortData::hangUpEndsReading()
+{
+    pty_->close();
+    QCOMPARE(port_->bytesAvailable(), 0);
+    QVERIFY(port_->readAll().isEmpty());
+    QTRY_VERIFY(port_->lastError() != ulong(E_NO_ERROR));
+    port_->flush();
+    port_->close();
+    QVERIFY(!port_->isOpen());
+}
+
+// A line that is gone can be read for ever; nobody may be woken for that again and again.
+void TestQextSerialPortData::hangUpLeavesTheEventLoopIdle()
+{
+    pty_->close();
+    QTRY_VERIFY(port_->lastError() != ulong(E_NO_ERROR));
+    int rounds = 0;
+    while (rounds < 1000 && thread()->eventDispatcher()->processEvents(QEventLoop::AllEvents))
+        ++rounds;
+    QVERIFY(rounds < 1000);
+}
+
+QTEST_GUILESS_MAIN(TestQextSerialPortData)
+#include "tst_qext_serial_port_data.moc"

@@ -1,0 +1,73 @@
+#ifndef TESTS_TOOLS_CLOUD_CLOUD_PROCESS_H
+#define TESTS_TOOLS_CLOUD_CLOUD_PROCESS_H
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+/// What came back for a request, if anything did.
+struct Answer
+{
+    bool arrived = false;
+    int status = 0;
+    std::string text;
+    nlohmann::json json;
+
+    int errorCode() const;
+};
+
+/// The real program, started for a test and ended with it.
+class CloudProcess
+{
+public:
+    CloudProcess();
+    ~CloudProcess();
+    CloudProcess(const CloudProcess&) = delete;
+    CloudProcess& operator=(const CloudProcess&) = delete;
+
+    static QString program();
+    static QString exampleProject();
+
+    /// Starts with the example project and waits until both ports are told.
+    bool start(const QStringList& options = {});
+
+    /// Sends the signal and gives the exit code, -1 if there is none within ten seconds.
+    int stop(int signal);
+
+    int port() const { return port_; }
+    int controlPort() const { return controlPort_; }
+    QProcess& process() { return process_; }
+    std::string log();
+
+    /// A request over a connection of its own.
+    Answer post(const std::string& path, const nlohmann::json& body);
+    Answer postRaw(const std::string& path, const std::string& body,
+                   const std::string& contentType = "application/json");
+
+    /// Logs in as the operator of the example project.
+    std::string login();
+    Answer value(const std::string& token, const std::string& item);
+    Answer write(const std::string& token, const std::string& item, const nlohmann::json& value);
+
+    Answer control(const std::string& method, const std::string& path,
+                   const std::string& body = {});
+
+    /// Adds a fault over the control API and gives its number, 0 on failure.
+    int addFault(const std::string& fault);
+
+    /// How often a fault has struck.
+    int applied(int fault);
+
+private:
+    QProcess process_;
+    std::string log_;
+    bool tls_ = true;
+    int port_ = 0;
+    int controlPort_ = 0;
+};
+
+#endif

@@ -1,0 +1,117 @@
+#include "tools/cloud/application.h"
+
+#include "tools/cloud/atomic_file.h"
+
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+#include <utility>
+
+namespace tovik_cloud {
+
+namespace {
+
+constexpr const char* controlHost = "127.0.0.1";
+
+} // namespace
+
+Application::Application(const Options& options, Project project)
+    : options_(options),
+      log_(options.logFile, options.verbose),
+      plant_(std::move(project), options.writeHold),
+      tokens_(options.tokenLifetime),
+      tls_(makeTls()),
+      service_(plant_, tokens_, faults_, requests_, log_),
+      servicePort_(service_.engine(), tls_.get(), options.host, options.port, log_),
+      control_(controlTargets()),
+      controlPort_(control_.engine(), nullptr, controlHost, options.controlPort, log_)
+{
+    servicePort_.setRefusing([this] { return faults_.isRefusing(); });
+}
+
+void Application::start()
+{
+    for (const std::string& text : options_.faults) {
+        const int id = faults_.add(parseFault(text));
+        log_.note("fault " + std::to_string(id) + " added, " + text);
+    }
+    if (!options_.saveCertificateFile.empty()) {
+        writeAtomically(options_.saveCertificateFile, tls_->certificatesPem());
+    }
+    withdrawAddresses();
+    servicePort_.start();
+    controlPort_.start();
+    announce();
+}
+
+void Application::stop()
+{
+    log_.note("stopping");
+    withdrawAddresses();
+    controlPort_.stop();
+    servicePort_.stop();
+    log_.note("stopped");
+}
+
+std::unique_ptr<TlsContext> Application::makeTls()
+{
+    if (options_.plainHttp) {
+        return nullptr;
+    }
+    TlsSettings settings;
+    settings.host = options_.host;
+    settings.keyType = options_.keyType == "p256" ? KeyType::P256 : KeyType::Rsa2048;
+    settings.version = options_.tlsVersion;
+    settings.certificateFile = options_.certificateFile;
+    settings.keyFile = options_.keyFile;
+    settings.choose = [this] { return chooseCertificate(); };
+    return std::make_unique<TlsContext>(std::move(settings));
+}
+
+CertificateChoice Application::chooseCertificate()
+{
+    const FaultPointer fault = faults_.takeForHandshake();
+    if (!fault) {
+        return CertificateChoice::Good;
+    }
+    log_.note("handshake: fault " + std::to_string(fault->id) + " applied, " + fault->spec.text);
+    return fault->spec.kind() == FaultKind::Expired ? CertificateChoice::Expired
+                                                    : CertificateChoice::WrongHost;
+}
+
+ControlTargets Application::controlTargets()
+{
+    return {plant_, tokens_,      faults_,         requests_,
+            log_,   serviceUrl(), tls_ != nullptr, [this] { servicePort_.applyRefusing(); }};
+}
+
+std::string Application::serviceUrl() const
+{
+    return (tls_ ? "https://" : "http://") + hostAndPort(options_.host, servicePort_.port());
+}
+
+// An address that outlives the service sends clients to somebody else's port.
+void Application::withdrawAddresses()
+{
+    for (const std::string& file : {options_.controlFile, options_.urlFile}) {
+        std::error_code ignored;
+        if (!file.empty()) {
+            std::filesystem::remove(file, ignored);
+        }
+    }
+}
+
+void Application::announce()
+{
+    const std::string control = "http://" + hostAndPort(controlHost, controlPort_.port());
+    if (!options_.controlFile.empty()) {
+        writeAtomically(options_.controlFile, control + "\n");
+    }
+    if (!options_.urlFile.empty()) {
+        writeAtomically(options_.urlFile, serviceUrl() + "\n");
+    }
+    log_.note("started, " + serviceUrl() + ", control " + control);
+    std::cout << "Service: " << serviceUrl() << "\nControl: " << control << std::endl;
+}
+
+} // namespace tovik_cloud

@@ -1,0 +1,26 @@
+#include "tools/cloud/atomic_file.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <stdexcept>
+
+namespace tovik_cloud {
+
+void writeAtomically(const std::string& file, const std::string& text)
+{
+    const std::string temporary = file + "." + std::to_string(::getpid()) + ".tmp";
+    std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
+    stream << text;
+    stream.close();
+    if (!stream || std::rename(temporary.c_str(), file.c_str()) != 0) {
+        const std::string reason = std::strerror(errno);
+        std::remove(temporary.c_str());
+        throw std::runtime_error("cannot write " + file + ": " + reason);
+    }
+}
+
+} // namespace tovik_cloud

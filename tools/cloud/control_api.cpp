@@ -1,0 +1,217 @@
+#include "tools/cloud/control_api.h"
+
+#include "tools/cloud/clock.h"
+
+#include <cstdlib>
+#include <stdexcept>
+
+namespace tovik_cloud {
+
+namespace {
+
+/// A request that the control API turns down with status 400.
+class BadRequest : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+void send(httplib::Response& response, const Json& json, int status = 200)
+{
+    response.status = status;
+    response.set_content(toText(json) + "\n", "application/json");
+}
+
+void sendError(httplib::Response& response, int status, const std::string& text)
+{
+    send(response, {{"error", text}}, status);
+}
+
+Json itemJson(const ItemView& view)
+{
+    return {{"id", view.item->id},
+            {"group", view.group->id},
+            {"name", view.item->name},
+            {"type", typeName(view.item->type)},
+            {"value", view.value}};
+}
+
+/// The only member that the body of a request has.
+Json onlyMember(const httplib::Request& request, const std::string& name)
+{
+    const Json body = Json::parse(request.body, nullptr, false);
+    if (!body.is_object() || body.size() != 1 || !body.contains(name)) {
+        throw BadRequest("the body needs to be {\"" + name + "\": ...} and nothing else");
+    }
+    return body.at(name);
+}
+
+std::uint64_t sinceParameter(const httplib::Request& request)
+{
+    if (!request.has_param("since")) {
+        return 0;
+    }
+    const std::string text = request.get_param_value("since");
+    if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos) {
+        throw BadRequest("since= needs the number of a request");
+    }
+    return std::strtoull(text.c_str(), nullptr, 10);
+}
+
+} // namespace
+
+std::string tlsProblem(const FaultSpec& fault, bool hasTls)
+{
+    if (hasTls || fault.definition->stage != FaultStage::Handshake) {
+        return {};
+    }
+    return std::string("fault \"") + fault.definition->name +
+           "\" is about certificates, but the service runs without TLS (--http)";
+}
+
+ControlApi::ControlApi(ControlTargets targets)
+    : targets_(std::move(targets)),
+      start_(steadySeconds())
+{
+    addFaultRoutes();
+    addItemRoutes();
+    addOtherRoutes();
+    addErrorReplies();
+}
+
+void ControlApi::addFaultRoutes()
+{
+    engine_.Get("/faults", [this](const Request&, Response& response) {
+        Json list = Json::array();
+        for (const FaultStatus& fault : targets_.faults.list()) {
+            list.push_back({{"id", fault.id},
+                            {"fault", fault.text},
+                            {"active", fault.active},
+                            {"applied", fault.applied}});
+        }
+        send(response, {{"faults", list}});
+    });
+    engine_.Post("/faults", [this](const Request& request, Response& response) {
+        send(response, addFault(request));
+    });
+    engine_.Delete("/faults", [this](const Request&, Response& response) {
+        targets_.faults.clear();
+        targets_.faultsChanged();
+        targets_.log.note("all faults removed");
+        send(response, Json::object());
+    });
+    engine_.Delete(R"(/faults/(\d{1,9}))", [this](const Request& request, Response& response) {
+        const std::string id = request.matches[1];
+        if (!targets_.faults.remove(std::stoi(id))) {
+            sendError(response, 404, "there is no fault " + id);
+            return;
+        }
+        targets_.faultsChanged();
+        targets_.log.note("fault " + id + " removed");
+        send(response, Json::object());
+    });
+}
+
+void ControlApi::addItemRoutes()
+{
+    engine_.Get("/items", [this](const Request&, Response& response) {
+        Json list = Json::array();
+        for (const ItemView& view : targets_.plant.allItems()) {
+            list.push_back(itemJson(view));
+        }
+        send(response, {{"items", list}});
+    });
+    engine_.Get("/items/(.+)", [this](const Request& request, Response& response) {
+        const std::string id = request.matches[1];
+        const auto view = targets_.plant.item(id);
+        if (view) {
+            send(response, itemJson(*view));
+        } else {
+            sendError(response, 404, "there is no item \"" + id + "\"");
+        }
+    });
+    engine_.Put("/items/(.+)",
+                [this](const Request& request, Response& response) { putItem(request, response); });
+}
+
+void ControlApi::addOtherRoutes()
+{
+    engine_.Get("/status",
+                [this](const Request&, Response& response) { send(response, status()); });
+    engine_.Get("/requests", [this](const Request& request, Response& response) {
+        Json list = Json::array();
+        for (const RequestRecord& record : targets_.requests.since(sinceParameter(request))) {
+            list.push_back(toJson(record));
+        }
+        send(response, {{"requests", list}});
+    });
+    engine_.Post("/tokens/expire", [this](const Request&, Response& response) {
+        const std::size_t count = targets_.tokens.expireAll();
+        targets_.log.note(std::to_string(count) + " tokens expired on request");
+        send(response, {{"expired", count}});
+    });
+}
+
+void ControlApi::addErrorReplies()
+{
+    const httplib::Server::Handler error = [](const Request& request, Response& response) {
+        if (response.body.empty()) {
+            const std::string what = request.method + " " + request.path;
+            sendError(response, response.status,
+                      response.status == 404 ? "there is no " + what : "cannot read " + what);
+        }
+    };
+    engine_.set_error_handler(error);
+    engine_.set_exception_handler(
+        [](const Request&, Response& response, const std::exception_ptr& problem) {
+            try {
+                std::rethrow_exception(problem);
+            } catch (const BadRequest& bad) {
+                sendError(response, 400, bad.what());
+            } catch (const FaultError& bad) {
+                sendError(response, 400, bad.what());
+            } catch (const std::exception& other) {
+                sendError(response, 500, other.what());
+            }
+        });
+}
+
+Json ControlApi::status()
+{
+    return {{"url", targets_.url},
+            {"uptime", steadySeconds() - start_},
+            {"requests", targets_.requests.counts()},
+            {"tokens", targets_.tokens.activeCount()}};
+}
+
+Json ControlApi::addFault(const Request& request)
+{
+    const Json text = onlyMember(request, "fault");
+    if (!text.is_string()) {
+        throw BadRequest("member \"fault\" needs a string such as \"delay:ms=500,count=3\"");
+    }
+    const FaultSpec spec = parseFault(text.get<std::string>());
+    const std::string problem = tlsProblem(spec, targets_.hasTls);
+    if (!problem.empty()) {
+        throw BadRequest(problem);
+    }
+    const int id = targets_.faults.add(spec);
+    targets_.faultsChanged();
+    targets_.log.note("fault " + std::to_string(id) + " added, " + spec.text);
+    return {{"id", id}};
+}
+
+void ControlApi::putItem(const Request& request, Response& response)
+{
+    const std::string id = request.matches[1];
+    const WriteResult result =
+        targets_.plant.write(id, onlyMember(request, "value"), Writer::Control);
+    if (result.outcome == WriteOutcome::Done) {
+        send(response, itemJson(*targets_.plant.item(id)));
+    } else {
+        sendError(response, result.outcome == WriteOutcome::UnknownItem ? 404 : 400,
+                  result.problem);
+    }
+}
+
+} // namespace tovik_cloud

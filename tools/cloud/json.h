@@ -1,0 +1,20 @@
+#ifndef TOOLS_CLOUD_JSON_H
+#define TOOLS_CLOUD_JSON_H
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace tovik_cloud {
+
+using Json = nlohmann::json;
+
+/// Serialises without ever throwing: bytes that are not UTF-8 become U+FFFD.
+inline std::string toText(const Json& json)
+{
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+} // namespace tovik_cloud
+
+#endif

@@ -1,0 +1,184 @@
+#include "tools/cloud/service_front.h"
+
+#include "tools/cloud/clock.h"
+
+#include <cmath>
+
+namespace tovik_cloud {
+
+namespace {
+
+constexpr int hangCheckMilliseconds = 20;
+constexpr const char* jsonType = "application/json";
+
+std::string describe(const RequestRecord& record)
+{
+    const std::string number = "request " + std::to_string(record.number) + " " + record.path;
+    return record.item.empty() ? number : number + " " + toText(Json(record.item));
+}
+
+} // namespace
+
+/// One request on its way through the service.
+struct ServiceFront::Exchange
+{
+    double start = steadySeconds();
+    double time = unixSeconds();
+    RequestBody body;
+    RequestFacts facts;
+    FaultPointer fault;
+    std::optional<int> errorCode;
+    std::string problem;
+
+    bool has(FaultKind kind) const { return fault && fault->spec.kind() == kind; }
+};
+
+ServiceFront::ServiceFront(Plant& plant, TokenStore& tokens, FaultTable& faults,
+                           RequestLog& requests, EventLog& log)
+    : plant_(plant),
+      tokens_(tokens),
+      faults_(faults),
+      requests_(requests),
+      log_(log),
+      service_(plant, tokens)
+{
+    engine_.Post(".*", [this](const httplib::Request& request, httplib::Response& response) {
+        onPost(request, response);
+    });
+    const httplib::Server::Handler error = [this](const httplib::Request& request,
+                                                  httplib::Response& response) {
+        onError(request, response);
+    };
+    engine_.set_error_handler(error);
+    engine_.set_exception_handler(
+        [this](const httplib::Request&, httplib::Response& response, const std::exception_ptr&) {
+            log_.note("internal error while answering a request");
+            response.status = 500;
+            response.set_content(toText(refusal(codeInternal, "").json), jsonType);
+        });
+}
+
+void ServiceFront::onPost(const httplib::Request& request, httplib::Response& response)
+{
+    HttpEngine::current().answered = true;
+    const auto path = apiPathFromUrl(request.path);
+    if (!path) {
+        refuseUnknown(request, response, 404);
+        return;
+    }
+    Exchange exchange;
+    exchange.body = parseBody(request.body);
+    const std::string item = exchange.body.text("dataitem_id");
+    const std::string group = exchange.body.text("group_id");
+    exchange.facts = {*path, item, item.empty() ? group : plant_.groupIdOf(item)};
+    exchange.fault = faults_.takeForRequest(exchange.facts);
+    if (!strike(exchange)) {
+        finish(exchange, 0);
+        return;
+    }
+    const HttpReply reply = answer(exchange, request.get_header_value("Content-Type"));
+    response.status = reply.status;
+    response.set_content(reply.body, reply.contentType);
+    finish(exchange, reply.status);
+}
+
+// The faults that strike before the service sees the request; false if it never will.
+bool ServiceFront::strike(Exchange& exchange)
+{
+    Connection& connection = HttpEngine::current();
+    if (!exchange.fault) {
+        return true;
+    }
+    const FaultSpec& spec = exchange.fault->spec;
+    switch (spec.kind()) {
+    case FaultKind::Reset:
+        connection.drop(true);
+        return false;
+    case FaultKind::Hang:
+        while (faults_.isInForce(*exchange.fault) && connection.pause(hangCheckMilliseconds)) {
+        }
+        connection.drop(false);
+        return false;
+    case FaultKind::Delay:
+        connection.pause(spec.ms);
+        break;
+    case FaultKind::Drip:
+        connection.dripReplies(spec.ms);
+        break;
+    case FaultKind::ResetMid:
+        connection.resetInBody();
+        break;
+    case FaultKind::TokenExpiry:
+        tokens_.expireAll();
+        break;
+    default:
+        break;
+    }
+    return true;
+}
+
+HttpReply ServiceFront::answer(Exchange& exchange, const std::string& contentType)
+{
+    if (exchange.fault && replacesService(exchange.fault->spec.kind())) {
+        if (exchange.has(FaultKind::ErrorCode)) {
+            exchange.errorCode = exchange.fault->spec.code;
+        }
+        return replacementReply(exchange.fault->spec);
+    }
+    const Reply reply = service_.answer(exchange.facts.path, contentType, exchange.body);
+    exchange.errorCode = reply.errorCode();
+    exchange.problem = reply.problem;
+    return exchange.fault ? spoiltReply(exchange.fault->spec, reply.json)
+                          : HttpReply{200, toText(reply.json), jsonType};
+}
+
+void ServiceFront::finish(const Exchange& exchange, int status)
+{
+    RequestRecord record;
+    record.time = exchange.time;
+    record.path = apiPathName(exchange.facts.path);
+    record.item = exchange.facts.item;
+    record.errorCode = exchange.errorCode;
+    record.status = status;
+    record.fault = exchange.fault ? exchange.fault->spec.text : "";
+    record.milliseconds = std::round((steadySeconds() - exchange.start) * 1e6) / 1e3;
+    record.body = maskedBody(exchange.body);
+    record.number = requests_.add(record);
+    const std::string what = describe(record);
+    if (exchange.fault) {
+        log_.note(what + ": fault " + std::to_string(exchange.fault->id) + " applied, " +
+                  record.fault);
+    }
+    if (!exchange.problem.empty()) {
+        log_.note(what + ": refused with error code " + std::to_string(*exchange.errorCode) + ", " +
+                  exchange.problem);
+    }
+    log_.detail(what + ": status " + std::to_string(status) + ", " + toText(record.body));
+}
+
+void ServiceFront::refuseUnknown(const httplib::Request& request, httplib::Response& response,
+                                 int status)
+{
+    RequestRecord record;
+    record.time = unixSeconds();
+    record.path = request.path;
+    record.errorCode = codeMalformed;
+    record.status = status;
+    record.number = requests_.add(record);
+    log_.note("request " + std::to_string(record.number) + ": refused with status " +
+              std::to_string(status) + ", " + request.method + " " + toText(Json(request.path)));
+    response.status = status;
+    response.set_content(toText(refusal(codeMalformed, "").json), jsonType);
+}
+
+// Comes for all that the HTTP library turns away by itself, and for our own error replies.
+void ServiceFront::onError(const httplib::Request& request, httplib::Response& response)
+{
+    if (HttpEngine::current().answered) {
+        return;
+    }
+    const bool wrongMethod = response.status == 404 && apiPathFromUrl(request.path).has_value();
+    refuseUnknown(request, response, wrongMethod ? 405 : response.status);
+}
+
+} // namespace tovik_cloud

@@ -1,0 +1,155 @@
+#include "tools/host/config_file.h"
+
+#include "tools/host/member_reader.h"
+#include "tools/host/password.h"
+#include "tools/host/usage_error.h"
+
+#include <QFile>
+#include <QHash>
+#include <QUrl>
+
+namespace tovik_host {
+
+namespace {
+
+using Pointer = nlohmann::json::json_pointer;
+
+const int longest_text = 65535;
+
+JsonFile readJson(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw UsageError(QStringLiteral("cannot read the configuration \"%1\": %2")
+                             .arg(path, file.errorString()));
+    }
+    const std::string text = file.readAll().toStdString();
+    JsonFile json{path, nlohmann::json(), findJsonLines(text)};
+    if (!json.lines.problem.empty()) {
+        throw UsageError(QStringLiteral("%1:%2: %3")
+                             .arg(path)
+                             .arg(json.lines.problem_line)
+                             .arg(QString::fromStdString(json.lines.problem)));
+    }
+    json.root = nlohmann::json::parse(text);
+    return json;
+}
+
+ServiceConfig readService(const JsonFile& file)
+{
+    const MemberReader members(file, Pointer("/service"));
+    members.refuseOthers({QStringLiteral("url"), QStringLiteral("project"), QStringLiteral("email"),
+                          QStringLiteral("password"), QStringLiteral("password_file"),
+                          QStringLiteral("password_env")});
+    ServiceConfig service;
+    service.url = members.optionalText("url", QString());
+    if (members.has("url"))
+        checkUrl(service.url, file.place(Pointer("/service/url")));
+    service.project = members.requiredText("project");
+    service.email = members.requiredText("email");
+    service.password = readPassword(members, file.path);
+    return service;
+}
+
+ItemConfig readItem(const JsonFile& file, const Pointer& pointer)
+{
+    const MemberReader members(file, pointer);
+    members.refuseOthers({QStringLiteral("name"), QStringLiteral("id"), QStringLiteral("type"),
+                          QStringLiteral("length")});
+    ItemConfig item;
+    item.name = members.requiredText("name");
+    item.id = members.requiredText("id");
+    const QString type = members.requiredText("type");
+    item.type = findItemType(type);
+    if (!item.type) {
+        members.fail(
+            "type",
+            QStringLiteral("\"%1\" is no type; the types are: %2").arg(type, allItemTypeNames()));
+    }
+    if (members.has("length") && item.type->size > 0)
+        members.fail("length", QStringLiteral("only items of type String have a length"));
+    item.length = members.optionalNumber("length", 0, 1, longest_text);
+    return item;
+}
+
+QVector<ItemConfig> readItems(const JsonFile& file, QStringList* warnings)
+{
+    const Pointer list("/items");
+    const nlohmann::json& elements = file.root.at(list);
+    if (!elements.is_array())
+        file.fail(list, QStringLiteral("must be a list: [ ... ]"));
+    if (elements.empty())
+        file.fail(list, QStringLiteral("must name at least one item"));
+    QVector<ItemConfig> items;
+    QHash<QString, std::size_t> first_of_name;
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        items << readItem(file, list / i);
+        const QString& name = items.last().name;
+        if (!first_of_name.contains(name)) {
+            first_of_name.insert(name, i);
+            continue;
+        }
+        *warnings << QStringLiteral("%1: items[%2] has the name \"%3\" already; the driver serves "
+                                    "the first one only")
+                         .arg(file.place(list / i / "name"))
+                         .arg(first_of_name.value(name))
+                         .arg(name);
+    }
+    return items;
+}
+
+ErrorHandling readErrorHandling(const JsonFile& file)
+{
+    ErrorHandling handling;
+    if (!file.root.contains("error_handling"))
+        return handling;
+    const int day = 24 * 60 * 60;
+    const MemberReader members(file, Pointer("/error_handling"));
+    members.refuseOthers({QStringLiteral("type"), QStringLiteral("return_time"),
+                          QStringLiteral("retry_count"), QStringLiteral("return_time_enabled"),
+                          QStringLiteral("restore_switch_enabled")});
+    handling.type = members.optionalNumber("type", handling.type, 0, 3);
+    handling.return_time = members.optionalNumber("return_time", handling.return_time, 1, day);
+    handling.retry_count = members.optionalNumber("retry_count", handling.retry_count, 0, 1000);
+    handling.return_time_enabled =
+        members.optionalFlag("return_time_enabled", handling.return_time_enabled);
+    handling.restore_switch_enabled =
+        members.optionalFlag("restore_switch_enabled", handling.restore_switch_enabled);
+    return handling;
+}
+
+} // namespace
+
+void checkUrl(const QString& url, const QString& origin)
+{
+    const QUrl parsed(url, QUrl::StrictMode);
+    const bool is_web =
+        parsed.scheme() == QLatin1String("https") || parsed.scheme() == QLatin1String("http");
+    const bool is_bare = parsed.path().isEmpty() && !parsed.hasQuery() && !parsed.hasFragment();
+    if (!parsed.isValid() || !is_web || !is_bare || parsed.host().isEmpty()) {
+        throw UsageError(QStringLiteral("%1: must be an address such as https://cloud.example, "
+                                        "without a path or a slash at its end")
+                             .arg(origin));
+    }
+}
+
+LoadedConfig loadConfig(const QString& path)
+{
+    const JsonFile file = readJson(path);
+    const MemberReader members(file, Pointer());
+    members.refuseOthers(
+        {QStringLiteral("service"), QStringLiteral("items"), QStringLiteral("error_handling")});
+    for (const char* name : {"service", "items"}) {
+        if (!members.has(name)) {
+            file.fail(Pointer(),
+                      QStringLiteral("the member \"%1\" is missing").arg(QLatin1String(name)));
+        }
+    }
+    LoadedConfig loaded;
+    loaded.config.service = readService(file);
+    loaded.config.items = readItems(file, &loaded.warnings);
+    loaded.config.error_handling = readErrorHandling(file);
+    return loaded;
+}
+
+} // namespace tovik_host

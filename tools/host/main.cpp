@@ -1,0 +1,34 @@
+#include "tools/host/command_line.h"
+#include "tools/host/exit_code.h"
+#include "tools/host/usage_error.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+namespace {
+
+/// The commands rely on the driver's debug lines, which an environment may have switched off; of
+/// several rules the last one counts.
+void enableDebugLines()
+{
+    const char variable[] = "QT_LOGGING_RULES";
+    qputenv(variable, qgetenv(variable) + ";default.debug=true");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const tovik_host::ParsedCommandLine parsed = tovik_host::parseCommandLine(argc, argv);
+    if (!parsed.run)
+        return parsed.exit_code;
+    enableDebugLines();
+    const QCoreApplication application(argc, argv);
+    try {
+        return parsed.run();
+    } catch (const tovik_host::UsageError& error) {
+        std::fprintf(stderr, "tovik-host: %s\n", error.what());
+        return tovik_host::exitUsage;
+    }
+}

@@ -1,0 +1,58 @@
+#include "tools/host/password.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace tovik_host {
+
+namespace {
+
+QString fromFile(const MemberReader& service, const QString& config_path)
+{
+    const QString name = service.requiredText("password_file");
+    QFile file(QFileInfo(config_path).dir().absoluteFilePath(name));
+    if (!file.open(QIODevice::ReadOnly)) {
+        service.fail("password_file",
+                     QStringLiteral("cannot read \"%1\": %2").arg(name, file.errorString()));
+    }
+    QByteArray line = file.readLine();
+    while (line.endsWith('\n') || line.endsWith('\r'))
+        line.chop(1);
+    return QString::fromUtf8(line);
+}
+
+QString fromEnvironment(const MemberReader& service)
+{
+    const QString name = service.requiredText("password_env");
+    const QByteArray variable = name.toUtf8();
+    if (!qEnvironmentVariableIsSet(variable.constData())) {
+        service.fail("password_env",
+                     QStringLiteral("the environment has no variable \"%1\"").arg(name));
+    }
+    return QString::fromUtf8(qgetenv(variable.constData()));
+}
+
+} // namespace
+
+QString readPassword(const MemberReader& service, const QString& config_path)
+{
+    const char* given = nullptr;
+    for (const char* name : {"password", "password_file", "password_env"}) {
+        if (!service.has(name))
+            continue;
+        if (given) {
+            service.fail(
+                name,
+                QStringLiteral("\"%1\" gives the password already").arg(QLatin1String(given)));
+        }
+        given = name;
+    }
+    if (service.has("password_file"))
+        return fromFile(service, config_path);
+    if (service.has("password_env"))
+        return fromEnvironment(service);
+    return service.optionalText("password", QString());
+}
+
+} // namespace tovik_host

@@ -1,0 +1,46 @@
+#ifndef TOOLS_HOST_PLUGIN_H
+#define TOOLS_HOST_PLUGIN_H
+
+#include <QString>
+#include <QStringList>
+
+class DrvEthernet;
+class DrvInterface;
+
+namespace tovik_host {
+
+/// A driver library, loaded by path; known by its two entry points only.
+///
+/// It stays loaded to the end of the process: Qt keeps functions of it.
+class Plugin
+{
+public:
+    /// Loads \a path. Throws UsageError when that fails or an entry point is missing.
+    explicit Plugin(const QString& path);
+
+    /// Loads the first of \a candidates that exists as a file; the last one is left to the loader
+    /// and its own places.
+    static Plugin loadFirst(const QStringList& candidates);
+    /// Where the driver library may be for a program in \a program_folder: beside an installed
+    /// program, in the build tree, and wherever the loader looks.
+    static QStringList candidates(const QString& program_folder);
+
+    /// The file that was loaded.
+    QString path() const { return path_; }
+    /// The driver's version as "major.minor.patch".
+    QString versionText() const;
+    /// A new driver on \a link, owned by the caller.
+    DrvInterface* createDriver(DrvEthernet* link) const;
+
+private:
+    using Factory = DrvInterface* (*)(void*, void*, DrvEthernet*);
+    using Version = quint32 (*)();
+
+    QString path_;
+    Factory factory_ = nullptr;
+    Version version_ = nullptr;
+};
+
+} // namespace tovik_host
+
+#endif

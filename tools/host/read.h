@@ -1,0 +1,14 @@
+#ifndef TOOLS_HOST_READ_H
+#define TOOLS_HOST_READ_H
+
+#include "tools/host/options.h"
+
+namespace tovik_host {
+
+/// Reads items once, as the service has them, and prints them. Returns the exit code; throws
+/// UsageError.
+int runRead(const CommonOptions& common, const ReadOptions& options);
+
+} // namespace tovik_host
+
+#endif

@@ -1,0 +1,95 @@
+#include "tools/host/watch.h"
+
+#include "tools/host/exit_code.h"
+#include "tools/host/json_view.h"
+#include "tools/host/line_view.h"
+#include "tools/host/terminal_view.h"
+#include "tools/host/workplace.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include <memory>
+#include <unistd.h>
+
+namespace tovik_host {
+
+namespace {
+
+QVector<ServedItem> servedItems(const QVector<ItemConfig>& items)
+{
+    QVector<ServedItem> served;
+    for (const ItemConfig& item : items)
+        served << ServedItem{item, std::nullopt};
+    return served;
+}
+
+std::unique_ptr<WatchView> makeView(Workplace& place, const CommonOptions& common)
+{
+    if (common.json)
+        return std::make_unique<JsonView>(place.out);
+    if (::isatty(STDOUT_FILENO) == 0)
+        return std::make_unique<LineView>(place.out);
+    auto view = std::make_unique<TerminalView>(STDOUT_FILENO, place.out, place.log,
+                                               common.log.isEmpty() && !common.verbose);
+    TerminalView* table = view.get();
+    QObject::connect(&place.unix_signals, &UnixSignals::terminalResized, &place.unix_signals,
+                     [table] { table->resized(); });
+    return view;
+}
+
+/// Reads every item once and tells the view.
+void readRound(DriverSession& session, WatchModel& model, WatchView& view)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    for (int i = 0; i < model.items().size(); ++i) {
+        const ItemConfig& item = model.items().at(i).item;
+        if (model.take(i, session.read(item.name, item.length), now))
+            view.valueChanged(model.items().at(i));
+    }
+    if (model.endRound(now))
+        view.statusChanged(model);
+    view.roundDone(model, now);
+}
+
+/// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
+void watchUntilEnd(Workplace& place, const WatchOptions& options,
+                   const std::function<void()>& round)
+{
+    QEventLoop loop;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
+        round();
+        if (place.out.broken())
+            loop.quit();
+    });
+    QObject::connect(&place.unix_signals, &UnixSignals::endAsked, &loop, &QEventLoop::quit);
+    QObject::connect(&place.unix_signals, &UnixSignals::terminalResized, &loop, round);
+    if (options.seconds > 0)
+        QTimer::singleShot(int(options.seconds * 1000), &loop, &QEventLoop::quit);
+    timer.start(options.interval);
+    round();
+    if (!place.unix_signals.endRequested() && !place.out.broken())
+        loop.exec();
+}
+
+} // namespace
+
+int runWatch(const CommonOptions& common, const WatchOptions& options)
+{
+    Workplace place(common);
+    const std::unique_ptr<WatchView> view = makeView(place, common);
+    const QDateTime start = QDateTime::currentDateTime();
+    WatchModel model(place.config.items, start);
+    view->start({place.plugin.path(), place.plugin.versionText(), place.shownUrl(),
+                 place.config.service.project},
+                start);
+    {
+        DriverSession session(place.plugin, place.config, servedItems(place.config.items));
+        watchUntilEnd(place, options, [&] { readRound(session, model, *view); });
+    }
+    view->end(QDateTime::currentDateTime());
+    return exitDone;
+}
+
+} // namespace tovik_host

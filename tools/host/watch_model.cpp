@@ -1,0 +1,43 @@
+#include "tools/host/watch_model.h"
+
+namespace tovik_host {
+
+WatchModel::WatchModel(const QVector<ItemConfig>& items, const QDateTime& now)
+    : has_value_(items.size(), false),
+      status_since_(now)
+{
+    for (const ItemConfig& item : items) {
+        ItemState state;
+        state.item = item;
+        state.changed_at = now;
+        items_ << state;
+    }
+}
+
+bool WatchModel::take(int index, const Answer& answer, const QDateTime& now)
+{
+    ItemState& state = items_[index];
+    const bool changed = !has_value_.at(index) || answer.arrived != state.answer.arrived ||
+                         answer.bytes != state.answer.bytes;
+    state.answer = answer;
+    if (round_status_ == 0)
+        round_status_ = answer.status;
+    if (!changed)
+        return false;
+    has_value_[index] = true;
+    state.value = answer.arrived ? decodeValue(*state.item.type, answer.bytes) : std::nullopt;
+    state.changed_at = now;
+    return true;
+}
+
+bool WatchModel::endRound(const QDateTime& now)
+{
+    const bool changed = round_status_ != status_;
+    status_ = round_status_;
+    round_status_ = 0;
+    if (changed)
+        status_since_ = now;
+    return changed;
+}
+
+} // namespace tovik_host

@@ -1,0 +1,49 @@
+#ifndef TOOLS_HOST_WATCH_MODEL_H
+#define TOOLS_HOST_WATCH_MODEL_H
+
+#include "tools/host/config.h"
+#include "tools/host/driver_session.h"
+
+#include <QDateTime>
+#include <QVector>
+
+#include <optional>
+
+namespace tovik_host {
+
+/// What is known of one watched item.
+struct ItemState
+{
+    ItemConfig item;
+    Answer answer;                ///< The latest one.
+    std::optional<QString> value; ///< The answer's bytes as text, if they are a value of the type.
+    QDateTime changed_at;         ///< When the bytes changed last.
+};
+
+/// The watched items and the driver's status, as the rounds of reads show them.
+class WatchModel
+{
+public:
+    WatchModel(const QVector<ItemConfig>& items, const QDateTime& now);
+
+    /// Takes the answer for the item at \a index. True: its bytes are new.
+    bool take(int index, const Answer& answer, const QDateTime& now);
+    /// Ends a round: the driver's status is the first one of the round that is not 0. True: it is
+    /// another one than before.
+    bool endRound(const QDateTime& now);
+
+    const QVector<ItemState>& items() const { return items_; }
+    int status() const { return status_; }
+    const QDateTime& statusSince() const { return status_since_; }
+
+private:
+    QVector<ItemState> items_;
+    QVector<bool> has_value_;
+    int status_ = 0;
+    int round_status_ = 0;
+    QDateTime status_since_;
+};
+
+} // namespace tovik_host
+
+#endif

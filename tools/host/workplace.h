@@ -1,0 +1,34 @@
+#ifndef TOOLS_HOST_WORKPLACE_H
+#define TOOLS_HOST_WORKPLACE_H
+
+#include "tools/host/config.h"
+#include "tools/host/debug_log.h"
+#include "tools/host/options.h"
+#include "tools/host/output.h"
+#include "tools/host/plugin.h"
+#include "tools/host/unix_signals.h"
+
+namespace tovik_host {
+
+/// What every command works with, made from the options that all have.
+struct Workplace
+{
+    /// Loads the configuration and the library. Throws UsageError.
+    explicit Workplace(const CommonOptions& common);
+
+    /// The item of that name. Throws UsageError when the configuration has none.
+    const ItemConfig& item(const QString& name) const;
+    /// The service's address without a password, for showing.
+    QString shownUrl() const;
+
+    DebugLog log;
+    UnixSignals unix_signals;
+    HostConfig config;
+    Plugin plugin;
+    Output out;
+    Output err;
+};
+
+} // namespace tovik_host
+
+#endif

@@ -1,0 +1,45 @@
+#include "tools/host/write.h"
+
+#include "tools/host/confirm.h"
+#include "tools/host/exit_code.h"
+#include "tools/host/sending.h"
+#include "tools/host/text_width.h"
+#include "tools/host/usage_error.h"
+#include "tools/host/workplace.h"
+
+namespace tovik_host {
+
+namespace {
+
+int milliseconds(double seconds)
+{
+    return int(seconds * 1000);
+}
+
+} // namespace
+
+int runWrite(const CommonOptions& common, const WriteOptions& options)
+{
+    Workplace place(common);
+    const ItemConfig& item = place.item(options.item);
+    const EncodedValue encoded = encodeValue(*item.type, options.value, item.length);
+    if (!encoded.ok())
+        throw UsageError(QStringLiteral("%1: %2").arg(item.name, encoded.problem));
+    const QString shown = decodeValue(*item.type, encoded.bytes).value_or(QString());
+
+    QString problem = sendValue(place, item, encoded.bytes, milliseconds(options.timeout));
+    if (problem.isEmpty() && options.confirm > 0)
+        problem = confirmValue(place, item, encoded.bytes, milliseconds(options.confirm));
+    if (!problem.isEmpty()) {
+        place.err.line(
+            QStringLiteral("tovik-host: %1: %2").arg(printable(item.name), printable(problem)));
+        return exitRefused;
+    }
+    place.out.line(
+        QStringLiteral("%1 = %2  %3")
+            .arg(item.name, shown,
+                 options.confirm > 0 ? QStringLiteral("confirmed") : QStringLiteral("sent")));
+    return exitDone;
+}
+
+} // namespace tovik_host

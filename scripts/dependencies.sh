@@ -1,0 +1,43 @@
+# Sourced by the other scripts: what the project needs from Debian, and how it is installed.
+# shellcheck shell=bash
+
+# To build the library and the tools.
+build_packages=(
+  build-essential ca-certificates ccache cmake ninja-build pkg-config
+  qtbase5-dev libqt5serialport5-dev picojson-dev
+  libcpp-httplib-dev libssl-dev nlohmann-json3-dev libcli11-dev)
+
+# To run the tests, and to check the sources.
+test_packages=(binutils clang-format-14)
+
+# install_missing PACKAGE...: installs those that are not there yet; root or sudo is needed for it.
+install_missing() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null; then
+      echo "These packages are missing, and only root can install them (there is no sudo):" >&2
+      echo "  ${missing[*]}" >&2
+      echo "Run 'apt-get install ${missing[*]}' as root, then start again." >&2
+      return 1
+    fi
+    as_root=(sudo)
+  fi
+  echo "== Installing ${#missing[@]} packages: ${missing[*]}"
+  local log
+  log=$(mktemp)
+  if ! { "${as_root[@]}" apt-get update -q &&
+         "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+           apt-get install -y -q --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    tail -n 20 "$log" >&2
+    echo "Installing failed; the whole log is in $log." >&2
+    return 1
+  fi
+  rm -f "$log"
+}

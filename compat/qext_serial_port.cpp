@@ -238,8 +238,11 @@ bool QextSerialPort::isSequential() const
 
 void QextSerialPort::flush()
 {
-    if (isOpen())
-        port_->clear(QSerialPort::AllDirections);
+    if (!isOpen())
+        return;
+    port_->clear(QSerialPort::AllDirections);
+    // What has been peeked at is kept here, above the port.
+    read(QIODevice::bytesAvailable());
 }
 
 qint64 QextSerialPort::size() const

@@ -257,21 +257,26 @@ void TestQextSerialPortData::flushDropsWhatWasReceived_data()
 {
     QTest::addColumn<bool>("is_in_port");
     QTest::addColumn<int>("read_before");
-    QTest::newRow("held by the kernel") << false << 0;
-    QTest::newRow("held by the port") << true << 0;
-    QTest::newRow("the rest of what was read in part") << false << 1;
-    QTest::newRow("the rest of what the port held") << true << 1;
+    QTest::addColumn<int>("peeked_before");
+    QTest::newRow("held by the kernel") << false << 0 << 0;
+    QTest::newRow("held by the port") << true << 0 << 0;
+    QTest::newRow("the rest of what was read in part") << false << 1 << 0;
+    QTest::newRow("the rest of what the port held") << true << 1 << 0;
+    QTest::newRow("what was peeked at") << false << 0 << 5;
+    QTest::newRow("what was peeked at in part") << true << 1 << 2;
 }
 
 void TestQextSerialPortData::flushDropsWhatWasReceived()
 {
     QFETCH(bool, is_in_port);
     QFETCH(int, read_before);
+    QFETCH(int, peeked_before);
     QVERIFY(pty_->send("stale"));
     QVERIFY(arrives(*port_, 5));
     if (is_in_port)
         QVERIFY(port_->waitForReadyRead(patience));
     QCOMPARE(port_->read(read_before).size(), read_before);
+    QCOMPARE(port_->peek(peeked_before).size(), peeked_before);
     port_->flush();
     QCOMPARE(port_->bytesAvailable(), 0);
     QVERIFY(port_->readAll().isEmpty());

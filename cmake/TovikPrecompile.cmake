@@ -1,0 +1,16 @@
+# Precompiled headers for tools and tests, most of whose compile time is other people's headers.
+# The release preset builds without: what a file needs it still has to include.
+
+# Targets that are compiled alike share what the first of them has precompiled, by the name KIND.
+function(tovik_precompile target kind)
+  if(NOT TOVIK_PRECOMPILE)
+    return()
+  endif()
+  get_property(first GLOBAL PROPERTY TOVIK_PRECOMPILED_${kind})
+  if(first)
+    target_precompile_headers(${target} REUSE_FROM ${first})
+  else()
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+    set_property(GLOBAL PROPERTY TOVIK_PRECOMPILED_${kind} ${target})
+  endif()
+endfunction()

@@ -4,6 +4,7 @@
 #include "cloud/data_item_type.h"
 #include "cloud/service_message.h"
 #include "compat/text.h"
+#include "compat/whole_post.h"
 
 #include <QDebug>
 #include <QEventLoop>
@@ -266,7 +267,9 @@ QString TovikIot::PostRequest(QString body, QString url)
     request.setSslConfiguration(ssl);
 
     QNetworkAccessManager manager;
-    QNetworkReply* reply = manager.post(request, body.toLocal8Bit());
+    const QByteArray bytes = body.toLocal8Bit();
+    QNetworkReply* reply = manager.post(request, bytes);
+    whole_post::handOverBody(reply, bytes.size());
     QEventLoop loop;
     connect(reply, SIGNAL(finished()), &loop, SLOT(quit()));
     loop.exec();

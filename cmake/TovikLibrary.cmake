@@ -30,6 +30,7 @@ set(TOVIK_DRIVER_SOURCES
   cloud/service_message.h cloud/service_message.cpp
   cloud/tovik_iot.h cloud/tovik_iot.cpp
   compat/text.h compat/text.cpp
+  compat/whole_post.h compat/whole_post.cpp
   framework/element_packing.h framework/element_packing.cpp
   framework/protocol_basic.h framework/protocol_basic.cpp
   interface/drvlib.h interface/drvlib.cpp)

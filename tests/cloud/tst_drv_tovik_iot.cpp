@@ -294,7 +294,7 @@ void TestDrvTovikIot::closeDuringAHangingRequest()
     QElapsedTimer timer;
     timer.start();
     host.close();
-    QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
     host.write("a", QByteArray("\0", 1));
     host.driver.reset();
     // Whatever was on its way to the service would be there by the time a later caller is served.

@@ -143,8 +143,9 @@ void ScriptedService::incomingConnection(qintptr descriptor)
 void ScriptedService::receive(QTcpSocket* socket)
 {
     QByteArray& bytes = received_[socket];
-    bytes += socket->readAll();
     ScriptedRequest request;
+    request.came_at_once = bytes.isEmpty();
+    bytes += socket->readAll();
     if (!parse(bytes, &request))
         return;
     bytes.clear();

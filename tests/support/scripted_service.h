@@ -18,6 +18,7 @@ struct ScriptedRequest
     QByteArray path;
     QHash<QByteArray, QByteArray> headers; ///< Names in lower case.
     QByteArray body;
+    bool came_at_once = true; ///< Header and body were there together at the first look.
 };
 
 /// What the service does with a request: it may answer, or misbehave.

@@ -6,7 +6,11 @@
 #include <cstring>
 
 /// \file
-/// One way to pack an element into a frame and one to unpack it, for all of ProtocolBasic.
+/// One way to pack elements into a frame and one to unpack them, for all of ProtocolBasic.
+///
+/// Both go in two steps: the bytes of whole elements change between the host's order and the
+/// frame's in one pass, and change between bytes and characters in another. A last element that is
+/// cut is filled up with zero bytes and goes by itself.
 namespace element_packing {
 
 inline unsigned char toByte(char c)
@@ -23,16 +27,7 @@ inline char toChar(unsigned char byte)
 }
 
 /// A hexadecimal digit as a number; any other character is 0.
-inline unsigned char digitValue(char c)
-{
-    if (c >= '0' && c <= '9')
-        return static_cast<unsigned char>(c - '0');
-    if (c >= 'A' && c <= 'F')
-        return static_cast<unsigned char>(c - 'A' + 10);
-    if (c >= 'a' && c <= 'f')
-        return static_cast<unsigned char>(c - 'a' + 10);
-    return 0;
-}
+unsigned char digitValue(char c);
 
 /// A number as a digit, 10 as A and on.
 inline char digitCharacter(unsigned char value)
@@ -46,25 +41,20 @@ inline bool isElementSize(int size)
     return size == 1 || size == 2 || size == 4;
 }
 
-/// The byte at \a src, of which \a available characters or bytes are there; what is missing is 0.
-inline unsigned char byteAt(const char* src, int available, int ascii)
+/// Two characters as a byte.
+inline unsigned char byteOf(const char* characters)
 {
-    if (available <= 0)
-        return 0;
-    if (!ascii)
-        return toByte(src[0]);
-    const int low = available > 1 ? digitValue(src[1]) : 0;
-    return static_cast<unsigned char>(digitValue(src[0]) * 16 + low);
+    return static_cast<unsigned char>(digitValue(characters[0]) * 16 + digitValue(characters[1]));
 }
 
-/// An element of \a size bytes in the host's byte order, of which \a available are there.
-quint32 load(const char* src, int available, int size);
+/// Appends a number of \a size bytes; those beyond its own four are zero.
+void appendNumber(QByteArray* out, quint32 number, int size, bool least_first, int ascii);
 
-/// Appends the first \a room bytes of an element of \a size bytes.
-void pack(QByteArray* out, quint32 element, int size, int room, bool least_first, int ascii);
+/// Appends \a len bytes of elements of 1, 2 or 4 bytes. They may lie in \a out.
+void pack(QByteArray* out, const char* src, int len, int size, bool least_first, int ascii);
 
 /// Writes the elements in \a len bytes or characters of \a src to \a dst, in the host's byte order,
-/// and no more than \a room bytes.
+/// and no more than \a room bytes. The size is 1, 2, 3 or 4.
 void unpack(char* dst, int room, const char* src, int len, int size, bool least_first, int ascii);
 
 } // namespace element_packing

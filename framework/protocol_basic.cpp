@@ -126,7 +126,7 @@ int ProtocolBasic::array2Number(const QByteArray& data, int order, int ascii)
     for (int k = 0; k < count; ++k, bytes += width) {
         const int place = order != 0 ? k : count - 1 - k;
         if (place < 4)
-            number |= quint32(byteAt(bytes, width, ascii)) << (8 * place);
+            number |= quint32(ascii ? byteOf(bytes) : toByte(bytes[0])) << (8 * place);
     }
     // An odd character is read again from the first byte on, with nothing behind it.
     const int place = order != 0 ? 0 : count - 1;
@@ -137,17 +137,17 @@ int ProtocolBasic::array2Number(const QByteArray& data, int order, int ascii)
 
 void ProtocolBasic::addNumber(QByteArray& out, unsigned char value, int ascii)
 {
-    pack(&out, value, 1, 1, true, ascii);
+    appendNumber(&out, value, 1, true, ascii);
 }
 
 void ProtocolBasic::addNumber(QByteArray& out, unsigned short value, int order, int ascii)
 {
-    pack(&out, value, 2, 2, order != 0, ascii);
+    appendNumber(&out, value, 2, order != 0, ascii);
 }
 
 void ProtocolBasic::addNumber(QByteArray& out, unsigned int value, int order, int ascii)
 {
-    pack(&out, value, 4, 4, order != 0, ascii);
+    appendNumber(&out, value, 4, order != 0, ascii);
 }
 
 QByteArray ProtocolBasic::number2Str(int value, int width, int base)
@@ -204,11 +204,17 @@ int ProtocolBasic::composeDataArea(QByteArray* out, char* data, int size, int co
 {
     if (!out || !data || size <= 0)
         return 0;
-    for (int i = 0; i < count; ++i) {
-        const char* element = data + qint64(i) * size;
-        pack(out, load(element, isElementSize(size) ? size : 1, size), size, size, order == 1,
-             ascii);
+    // No array holds more than that, in characters.
+    if (count <= 0 || count > std::numeric_limits<int>::max() / 2 / size)
+        return 0;
+    if (isElementSize(size)) {
+        pack(out, data, count * size, size, order == 1, ascii);
+        return 0;
     }
+    QByteArray packed; // not into the array at once: it may hold the source
+    for (int i = 0; i < count; ++i)
+        appendNumber(&packed, toByte(data[qint64(i) * size]), size, order == 1, ascii);
+    out->append(packed);
     return 0;
 }
 
@@ -221,10 +227,8 @@ bool ProtocolBasic::addArray(QByteArray& out, const char* data, int len, int siz
     }
     if (len > 0 && !isElementSize(size))
         return false;
-    for (int at = 0; at < len; at += size) {
-        const int room = qMin(size, len - at);
-        pack(&out, load(data + at, room, size), size, room, order == 1, ascii);
-    }
+    if (len > 0)
+        pack(&out, data, len, size, order == 1, ascii);
     return true;
 }
 

@@ -34,6 +34,9 @@ class TestProtocolBasicArrays : public QObject
 private Q_SLOTS:
     void roundTrips_data();
     void roundTrips();
+    void sourceInTheArrayItself_data();
+    void sourceInTheArrayItself();
+    void unpackedInPlace();
     void oddSizes();
     void composeRefusesNothing();
     void addArrayFailures();
@@ -67,7 +70,7 @@ void TestProtocolBasicArrays::roundTrips()
     QFETCH(int, ascii);
     std::mt19937 random(quint32(6103 + size));
     ProtocolBasic protocol;
-    for (int count = 0; count <= 64; ++count) {
+    for (int count = 0; count <= 150; ++count) {
         QByteArray data(count * size, '\0');
         for (char& byte : data)
             byte = char(random() % 256);
@@ -89,6 +92,47 @@ void TestProtocolBasicArrays::roundTrips()
                                           ascii),
                  0);
         QCOMPARE(area, data + '\x55');
+    }
+}
+
+void TestProtocolBasicArrays::sourceInTheArrayItself_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("bytes") << 1;
+    QTest::newRow("words") << 2;
+    QTest::newRow("an odd size") << 3;
+    QTest::newRow("long words") << 4;
+}
+
+/// Appending moves the array; the source must not be left behind.
+void TestProtocolBasicArrays::sourceInTheArrayItself()
+{
+    QFETCH(int, size);
+    ProtocolBasic protocol;
+    const QByteArray bytes(1200, '\x5A');
+    for (int from : {0, 12}) {
+        QByteArray out = bytes + "";
+        out.squeeze();
+        const int count = (bytes.size() - from) / size;
+        protocol.composeDataArea(&out, out.data() + from, size, count, 1, 1);
+        QByteArray expected = bytes;
+        for (int i = 0; i < count; ++i)
+            expected += size == 3 ? QByteArray("5A0000") : QByteArray("5A").repeated(size);
+        QCOMPARE(out, expected);
+    }
+}
+
+void TestProtocolBasicArrays::unpackedInPlace()
+{
+    ProtocolBasic protocol;
+    for (int order : {0, 1}) {
+        QByteArray data(600, '\0');
+        for (int i = 0; i < data.size(); ++i)
+            data[i] = char(i % 251);
+        QByteArray frame = framed(data, 2, order, 1);
+        char* bytes = frame.data();
+        QCOMPARE(protocol.extractDataArea(bytes, &frame, 0, frame.size(), 2, order, 1), 0);
+        QCOMPARE(frame.left(data.size()), data);
     }
 }
 

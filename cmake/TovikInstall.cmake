@@ -7,6 +7,7 @@ set(TOVIK_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/TovikIot)
 set(TOVIK_PUBLIC_HEADERS
   compat/export.h
   compat/serial_port.h
+  framework/driver_basic.h
   framework/protocol_basic.h
   interface/addr_data.h
   interface/data_element_group.h

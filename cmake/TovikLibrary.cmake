@@ -31,7 +31,9 @@ set(TOVIK_DRIVER_SOURCES
   cloud/tovik_iot.h cloud/tovik_iot.cpp
   compat/text.h compat/text.cpp
   compat/whole_post.h compat/whole_post.cpp
+  framework/driver_basic.h framework/driver_basic.cpp
   framework/element_packing.h framework/element_packing.cpp
+  framework/link_io.h framework/link_io.cpp
   framework/protocol_basic.h framework/protocol_basic.cpp
   interface/drvlib.h interface/drvlib.cpp)
 

@@ -11,8 +11,9 @@ namespace {
 const char* const entry_points[] = {"create_drvlib", "drv_version"};
 
 const char* const classes[] = {
-    "DrvBase",        "DrvEthernet",      "DrvInterface",          "DrvSerial",
-    "ProtocolBasic",  "PropertyTovikIot", "PropertyTovikIotGroup", "PropertyTovikIotDataItem",
+    "DrvBase",          "DrvEthernet",           "DrvInterface",
+    "DrvSerial",        "DriverBasic",           "ProtocolBasic",
+    "PropertyTovikIot", "PropertyTovikIotGroup", "PropertyTovikIotDataItem",
 #ifndef TOVIK_HAS_QEXTSERIALPORT
     "QextSerialPort",
 #endif
@@ -69,6 +70,30 @@ const char* const other_members[] = {
     "ProtocolBasic::addArray(QByteArray&, char const*, int, int, int, int)",
     "ProtocolBasic::extractArray(QByteArray&, char const*, int, int, int, int)",
     "ProtocolBasic::extractDataArea(char*, QByteArray*, int, int, int, int, int)",
+    "DriverBasic::DriverBasic(QString, DrvSerial*, DrvEthernet*)",
+    "DriverBasic::RunTransparentRequest(QByteArray const&)",
+    "DriverBasic::doCmdSM(E_CMD_DIR, QString, int, int, QByteArray*, int, int, int)",
+    "DriverBasic::doCmdSM_Offline(E_CMD_DIR, QString, int, int, QByteArray*, int, int, int)",
+    "DriverBasic::GetCmdCode(int, QString const&)",
+    "DriverBasic::GetOffLineRawData(int)",
+    "DriverBasic::recv_abnormal_handler(QByteArray*)",
+    "DriverBasic::request_send_wait(int, int, int*)",
+    "DriverBasic::UpdateSerialParameter()",
+    "DriverBasic::SlotSetValuesByteArray(QString, QString, int, QByteArray const&, "
+    "QSharedPointer<AddrData>)",
+    "DriverBasic::SlotGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)",
+    "DriverBasic::SlotUpdateDrvSerial()",
+    "DriverBasic::SlotUpdateDrvEthernet()",
+    // Private, but members: the list of exports names whole classes.
+    "DriverBasic::takeSettings(DrvBase const&)",
+    "DriverBasic::connectHost()",
+    "DriverBasic::stopRequested() const",
+    "DriverBasic::isUnitServed() const",
+    "DriverBasic::run(DriverBasic::Request const&)",
+    "DriverBasic::runAttempts(DriverBasic::Request const&, QByteArray*)",
+    "DriverBasic::judgeFailure(int, int, int)",
+    "DriverBasic::sendTransparently(QByteArray const&)",
+    "DriverBasic::waitUntilStable(int)",
     "DrvBase::DrvBase()",
     "DrvBase::~DrvBase()",
     "DrvBase::GetDriverSpecificData(QString const&)",

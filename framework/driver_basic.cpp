@@ -1,0 +1,350 @@
+#include "framework/driver_basic.h"
+
+#include "framework/link_io.h"
+
+#include <QDebug>
+#include <QMetaType>
+#include <QMutexLocker>
+#include <QRegExp>
+
+#include <cstring>
+
+namespace {
+
+const int success = 0;
+const int stopped = 0x1002;
+const int unit_not_served = 0x2002;
+const int no_answer_in_time = 0x400A0000;
+const int receive_failed = 0x400A0002;
+const int no_link = 0x400CFFFF;
+const int invalid_length = 0x20010003;
+
+const int longest_transparent_write = 100; // ms
+// Unchanged polls after which the answer to a transparent request is complete.
+const int stable_polls_of_tcp = 10;
+const int stable_polls_of_serial = 50;
+
+/// Whole milliseconds of so many characters, in double precision.
+int charactersTime(float character_time, double characters, double extra)
+{
+    return static_cast<int>(static_cast<double>(character_time) * characters + extra);
+}
+
+} // namespace
+
+/// One request of the host, as both request slots get it.
+struct DriverBasic::Request
+{
+    E_CMD_DIR dir;
+    QString unit_name;
+    QString link_name;
+    int station_no;
+    /// The bytes to be written; none for a read.
+    QByteArray ba;
+    AddrData addr;
+};
+
+DriverBasic::DriverBasic(QString name, DrvSerial* serial, DrvEthernet* ethernet)
+    : DrvInterface(0),
+      request_delay_(0),
+      retry_count_(0),
+      response_timeout_(10),
+      character_time_(1.0F),
+      character_3_5_(2),
+      interval_timeout_(1),
+      link_param_a_(0),
+      link_param_b_(255),
+      serial_(serial),
+      ethernet_(ethernet),
+      device_(0),
+      error_code_(success),
+      no_link_(false),
+      name_(name)
+{
+    qRegisterMetaType<QSharedPointer<AddrData>>("QSharedPointer<AddrData>");
+    if (serial_) {
+        takeSettings(*serial_);
+        device_ = serial_;
+        // The derived driver does not exist yet: here it is always this class's own.
+        DriverBasic::UpdateSerialParameter();
+    } else if (ethernet_) {
+        takeSettings(*ethernet_);
+        device_ = ethernet_;
+    } else {
+        no_link_ = true;
+    }
+    connectHost();
+}
+
+DriverBasic::~DriverBasic()
+{
+    for (QMap<QString, QByteArray*>* station : offline_data_) {
+        if (station)
+            qDeleteAll(*station);
+        delete station;
+    }
+    // A stopped request has left the lock locked, and Qt complains of a lock that goes so.
+    request_lock_.tryLock();
+    request_lock_.unlock();
+}
+
+void DriverBasic::takeSettings(const DrvBase& link)
+{
+    request_delay_ = link.request_delay;
+    response_timeout_ = link.response_timeout;
+    retry_count_ = link.retry_count;
+    link_param_a_ = link.link_param_a;
+    link_param_b_ = link.link_param_b;
+}
+
+void DriverBasic::connectHost()
+{
+    connect(
+        this,
+        SIGNAL(SigSetValuesByteArray(QString, QString, int, QByteArray, QSharedPointer<AddrData>)),
+        this,
+        SLOT(SlotSetValuesByteArray(QString, QString, int, QByteArray, QSharedPointer<AddrData>)));
+    connect(this, SIGNAL(SigGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)),
+            this, SLOT(SlotGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)));
+    connect(this, SIGNAL(SigUpdateDrvSerial()), this, SLOT(SlotUpdateDrvSerial()));
+    connect(this, SIGNAL(SigUpdateDrvEthernet()), this, SLOT(SlotUpdateDrvEthernet()));
+}
+
+void DriverBasic::UpdateSerialParameter()
+{
+    if (!serial_)
+        return;
+    const int stop_bits = serial_->stopBits() == STOP_1 ? 1 : 2;
+    const int parity_bits = serial_->parity() == PAR_NONE ? 0 : 1;
+    const int bits = static_cast<int>(serial_->dataBits()) + 1 + stop_bits + parity_bits;
+    const int baud_rate = qMax(1, static_cast<int>(serial_->baudRate()));
+    character_time_ = static_cast<float>(bits) * 1000.0F / static_cast<float>(baud_rate);
+    interval_timeout_ = qMax(1, charactersTime(character_time_, 1.5, 0.0));
+    character_3_5_ = qMax(2, charactersTime(character_time_, 3.5, 1.0));
+    qDebug() << "[DriverBasic] interval_timeout_:" << interval_timeout_;
+    qDebug() << "[DriverBasic] character_3_5_:" << character_3_5_;
+}
+
+void DriverBasic::SlotUpdateDrvSerial()
+{
+    if (!serial_)
+        return;
+    takeSettings(*serial_);
+    UpdateSerialParameter();
+}
+
+void DriverBasic::SlotUpdateDrvEthernet()
+{
+    if (ethernet_)
+        takeSettings(*ethernet_);
+}
+
+void DriverBasic::SlotSetValuesByteArray(QString unit_name, QString link_name, int station_no,
+                                         const QByteArray& ba, QSharedPointer<AddrData> addr)
+{
+    const Request request = {CMD_WRITE,  unit_name, link_name,
+                             station_no, ba,        addr ? *addr : AddrData()};
+    run(request);
+}
+
+void DriverBasic::SlotGetValuesByteArray(QString unit_name, QString link_name, int station_no,
+                                         QSharedPointer<AddrData> addr)
+{
+    const Request request = {CMD_READ,   unit_name,    link_name,
+                             station_no, QByteArray(), addr ? *addr : AddrData()};
+    run(request);
+}
+
+bool DriverBasic::stopRequested() const
+{
+    char first_byte = 0;
+    std::memcpy(&first_byte, &stop_flag, 1);
+    return first_byte != 0;
+}
+
+bool DriverBasic::isUnitServed() const
+{
+    const QRegExp braced(QLatin1String("^\\{[^\\}]+\\}$"));
+    if (braced.indexIn(current_unit_name) < 0 || !unit_list || unit_list->isEmpty())
+        return true;
+    QString pattern = current_unit_name;
+    pattern.replace(QLatin1String("{"), QLatin1String("^\\{"));
+    pattern.replace(QLatin1String("}"), QLatin1String("\\}\\d*$"));
+    return unit_list->indexOf(QRegExp(pattern)) >= 0;
+}
+
+void DriverBasic::run(const Request& request)
+{
+    request_lock_.lock();
+    error_code_ = success;
+    current_unit_name = request.unit_name;
+    QByteArray data = request.ba;
+    // A driver that is to stop gives no answer, and serves nothing after it: the lock stays locked.
+    if (!no_link_ && !runAttempts(request, &data))
+        return;
+    if (no_link_) {
+        doCmdSM_Offline(request.dir, request.addr.address, request.addr.field1,
+                        request.addr.data_length, &data, request.station_no, request.addr.extra1,
+                        request.addr.extra2);
+    }
+    Q_EMIT SigResponse(request.unit_name, request.link_name,
+                       request.dir == CMD_READ ? data : request.ba, error_code_);
+    request_lock_.unlock();
+}
+
+bool DriverBasic::runAttempts(const Request& request, QByteArray* data)
+{
+    for (int repeats = qMax(0, retry_count_);; --repeats) {
+        error_code_ = success;
+        *data = request.ba;
+        if (stopRequested()) {
+            error_code_ = stopped;
+            return false;
+        }
+        if (!isUnitServed())
+            break;
+        doCmdSM(request.dir, request.addr.address, request.addr.field1, request.addr.data_length,
+                data, request.station_no, request.addr.extra1, request.addr.extra2);
+        if (error_code_ == success || error_code_ == stopped)
+            return true;
+        // The host may have given the unit up meanwhile.
+        if (!isUnitServed())
+            break;
+        if (repeats == 0)
+            return true;
+    }
+    error_code_ = unit_not_served;
+    return true;
+}
+
+void DriverBasic::doCmdSM(E_CMD_DIR dir, QString address, int field1, int data_length,
+                          QByteArray* data, int station_no, int extra1, int extra2)
+{
+    QByteArray request;
+    QByteArray response;
+    link_io::pause(request_delay_);
+    const int expected = request_build(dir, address, field1, data_length, data, &request,
+                                       station_no, extra1, extra2);
+    if (error_code_ != success)
+        return;
+    if (expected == 0) {
+        error_code_ = invalid_length;
+        return;
+    }
+    link_io::discard(serial_, ethernet_);
+    link_io::send(device_, request);
+    int ready = 0;
+    const int wait_code = request_send_wait(request.size(), expected, &ready);
+    if (ready != 0)
+        response = link_io::take(device_);
+
+    const bool complete = wait_code == success && response.size() == expected;
+    if (!complete) {
+        error_code_ = recv_abnormal_handler(&response);
+        if (error_code_ != success) {
+            judgeFailure(wait_code, response.size(), expected);
+            return;
+        }
+    }
+    error_code_ = response_parse(dir, address, field1, data_length, data, &request, &response,
+                                 station_no, extra1, extra2);
+}
+
+void DriverBasic::judgeFailure(int wait_code, int received, int expected)
+{
+    switch (wait_code) {
+    case unit_not_served:
+        error_code_ = unit_not_served;
+        break;
+    case stopped:
+        error_code_ = stopped;
+        qDebug() << "Dcc_Stop";
+        break;
+    case no_answer_in_time:
+        error_code_ = no_answer_in_time;
+        qDebug() << "Command_Timeout";
+        break;
+    default:
+        if (received == expected) {
+            qDebug() << "Warning: recv failed. Should not be here.";
+            break;
+        }
+        error_code_ = invalid_length;
+        qDebug() << "Protocol_Invalid_Length:" << received << "(" << expected << ")";
+    }
+}
+
+void DriverBasic::doCmdSM_Offline(E_CMD_DIR, QString, int, int, QByteArray*, int, int, int) {}
+
+int DriverBasic::GetCmdCode(int, const QString&)
+{
+    return -1;
+}
+
+QMap<QString, QByteArray*>* DriverBasic::GetOffLineRawData(int)
+{
+    return 0;
+}
+
+int DriverBasic::recv_abnormal_handler(QByteArray*)
+{
+    return receive_failed;
+}
+
+int DriverBasic::request_send_wait(int, int, int*)
+{
+    return receive_failed;
+}
+
+void DriverBasic::RunTransparentRequest(const QByteArray& request)
+{
+    QMutexLocker locker(&request_lock_);
+    error_code_ = device_ ? success : no_link;
+    QByteArray response;
+    if (device_) {
+        const int stable_limit = sendTransparently(request);
+        if (waitUntilStable(stable_limit))
+            response = link_io::take(device_);
+        else
+            error_code_ = no_answer_in_time;
+    }
+    Q_EMIT SigTransparentResponse(response, error_code_);
+}
+
+int DriverBasic::sendTransparently(const QByteArray& request)
+{
+    link_io::discard(serial_, ethernet_);
+    link_io::send(device_, request);
+    if (!serial_) {
+        link_io::waitUntilSent(device_, longest_transparent_write);
+        return stable_polls_of_tcp;
+    }
+    link_io::pause(charactersTime(character_time_, request.size(), character_3_5_));
+    return stable_polls_of_serial;
+}
+
+bool DriverBasic::waitUntilStable(int stable_limit)
+{
+    // A derived driver may have computed 0, with which the time would never pass.
+    const int interval = qMax(1, interval_timeout_);
+    qint64 elapsed = 0;
+    qint64 last_count = 0;
+    int stable = 0;
+    while (stable <= stable_limit) {
+        if (elapsed >= response_timeout_)
+            return false;
+        link_io::pause(interval);
+        elapsed += interval;
+        link_io::waitForInput(device_, interval);
+        const qint64 count = device_->bytesAvailable();
+        if (count == 0)
+            continue;
+        if (count == last_count) {
+            ++stable;
+        } else {
+            last_count = count;
+            stable = 0;
+        }
+    }
+    return elapsed < response_timeout_;
+}

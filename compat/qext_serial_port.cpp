@@ -242,7 +242,8 @@ void QextSerialPort::flush()
         return;
     port_->clear(QSerialPort::AllDirections);
     // What has been peeked at is kept here, above the port.
-    read(QIODevice::bytesAvailable());
+    if (QIODevice::bytesAvailable() > 0)
+        read(QIODevice::bytesAvailable());
 }
 
 qint64 QextSerialPort::size() const

@@ -43,6 +43,11 @@ QString HostProcess::halfDriver()
     return QStringLiteral(TOVIK_HALF_DRIVER);
 }
 
+QString HostProcess::echoDriver()
+{
+    return QStringLiteral(TOVIK_ECHO_DRIVER);
+}
+
 void HostProcess::addItem(const QString& name, const QString& id, const QString& type, int length)
 {
     nlohmann::json item = {

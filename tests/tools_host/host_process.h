@@ -22,6 +22,8 @@ public:
     static QString program();
     static QString fakeDriver();
     static QString halfDriver();
+    /// A driver on the framework, for a device on a link.
+    static QString echoDriver();
 
     void addItem(const QString& name, const QString& id, const QString& type, int length = 0);
     /// Replaces the fake driver.

@@ -11,6 +11,9 @@ class TestHostStatusText : public QObject
 private Q_SLOTS:
     void saysWhatAStatusMeans_data();
     void saysWhatAStatusMeans();
+    void saysWhatADevicesStatusMeans_data();
+    void saysWhatADevicesStatusMeans();
+    void namesACodeOnce();
 };
 
 void TestHostStatusText::saysWhatAStatusMeans_data()
@@ -44,6 +47,41 @@ void TestHostStatusText::saysWhatAStatusMeans()
     QCOMPARE(statusCode(status), code);
     QCOMPARE(statusText(status), text);
     QCOMPARE(isServiceError(status), of_service);
+}
+
+void TestHostStatusText::saysWhatADevicesStatusMeans_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char* name, int status, const char* text) {
+        QTest::newRow(name) << status << QString::fromLatin1(text);
+    };
+    row("success", 0, "ok");
+    row("stopped", 0x1002, "stopped");
+    row("unit", 0x2002, "unit not served");
+    row("silent device", 0x400A0000, "the device did not answer in time");
+    row("receiving", 0x400A0002, "receiving failed");
+    row("offline", 0x400CFFFF, "offline: no link to the device, or not supported");
+    row("length", 0x20010003, "the request could not be built, or the answer had the wrong length");
+    row("the driver's own", 0x400B0101, "driver's code 0x400B0101");
+    row("one that a service would use", 0x400F0007, "driver's code 0x400F0007");
+    row("negative", -1, "driver's code 0xFFFFFFFF");
+}
+
+void TestHostStatusText::saysWhatADevicesStatusMeans()
+{
+    QFETCH(int, status);
+    QFETCH(QString, text);
+    QCOMPARE(statusText(status, StatusOf::device), text);
+}
+
+void TestHostStatusText::namesACodeOnce()
+{
+    QCOMPARE(statusTextWithCode(0, StatusOf::device), QStringLiteral("ok"));
+    QCOMPARE(statusTextWithCode(0x1002, StatusOf::device), QStringLiteral("stopped (0x00001002)"));
+    QCOMPARE(statusTextWithCode(5, StatusOf::device), QStringLiteral("driver's code 0x00000005"));
+    QCOMPARE(statusTextWithCode(0x400F0007, StatusOf::service),
+             QStringLiteral("service error 7 (0x400F0007)"));
 }
 
 QTEST_APPLESS_MAIN(TestHostStatusText)

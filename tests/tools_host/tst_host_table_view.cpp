@@ -12,6 +12,7 @@ class TestHostTableView : public QObject
 private Q_SLOTS:
     void drawsAllThatFits();
     void marksTrouble();
+    void namesTheLinkOfADevice();
     void neverExceedsItsSize_data();
     void neverExceedsItsSize();
     void dropsColumnsThatSayLeast();
@@ -89,6 +90,21 @@ void TestHostTableView::marksTrouble()
     QCOMPARE(screen.at(4).style, LineStyle::heading);
     QCOMPARE(screen.at(5).style, LineStyle::plain);
     QCOMPARE(screen.at(7).style, LineStyle::trouble);
+}
+
+void TestHostTableView::namesTheLinkOfADevice()
+{
+    const WatchSubject device = {QStringLiteral("lib.so"), QStringLiteral("1.2.3"), QString(),
+                                 QString(), QStringLiteral("tcp:[::1]:502")};
+    WatchModel model({item("4x1", "16Bit-INT")}, start);
+    model.take(0, {true, QByteArray(), 0x400CFFFF, false, StatusOf::device}, start);
+    model.endRound(start);
+    const QStringList lines = texts(drawTable(device, model, {}, start, {100, 30}));
+    QCOMPARE(lines.at(0), QStringLiteral("Device   tcp:[::1]:502"));
+    QVERIFY2(lines.at(2).startsWith(QLatin1String("Status   offline: no link to the device, or not "
+                                                  "supported (0x400CFFFF), since 12:00:00")),
+             qPrintable(lines.at(2)));
+    QCOMPARE(lines.at(5), QStringLiteral("4x1   16Bit-INT  \u2014             0x400CFFFF  0 s"));
 }
 
 void TestHostTableView::neverExceedsItsSize_data()

@@ -12,6 +12,7 @@ private Q_SLOTS:
     void firstAnswerIsAChange();
     void sameBytesAreNoChange();
     void missingAnswerIsAChange();
+    void failureIsAChange();
     void statusIsFirstErrorOfRound();
 };
 
@@ -60,6 +61,20 @@ void TestHostWatchModel::missingAnswerIsAChange()
     QVERIFY(model.take(0, answer("0500"), start));
     QVERIFY(model.take(0, Answer(), start));
     QVERIFY(!model.items().at(0).value);
+}
+
+void TestHostWatchModel::failureIsAChange()
+{
+    ItemConfig text = item("a");
+    text.type = findItemType(QStringLiteral("String"));
+    WatchModel model({text}, start);
+    const Answer failed = {true, QByteArray(), 0x400A0000, false, StatusOf::device};
+    QVERIFY(model.take(0, answer(""), start));
+    QVERIFY(model.items().at(0).value);
+    QVERIFY(model.take(0, failed, start));
+    QVERIFY(!model.items().at(0).value);
+    QVERIFY(!model.take(0, failed, start));
+    QCOMPARE(model.statusOf(), StatusOf::device);
 }
 
 void TestHostWatchModel::statusIsFirstErrorOfRound()

@@ -17,13 +17,24 @@ struct ServiceConfig
     QString password;
 };
 
+/// How a host asks a device on a link for an item; what the numbers mean is the driver's.
+struct ItemRequest
+{
+    QString address = QString();
+    int station = 1;
+    int field1 = 0;
+    int extra1 = 0;
+    int extra2 = 0;
+};
+
 /// One data item that the driver is to serve.
 struct ItemConfig
 {
     QString name;                   ///< The host addresses the item by it.
-    QString id;                     ///< The service's id of the item.
+    QString id;                     ///< The service's id of the item; a device's items have none.
     const ItemType* type = nullptr; ///< Never null in a loaded configuration.
     int length = 0;                 ///< Characters that a text has room for; 0: as many as come.
+    ItemRequest request = {};       ///< Of a device's item only.
 };
 
 /// The driver's error-handling keys.
@@ -45,13 +56,18 @@ struct HostConfig
 };
 
 /// The item of that name (the first, as in the driver), or null.
-inline const ItemConfig* findItem(const HostConfig& config, const QString& name)
+inline const ItemConfig* findItem(const QVector<ItemConfig>& items, const QString& name)
 {
-    for (const ItemConfig& item : config.items) {
+    for (const ItemConfig& item : items) {
         if (item.name == name)
             return &item;
     }
     return nullptr;
+}
+
+inline const ItemConfig* findItem(const HostConfig& config, const QString& name)
+{
+    return findItem(config.items, name);
 }
 
 } // namespace tovik_host

@@ -4,7 +4,6 @@
 #include "tools/host/password.h"
 #include "tools/host/usage_error.h"
 
-#include <QFile>
 #include <QHash>
 #include <QUrl>
 
@@ -15,25 +14,6 @@ namespace {
 using Pointer = nlohmann::json::json_pointer;
 
 const int longest_text = 65535;
-
-JsonFile readJson(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw UsageError(QStringLiteral("cannot read the configuration \"%1\": %2")
-                             .arg(path, file.errorString()));
-    }
-    const std::string text = file.readAll().toStdString();
-    JsonFile json{path, nlohmann::json(), findJsonLines(text)};
-    if (!json.lines.problem.empty()) {
-        throw UsageError(QStringLiteral("%1:%2: %3")
-                             .arg(path)
-                             .arg(json.lines.problem_line)
-                             .arg(QString::fromStdString(json.lines.problem)));
-    }
-    json.root = nlohmann::json::parse(text);
-    return json;
-}
 
 ServiceConfig readService(const JsonFile& file)
 {
@@ -139,12 +119,12 @@ LoadedConfig loadConfig(const QString& path)
     const MemberReader members(file, Pointer());
     members.refuseOthers(
         {QStringLiteral("service"), QStringLiteral("items"), QStringLiteral("error_handling")});
-    for (const char* name : {"service", "items"}) {
-        if (!members.has(name)) {
-            file.fail(Pointer(),
-                      QStringLiteral("the member \"%1\" is missing").arg(QLatin1String(name)));
-        }
+    if (!members.has("service")) {
+        file.fail(Pointer(), QStringLiteral("the member \"service\" is missing; or, for a device: "
+                                            "--link or the member \"link\""));
     }
+    if (!members.has("items"))
+        file.fail(Pointer(), QStringLiteral("the member \"items\" is missing"));
     LoadedConfig loaded;
     loaded.config.service = readService(file);
     loaded.config.items = readItems(file, &loaded.warnings);

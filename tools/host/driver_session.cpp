@@ -72,7 +72,7 @@ DriverSession::DriverSession(const Plugin& plugin, const HostConfig& config,
     link_->driver_specific_data[QStringLiteral("tovik_iot")] =
         QVariant::fromValue(driverProperty(config.service, items));
     fillErrorHandling(link_->driver_specific_data, config.error_handling);
-    driver_.reset(plugin.createDriver(link_.data()));
+    driver_.reset(plugin.createDriver(nullptr, nullptr, link_.data()));
     if (!driver_)
         throw UsageError(QStringLiteral("the library \"%1\" makes no driver").arg(plugin.path()));
     // By text, as the driver may be compiled from other sources than this program.

@@ -3,6 +3,7 @@
 
 #include "tools/host/config.h"
 #include "tools/host/plugin.h"
+#include "tools/host/status_text.h"
 
 #include "interface/drv_ethernet.h"
 #include "interface/drv_interface.h"
@@ -23,6 +24,8 @@ struct Answer
     bool arrived = false; ///< False: the driver did not answer at all.
     QByteArray bytes;
     int status = 0;
+    bool has_value = true; ///< False: the bytes are none that the item has, however many they are.
+    StatusOf status_of = StatusOf::service;
 };
 
 /// A data item as the driver is told to serve it.

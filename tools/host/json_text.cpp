@@ -29,8 +29,8 @@ void addAnswer(OrderedJson& line, const ItemConfig& item, const Answer& answer,
     line["bytes"] = answer.bytes.toHex().toStdString();
     line["status"] = answer.arrived ? OrderedJson(statusCode(answer.status).toStdString())
                                     : OrderedJson(nullptr);
-    line["status_text"] =
-        answer.arrived ? statusText(answer.status).toStdString() : std::string("no answer");
+    line["status_text"] = answer.arrived ? statusText(answer.status, answer.status_of).toStdString()
+                                         : std::string("no answer");
 }
 
 std::string jsonTime(const QDateTime& time)

@@ -22,8 +22,12 @@ void JsonView::start(const WatchSubject& subject, const QDateTime& now)
     OrderedJson line = event("start", now);
     line["library"] = subject.library.toStdString();
     line["driver_version"] = subject.driver_version.toStdString();
-    line["url"] = subject.url.toStdString();
-    line["project"] = subject.project.toStdString();
+    if (subject.link.isEmpty()) {
+        line["url"] = subject.url.toStdString();
+        line["project"] = subject.project.toStdString();
+    } else {
+        line["link"] = subject.link.toStdString();
+    }
     output_.line(jsonLine(line));
 }
 
@@ -38,7 +42,7 @@ void JsonView::statusChanged(const WatchModel& model)
 {
     OrderedJson line = event("status", model.statusSince());
     line["status"] = statusCode(model.status()).toStdString();
-    line["status_text"] = statusText(model.status()).toStdString();
+    line["status_text"] = statusText(model.status(), model.statusOf()).toStdString();
     output_.line(jsonLine(line));
 }
 

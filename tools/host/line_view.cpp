@@ -7,8 +7,10 @@ namespace tovik_host {
 
 void LineView::start(const WatchSubject& subject, const QDateTime& now)
 {
-    line(now, QStringLiteral("driver %1 watches project %2 at %3")
-                  .arg(subject.driver_version, subject.project, subject.url));
+    const QString what = subject.link.isEmpty()
+                             ? QStringLiteral("project %1 at %2").arg(subject.project, subject.url)
+                             : subject.link;
+    line(now, QStringLiteral("driver %1 watches %2").arg(subject.driver_version, what));
 }
 
 void LineView::valueChanged(const ItemState& state)
@@ -16,6 +18,11 @@ void LineView::valueChanged(const ItemState& state)
     if (!state.answer.arrived) {
         line(state.changed_at,
              QStringLiteral("%1: the driver does not answer").arg(state.item.name));
+        return;
+    }
+    if (!state.answer.has_value) {
+        line(state.changed_at, QStringLiteral("%1: no value  %2")
+                                   .arg(state.item.name, statusCode(state.answer.status)));
         return;
     }
     const QString value =
@@ -28,9 +35,8 @@ void LineView::valueChanged(const ItemState& state)
 
 void LineView::statusChanged(const WatchModel& model)
 {
-    const QString code =
-        model.status() == 0 ? QString() : QStringLiteral(" (%1)").arg(statusCode(model.status()));
-    line(model.statusSince(), QStringLiteral("status: ") + statusText(model.status()) + code);
+    line(model.statusSince(),
+         QStringLiteral("status: ") + statusTextWithCode(model.status(), model.statusOf()));
 }
 
 void LineView::roundDone(const WatchModel&, const QDateTime&) {}

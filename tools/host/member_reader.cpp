@@ -2,6 +2,8 @@
 
 #include "tools/host/usage_error.h"
 
+#include <QFile>
+
 namespace tovik_host {
 
 namespace {
@@ -23,6 +25,25 @@ QString memberPath(nlohmann::json::json_pointer pointer)
 }
 
 } // namespace
+
+JsonFile readJson(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw UsageError(QStringLiteral("cannot read the configuration \"%1\": %2")
+                             .arg(path, file.errorString()));
+    }
+    const std::string text = file.readAll().toStdString();
+    JsonFile json{path, nlohmann::json(), findJsonLines(text)};
+    if (!json.lines.problem.empty()) {
+        throw UsageError(QStringLiteral("%1:%2: %3")
+                             .arg(path)
+                             .arg(json.lines.problem_line)
+                             .arg(QString::fromStdString(json.lines.problem)));
+    }
+    json.root = nlohmann::json::parse(text);
+    return json;
+}
 
 QString JsonFile::place(const nlohmann::json::json_pointer& pointer) const
 {

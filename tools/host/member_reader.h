@@ -24,6 +24,9 @@ struct JsonFile
     QString place(const nlohmann::json::json_pointer& pointer) const;
 };
 
+/// Reads the file \a path. Throws UsageError when it cannot be read or is no JSON.
+JsonFile readJson(const QString& path);
+
 /// Reads the members of one object of a configuration file.
 ///
 /// Every function throws UsageError when the member is missing, of the wrong kind or out of

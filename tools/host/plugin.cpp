@@ -78,9 +78,9 @@ QString Plugin::versionText() const
         .arg(version & 0xFF);
 }
 
-DrvInterface* Plugin::createDriver(DrvEthernet* link) const
+DrvInterface* Plugin::createDriver(QString* name, DrvSerial* serial, DrvEthernet* ethernet) const
 {
-    return factory_(nullptr, nullptr, link);
+    return factory_(name, serial, ethernet);
 }
 
 } // namespace tovik_host

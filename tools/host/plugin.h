@@ -6,6 +6,7 @@
 
 class DrvEthernet;
 class DrvInterface;
+class DrvSerial;
 
 namespace tovik_host {
 
@@ -29,8 +30,10 @@ public:
     QString path() const { return path_; }
     /// The driver's version as "major.minor.patch".
     QString versionText() const;
-    /// A new driver on \a link, owned by the caller.
-    DrvInterface* createDriver(DrvEthernet* link) const;
+    /// A new driver, owned by the caller; null if the library makes none.
+    /// \param name the driver's name, null or alive as long as the driver
+    /// \param serial, ethernet the link: one of them, or for a cloud driver \a ethernet
+    DrvInterface* createDriver(QString* name, DrvSerial* serial, DrvEthernet* ethernet) const;
 
 private:
     using Factory = DrvInterface* (*)(void*, void*, DrvEthernet*);

@@ -102,15 +102,15 @@ void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const W
     const auto add = [&](const QString& text, LineStyle style) {
         screen << ScreenLine{clipped(printable(text), columns), style};
     };
-    add(QStringLiteral("Service  %1   project %2").arg(subject.url, subject.project),
+    add(subject.link.isEmpty()
+            ? QStringLiteral("Service  %1   project %2").arg(subject.url, subject.project)
+            : QStringLiteral("Device   %1").arg(subject.link),
         LineStyle::plain);
     add(QStringLiteral("Driver   %1").arg(subject.driver_version), LineStyle::plain);
-    const QString code =
-        model.status() == 0 ? QString() : QStringLiteral(" (%1)").arg(statusCode(model.status()));
     const QString since = QStringLiteral(", since %1 (%2)")
                               .arg(model.statusSince().toString(QStringLiteral("HH:mm:ss")),
                                    ageText(model.statusSince().secsTo(now)));
-    add(QStringLiteral("Status   ") + statusText(model.status()) + code + since,
+    add(QStringLiteral("Status   ") + statusTextWithCode(model.status(), model.statusOf()) + since,
         model.status() == 0 ? LineStyle::plain : LineStyle::trouble);
     add(QString(), LineStyle::plain);
 }

@@ -1,16 +1,13 @@
 #include "tools/host/watch.h"
 
 #include "tools/host/exit_code.h"
-#include "tools/host/json_view.h"
-#include "tools/host/line_view.h"
-#include "tools/host/terminal_view.h"
+#include "tools/host/make_watch_view.h"
 #include "tools/host/workplace.h"
 
 #include <QEventLoop>
 #include <QTimer>
 
 #include <memory>
-#include <unistd.h>
 
 namespace tovik_host {
 
@@ -22,20 +19,6 @@ QVector<ServedItem> servedItems(const QVector<ItemConfig>& items)
     for (const ItemConfig& item : items)
         served << ServedItem{item, std::nullopt};
     return served;
-}
-
-std::unique_ptr<WatchView> makeView(Workplace& place, const CommonOptions& common)
-{
-    if (common.json)
-        return std::make_unique<JsonView>(place.out);
-    if (::isatty(STDOUT_FILENO) == 0)
-        return std::make_unique<LineView>(place.out);
-    auto view = std::make_unique<TerminalView>(STDOUT_FILENO, place.out, place.log,
-                                               common.log.isEmpty() && !common.verbose);
-    TerminalView* table = view.get();
-    QObject::connect(&place.unix_signals, &UnixSignals::terminalResized, &place.unix_signals,
-                     [table] { table->resized(); });
-    return view;
 }
 
 /// Reads every item once and tells the view.
@@ -78,7 +61,8 @@ void watchUntilEnd(Workplace& place, const WatchOptions& options,
 int runWatch(const CommonOptions& common, const WatchOptions& options)
 {
     Workplace place(common);
-    const std::unique_ptr<WatchView> view = makeView(place, common);
+    const std::unique_ptr<WatchView> view =
+        makeWatchView(common, place.out, place.log, place.unix_signals);
     const QDateTime start = QDateTime::currentDateTime();
     WatchModel model(place.config.items, start);
     view->start({place.plugin.path(), place.plugin.versionText(), place.shownUrl(),

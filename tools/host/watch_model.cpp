@@ -18,14 +18,17 @@ bool WatchModel::take(int index, const Answer& answer, const QDateTime& now)
 {
     ItemState& state = items_[index];
     const bool changed = !has_value_.at(index) || answer.arrived != state.answer.arrived ||
-                         answer.bytes != state.answer.bytes;
+                         answer.bytes != state.answer.bytes ||
+                         answer.has_value != state.answer.has_value;
     state.answer = answer;
+    status_of_ = answer.status_of;
     if (round_status_ == 0)
         round_status_ = answer.status;
     if (!changed)
         return false;
     has_value_[index] = true;
-    state.value = answer.arrived ? decodeValue(*state.item.type, answer.bytes) : std::nullopt;
+    state.value = answer.arrived && answer.has_value ? decodeValue(*state.item.type, answer.bytes)
+                                                     : std::nullopt;
     state.changed_at = now;
     return true;
 }

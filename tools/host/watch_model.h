@@ -34,6 +34,7 @@ public:
 
     const QVector<ItemState>& items() const { return items_; }
     int status() const { return status_; }
+    StatusOf statusOf() const { return status_of_; }
     const QDateTime& statusSince() const { return status_since_; }
 
 private:
@@ -41,6 +42,7 @@ private:
     QVector<bool> has_value_;
     int status_ = 0;
     int round_status_ = 0;
+    StatusOf status_of_ = StatusOf::service;
     QDateTime status_since_;
 };
 

@@ -14,6 +14,7 @@ struct WatchSubject
     QString driver_version; ///< "major.minor.patch".
     QString url;            ///< Of the service, without any password.
     QString project;
+    QString link = QString(); ///< To a device, which has neither service nor project.
 };
 
 /// A way to show a watch.
@@ -25,7 +26,7 @@ public:
     virtual void start(const WatchSubject& subject, const QDateTime& now) = 0;
     virtual void valueChanged(const ItemState& state) = 0;
     virtual void statusChanged(const WatchModel& model) = 0;
-    /// All items have been read.
+    /// All items have been read, or a while has passed.
     virtual void roundDone(const WatchModel& model, const QDateTime& now) = 0;
     virtual void end(const QDateTime& now) = 0;
 };

@@ -1,0 +1,147 @@
+#include "tools/host/device_commands.h"
+#include "tools/host/device_host.h"
+#include "tools/host/device_place.h"
+#include "tools/host/exit_code.h"
+#include "tools/host/make_watch_view.h"
+#include "tools/host/status_text.h"
+#include "tools/host/usage_error.h"
+#include "tools/host/waiter.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+
+namespace tovik_host {
+
+namespace {
+
+/// A table whose requests are slow is drawn in between.
+const int longest_without_drawing = 500;
+
+/// One watch of a device, from its first round to its end.
+class DeviceWatch
+{
+public:
+    DeviceWatch(DevicePlace& place, DeviceHost& host, WatchView& view, bool tells_of_link);
+
+    /// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
+    void run(const WatchOptions& options);
+
+private:
+    void readRound();
+    void tellOfLink(const DeviceAnswer& answer);
+    void draw();
+    bool ended() const;
+
+    DevicePlace& place_;
+    DeviceHost& host_;
+    WatchView& view_;
+    WatchModel model_;
+    QElapsedTimer since_drawing_;
+    bool time_is_up_ = false;
+    bool tells_of_link_;
+    bool link_is_lost_ = false;
+};
+
+DeviceWatch::DeviceWatch(DevicePlace& place, DeviceHost& host, WatchView& view, bool tells_of_link)
+    : place_(place),
+      host_(host),
+      view_(view),
+      model_(place.config.items, QDateTime::currentDateTime()),
+      tells_of_link_(tells_of_link)
+{}
+
+bool DeviceWatch::ended() const
+{
+    return time_is_up_ || place_.unix_signals.endRequested() || place_.out.broken();
+}
+
+void DeviceWatch::draw()
+{
+    view_.roundDone(model_, QDateTime::currentDateTime());
+    since_drawing_.start();
+}
+
+/// Once for each loss, however long it lasts.
+void DeviceWatch::tellOfLink(const DeviceAnswer& answer)
+{
+    const bool is_lost = !answer.link_problem.isEmpty();
+    if (is_lost == link_is_lost_)
+        return;
+    link_is_lost_ = is_lost;
+    const QString news = is_lost ? QStringLiteral("link lost: %1; trying again until it is back")
+                                       .arg(answer.link_problem)
+                                 : QStringLiteral("link is back");
+    place_.log.take(QStringLiteral("[tovik-host] ") + news);
+    if (tells_of_link_)
+        place_.complainOfLink(news);
+}
+
+void DeviceWatch::readRound()
+{
+    for (int i = 0; i < model_.items().size(); ++i) {
+        const DeviceAnswer answer = host_.readAgain(model_.items().at(i).item);
+        if (ended())
+            return;
+        tellOfLink(answer);
+        if (model_.take(i, answer.answer, QDateTime::currentDateTime()))
+            view_.valueChanged(model_.items().at(i));
+        if (since_drawing_.hasExpired(longest_without_drawing))
+            draw();
+    }
+    if (model_.endRound(QDateTime::currentDateTime()))
+        view_.statusChanged(model_);
+    draw();
+}
+
+void DeviceWatch::run(const WatchOptions& options)
+{
+    QObject context;
+    QObject::connect(&place_.unix_signals, &UnixSignals::terminalResized, &context,
+                     [this] { draw(); });
+    if (options.seconds > 0) {
+        QTimer::singleShot(int(options.seconds * 1000), &context, [this] {
+            time_is_up_ = true;
+            host_.stop();
+        });
+    }
+    since_drawing_.start();
+    while (!ended()) {
+        QElapsedTimer elapsed;
+        elapsed.start();
+        readRound();
+        if (!ended()) {
+            waitUntil(place_.unix_signals, options.interval - int(elapsed.elapsed()),
+                      [this] { return ended(); });
+        }
+    }
+}
+
+} // namespace
+
+int runDeviceWatch(const CommonOptions& common, const WatchOptions& options)
+{
+    if (options.items.isEmpty() && common.config.isEmpty()) {
+        throw UsageError(QStringLiteral("there is nothing to watch: name addresses, or a file of "
+                                        "items with --config"));
+    }
+    DevicePlace place(common, options.items);
+    const std::unique_ptr<WatchView> view =
+        makeWatchView(common, place.out, place.log, place.unix_signals);
+    {
+        DeviceHost host(place.plugin, place.config, place.unix_signals);
+        const QString link_problem = host.open();
+        if (!link_problem.isEmpty()) {
+            place.complainOfLink(link_problem);
+            return exitRefused;
+        }
+        view->start({place.plugin.path(), place.plugin.versionText(), QString(), QString(),
+                     linkText(place.config.link)},
+                    QDateTime::currentDateTime());
+        DeviceWatch(place, host, *view, !isWatchedOnTerminal(common) && !common.verbose)
+            .run(options);
+    }
+    view->end(QDateTime::currentDateTime());
+    return exitDone;
+}
+
+} // namespace tovik_host

@@ -51,8 +51,8 @@ enum E_CMD_DIR
 ///
 /// **Links.** The host owns the link, opens it and keeps it open; a driver is bound to the link
 /// given at construction for life. If both are given, the serial link is used. On a link that is
-/// not open nothing is written, and no input arrives. A limit that the host sets to the socket's read
-/// buffer limits what is discarded before a request, too: set none.
+/// not open nothing is written, and no input arrives. A limit that the host sets to the socket's
+/// read buffer limits what is discarded before a request, too: set none.
 ///
 /// **Threads.** All requests of one driver run in its thread, one at a time, with request_lock_
 /// held until the answer has been emitted. They block that thread. For that reason no hook may run

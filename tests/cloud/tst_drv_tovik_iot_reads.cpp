@@ -135,7 +135,8 @@ void TestDrvTovikIotReads::statusOfResults()
     host.start();
     host.log.take();
     host.report(256);
-    QCOMPARE(host.takeDriverLog(), QStringList{latin1("[DrvTovikIot] Update Error Code:  1074725462")});
+    QCOMPARE(host.takeDriverLog(),
+             QStringList{latin1("[DrvTovikIot] Update Error Code:  1074725462")});
     QCOMPARE(host.read("a").status, client_failure);
     QCOMPARE(host.read("a").bytes, hex("01"));
     host.report(15);

@@ -14,6 +14,28 @@ QextSerialPort::QextSerialPort(const QString& name, QueryMode mode, QObject* par
 
 QextSerialPort::~QextSerialPort() {}
 
+BaudRateType QextSerialPort::baudRate() const
+{
+    return BAUD9600;
+}
+
+DataBitsType QextSerialPort::dataBits() const
+{
+    return DATA_8;
+}
+
+ParityType QextSerialPort::parity() const
+{
+    return PAR_NONE;
+}
+
+StopBitsType QextSerialPort::stopBits() const
+{
+    return STOP_1;
+}
+
+void QextSerialPort::flush() {}
+
 qint64 QextSerialPort::readData(char* data, qint64 max_size)
 {
     Q_UNUSED(data)

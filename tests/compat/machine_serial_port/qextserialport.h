@@ -4,7 +4,27 @@
 #include <QIODevice>
 #include <QString>
 
-/// Stands for the serial port library of a machine that has one, as far as the links need it: the
+enum BaudRateType
+{
+    BAUD9600 = 9600
+};
+
+enum DataBitsType
+{
+    DATA_8 = 8
+};
+
+enum ParityType
+{
+    PAR_NONE
+};
+
+enum StopBitsType
+{
+    STOP_1
+};
+
+/// Stands for the serial port library of a machine that has one, as far as links and drivers need it: the
 /// library must then be built without a class of that name of its own.
 class QextSerialPort : public QIODevice
 {
@@ -20,6 +40,12 @@ public:
     explicit QextSerialPort(QueryMode mode = EventDriven, QObject* parent = 0);
     explicit QextSerialPort(const QString& name, QueryMode mode = EventDriven, QObject* parent = 0);
     ~QextSerialPort();
+
+    BaudRateType baudRate() const;
+    DataBitsType dataBits() const;
+    ParityType parity() const;
+    StopBitsType stopBits() const;
+    void flush();
 
 protected:
     qint64 readData(char* data, qint64 max_size);

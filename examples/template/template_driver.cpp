@@ -1,0 +1,99 @@
+#include "template_driver.h"
+
+#include "framework/protocol_basic.h"
+
+#include <QElapsedTimer>
+
+namespace {
+
+const int most_significant_first = 0;
+const int as_characters = 1;
+
+const int answer_length = 8; // ":" station, value, CR
+
+} // namespace
+
+TemplateDriver::TemplateDriver(const QString& name, DrvSerial* serial, DrvEthernet* ethernet)
+    : DriverBasic(name, serial, ethernet)
+{}
+
+// 1. What is to be sent? Append the frame to `request` and return the length of the answer. To
+// refuse, set error_code_: nothing is sent then, and the host gets the code.
+int TemplateDriver::request_build(E_CMD_DIR dir, QString address, int /*field1*/, int data_length,
+                                  QByteArray* data, QByteArray* request, int station_no,
+                                  int /*extra1*/, int /*extra2*/)
+{
+    bool is_number = false;
+    const unsigned short register_number = address.toUShort(&is_number);
+    if (!is_number) {
+        error_code_ = bad_address;
+        return 0;
+    }
+    if ((dir == CMD_READ ? data_length : data->size()) != 2) {
+        error_code_ = bad_length;
+        return 0;
+    }
+    request->append(':');
+    ProtocolBasic::addNumber(*request, static_cast<unsigned char>(station_no), as_characters);
+    request->append(dir == CMD_READ ? 'R' : 'W');
+    ProtocolBasic::addNumber(*request, register_number, most_significant_first, as_characters);
+    if (dir == CMD_WRITE)
+        ProtocolBasic::addArray(*request, data->constData(), 2, 2, most_significant_first,
+                                as_characters);
+    request->append('\r');
+    return answer_length;
+}
+
+// 2. Is the answer there? Say 0 when it is, or why not. `ready` is to tell whether there is anything
+// to read on the link.
+int TemplateDriver::request_send_wait(int /*sent_length*/, int expected_length, int* ready)
+{
+    QElapsedTimer waiting;
+    waiting.start();
+    while (device_->bytesAvailable() < expected_length) {
+        const int left = response_timeout_ - static_cast<int>(waiting.elapsed());
+        *ready = device_->bytesAvailable() > 0;
+        if (isStopped())
+            return 0x1002;
+        if (isLinkLost())
+            return 0x400A0002;
+        if (left <= 0)
+            return 0x400A0000;
+        // In short turns, so that the host can stop a driver whose device is silent.
+        device_->waitForReadyRead(qMin(left, 50));
+    }
+    *ready = 1;
+    return 0;
+}
+
+// 3. What does the answer say? Put what was read into `data`; return 0, or a code for the host.
+int TemplateDriver::response_parse(E_CMD_DIR dir, QString /*address*/, int /*field1*/,
+                                   int /*data_length*/, QByteArray* data, QByteArray* request,
+                                   QByteArray* response, int /*station_no*/, int /*extra1*/,
+                                   int /*extra2*/)
+{
+    const bool is_of_station = response->mid(1, 2) == request->mid(1, 2);
+    if (!is_of_station || !response->endsWith('\r'))
+        return wrong_answer;
+    const QByteArray digits = response->mid(3, 4);
+    if (response->startsWith('!'))
+        return device_refused + ProtocolBasic::array2Number(digits, most_significant_first,
+                                                            as_characters);
+    if (!response->startsWith(':'))
+        return wrong_answer;
+    if (dir == CMD_READ)
+        ProtocolBasic::extractArray(*data, digits.constData(), digits.size(), 2,
+                                    most_significant_first, as_characters);
+    return 0;
+}
+
+bool TemplateDriver::isStopped() const
+{
+    return (stop_flag & 0xFF) != 0;
+}
+
+bool TemplateDriver::isLinkLost() const
+{
+    return !device_->isOpen() ||
+           (!serial_ && ethernet_->state() != QAbstractSocket::ConnectedState);
+}

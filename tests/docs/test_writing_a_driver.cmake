@@ -1,0 +1,18 @@
+# Does what docs/writing-a-driver.md says, in a folder with the examples and an installed library.
+cmake_minimum_required(VERSION 3.25)
+include(${CMAKE_CURRENT_LIST_DIR}/../support/run.cmake)
+
+file(REMOVE_RECURSE ${WORK_DIR})
+file(MAKE_DIRECTORY ${WORK_DIR})
+file(COPY ${SOURCE_DIR}/examples/template DESTINATION ${WORK_DIR}/examples)
+foreach(component IN ITEMS library development)
+  run("install ${component}" ${CMAKE_COMMAND} --install ${BUILD_DIR}
+      --prefix ${WORK_DIR}/prefix --component ${component})
+endforeach()
+
+file(GLOB template ${SOURCE_DIR}/examples/template/*.cpp ${SOURCE_DIR}/examples/template/*.h)
+run("docs/writing-a-driver.md" ${PYTHON} ${CMAKE_CURRENT_LIST_DIR}/run_guide.py
+    ${SOURCE_DIR}/docs/writing-a-driver.md --folder ${WORK_DIR} --path ${HOST_DIR}
+    --set CMAKE_PREFIX_PATH=${WORK_DIR}/prefix --set CMAKE_GENERATOR=${GENERATOR}
+    --set CXX=${CXX} "--set=CXXFLAGS=${FLAGS}" --excerpts ${template})
+file(REMOVE_RECURSE ${WORK_DIR})

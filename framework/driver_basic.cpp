@@ -164,8 +164,11 @@ bool DriverBasic::stopRequested() const
 
 bool DriverBasic::isUnitServed() const
 {
+    // Most names have no brace, and making the expression takes longer than the rest of a request.
+    if (!unit_list || unit_list->isEmpty() || !current_unit_name.startsWith(QLatin1Char('{')))
+        return true;
     const QRegExp braced(QLatin1String("^\\{[^\\}]+\\}$"));
-    if (braced.indexIn(current_unit_name) < 0 || !unit_list || unit_list->isEmpty())
+    if (braced.indexIn(current_unit_name) < 0)
         return true;
     QString pattern = current_unit_name;
     pattern.replace(QLatin1String("{"), QLatin1String("^\\{"));

@@ -24,10 +24,13 @@ bool isUp(const QIODevice* device)
 
 void pause(int milliseconds)
 {
+    // Even a wait that is over at once takes the kernel's timers 50 us.
+    if (milliseconds <= 0)
+        return;
     QMutex mutex;
     QWaitCondition nobody;
     QMutexLocker locker(&mutex);
-    nobody.wait(&mutex, static_cast<unsigned long>(qMax(0, milliseconds)));
+    nobody.wait(&mutex, static_cast<unsigned long>(milliseconds));
 }
 
 void waitForInput(QIODevice* device, int milliseconds)

@@ -243,10 +243,10 @@ bool ProtocolBasic::extractArray(QByteArray& out, const char* src, int len, int 
     QByteArray bytes;
     const bool packed = len <= 0 || isElementSize(size);
     if (packed && len > 0) {
-        bytes.fill('\0', ascii ? len / 2 : len);
+        bytes.resize(ascii ? len / 2 : len);
         unpack(bytes.data(), bytes.size(), src, len, size, order == 1, ascii);
     }
-    out = bytes; // not before: the source may lie in it
+    out.swap(bytes); // not before: the source may lie in it
     return packed;
 }
 

@@ -8,7 +8,7 @@ build_packages=(
   libcpp-httplib-dev libssl-dev nlohmann-json3-dev libcli11-dev)
 
 # To run the tests, and to check the sources.
-test_packages=(binutils clang-format-14 libmodbus-dev python3-pymodbus)
+test_packages=(binutils clang-format-14 libmodbus-dev python3-pymodbus python3-serial-asyncio)
 
 # install_missing PACKAGE...: installs those that are not there yet; root or sudo is needed for it.
 install_missing() {

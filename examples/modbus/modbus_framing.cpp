@@ -1,0 +1,26 @@
+#include "modbus_framing.h"
+
+namespace modbus {
+
+namespace {
+
+// Several of the largest frames: more is no late answer but noise, and nobody may fill the memory.
+const int largest_input = 4096;
+
+} // namespace
+
+Framing::~Framing() {}
+
+void Framing::add(const QByteArray& bytes)
+{
+    input_.append(bytes);
+    if (input_.size() > largest_input)
+        input_.remove(0, input_.size() - largest_input);
+}
+
+void Framing::reset()
+{
+    input_.clear();
+}
+
+} // namespace modbus

@@ -1,0 +1,56 @@
+#include "modbus_link.h"
+
+#include "interface/drv_ethernet.h"
+#include "interface/drv_serial.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+namespace modbus {
+
+Link::Link(DrvSerial* serial, DrvEthernet* ethernet)
+    : serial_(serial),
+      ethernet_(serial ? nullptr : ethernet),
+      device_(nullptr)
+{
+    if (serial_)
+        device_ = serial_;
+    else
+        device_ = ethernet_;
+}
+
+bool Link::isUp() const
+{
+    if (!device_ || !device_->isOpen())
+        return false;
+    if (ethernet_)
+        return ethernet_->state() == QAbstractSocket::ConnectedState;
+    // A line that has hung up stays open until the event loop runs.
+    const ulong error = serial_->lastError();
+    return error != E_READ_FAILED && error != E_IO_ERROR;
+}
+
+void Link::wait(int milliseconds)
+{
+    if (milliseconds <= 0 || !isUp())
+        return;
+    QElapsedTimer waited;
+    waited.start();
+    // A device in trouble returns at once: without a pause, waiting would be spinning.
+    if (!device_->waitForReadyRead(milliseconds) && waited.elapsed() < milliseconds)
+        pause(1);
+}
+
+QByteArray Link::take()
+{
+    if (!device_ || !device_->isReadable() || device_->bytesAvailable() <= 0)
+        return QByteArray();
+    return device_->readAll();
+}
+
+void pause(int milliseconds)
+{
+    QThread::msleep(static_cast<unsigned long>(qMax(0, milliseconds)));
+}
+
+} // namespace modbus

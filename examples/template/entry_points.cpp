@@ -3,8 +3,8 @@
 
 #include "interface/drvlib.h"
 
-// Drivers of devices take all three: a QString with the driver's name, a serial link and a TCP link;
-// each may be null.
+// Drivers of devices take all three: a QString with the driver's name, a serial link and a TCP
+// link; each may be null.
 DrvInterface* create_drvlib(void* first, void* second, DrvEthernet* link)
 {
     const QString* name = static_cast<QString*>(first);

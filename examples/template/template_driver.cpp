@@ -44,8 +44,8 @@ int TemplateDriver::request_build(E_CMD_DIR dir, QString address, int /*field1*/
     return answer_length;
 }
 
-// 2. Is the answer there? Say 0 when it is, or why not. `ready` is to tell whether there is anything
-// to read on the link.
+// 2. Is the answer there? Say 0 when it is, or why not. `ready` is to tell whether there is
+// anything to read on the link.
 int TemplateDriver::request_send_wait(int /*sent_length*/, int expected_length, int* ready)
 {
     QElapsedTimer waiting;
@@ -77,8 +77,8 @@ int TemplateDriver::response_parse(E_CMD_DIR dir, QString /*address*/, int /*fie
         return wrong_answer;
     const QByteArray digits = response->mid(3, 4);
     if (response->startsWith('!'))
-        return device_refused + ProtocolBasic::array2Number(digits, most_significant_first,
-                                                            as_characters);
+        return device_refused +
+               ProtocolBasic::array2Number(digits, most_significant_first, as_characters);
     if (!response->startsWith(':'))
         return wrong_answer;
     if (dir == CMD_READ)

@@ -24,8 +24,8 @@ enum StopBitsType
     STOP_1
 };
 
-/// Stands for the serial port library of a machine that has one, as far as links and drivers need it: the
-/// library must then be built without a class of that name of its own.
+/// Stands for the serial port library of a machine that has one, as far as links and drivers need
+/// it: the library must then be built without a class of that name of its own.
 class QextSerialPort : public QIODevice
 {
     Q_OBJECT

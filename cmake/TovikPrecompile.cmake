@@ -7,6 +7,10 @@ function(tovik_precompile target kind)
   if(NOT TOVIK_PRECOMPILE)
     return()
   endif()
+  # Hardly ever holds anything, and would take the precompiled headers in all the same.
+  set_source_files_properties(
+    ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp
+    PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   get_property(first GLOBAL PROPERTY TOVIK_PRECOMPILED_${kind})
   if(first)
     target_precompile_headers(${target} REUSE_FROM ${first})

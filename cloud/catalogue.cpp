@@ -83,25 +83,60 @@ void copyInt(const picojson::value& json, int* target)
         *target = json_number::toInt32(json.get<double>());
 }
 
-/// Sets type name and a value of 0 from the service's "type"; false when it is an unknown one.
-bool copyType(const picojson::value& json, PropertyTovikIotDataItem* item)
+/// Finds the members of an element in one pass. They must be asked for in ascending order of their
+/// names, which is how an object keeps them; looked up one by one they took as long as the rest of
+/// reading an item.
+class Members
+{
+public:
+    explicit Members(const picojson::value& element)
+        : next_(objectOf(element).begin()),
+          end_(objectOf(element).end())
+    {}
+
+    /// The member \a name, or null when it is missing.
+    const picojson::value& find(const char* name)
+    {
+        static const picojson::value missing;
+        while (next_ != end_) {
+            const int order = next_->first.compare(name);
+            if (order >= 0)
+                return order == 0 ? next_->second : missing;
+            ++next_;
+        }
+        return missing;
+    }
+
+private:
+    static const picojson::object& objectOf(const picojson::value& element)
+    {
+        if (!element.is<picojson::object>())
+            element.contains(std::string()); // raises what asking for a member raises
+        return element.get<picojson::object>();
+    }
+
+    picojson::object::const_iterator next_;
+    picojson::object::const_iterator end_;
+};
+
+/// Sets type name and a value of 0 from the service's "type", and returns the type; null when it is
+/// an unknown one. A missing type leaves both as they are.
+const DataItemType* copyType(const picojson::value& json, PropertyTovikIotDataItem* item)
 {
     if (!json.is<std::string>())
-        return true;
-    item->type = QLatin1String("16Bit-INT");
+        return findDataItemType(item->type);
     item->value = QVariant(0);
     const DataItemType* type = findServiceType(text::fromLatin1(json.get<std::string>()));
-    if (!type)
-        return false;
-    item->type = QLatin1String(type->name);
-    return true;
+    if (type)
+        item->type = sharedName(*type);
+    return type;
 }
 
-void copyValue(const picojson::value& json, PropertyTovikIotDataItem* item)
+void copyValue(const picojson::value& json, const DataItemType& type,
+               PropertyTovikIotDataItem* item)
 {
-    const DataItemType* type = findDataItemType(item->type);
-    if (type && (json.*type->is_expected)())
-        item->value = type->from_json(json);
+    if ((json.*type.is_expected)())
+        item->value = type.from_json(json);
 }
 
 } // namespace
@@ -125,29 +160,32 @@ int findDataitems(const picojson::object& reply, const QString& group_name,
 
 bool readGroup(const picojson::value& element, PropertyTovikIotGroup* group)
 {
+    Members members(element);
     *group = PropertyTovikIotGroup();
-    copyLatin1(element.get("group_id"), &group->group_id);
-    copyUtf8(element.get("name"), &group->name);
-    copyLatin1(element.get("location"), &group->location);
-    copyLatin1(element.get("ddLocation"), &group->ddLocation);
-    copyBool(element.get("alert"), &group->alert);
-    copyLatin1(element.get("permission"), &group->permission);
+    copyBool(members.find("alert"), &group->alert);
+    copyLatin1(members.find("ddLocation"), &group->ddLocation);
+    copyLatin1(members.find("group_id"), &group->group_id);
+    copyLatin1(members.find("location"), &group->location);
+    copyUtf8(members.find("name"), &group->name);
+    copyLatin1(members.find("permission"), &group->permission);
     return !group->group_id.isEmpty() && !group->name.isEmpty();
 }
 
 bool readDataitem(const picojson::value& element, PropertyTovikIotDataItem* item)
 {
+    Members members(element);
     item->Initial();
-    copyUtf8(element.get("name"), &item->name);
-    copyLatin1(element.get("dataitem_id"), &item->dataitem_id);
-    const bool known_type = copyType(element.get("type"), item);
-    copyInt(element.get("length"), &item->length);
-    if (known_type)
-        copyValue(element.get("value"), item);
-    copyInt(element.get("cloud_status"), &item->cloud_status);
-    copyBool(element.get("alert"), &item->alert);
-    copyInt(element.get("update_time"), &item->update_time);
-    return known_type && !item->name.isEmpty() && !item->dataitem_id.isEmpty();
+    copyBool(members.find("alert"), &item->alert);
+    copyInt(members.find("cloud_status"), &item->cloud_status);
+    copyLatin1(members.find("dataitem_id"), &item->dataitem_id);
+    copyInt(members.find("length"), &item->length);
+    copyUtf8(members.find("name"), &item->name);
+    const DataItemType* type = copyType(members.find("type"), item);
+    copyInt(members.find("update_time"), &item->update_time);
+    if (!type)
+        return false;
+    copyValue(members.find("value"), *type, item);
+    return !item->name.isEmpty() && !item->dataitem_id.isEmpty();
 }
 
 } // namespace catalogue

@@ -4,6 +4,8 @@
 #include "cloud/json_number.h"
 #include "compat/text.h"
 
+#include <QVector>
+
 namespace {
 
 // The service's JSON to the cached variant.
@@ -37,7 +39,7 @@ QVariant unsignedFromJson(const picojson::value& json)
 
 QVariant floatFromJson(const picojson::value& json)
 {
-    return QVariant::fromValue<float>(json_number::toFloat(json.get<double>()));
+    return QVariant(json_number::toFloat(json.get<double>()));
 }
 
 QVariant textFromJson(const picojson::value& json)
@@ -117,10 +119,9 @@ QByteArray floatToHost(const QVariant& value, int)
 
 QByteArray textToHost(const QVariant& value, int data_length)
 {
-    QByteArray bytes = text::toHostBytes(value.toString());
-    if (data_length > bytes.size())
-        bytes.append(QByteArray(data_length - bytes.size(), '\0'));
-    return bytes;
+    const QByteArray bytes = text::toHostBytes(value.toString());
+    // Qt takes a length far below zero for a very large one.
+    return data_length > bytes.size() ? bytes.leftJustified(data_length, '\0') : bytes;
 }
 
 // The host's bytes to the variant that is cached and written.
@@ -151,14 +152,26 @@ QVariant unsigned32FromHost(const QByteArray& bytes)
 }
 
 /// The hexadecimal digits read as decimal ones: a digit above 9 gives 0.
+quint32 decimalOfBcd(quint32 bcd)
+{
+    quint32 number = 0;
+    for (int shift = 28; shift >= 0; shift -= 4) {
+        const quint32 digit = (bcd >> shift) & 0xF;
+        if (digit > 9)
+            return 0;
+        number = number * 10 + digit;
+    }
+    return number;
+}
+
 QVariant bcd16FromHost(const QByteArray& bytes)
 {
-    return QVariant(int(QByteArray::number(host_bytes::toNumber(bytes, 2), 16).toUShort(0, 10)));
+    return QVariant(int(decimalOfBcd(host_bytes::toNumber(bytes, 2))));
 }
 
 QVariant bcd32FromHost(const QByteArray& bytes)
 {
-    return QVariant(QByteArray::number(host_bytes::toNumber(bytes, 4), 16).toUInt(0, 10));
+    return QVariant(decimalOfBcd(host_bytes::toNumber(bytes, 4)));
 }
 
 QVariant hex16FromHost(const QByteArray& bytes)
@@ -173,7 +186,7 @@ QVariant hex32FromHost(const QByteArray& bytes)
 
 QVariant floatFromHost(const QByteArray& bytes)
 {
-    return QVariant::fromValue<float>(host_bytes::toFloat(bytes));
+    return QVariant(host_bytes::toFloat(bytes));
 }
 
 QVariant textFromHost(const QByteArray& bytes)
@@ -207,6 +220,14 @@ const DataItemType types[] = {
 
 const int type_count = int(sizeof types / sizeof types[0]);
 
+QVector<QString> allNames()
+{
+    QVector<QString> names;
+    for (int i = 0; i < type_count; ++i)
+        names.append(QLatin1String(types[i].name));
+    return names;
+}
+
 } // namespace
 
 const DataItemType* findDataItemType(const QString& name)
@@ -226,4 +247,12 @@ const DataItemType* findServiceType(const QString& service_name)
             return &types[i];
     }
     return findDataItemType(service_name);
+}
+
+QString sharedName(const DataItemType& type)
+{
+    // Never destroyed: the client of a driver that was not closed may still run when the process
+    // ends.
+    static const QVector<QString>& names = *new QVector<QString>(allNames());
+    return names.at(int(&type - types));
 }

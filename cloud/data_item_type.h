@@ -35,5 +35,7 @@ struct DataItemType
 const DataItemType* findDataItemType(const QString& name);
 /// The type that the service calls so, or null.
 const DataItemType* findServiceType(const QString& service_name);
+/// The type's name as a text that all users share: a catalogue repeats it for every item.
+QString sharedName(const DataItemType& type);
 
 #endif

@@ -162,24 +162,18 @@ void DrvTovikIot::SlotGetMonitor(QList<MonitorDataItem> update_list)
 
 int DrvTovikIot::indexOf(const QString& name) const
 {
-    for (int i = 0; i < property_->dataitems.size(); ++i) {
-        if (property_->dataitems.at(i).name == name)
-            return i;
-    }
-    return -1;
+    return cloud_->Items()->indexOf(name);
 }
 
 void DrvTovikIot::SlotGetValuesByteArray(QString unit_name, QString link_name, int station_no,
                                          QSharedPointer<AddrData> addr)
 {
     Q_UNUSED(station_no)
-    QByteArray ba(1, '\0');
     const int index = indexOf(addr->address);
-    if (index >= 0) {
-        const PropertyTovikIotDataItem& item = property_->dataitems.at(index);
-        if (const DataItemType* type = findDataItemType(item.type))
-            ba = type->to_host(item.value, addr->data_length);
-    }
+    const DataItemType* type = index >= 0 ? cloud_->Items()->typeOf(index) : 0;
+    const QByteArray ba =
+        type ? type->to_host(property_->dataitems.at(index).value, addr->data_length)
+             : QByteArray(1, '\0');
     countError();
     Q_EMIT SigResponse(unit_name, link_name, ba, err_code_);
 }
@@ -211,7 +205,7 @@ void DrvTovikIot::SlotSetValuesByteArray(QString unit_name, QString link_name, i
     const QByteArray answer(ba);
     const int index = indexOf(addr->address);
     if (index >= 0) {
-        const DataItemType* type = findDataItemType(property_->dataitems.at(index).type);
+        const DataItemType* type = cloud_->Items()->typeOf(index);
         const QVariant value = type ? type->from_host(answer) : QVariant();
         cloud_->Items()->setValue(index, value);
         Q_EMIT EmitWriteValue(index, value);

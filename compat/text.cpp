@@ -1,13 +1,16 @@
 #include "compat/text.h"
 
+#include <cstring>
+#include <utility>
+
 namespace text {
 
 namespace {
 
 int lengthUpToNul(const QByteArray& bytes)
 {
-    const int nul = bytes.indexOf('\0');
-    return nul < 0 ? bytes.size() : nul;
+    const void* nul = std::memchr(bytes.constData(), 0, std::size_t(bytes.size()));
+    return nul ? int(static_cast<const char*>(nul) - bytes.constData()) : bytes.size();
 }
 
 } // namespace
@@ -22,9 +25,10 @@ QString fromUtf8(const std::string& bytes)
     return QString::fromUtf8(bytes.data(), int(bytes.size()));
 }
 
-std::string toLatin1(const QString& characters)
+std::string toLatin1(QString characters)
 {
-    const QByteArray bytes = characters.toLatin1();
+    // A text that nobody else uses is converted where it stands.
+    const QByteArray bytes = std::move(characters).toLatin1();
     return std::string(bytes.constData(), std::string::size_type(bytes.size()));
 }
 

@@ -72,6 +72,7 @@ QDataStream& operator>>(QDataStream& stream, PropertyTovikIot& property)
 {
     stream >> property.aux_flag >> property.host >> property.aux_value >> property.project >>
         property.email >> property.password;
-    ReadList(stream, &property.groups, smallest_group_record);
-    return ReadList(stream, &property.dataitems, smallest_dataitem_record);
+    ReadList(stream, &property.groups, smallest_group_record, &PropertyTovikIotGroup::permission);
+    return ReadList(stream, &property.dataitems, smallest_dataitem_record,
+                    &PropertyTovikIotDataItem::type);
 }

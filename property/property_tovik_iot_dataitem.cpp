@@ -1,6 +1,19 @@
 #include "property/property_tovik_iot_dataitem.h"
 
+#include "property/list_stream.h"
 #include "property/stream_registration.h"
+
+namespace {
+
+/// One text for all items, instead of a new one for each that is made. Never destroyed: items may
+/// be made in another thread while the process ends.
+const QString& defaultType()
+{
+    static const QString& type = *new QString(QLatin1String("16Bit-INT"));
+    return type;
+}
+
+} // namespace
 
 PropertyTovikIotDataItem::PropertyTovikIotDataItem()
     : length(0),
@@ -33,7 +46,7 @@ void PropertyTovikIotDataItem::Initial()
 {
     name = QString();
     dataitem_id = QString();
-    type = QLatin1String("16Bit-INT");
+    type = defaultType();
     length = 1;
     value = QVariant(QString(QLatin1String("")));
     cloud_status = 0;
@@ -80,7 +93,15 @@ QDataStream& operator<<(QDataStream& stream, const PropertyTovikIotDataItem& ite
 QDataStream& operator>>(QDataStream& stream, PropertyTovikIotDataItem& item)
 {
     RegisterConfigurationStreaming();
-    stream >> item.name >> item.dataitem_id >> item.type >> item.length >> item.value >>
-        item.cloud_status >> item.alert >> item.update_time >> item.marked;
+    QString buffer;
+    ReadMembers(stream, &item, &buffer);
     return stream;
+}
+
+void ReadMembers(QDataStream& stream, PropertyTovikIotDataItem* item, QString* buffer)
+{
+    ReadText(stream, &item->name, buffer);
+    ReadText(stream, &item->dataitem_id, buffer);
+    stream >> item->type >> item->length >> item->value >> item->cloud_status >> item->alert >>
+        item->update_time >> item->marked;
 }

@@ -70,7 +70,17 @@ QDataStream& operator<<(QDataStream& stream, const PropertyTovikIotGroup& group)
 QDataStream& operator>>(QDataStream& stream, PropertyTovikIotGroup& group)
 {
     RegisterConfigurationStreaming();
-    stream >> group.group_id >> group.name >> group.location >> group.ddLocation >> group.alert >>
-        group.permission >> group.marked;
-    return ReadList(stream, &group.dataitems, smallest_dataitem_record);
+    QString buffer;
+    ReadMembers(stream, &group, &buffer);
+    return stream;
+}
+
+void ReadMembers(QDataStream& stream, PropertyTovikIotGroup* group, QString* buffer)
+{
+    ReadText(stream, &group->group_id, buffer);
+    ReadText(stream, &group->name, buffer);
+    ReadText(stream, &group->location, buffer);
+    ReadText(stream, &group->ddLocation, buffer);
+    stream >> group->alert >> group->permission >> group->marked;
+    ReadList(stream, &group->dataitems, smallest_dataitem_record, &PropertyTovikIotDataItem::type);
 }

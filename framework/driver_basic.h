@@ -192,6 +192,10 @@ protected Q_SLOTS:
     /// Takes over the settings of the TCP link again; does nothing without one.
     virtual void SlotUpdateDrvEthernet();
 
+protected:
+    /// Whether the host wants the driver to stop; to be asked again and again while waiting.
+    bool stopRequested() const;
+
 private:
     Q_DISABLE_COPY(DriverBasic)
 
@@ -199,7 +203,6 @@ private:
 
     void takeSettings(const DrvBase& link);
     void connectHost();
-    bool stopRequested() const;
     bool isUnitServed() const;
     void run(const Request& request);
     /// False if the host wants the driver to stop.

@@ -6,7 +6,6 @@
 #include "modbus_tcp.h"
 
 #include <cmath>
-#include <cstring>
 
 using namespace modbus;
 
@@ -45,13 +44,6 @@ ModbusDriver::~ModbusDriver() {}
 Transport ModbusDriver::transport() const
 {
     return serial_ ? Transport::Rtu : Transport::Tcp;
-}
-
-bool ModbusDriver::stopRequested() const
-{
-    char first_byte = 0;
-    std::memcpy(&first_byte, &stop_flag, 1);
-    return first_byte != 0;
 }
 
 bool ModbusDriver::IsTransparentModeSupported()
@@ -112,7 +104,12 @@ bool ModbusDriver::waitForSilence()
     waited.start();
     const qint64 longest = qint64(noisy_response_times) * response_timeout_ + noisy_time;
     Answer late;
-    for (listen(0); missingSilence() > 0; listen(missingSilence())) {
+    for (;;) {
+        // Judged before the look, since this thread may have slept while bytes came.
+        const bool is_over = missingSilence() <= 0;
+        listen(missingSilence());
+        if (is_over && missingSilence() <= 0)
+            break;
         // The only answer that was missing has come, too late: nothing is under way any more.
         if (is_out_of_step_ && unanswered_ == 1 && framing_->take(&late)) {
             is_out_of_step_ = false;
@@ -155,9 +152,10 @@ int ModbusDriver::request_send_wait(int sent_length, int expected_length, int* r
     answer_ = Answer();
     if (request_.is_broadcast) {
         wait_code_ = waitAfterBroadcast(sent_length);
+        line_idle_.start();
         return wait_code_;
     }
-    wait_code_ = waitForAnswer(response_timeout_ + lineTime(sent_length + expected_length));
+    wait_code_ = waitForAnswer(qint64(response_timeout_) + lineTime(sent_length + expected_length));
     const bool answered = wait_code_ == Ok && (answer_.status == Ok || isException(answer_.status));
     is_out_of_step_ = !answered;
     unanswered_ = answered ? 0 : unanswered_ + 1;
@@ -165,22 +163,22 @@ int ModbusDriver::request_send_wait(int sent_length, int expected_length, int* r
     return wait_code_;
 }
 
-int ModbusDriver::waitForAnswer(int budget)
+int ModbusDriver::waitForAnswer(qint64 budget)
 {
     QElapsedTimer waited;
     waited.start();
     for (bool is_over = false;;) {
         if (framing_->take(&answer_))
             return Ok;
-        if (is_over) {
-            answer_ = framing_->giveUp();
-            return answer_.status == NoAnswerInTime ? int(NoAnswerInTime) : int(Ok);
-        }
         if (stopRequested())
             return Stopped;
         if (!link_.isUp()) {
             answer_.status = LinkLost;
             return Ok;
+        }
+        if (is_over) {
+            answer_ = framing_->giveUp();
+            return answer_.status == NoAnswerInTime ? int(NoAnswerInTime) : int(Ok);
         }
         // Looks once more when the time is over: this thread may have slept for all of it.
         const qint64 left = budget - waited.elapsed();
@@ -194,15 +192,15 @@ int ModbusDriver::waitAfterBroadcast(int sent_length)
     QElapsedTimer waited;
     waited.start();
     const int time = turnaround + lineTime(sent_length);
-    while (waited.elapsed() < time) {
+    do {
         if (stopRequested())
             return Stopped;
-        listen(time - waited.elapsed());
+        listen(qMax<qint64>(1, time - waited.elapsed()));
         if (!link_.isUp()) {
             answer_.status = LinkLost;
             return Ok;
         }
-    }
+    } while (waited.elapsed() < time);
     return Ok;
 }
 

@@ -27,6 +27,7 @@ public:
 
     /// True: whole frames, with header or checksum, can be passed through.
     bool IsTransparentModeSupported() override;
+    /// To be called in the driver's thread: while it runs, input is left on the link.
     void RunTransparentRequest(const QByteArray& request) override;
 
     /// Also waits until the line may be used: this is the last hook before the frame is sent.
@@ -54,7 +55,6 @@ private:
     Q_DISABLE_COPY(ModbusDriver)
 
     modbus::Transport transport() const;
-    bool stopRequested() const;
     void writeBit(const modbus::HostRequest& asked);
     /// Takes input; if there is none, waits for it, at most so long.
     void listen(qint64 milliseconds);
@@ -64,7 +64,7 @@ private:
     qint64 missingSilence() const;
     /// Waits until the answer is found or it is clear that there will be none.
     /// \return 0 with the result in answer_, Stopped or NoAnswerInTime.
-    int waitForAnswer(int budget);
+    int waitForAnswer(qint64 budget);
     int waitAfterBroadcast(int sent_length);
     /// How long so many characters take on the line, in milliseconds; 0 for TCP.
     int lineTime(int characters) const;

@@ -32,7 +32,7 @@ bool Link::isUp() const
 
 void Link::wait(int milliseconds)
 {
-    if (milliseconds <= 0 || !isUp())
+    if (milliseconds < 0 || !isUp())
         return;
     QElapsedTimer waited;
     waited.start();

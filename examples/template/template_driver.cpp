@@ -3,6 +3,7 @@
 #include "framework/protocol_basic.h"
 
 #include <QElapsedTimer>
+#include <QThread>
 
 namespace {
 
@@ -29,6 +30,10 @@ int TemplateDriver::request_build(E_CMD_DIR dir, QString address, int /*field1*/
         error_code_ = bad_address;
         return 0;
     }
+    if (station_no < 0 || station_no > 255) {
+        error_code_ = bad_station;
+        return 0;
+    }
     if ((dir == CMD_READ ? data_length : data->size()) != 2) {
         error_code_ = bad_length;
         return 0;
@@ -53,14 +58,15 @@ int TemplateDriver::request_send_wait(int /*sent_length*/, int expected_length, 
     while (device_->bytesAvailable() < expected_length) {
         const int left = response_timeout_ - static_cast<int>(waiting.elapsed());
         *ready = device_->bytesAvailable() > 0;
-        if (isStopped())
+        if (stopRequested())
             return 0x1002;
         if (isLinkLost())
             return 0x400A0002;
         if (left <= 0)
             return 0x400A0000;
         // In short turns, so that the host can stop a driver whose device is silent.
-        device_->waitForReadyRead(qMin(left, 50));
+        if (!device_->waitForReadyRead(qMin(left, 50)))
+            QThread::msleep(1); // a link in trouble returns at once
     }
     *ready = 1;
     return 0;
@@ -87,13 +93,11 @@ int TemplateDriver::response_parse(E_CMD_DIR dir, QString /*address*/, int /*fie
     return 0;
 }
 
-bool TemplateDriver::isStopped() const
-{
-    return (stop_flag & 0xFF) != 0;
-}
-
 bool TemplateDriver::isLinkLost() const
 {
-    return !device_->isOpen() ||
-           (!serial_ && ethernet_->state() != QAbstractSocket::ConnectedState);
+    if (!serial_)
+        return ethernet_->state() != QAbstractSocket::ConnectedState;
+    // A line that has hung up stays open until the event loop runs.
+    const ulong error = serial_->lastError();
+    return !serial_->isOpen() || error == E_IO_ERROR || error == E_READ_FAILED;
 }

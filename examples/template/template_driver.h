@@ -24,6 +24,7 @@ public:
         bad_address = 0x4F000001,    ///< The address is no number from 0 to 65535.
         bad_length = 0x4F000002,     ///< The host's data is not two bytes long.
         wrong_answer = 0x4F000003,   ///< The answer is no line of this protocol.
+        bad_station = 0x4F000004,    ///< The station is no number from 0 to 255.
         device_refused = 0x4F010000, ///< The device said no: 0x4F010002 for its code 0002.
     };
 
@@ -37,7 +38,6 @@ public:
                        int extra1, int extra2) override;
 
 private:
-    bool isStopped() const;
     bool isLinkLost() const;
 };
 

@@ -1,13 +1,19 @@
 #include "tests/tools_host/line_device.h"
 
+#include <QCoreApplication>
 #include <QFile>
+#include <QHostAddress>
 #include <QTcpSocket>
 
 namespace {
 
-/// An address of the machine itself from which nobody connects: so the port stays ours while the
+/// An address of the machine itself that only this process uses: so the port stays ours while the
 /// device is away.
-const char own_address[] = "127.77.0.1";
+QHostAddress ownAddress()
+{
+    const quint32 process = quint32(QCoreApplication::applicationPid());
+    return QHostAddress((127U << 24) | (1U << 23) | ((process & 0x3FFFFF) << 1) | 1);
+}
 
 const int look_milliseconds = 2;
 
@@ -60,7 +66,7 @@ TcpLineDevice::TcpLineDevice()
 
 QString TcpLineDevice::link() const
 {
-    return QStringLiteral("tcp:%1:%2").arg(QLatin1String(own_address)).arg(port_);
+    return QStringLiteral("tcp:%1:%2").arg(ownAddress().toString()).arg(port_);
 }
 
 void TcpLineDevice::leave()
@@ -71,7 +77,7 @@ void TcpLineDevice::leave()
 
 void TcpLineDevice::comeBack()
 {
-    if (!server_.listen(QHostAddress(QLatin1String(own_address)), port_))
+    if (!server_.listen(ownAddress(), port_))
         qFatal("cannot listen: %s", qPrintable(server_.errorString()));
 }
 
@@ -112,8 +118,9 @@ QString SerialLineDevice::link() const
 
 void SerialLineDevice::leave()
 {
-    pty_.reset();
+    // In this order: a free pty's name may be somebody else's the next moment.
     QFile::remove(path());
+    pty_.reset();
 }
 
 void SerialLineDevice::comeBack()

@@ -131,13 +131,13 @@ void TestHostDeviceHost::handsOverNameAndSettings()
 {
     TcpLineDevice device;
     DeviceConfig config = configFor(device);
-    config.settings = {1, 2000, 3, 4, 5};
+    config.settings = {1, 20000, 3, 4, 5};
     config.unit = QStringLiteral("{A}");
     DeviceHost host(*plugin_, config, *unix_signals_);
     QCOMPARE(host.open(), QString());
     QCOMPARE(host.read(item("hex:0500")).answer.status, 0);
     const QStringList lines = log_->lastLines(2);
-    QCOMPARE(lines.first(), QStringLiteral("[Echo] \"tovik_echo_driver\" settings 1 2000 3 4 5"));
+    QCOMPARE(lines.first(), QStringLiteral("[Echo] \"tovik_echo_driver\" settings 1 20000 3 4 5"));
     QCOMPARE(lines.last(), QStringLiteral("[Echo] unit \"{A}\" asks for \"hex:0500\""));
 }
 

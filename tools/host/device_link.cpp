@@ -46,7 +46,7 @@ void DeviceLink::begin()
 void DeviceLink::giveUp()
 {
     problem_ = QStringLiteral("no connection within %1 s; is the address right, and the device on?")
-                   .arg(double(attempt_.elapsed()) / 1000, 0, 'g', 2);
+                   .arg(double(attempt_.elapsed()) / 1000, 0, 'f', 1);
     giveUpOpening();
 }
 

@@ -25,6 +25,15 @@ void Output::write(const QString& text)
     }
 }
 
+bool Output::broken() const
+{
+    if (broken_)
+        return true;
+    // A pipe without a reader says so even while nothing is written to it.
+    pollfd reader = {descriptor_, 0, 0};
+    return ::poll(&reader, 1, 0) > 0 && reader.revents != 0;
+}
+
 void Output::line(const QString& text)
 {
     write(text + QLatin1Char('\n'));

@@ -18,7 +18,7 @@ public:
     /// Writes \a text and a line break.
     void line(const QString& text);
     /// Whether the reader has gone; all further writing is in vain.
-    bool broken() const { return broken_; }
+    bool broken() const;
 
 private:
     int descriptor_;

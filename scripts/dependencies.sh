@@ -10,6 +10,11 @@ build_packages=(
 # To run the tests, and to check the sources.
 test_packages=(binutils clang-format-14 libmodbus-dev python3-pymodbus python3-serial-asyncio)
 
+# To run the benchmarks and to draw their plots.
+bench_packages=(
+  binutils iproute2 libbenchmark-dev libcurl4-openssl-dev libmodbus-dev python3-matplotlib
+  util-linux)
+
 # install_missing PACKAGE...: installs those that are not there yet; root or sudo is needed for it.
 install_missing() {
   local missing=() package

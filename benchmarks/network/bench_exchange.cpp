@@ -13,7 +13,9 @@
 namespace {
 
 const double target = 1.3;
-const int patience = 10000; // ms
+const double microseconds = 1000; // of a millisecond
+const int patience = 10000;       // ms
+const int block = 200;            // exchanges that are measured together
 
 void ignore(QtMsgType, const QMessageLogContext&, const QString&) {}
 
@@ -73,10 +75,11 @@ void compareOverTcp(const bench::EchoDevice& device, int rounds, bench::Rows* ro
     const int bare = device.connectBare();
     bench::Samples ours;
     bench::Samples peer;
-    bench::measureInTurn(
-        rounds, [&] { return driver.read(); }, [&] { return bench::exchange(bare); }, &ours, &peer);
-    rows->add("an exchange over TCP", bench::Samples::median(ours.wall),
-              bench::Samples::median(peer.wall), target);
+    bench::measureInTurn(rounds, bench::repeated(block, [&] { return driver.read(); }),
+                         bench::repeated(block, [&] { return bench::exchange(bare); }), &ours,
+                         &peer);
+    rows->add("an exchange over TCP", microseconds * bench::Samples::median(ours.wall) / block,
+              microseconds * bench::Samples::median(peer.wall) / block, target, 0, "us");
 }
 
 void compareOverSerial(int rounds, bench::Rows* rows)
@@ -89,18 +92,22 @@ void compareOverSerial(int rounds, bench::Rows* rows)
     bench::Samples ours;
     bench::Samples peer;
     bench::measureInTurn(
-        rounds, [&] { return driver.read(); },
-        [&] { return tcflush(bare, TCIOFLUSH) == 0 && bench::exchange(bare); }, &ours, &peer);
-    rows->add("an exchange on a serial line", bench::Samples::median(ours.wall),
-              bench::Samples::median(peer.wall), target);
+        rounds, bench::repeated(block, [&] { return driver.read(); }),
+        bench::repeated(block,
+                        [&] { return tcflush(bare, TCIOFLUSH) == 0 && bench::exchange(bare); }),
+        &ours, &peer);
+    rows->add("an exchange on a serial line",
+              microseconds * bench::Samples::median(ours.wall) / block,
+              microseconds * bench::Samples::median(peer.wall) / block, target, 0, "us");
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const int rounds = bench::readOptions(argc, argv).is_quick ? 500 : 5000;
+    const int rounds = bench::readOptions(argc, argv).is_quick ? 10 : 50;
     qInstallMessageHandler(ignore);
+    bench::useOneProcessor();
     const QCoreApplication application(argc, argv);
     const bench::EchoDevice device;
     bench::Rows rows;

@@ -1,5 +1,6 @@
 #include "benchmarks/network/samples.h"
 
+#include <sched.h>
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -46,6 +47,25 @@ double Samples::percentile95(const std::vector<double>& values)
     return at(values, 0.95);
 }
 
+void useOneProcessor()
+{
+    cpu_set_t first;
+    CPU_ZERO(&first);
+    CPU_SET(sched_getcpu(), &first);
+    sched_setaffinity(0, sizeof first, &first);
+}
+
+Work repeated(int times, const Work& work)
+{
+    return [times, work] {
+        for (int i = 0; i < times; ++i) {
+            if (!work())
+                return false;
+        }
+        return true;
+    };
+}
+
 void measure(const Work& work, const char* what, Samples* samples)
 {
     const double processor = processorTime();
@@ -87,11 +107,12 @@ Options readOptions(int argc, char** argv)
     return options;
 }
 
-void Rows::add(const std::string& name, double ours, double peer, double target, double size)
+void Rows::add(const std::string& name, double ours, double peer, double target, double size,
+               const std::string& unit)
 {
     char text[400];
-    std::snprintf(text, sizeof text, R"({"name": "%s", "unit": "ms", "ours": %.6f, "peer": %.6f)",
-                  name.c_str(), ours, peer);
+    std::snprintf(text, sizeof text, R"({"name": "%s", "unit": "%s", "ours": %.6f, "peer": %.6f)",
+                  name.c_str(), unit.c_str(), ours, peer);
     std::string row = text;
     if (target > 0)
         row += ", \"target\": " + std::to_string(target);

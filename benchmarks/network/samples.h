@@ -23,6 +23,15 @@ struct Samples
 /// Does a piece of work; false ends the program: what fails cannot be compared.
 using Work = std::function<bool()>;
 
+/// Keeps this process on one processor; to be called before it has threads. Where two threads take
+/// turns, it is chance otherwise whether waking the other one means waking a sleeping processor,
+/// which takes three times as long as the rest.
+void useOneProcessor();
+
+/// So much of the same work as one piece. What takes microseconds is measured so: a processor that
+/// has just been woken takes longer than the work itself.
+Work repeated(int times, const Work& work);
+
 /// One piece of work, measured.
 void measure(const Work& work, const char* what, Samples* samples);
 
@@ -46,7 +55,8 @@ class Rows
 public:
     /// \param target the most that ours may take as a multiple of the peer; 0: no demand
     /// \param size items or bytes, for the plots; 0: not plotted over a size
-    void add(const std::string& name, double ours, double peer, double target, double size = 0);
+    void add(const std::string& name, double ours, double peer, double target, double size = 0,
+             const std::string& unit = "ms");
     /// A row for orientation, with nothing to compare it with.
     void addValue(const std::string& name, double ours, const std::string& unit, double size);
     /// Median and 95th percentile of wall time, and the median of processor time.

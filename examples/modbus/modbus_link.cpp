@@ -38,7 +38,7 @@ void Link::wait(int milliseconds)
     waited.start();
     // A device in trouble returns at once: without a pause, waiting would be spinning.
     if (!device_->waitForReadyRead(milliseconds) && waited.elapsed() < milliseconds)
-        pause(1);
+        QThread::msleep(1);
 }
 
 QByteArray Link::take()
@@ -46,11 +46,6 @@ QByteArray Link::take()
     if (!device_ || !device_->isReadable() || device_->bytesAvailable() <= 0)
         return QByteArray();
     return device_->readAll();
-}
-
-void pause(int milliseconds)
-{
-    QThread::msleep(static_cast<unsigned long>(qMax(0, milliseconds)));
 }
 
 } // namespace modbus

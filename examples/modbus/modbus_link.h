@@ -30,9 +30,6 @@ private:
     QIODevice* device_;
 };
 
-/// Pauses the thread.
-void pause(int milliseconds);
-
 } // namespace modbus
 
 #endif

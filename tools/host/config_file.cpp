@@ -1,10 +1,10 @@
 #include "tools/host/config_file.h"
 
+#include "tools/host/item_list.h"
 #include "tools/host/member_reader.h"
 #include "tools/host/password.h"
 #include "tools/host/usage_error.h"
 
-#include <QHash>
 #include <QUrl>
 
 namespace tovik_host {
@@ -54,28 +54,9 @@ ItemConfig readItem(const JsonFile& file, const Pointer& pointer)
 
 QVector<ItemConfig> readItems(const JsonFile& file, QStringList* warnings)
 {
-    const Pointer list("/items");
-    const nlohmann::json& elements = file.root.at(list);
-    if (!elements.is_array())
-        file.fail(list, QStringLiteral("must be a list: [ ... ]"));
-    if (elements.empty())
-        file.fail(list, QStringLiteral("must name at least one item"));
-    QVector<ItemConfig> items;
-    QHash<QString, std::size_t> first_of_name;
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-        items << readItem(file, list / i);
-        const QString& name = items.last().name;
-        if (!first_of_name.contains(name)) {
-            first_of_name.insert(name, i);
-            continue;
-        }
-        *warnings << QStringLiteral("%1: items[%2] has the name \"%3\" already; the driver serves "
-                                    "the first one only")
-                         .arg(file.place(list / i / "name"))
-                         .arg(first_of_name.value(name))
-                         .arg(name);
-    }
-    return items;
+    return readItemList(
+        file, [&file](const Pointer& pointer) { return readItem(file, pointer); },
+        QStringLiteral("the driver serves the first one only"), warnings);
 }
 
 ErrorHandling readErrorHandling(const JsonFile& file)

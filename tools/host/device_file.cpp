@@ -1,10 +1,9 @@
 #include "tools/host/device_file.h"
 
 #include "tools/host/device_limits.h"
+#include "tools/host/item_list.h"
 #include "tools/host/member_reader.h"
 #include "tools/host/usage_error.h"
-
-#include <QHash>
 
 #include <limits>
 
@@ -98,30 +97,11 @@ ItemConfig readItem(const JsonFile& file, const Pointer& pointer, const RequestO
 QVector<ItemConfig> readItems(const JsonFile& file, const RequestOptions& defaults,
                               QStringList* warnings)
 {
-    const Pointer list("/items");
     if (!file.root.contains("items"))
         file.fail(Pointer(), QStringLiteral("the member \"items\" is missing"));
-    const nlohmann::json& elements = file.root.at(list);
-    if (!elements.is_array())
-        file.fail(list, QStringLiteral("must be a list: [ ... ]"));
-    if (elements.empty())
-        file.fail(list, QStringLiteral("must name at least one item"));
-    QVector<ItemConfig> items;
-    QHash<QString, std::size_t> first_of_name;
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-        items << readItem(file, list / i, defaults);
-        const QString& name = items.last().name;
-        if (!first_of_name.contains(name)) {
-            first_of_name.insert(name, i);
-            continue;
-        }
-        *warnings << QStringLiteral("%1: items[%2] has the name \"%3\" already; by name the first "
-                                    "one only is found")
-                         .arg(file.place(list / i / "name"))
-                         .arg(first_of_name.value(name))
-                         .arg(name);
-    }
-    return items;
+    return readItemList(
+        file, [&](const Pointer& pointer) { return readItem(file, pointer, defaults); },
+        QStringLiteral("by name the first one only is found"), warnings);
 }
 
 } // namespace

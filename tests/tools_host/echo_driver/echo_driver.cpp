@@ -4,8 +4,6 @@
 #include <QElapsedTimer>
 #include <QThread>
 
-#include <cstring>
-
 namespace {
 
 const int stopped = 0x1002;
@@ -85,13 +83,6 @@ int EchoDriver::response_parse(E_CMD_DIR dir, QString, int, int, QByteArray* dat
     return 0;
 }
 
-bool EchoDriver::isStopped() const
-{
-    char first_byte = 0;
-    std::memcpy(&first_byte, &stop_flag, 1);
-    return first_byte != 0;
-}
-
 bool EchoDriver::isLinkLost() const
 {
     if (!serial_)
@@ -106,7 +97,7 @@ int EchoDriver::request_send_wait(int, int expected_length, int* ready)
     QElapsedTimer waited;
     waited.start();
     while (device_->bytesAvailable() < expected_length) {
-        if (isStopped())
+        if (stopRequested())
             return stopped;
         if (isLinkLost())
             return receive_failed;

@@ -39,7 +39,6 @@ private Q_SLOTS:
     void onRelease();
 
 private:
-    bool isStopped() const;
     bool isLinkLost() const;
 
     bool released_ = false;

@@ -58,6 +58,18 @@ bool parse(const std::string& json, picojson::value* value)
     }
 }
 
+/// \param next what follows the opening quote
+const char* behindString(const char* next, const char* end)
+{
+    for (; next < end; ++next) {
+        if (*next == '"')
+            return next + 1;
+        if (*next == '\\')
+            ++next;
+    }
+    return end;
+}
+
 } // namespace
 
 picojson::value member(const QString& text)
@@ -113,24 +125,27 @@ const picojson::value& find(const picojson::object& members, const char* name)
 
 bool nestsTooDeep(const std::string& json)
 {
+    const std::string::size_type first = json.find_first_not_of(" \t\n\r");
+    const char* const end = json.data() + json.size();
     int depth = 0;
-    bool in_string = false;
-    for (std::string::size_type i = json.find_first_not_of(" \t\n\r"); i < json.size(); ++i) {
-        const char c = json[i];
-        if (in_string) {
-            if (c == '\\')
-                ++i;
-            else if (c == '"')
-                in_string = false;
-        } else if (c == '"') {
-            in_string = true;
-        } else if (c == '{' || c == '[') {
+    for (const char* next = json.data() + qMin(first, json.size()); next < end;) {
+        switch (*next++) {
+        case '"':
+            next = behindString(next, end);
+            break;
+        case '{':
+        case '[':
             if (++depth > nesting_limit)
                 return true;
-        } else if (c == '}' || c == ']') {
+            break;
+        case '}':
+        case ']':
             --depth;
+            break;
+        default:
+            break;
         }
-        if (depth <= 0 && !in_string)
+        if (depth <= 0)
             return false;
     }
     return false;

@@ -1,7 +1,6 @@
 #include "compat/text.h"
 
 #include <cstring>
-#include <utility>
 
 namespace text {
 
@@ -25,11 +24,16 @@ QString fromUtf8(const std::string& bytes)
     return QString::fromUtf8(bytes.data(), int(bytes.size()));
 }
 
-std::string toLatin1(QString characters)
+std::string toLatin1(const QString& characters)
 {
-    // A text that nobody else uses is converted where it stands.
-    const QByteArray bytes = std::move(characters).toLatin1();
-    return std::string(bytes.constData(), std::string::size_type(bytes.size()));
+    // Qt's own conversion gives a QByteArray, which would have to be copied once more.
+    const int size = characters.size();
+    const ushort* const units = characters.utf16();
+    std::string bytes(std::string::size_type(size), '\0');
+    char* const out = &bytes[0];
+    for (int i = 0; i < size; ++i)
+        out[i] = static_cast<char>(units[i] > 0xFF ? '?' : units[i]);
+    return bytes;
 }
 
 QString fromLatin1UpToNul(const QByteArray& bytes)

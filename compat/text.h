@@ -19,7 +19,7 @@ QString fromLatin1(const std::string& bytes);
 /// Bytes as UTF-8 text.
 QString fromUtf8(const std::string& bytes);
 /// Text as Latin-1 bytes; a character outside Latin-1 becomes a question mark.
-std::string toLatin1(QString characters);
+std::string toLatin1(const QString& characters);
 /// Bytes up to the first NUL (all, if there is none) as Latin-1 text.
 QString fromLatin1UpToNul(const QByteArray& bytes);
 

@@ -11,6 +11,14 @@ namespace link_io {
 
 namespace {
 
+/// All that Qt holds for the device. Its readAll() makes room for 16 KiB first and copies all of
+/// that to a smaller place afterwards: for an answer of a few bytes the most expensive part of a
+/// request.
+QByteArray takeHeld(QIODevice* device)
+{
+    return device->read(device->bytesAvailable());
+}
+
 /// Qt warns when a socket without a connection, or a closed device, is used.
 bool isUp(const QIODevice* device)
 {
@@ -49,7 +57,7 @@ void discard(DrvSerial* serial, DrvEthernet* ethernet)
     // What a driver has peeked at is in none of the port's buffers any more; the port class of the
     // machine's own library leaves it where it is.
     if (serial->bytesAvailable() > 0)
-        serial->readAll();
+        takeHeld(serial);
 }
 
 void send(QIODevice* device, const QByteArray& bytes)
@@ -80,7 +88,7 @@ QByteArray take(QIODevice* device)
     // Qt fetches from the kernel only when it is asked to wait.
     waitForInput(device, 0);
     // The far end may just have closed: what it had sent before can still be read.
-    return device->isReadable() ? device->readAll() : QByteArray();
+    return device->isReadable() ? takeHeld(device) : QByteArray();
 }
 
 } // namespace link_io

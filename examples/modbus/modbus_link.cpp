@@ -43,9 +43,11 @@ void Link::wait(int milliseconds)
 
 QByteArray Link::take()
 {
-    if (!device_ || !device_->isReadable() || device_->bytesAvailable() <= 0)
+    if (!device_ || !device_->isReadable())
         return QByteArray();
-    return device_->readAll();
+    // Much cheaper than readAll(), which makes room for 16 KiB first.
+    const qint64 held = device_->bytesAvailable();
+    return held > 0 ? device_->read(held) : QByteArray();
 }
 
 } // namespace modbus

@@ -12,6 +12,7 @@ const int most_significant_first = 0;
 const int raw = 0;
 
 const int write_answer_size = 5;
+const int write_many_head = 6;
 const int coil_on = 0xFF00;
 
 const Operation operations[] = {
@@ -51,7 +52,7 @@ int numberAt(const QByteArray& bytes, int offset)
 {
     if (offset + 2 > bytes.size())
         return 0;
-    return ProtocolBasic::array2Number(bytes.mid(offset, 2), most_significant_first, raw);
+    return byteAt(bytes, offset) << 8 | byteAt(bytes, offset + 1);
 }
 
 int byteAt(const QByteArray& bytes, int offset)
@@ -71,6 +72,7 @@ const Operation* operationOf(int function)
 QByteArray buildPdu(const PduRequest& request)
 {
     QByteArray pdu;
+    pdu.reserve(write_many_head + request.values.size());
     addByte(pdu, request.operation->function);
     addNumber(pdu, request.start);
     addNumber(pdu,

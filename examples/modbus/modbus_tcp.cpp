@@ -42,6 +42,7 @@ void addNumber(QByteArray& bytes, int value)
 QByteArray tcpFrame(int transaction, int unit, const QByteArray& pdu)
 {
     QByteArray frame;
+    frame.reserve(pdu_at + pdu.size());
     addNumber(frame, transaction);
     addNumber(frame, 0);
     addNumber(frame, pdu.size() + 1);

@@ -96,6 +96,31 @@ def packing(rows, folder):
     save(figure, folder, "bench-packing")
 
 
+def network(rows, folder):
+    figure, (left, right) = pyplot.subplots(1, 2, figsize=(WIDTH * 1.3, 3.2))
+    cycles = select(rows, "cycle", "a monitor cycle")
+    pair_over_size(left, cycles, 1, "libcurl")
+    left.set_yscale("linear")
+    left.set_ylim(bottom=0)
+    left.set_xlabel("served items")
+    left.set_ylabel("ms for each item of a cycle")
+    left.set_title("A cycle, service on the same machine")
+    for group, marker, label in (("drivers", "o", "same machine"),
+                                 ("drivers-20ms", "s", "20 ms there and back"),
+                                 ("drivers-100ms", "^", "100 ms there and back")):
+        chosen = select(rows, group, "drivers")
+        if chosen:
+            right.plot([row["size"] for row in chosen], [row["ours"] for row in chosen],
+                       marker + "-", label=label)
+    right.set_xscale("log", base=2)
+    right.set_yscale("log")
+    right.set_xlabel("drivers in one process")
+    right.set_ylabel("items a second, together")
+    right.set_title("What several drivers carry")
+    right.legend(fontsize=7)
+    save(figure, folder, "bench-network")
+
+
 def ratios(rows, folder):
     """Every ratio beside its target, by group: where all lies between 0 and the line, all is met."""
     demanded = [row for row in rows if row["kind"] == "ratio" and "target" in row]
@@ -121,7 +146,7 @@ def main():
     rows = json.loads(pathlib.Path(sys.argv[1]).read_text())
     folder = pathlib.Path(sys.argv[2])
     folder.mkdir(parents=True, exist_ok=True)
-    for draw in (reads, lists, packing, ratios):
+    for draw in (reads, lists, packing, network, ratios):
         draw(rows, folder)
     return 0
 

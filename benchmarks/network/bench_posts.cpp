@@ -35,16 +35,20 @@ void comparePosts(const std::string& name, const std::string& url, int rounds, d
             return !client.PostRequest(text, QString::fromStdString(url)).isEmpty();
         },
         [&] { return bench::curlPost(url, body); }, &ours, &peer);
-    if (with_processor)
+    if (with_processor) {
         rows->addAll(name, ours, peer, most);
-    else
-        rows->add(name + ", wall, median", bench::Samples::median(ours.wall),
-                  bench::Samples::median(peer.wall), most);
+        return;
+    }
+    rows->add(name + ", wall, median", bench::Samples::median(ours.wall),
+              bench::Samples::median(peer.wall), most);
+    rows->add(name + ", wall, 95th percentile", bench::Samples::percentile95(ours.wall),
+              bench::Samples::percentile95(peer.wall), most);
 }
+
+const bench::TlsKind kinds[] = {{false, false}, {false, true}, {true, false}, {true, true}};
 
 int compareOnLoopback(int rounds, int argc, char** argv)
 {
-    const bench::TlsKind kinds[] = {{false, false}, {false, true}, {true, false}, {true, true}};
     std::vector<std::unique_ptr<bench::TlsService>> services;
     for (const bench::TlsKind& kind : kinds)
         services.push_back(std::make_unique<bench::TlsService>(kind, false));
@@ -62,7 +66,6 @@ int compareOnLoopback(int rounds, int argc, char** argv)
 /// The way to the service takes so long in each direction.
 int compareWithDelay(int rounds, int delay, int argc, char** argv)
 {
-    const bench::TlsKind kinds[] = {{false, true}, {true, true}};
     bench::Rows rows;
     std::vector<std::unique_ptr<bench::TlsService>> services;
     for (const bench::TlsKind& kind : kinds)

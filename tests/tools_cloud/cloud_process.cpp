@@ -63,10 +63,9 @@ bool CloudProcess::start(const QStringList& options)
     process_.start(program(), QStringList(exampleProject()) + options);
     const QRegularExpression lines(QStringLiteral(
         "Service: (https?)://127\\.0\\.0\\.1:(\\d+)\nControl: http://[^:]+:(\\d+)\n"));
-    QString output;
     while (process_.waitForReadyRead(patience)) {
-        output += QString::fromUtf8(process_.readAllStandardOutput());
-        const auto match = lines.match(output);
+        output_ += QString::fromUtf8(process_.readAllStandardOutput());
+        const auto match = lines.match(output_);
         if (match.hasMatch()) {
             tls_ = match.captured(1) == QStringLiteral("https");
             port_ = match.captured(2).toInt();

@@ -56,6 +56,9 @@ public:
     Answer control(const std::string& method, const std::string& path,
                    const std::string& body = {});
 
+    /// What the program has written to standard output.
+    const QString& output() const { return output_; }
+
     /// Adds a fault over the control API and gives its number, 0 on failure.
     int addFault(const std::string& fault);
 
@@ -65,6 +68,7 @@ public:
 private:
     QProcess process_;
     std::string log_;
+    QString output_;
     bool tls_ = true;
     int port_ = 0;
     int controlPort_ = 0;

@@ -69,6 +69,12 @@ void TestCloudProgramCommandLine::exitsWith_data()
     row("log that cannot be written", "--log /nonexistent/x PROJECT", 1, "cannot write the log");
     row("URL file that cannot be written", "--url-file /nonexistent/x PROJECT", 1,
         "cannot write /nonexistent/x");
+    row("token file that does not exist", "--control-token-file /nonexistent PROJECT", 2,
+        "/nonexistent");
+    row("token file that holds something else", "--control-token-file PROJECT PROJECT", 2,
+        "plant.json: a token has 16 to 200 visible ASCII characters");
+    row("control address that is not ours", "--control-host 192.0.2.1 PROJECT", 1,
+        "cannot use 192.0.2.1");
     row("host that is not ours", "--host 192.0.2.1 PROJECT", 1, "cannot use 192.0.2.1");
 }
 

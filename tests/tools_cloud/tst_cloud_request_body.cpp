@@ -15,6 +15,7 @@ private slots:
     void checksTheContentType_data();
     void checksTheContentType();
     void hidesSecrets();
+    void shortensLongTexts();
     void survivesAnyBytes();
 };
 
@@ -90,9 +91,21 @@ void TestCloudRequestBody::hidesSecrets()
     QCOMPARE(masked(R"({"pasword":"secret"})"), QByteArray(R"({"pasword":"***"})"));
     QCOMPARE(masked(R"({"token":"0123456789abcdef"})"), QByteArray(R"({"token":"012345..."})"));
     QCOMPARE(masked(R"({"token":"0123"})"), QByteArray(R"({"token":"***"})"));
+    QCOMPARE(masked(R"({"value":{"password":"secret"}})"), QByteArray(R"({"value":"***"})"));
+    QCOMPARE(masked(R"({"token":["secret"]})"), QByteArray(R"({"token":"***"})"));
     QVERIFY(!masked(R"({"password":"secret")").contains("secret"));
     const std::string problem = parseBody(R"({"password":"secret"x)").problem;
     QVERIFY(problem.find("secret") == std::string::npos);
+}
+
+void TestCloudRequestBody::shortensLongTexts()
+{
+    // The 500th byte is the second one of its character.
+    const std::string text = "x" + QByteArray("ü").repeated(1000).toStdString();
+    const Json masked = maskedBody(parseBody(Json{{"value", text}, {text, 1}}.dump()));
+    QCOMPARE(masked.at("value").get<std::string>(), text.substr(0, 499) + "... (2001 bytes)");
+    QCOMPARE(masked.size(), std::size_t(2));
+    QVERIFY(masked.dump(-1, ' ', false, Json::error_handler_t::replace).size() < 700);
 }
 
 void TestCloudRequestBody::survivesAnyBytes()

@@ -14,6 +14,7 @@ private slots:
     void tokensExpire();
     void allExpireOnDemand();
     void doesNotGrowWithoutEnd();
+    void tellsWhoHasWhich();
 };
 
 void TestCloudTokenStore::tokensDiffer()
@@ -66,6 +67,31 @@ void TestCloudTokenStore::doesNotGrowWithoutEnd()
         store.create();
     }
     QCOMPARE(store.activeCount(), std::size_t(10000));
+}
+
+void TestCloudTokenStore::tellsWhoHasWhich()
+{
+    double now = 100;
+    TokenStore store(50, [&now] { return now; });
+    const std::string first = store.create({"a@example.com", "127.0.0.1:1"});
+    now = 110;
+    const std::string second = store.create({"b@example.com", "127.0.0.1:2"});
+    now = 120;
+    QVERIFY(store.isKnown(first) && store.isKnown(first));
+    now = 125;
+    const auto list = store.list(10);
+    QCOMPARE(list.size(), std::size_t(2));
+    QCOMPARE(list.at(0).shortToken, first.substr(0, 6) + "...");
+    QCOMPARE(list.at(0).owner.account, std::string("a@example.com"));
+    QCOMPARE(list.at(0).owner.address, std::string("127.0.0.1:1"));
+    QCOMPARE(list.at(0).uses, std::uint64_t(2));
+    QCOMPARE(list.at(0).age, 25.0);
+    QCOMPARE(list.at(0).idle, 5.0);
+    QCOMPARE(list.at(1).owner.account, std::string("b@example.com"));
+    QCOMPARE(list.at(1).idle, 15.0);
+    QCOMPARE(store.list(1).size(), std::size_t(1));
+    now = 155;
+    QCOMPARE(store.list(10).size(), std::size_t(1));
 }
 
 QTEST_APPLESS_MAIN(TestCloudTokenStore)

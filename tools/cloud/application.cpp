@@ -9,12 +9,6 @@
 
 namespace tovik_cloud {
 
-namespace {
-
-constexpr const char* controlHost = "127.0.0.1";
-
-} // namespace
-
 Application::Application(const Options& options, Project project)
     : options_(options),
       log_(options.logFile, options.verbose),
@@ -24,13 +18,14 @@ Application::Application(const Options& options, Project project)
       service_(plant_, tokens_, faults_, requests_, log_),
       servicePort_(service_.engine(), tls_.get(), options.host, options.port, log_),
       control_(controlTargets()),
-      controlPort_(control_.engine(), nullptr, controlHost, options.controlPort, log_)
+      controlPort_(control_.engine(), nullptr, options.controlHost, options.controlPort, log_)
 {
     servicePort_.setRefusing([this] { return faults_.isRefusing(); });
 }
 
 void Application::start()
 {
+    admit();
     for (const std::string& text : options_.faults) {
         const int id = faults_.add(parseFault(text));
         log_.note("fault " + std::to_string(id) + " added, " + text);
@@ -90,6 +85,25 @@ std::string Application::serviceUrl() const
     return (tls_ ? "https://" : "http://") + hostAndPort(options_.host, servicePort_.port());
 }
 
+// Beyond this computer nobody is let in without a token.
+void Application::admit()
+{
+    ControlAccess access{options_.controlHost, controlPort_.isLoopback(), options_.controlToken};
+    if (!access.loopback && access.token.empty()) {
+        newToken_ = newControlToken();
+        access.token = newToken_;
+    }
+    control_.setAccess(access);
+}
+
+// "All addresses" is a place to listen at, not one to go to.
+std::string Application::controlUrl() const
+{
+    const std::string& host = options_.controlHost;
+    const std::string name = host == "0.0.0.0" ? "127.0.0.1" : host == "::" ? "::1" : host;
+    return "http://" + hostAndPort(name, controlPort_.port());
+}
+
 // An address that outlives the service sends clients to somebody else's port.
 void Application::withdrawAddresses()
 {
@@ -103,7 +117,7 @@ void Application::withdrawAddresses()
 
 void Application::announce()
 {
-    const std::string control = "http://" + hostAndPort(controlHost, controlPort_.port());
+    const std::string control = controlUrl();
     if (!options_.controlFile.empty()) {
         writeAtomically(options_.controlFile, control + "\n");
     }
@@ -111,7 +125,12 @@ void Application::announce()
         writeAtomically(options_.urlFile, serviceUrl() + "\n");
     }
     log_.note("started, " + serviceUrl() + ", control " + control);
-    std::cout << "Service: " << serviceUrl() << "\nControl: " << control << std::endl;
+    std::cout << "Service: " << serviceUrl() << "\nControl: " << control
+              << "\nDashboard: " << control << "/\n";
+    if (!newToken_.empty()) {
+        std::cout << "Control token: " << newToken_ << '\n';
+    }
+    std::cout.flush();
 }
 
 } // namespace tovik_cloud

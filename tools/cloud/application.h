@@ -28,6 +28,8 @@ private:
     CertificateChoice chooseCertificate();
     ControlTargets controlTargets();
     std::string serviceUrl() const;
+    void admit();
+    std::string controlUrl() const;
     void announce();
     void withdrawAddresses();
 
@@ -42,6 +44,7 @@ private:
     FrontEnd servicePort_;
     ControlApi control_;
     FrontEnd controlPort_;
+    std::string newToken_; ///< of the control port, made because nobody gave one
 };
 
 } // namespace tovik_cloud

@@ -1,5 +1,7 @@
 #include "tools/cloud/connection.h"
 
+#include "tools/cloud/port.h"
+
 #include <arpa/inet.h>
 #include <netinet/tcp.h>
 #include <openssl/err.h>
@@ -147,6 +149,14 @@ ssize_t Connection::write(const char* data, std::size_t size)
     }
     headersSent_ = true;
     return dripMilliseconds_ < 0 ? sendAll(data, size) : sendDripping(data, size);
+}
+
+std::string Connection::clientAddress() const
+{
+    std::string ip;
+    int port = 0;
+    get_remote_ip_and_port(ip, port);
+    return hostAndPort(ip, port);
 }
 
 void Connection::get_remote_ip_and_port(std::string& ip, int& port) const

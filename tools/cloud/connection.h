@@ -41,6 +41,9 @@ public:
 
     bool isDropped() const { return dropped_; }
 
+    /// The client's address and port, as in a URL.
+    std::string clientAddress() const;
+
     /// Makes all waiting end soon; safe from any thread.
     void interrupt();
 
@@ -49,6 +52,9 @@ public:
 
     /// Set by whoever has answered the current request.
     bool answered = false;
+
+    /// Set by whoever has left the body of the current request unread.
+    bool lastRequest = false;
 
     bool is_readable() const override { return !dropped_; }
     bool is_writable() const override { return !dropped_; }

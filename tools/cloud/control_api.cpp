@@ -1,6 +1,9 @@
 #include "tools/cloud/control_api.h"
 
 #include "tools/cloud/clock.h"
+#include "tools/cloud/control_views.h"
+#include "tools/cloud/dashboard_routes.h"
+#include "tools/cloud/fault_kinds.h"
 
 #include <cstdlib>
 #include <stdexcept>
@@ -27,15 +30,6 @@ void sendError(httplib::Response& response, int status, const std::string& text)
     send(response, {{"error", text}}, status);
 }
 
-Json itemJson(const ItemView& view)
-{
-    return {{"id", view.item->id},
-            {"group", view.group->id},
-            {"name", view.item->name},
-            {"type", typeName(view.item->type)},
-            {"value", view.value}};
-}
-
 /// The only member that the body of a request has.
 Json onlyMember(const httplib::Request& request, const std::string& name)
 {
@@ -58,6 +52,15 @@ std::uint64_t sinceParameter(const httplib::Request& request)
     return std::strtoull(text.c_str(), nullptr, 10);
 }
 
+Json requestsJson(const RequestLog& requests, std::uint64_t number)
+{
+    Json list = Json::array();
+    for (const RequestRecord& record : requests.since(number)) {
+        list.push_back(toJson(record));
+    }
+    return list;
+}
+
 } // namespace
 
 std::string tlsProblem(const FaultSpec& fault, bool hasTls)
@@ -71,25 +74,45 @@ std::string tlsProblem(const FaultSpec& fault, bool hasTls)
 
 ControlApi::ControlApi(ControlTargets targets)
     : targets_(std::move(targets)),
-      start_(steadySeconds())
+      start_(steadySeconds()),
+      started_(unixSeconds())
 {
+    addGuard();
+    addDashboardRoutes(engine_);
     addFaultRoutes();
     addItemRoutes();
     addOtherRoutes();
     addErrorReplies();
 }
 
+void ControlApi::addGuard()
+{
+    engine_.set_pre_routing_handler([this](const Request& request, Response& response) {
+        const ControlKnock knock{request.method, request.path, request.get_header_value("Host"),
+                                 request.get_header_value("Origin"),
+                                 request.get_header_value("Authorization")};
+        const std::optional<ControlRefusal> refusal = guard_.refusal(knock);
+        if (!refusal) {
+            return httplib::Server::HandlerResponse::Unhandled;
+        }
+        sendError(response, refusal->status, refusal->text);
+        if (refusal->status == 401) {
+            response.set_header("WWW-Authenticate", "Bearer");
+        }
+        // The body was not read, and must not be taken for the next request.
+        HttpEngine::current().lastRequest = true;
+        response.set_header("Connection", "close");
+        return httplib::Server::HandlerResponse::Handled;
+    });
+}
+
 void ControlApi::addFaultRoutes()
 {
     engine_.Get("/faults", [this](const Request&, Response& response) {
-        Json list = Json::array();
-        for (const FaultStatus& fault : targets_.faults.list()) {
-            list.push_back({{"id", fault.id},
-                            {"fault", fault.text},
-                            {"active", fault.active},
-                            {"applied", fault.applied}});
-        }
-        send(response, {{"faults", list}});
+        send(response, {{"faults", faultsJson(targets_.faults)}});
+    });
+    engine_.Get("/faults/kinds", [this](const Request&, Response& response) {
+        send(response, {{"kinds", faultKindsJson(targets_.hasTls)}});
     });
     engine_.Post("/faults", [this](const Request& request, Response& response) {
         send(response, addFault(request));
@@ -114,6 +137,9 @@ void ControlApi::addFaultRoutes()
 
 void ControlApi::addItemRoutes()
 {
+    engine_.Get("/groups", [this](const Request&, Response& response) {
+        send(response, {{"groups", groupsJson(targets_.plant.project())}});
+    });
     engine_.Get("/items", [this](const Request&, Response& response) {
         Json list = Json::array();
         for (const ItemView& view : targets_.plant.allItems()) {
@@ -139,11 +165,13 @@ void ControlApi::addOtherRoutes()
     engine_.Get("/status",
                 [this](const Request&, Response& response) { send(response, status()); });
     engine_.Get("/requests", [this](const Request& request, Response& response) {
-        Json list = Json::array();
-        for (const RequestRecord& record : targets_.requests.since(sinceParameter(request))) {
-            list.push_back(toJson(record));
-        }
-        send(response, {{"requests", list}});
+        send(response, {{"requests", requestsJson(targets_.requests, sinceParameter(request))}});
+    });
+    engine_.Get("/live", [this](const Request& request, Response& response) {
+        send(response, live(sinceParameter(request)));
+    });
+    engine_.Get("/clients", [this](const Request&, Response& response) {
+        send(response, {{"clients", clientsJson(targets_.tokens)}});
     });
     engine_.Post("/tokens/expire", [this](const Request&, Response& response) {
         const std::size_t count = targets_.tokens.expireAll();
@@ -182,6 +210,16 @@ Json ControlApi::status()
             {"uptime", steadySeconds() - start_},
             {"requests", targets_.requests.counts()},
             {"tokens", targets_.tokens.activeCount()}};
+}
+
+Json ControlApi::live(std::uint64_t lastRequest)
+{
+    return {{"started", started_},
+            {"status", status()},
+            {"values", valuesJson(targets_.plant)},
+            {"faults", faultsJson(targets_.faults)},
+            {"clients", clientsJson(targets_.tokens)},
+            {"requests", requestsJson(targets_.requests, lastRequest)}};
 }
 
 Json ControlApi::addFault(const Request& request)

@@ -1,6 +1,7 @@
 #ifndef TOOLS_CLOUD_CONTROL_API_H
 #define TOOLS_CLOUD_CONTROL_API_H
 
+#include "tools/cloud/control_guard.h"
 #include "tools/cloud/event_log.h"
 #include "tools/cloud/fault_table.h"
 #include "tools/cloud/http_engine.h"
@@ -8,6 +9,7 @@
 #include "tools/cloud/request_log.h"
 #include "tools/cloud/token_store.h"
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -26,7 +28,7 @@ struct ControlTargets
     std::function<void()> faultsChanged; ///< returns when the change is in effect
 };
 
-/// The plain HTTP interface by which tests steer the service.
+/// The plain HTTP interface by which tests and the dashboard steer the service.
 class ControlApi
 {
 public:
@@ -34,20 +36,27 @@ public:
 
     HttpEngine& engine() { return engine_; }
 
+    /// Says who may ask; to be set before the engine gets its first connection.
+    void setAccess(const ControlAccess& access) { guard_ = ControlGuard(access); }
+
 private:
     using Request = httplib::Request;
     using Response = httplib::Response;
 
+    void addGuard();
     void addFaultRoutes();
     void addItemRoutes();
     void addOtherRoutes();
     void addErrorReplies();
     Json status();
+    Json live(std::uint64_t lastRequest);
     Json addFault(const Request& request);
     void putItem(const Request& request, Response& response);
 
     ControlTargets targets_;
     double start_;
+    double started_; ///< seconds since 1970
+    ControlGuard guard_{ControlAccess{}};
     HttpEngine engine_;
 };
 

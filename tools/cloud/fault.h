@@ -80,6 +80,9 @@ public:
 /// All kinds of faults, in the order in which they are explained.
 const std::vector<FaultDefinition>& faultDefinitions();
 
+/// The keys that a kind takes, its own first.
+std::vector<std::string> faultKeys(const FaultDefinition& definition);
+
 /// The list of faults and keys, for people.
 std::string faultHelp();
 

@@ -138,6 +138,18 @@ void readKeys(FaultSpec& spec, const std::string& list)
 
 } // namespace
 
+std::vector<std::string> faultKeys(const FaultDefinition& definition)
+{
+    std::vector<std::string> keys;
+    for (const char* key :
+         {definition.parameter, "path", "item", "group", "count", "seconds", "after"}) {
+        if (*key != '\0' && takesKey(definition, key)) {
+            keys.emplace_back(key);
+        }
+    }
+    return keys;
+}
+
 FaultSpec parseFault(const std::string& text)
 {
     const std::size_t colon = text.find(':');

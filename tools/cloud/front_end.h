@@ -39,6 +39,7 @@ public:
     void applyRefusing();
 
     int port() const { return port_.number(); }
+    bool isLoopback() const { return port_.isLoopback(); }
 
 private:
     struct Client

@@ -30,7 +30,7 @@ bool HttpEngine::serveOne(Connection& connection, bool isLast)
     currentConnection = &connection;
     const bool good = process_request(connection, isLast, closed, setUp);
     currentConnection = nullptr;
-    return good && !closed && !connection.isDropped();
+    return good && !closed && !connection.isDropped() && !connection.lastRequest;
 }
 
 Connection& HttpEngine::current()

@@ -1,11 +1,13 @@
 #include "tools/cloud/options.h"
 
 #include "tools/cloud/control_api.h"
+#include "tools/cloud/control_guard.h"
 #include "tools/cloud/fault.h"
 
 #include <CLI/CLI.hpp>
 
 #include <iostream>
+#include <stdexcept>
 
 namespace tovik_cloud {
 
@@ -33,13 +35,27 @@ void addNetworkOptions(CLI::App& app, Options& options)
         ->type_name("PORT")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    app.add_option("--control-port", options.controlPort,
-                   "Port of the control API on 127.0.0.1, 0 for a free one")
+    app.add_option("--url-file", options.urlFile, "Write the URL of the service to this file")
+        ->group(group)
+        ->type_name("FILE");
+}
+
+void addControlOptions(CLI::App& app, Options& options)
+{
+    const std::string group = "Control API and dashboard";
+    app.add_option("--control-host", options.controlHost,
+                   "Address for control; beyond this computer every request needs a token")
+        ->group(group)
+        ->type_name("HOST")
+        ->capture_default_str();
+    app.add_option("--control-port", options.controlPort, "Port for control, 0 for a free one")
         ->group(group)
         ->type_name("PORT")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    app.add_option("--url-file", options.urlFile, "Write the URL of the service to this file")
+    app.add_option("--control-token-file", options.controlTokenFile,
+                   "Every control request needs the token in this file (a new one, which is "
+                   "printed, if the address is not of this computer alone)")
         ->group(group)
         ->type_name("FILE");
     app.add_option("--control-file", options.controlFile,
@@ -110,10 +126,18 @@ void addLogOptions(CLI::App& app, Options& options)
     app.add_flag("--verbose", options.verbose, "Log every request")->group(group);
 }
 
-std::string findProblem(const Options& options)
+/// Completes the options, or says why they cannot be used.
+std::string findProblem(Options& options)
 {
     if (options.projectFile.empty()) {
         return "the project file is missing; name one, such as plant.json";
+    }
+    if (!options.controlTokenFile.empty()) {
+        try {
+            options.controlToken = readControlToken(options.controlTokenFile);
+        } catch (const std::invalid_argument& error) {
+            return error.what();
+        }
     }
     for (const std::string& text : options.faults) {
         std::string problem = tlsProblem(parseFault(text), !options.plainHttp);
@@ -137,6 +161,7 @@ ParsedOptions parseOptions(int count, char** arguments)
     app.add_flag("--check", options.checkOnly, "Only check the project file");
     app.add_flag("--list-faults", listFaults, "Explain the faults and exit");
     addNetworkOptions(app, options);
+    addControlOptions(app, options);
     addTlsOptions(app, options);
     addBehaviourOptions(app, options);
     addLogOptions(app, options);

@@ -14,7 +14,10 @@ struct Options
     bool checkOnly = false;
     std::string host = "127.0.0.1";
     int port = 0;
+    std::string controlHost = "127.0.0.1";
     int controlPort = 0;
+    std::string controlTokenFile;
+    std::string controlToken; ///< what that file holds
     std::string urlFile;
     std::string controlFile;
     bool plainHttp = false;

@@ -35,7 +35,7 @@ AddressList resolve(const std::string& host, int port)
     const int error = ::getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &list);
     if (error != 0) {
         throw std::runtime_error("cannot use the host \"" + host + "\": " + ::gai_strerror(error) +
-                                 "; give an address of this computer with --host");
+                                 "; give an address of this computer");
     }
     return {list, &::freeaddrinfo};
 }
@@ -97,6 +97,18 @@ FileDescriptor Port::accept()
         setOption(socket.get(), SOL_SOCKET, SO_SNDTIMEO, timeout);
     }
     return socket;
+}
+
+bool Port::isLoopback() const
+{
+    if (address_.ss_family == AF_INET6) {
+        sockaddr_in6 full{};
+        std::memcpy(&full, &address_, sizeof(full));
+        return IN6_IS_ADDR_LOOPBACK(&full.sin6_addr);
+    }
+    sockaddr_in full{};
+    std::memcpy(&full, &address_, sizeof(full));
+    return (ntohl(full.sin_addr.s_addr) >> 24U) == IN_LOOPBACKNET;
 }
 
 FileDescriptor Port::boundSocket() const

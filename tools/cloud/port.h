@@ -29,6 +29,9 @@ public:
     int descriptor() const { return listener_.get(); }
     int number() const { return number_; }
 
+    /// True if no other computer can reach the port.
+    bool isLoopback() const;
+
 private:
     FileDescriptor boundSocket() const;
 

@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::size_t shownTokenSize = 6;
 constexpr std::size_t shownNameSize = 60;
+constexpr std::size_t shownTextSize = 500;
 
 const std::vector<const char*>& membersOf(ApiPath path)
 {
@@ -28,6 +29,27 @@ const std::vector<const char*>& membersOf(ApiPath path)
 std::string quotedName(const std::string& name)
 {
     return toText(Json(name.substr(0, shownNameSize)));
+}
+
+/// A value that is no secret, as long as it is one: lists and objects can hold anything, and long
+/// texts would fill the memory a thousand times over.
+Json shownValue(const Json& value)
+{
+    if (value.is_structured()) {
+        return "***";
+    }
+    if (!value.is_string()) {
+        return value;
+    }
+    const auto text = value.get<std::string>();
+    if (text.size() <= shownTextSize) {
+        return value;
+    }
+    std::size_t end = shownTextSize;
+    while ((static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+        --end; // not into the middle of a character
+    }
+    return text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
 }
 
 } // namespace
@@ -116,13 +138,14 @@ Json maskedBody(const RequestBody& body)
     }
     static const std::set<std::string> harmless{"email", "project", "group_id", "dataitem_id",
                                                 "value"};
-    Json masked = body.object;
-    for (auto& entry : masked.items()) {
+    Json masked = Json::object();
+    for (const auto& entry : body.object.items()) {
         if (entry.key() == "token" && entry.value().is_string()) {
-            entry.value() = shortToken(entry.value().get<std::string>());
-        } else if (harmless.count(entry.key()) == 0) {
+            masked["token"] = shortToken(entry.value().get<std::string>());
+        } else {
             // A misspelt "pasword" is a secret too.
-            entry.value() = "***";
+            masked[entry.key().substr(0, shownNameSize)] =
+                harmless.count(entry.key()) > 0 ? shownValue(entry.value()) : Json("***");
         }
     }
     return masked;

@@ -45,7 +45,8 @@ Reply refusal(ErrorCode code, const std::string& problem)
 
 Service::Service(Plant& plant, TokenStore& tokens) : plant_(plant), tokens_(tokens) {}
 
-Reply Service::answer(ApiPath path, const std::string& contentType, const RequestBody& body)
+Reply Service::answer(ApiPath path, const std::string& contentType, const RequestBody& body,
+                      const std::string& client)
 {
     std::string problem = contentTypeProblem(contentType);
     if (problem.empty()) {
@@ -55,7 +56,7 @@ Reply Service::answer(ApiPath path, const std::string& contentType, const Reques
         return refusal(codeMalformed, problem);
     }
     if (path == ApiPath::Login) {
-        return login(body);
+        return login(body, client);
     }
     const std::string token = body.text("token");
     if (!tokens_.isKnown(token)) {
@@ -73,7 +74,7 @@ Reply Service::answer(ApiPath path, const std::string& contentType, const Reques
     }
 }
 
-Reply Service::login(const RequestBody& body)
+Reply Service::login(const RequestBody& body, const std::string& client)
 {
     const auto& accounts = plant_.project().accounts;
     const auto isPerson = [&body](const Account& account) {
@@ -89,7 +90,7 @@ Reply Service::login(const RequestBody& body)
         return refusal(codeUnknownProject,
                        "the account has no project " + toText(Json(body.text("project"))));
     }
-    return success({{"token", tokens_.create()}});
+    return success({{"token", tokens_.create({body.text("email"), client})}});
 }
 
 Reply Service::groups()

@@ -26,11 +26,12 @@ class Service
 public:
     Service(Plant& plant, TokenStore& tokens);
 
-    /// Answers one request.
-    Reply answer(ApiPath path, const std::string& contentType, const RequestBody& body);
+    /// Answers one request; the client's address is kept with a token that it gets.
+    Reply answer(ApiPath path, const std::string& contentType, const RequestBody& body,
+                 const std::string& client = {});
 
 private:
-    Reply login(const RequestBody& body);
+    Reply login(const RequestBody& body, const std::string& client);
     Reply groups();
     Reply items(const std::string& groupId);
     Reply value(const std::string& itemId);

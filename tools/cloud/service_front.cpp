@@ -125,7 +125,8 @@ HttpReply ServiceFront::answer(Exchange& exchange, const std::string& contentTyp
         }
         return replacementReply(exchange.fault->spec);
     }
-    const Reply reply = service_.answer(exchange.facts.path, contentType, exchange.body);
+    const Reply reply = service_.answer(exchange.facts.path, contentType, exchange.body,
+                                        HttpEngine::current().clientAddress());
     exchange.errorCode = reply.errorCode();
     exchange.problem = reply.problem;
     return exchange.fault ? spoiltReply(exchange.fault->spec, reply.json)

@@ -1,0 +1,82 @@
+// A service that goes and comes back, and one that wants a token.
+import assert from 'node:assert/strict';
+import { mkdtempSync, rmSync, writeFileSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
+import { after, before, test } from 'node:test';
+import { assertNoTrouble, Browser, Cloud, shows, until, valueOf } from './support.mjs';
+
+let browser;
+
+before(async () => { browser = await Browser.start(); });
+after(async () => { await browser.stop(); });
+
+test('a service that is gone is missed, and welcome when it is back', async () => {
+    let cloud = await Cloud.start();
+    const page = await browser.open(cloud);
+    try {
+        await cloud.login();
+        await until(async () => await page.locator('#request-rows tr').count() === 1, 'a request');
+        await page.getByLabel('As text').fill('empty:path=write');
+        await page.getByRole('button', { name: 'Switch on' }).click();
+        await shows(page.locator('#faults-active'), '1 active');
+        await page.getByRole('button', { name: 'Edit Sensor offset' }).click();
+        await page.getByLabel('New value of Sensor offset').fill('5');
+        await cloud.stop();
+
+        await shows(page.locator('#state'), 'No connection');
+        await page.getByText('The service has not answered since').waitFor();
+        await page.getByLabel('New value of Sensor offset').press('Enter');
+        await until(async () => await page.locator('tr[data-item="hall-offset"] .problem').textContent(),
+                    'for the failed change to be told');
+
+        cloud = await Cloud.start(['--control-port', cloud.controlPort]);
+        await page.locator('#state[data-state=live]').waitFor();
+        await page.locator('#gone').waitFor({ state: 'hidden' });
+        await shows(page.locator('#url'), cloud.url);
+        await page.getByText('No request came yet.').waitFor();
+        await shows(page.locator('#fault-list .quiet'), 'off');
+        const cell = valueOf(page, 'boiler-flow');
+        const old = await cell.textContent();
+        await until(async () => await cell.textContent() !== old, 'for another value');
+        assertNoTrouble(page, /ERR_CONNECTION_REFUSED|ERR_CONNECTION_RESET|ERR_EMPTY_RESPONSE/);
+    } finally {
+        await page.close();
+        await cloud.stop();
+    }
+});
+
+test('a token is asked for, tried, and kept for the tab', async () => {
+    const folder = mkdtempSync(join(tmpdir(), 'tovik-token-'));
+    const file = join(folder, 'token');
+    writeFileSync(file, 'correct-horse-battery\n');
+    const cloud = await Cloud.start(['--control-token-file', file]);
+    const refused = /status of 401/;
+    const page = await browser.open(cloud, { ready: '#token-dialog[open]' });
+    try {
+        assert.equal(await page.locator('tr[data-item]').count(), 0);
+        const field = page.getByLabel('Token', { exact: true });
+        assert.equal(await field.getAttribute('type'), 'password');
+        await page.keyboard.type('a-wrong-token-altogether');
+        await page.keyboard.press('Enter');
+        await page.getByText('The service does not accept this token.').waitFor();
+        await page.keyboard.type('correct-horse-battery');
+        await page.keyboard.press('Enter');
+        await page.locator('#state[data-state=live]').waitFor();
+        await shows(page.locator('#matches'), '47 items');
+        assertNoTrouble(page, refused);
+
+        page.troubles = [];
+        await page.reload();
+        await page.locator('#state[data-state=live]').waitFor();
+        assertNoTrouble(page);
+
+        const other = await browser.open(cloud, { ready: '#token-dialog[open]' });
+        assertNoTrouble(other, refused);
+        await other.close();
+    } finally {
+        await page.close();
+        await cloud.stop();
+        rmSync(folder, { recursive: true });
+    }
+});

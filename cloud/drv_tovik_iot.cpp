@@ -212,3 +212,53 @@ void DrvTovikIot::SlotSetValuesByteArray(QString unit_name, QString link_name, i
     }
     Q_EMIT SigResponse(unit_name, link_name, answer, err_code_);
 }
+
+int DrvTovikIot::cycleCount() const
+{
+    return metrics().cycleCount();
+}
+
+int DrvTovikIot::cycleMilliseconds() const
+{
+    return metrics().cycleMilliseconds();
+}
+
+int DrvTovikIot::longestCycleMilliseconds() const
+{
+    return metrics().longestCycleMilliseconds();
+}
+
+uint DrvTovikIot::readCount() const
+{
+    return metrics().readCount();
+}
+
+int DrvTovikIot::reconnectCount() const
+{
+    return metrics().reconnectCount();
+}
+
+int DrvTovikIot::lastError() const
+{
+    return metrics().lastError();
+}
+
+int DrvTovikIot::lastErrorAge() const
+{
+    return metrics().lastErrorAge();
+}
+
+QVariantList DrvTovikIot::itemAges() const
+{
+    QVariantList ages;
+    for (int i = 0; i < metrics().itemCount(); ++i)
+        ages.append(metrics().itemAge(i));
+    return ages;
+}
+
+/// The client's numbers; without a client those of one that never did anything.
+const DriverMetrics& DrvTovikIot::metrics() const
+{
+    static const DriverMetrics nothing(0);
+    return cloud_ ? *cloud_->Metrics() : nothing;
+}

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QVariant>
 
+class DriverMetrics;
 class DrvEthernet;
 class PropertyTovikIot;
 class QThread;
@@ -19,9 +20,31 @@ class TovikIot;
 /// `DrvEthernet::EmitNotifyBeforeRelease` on the link, and deletes it then; a driver that is
 /// deleted without having been closed leaves its client and its configuration behind, since the
 /// client's thread still uses them.
+///
+/// A host that wants to know how the conversation goes reads the properties, by their names and at
+/// any time: `driver->property("cycle_milliseconds")`. They cost no wait and no request. Without a
+/// link, and before anything has happened, counts are 0, and times and ages are -1.
 class DrvTovikIot : public DrvInterface
 {
     Q_OBJECT
+    /// Cycles in which every served item was read.
+    Q_PROPERTY(int cycle_count READ cycleCount)
+    /// Duration of the latest such cycle in milliseconds.
+    Q_PROPERTY(int cycle_milliseconds READ cycleMilliseconds)
+    /// The longest one so far.
+    Q_PROPERTY(int longest_cycle_milliseconds READ longestCycleMilliseconds)
+    /// Reads that the service has answered with a value; starts again at 0 behind 2^32 - 1.
+    Q_PROPERTY(uint read_count READ readCount)
+    /// Connections (login and catalogue) that were made after the first one.
+    Q_PROPERTY(int reconnect_count READ reconnectCount)
+    /// Result of the latest operation that failed: 256, or the service's code; 0 while none has.
+    Q_PROPERTY(int last_error READ lastError)
+    /// Milliseconds since that failure, exact to 100 ms.
+    Q_PROPERTY(int last_error_age READ lastErrorAge)
+    /// Of every served item, in the order of the configuration: milliseconds since the service
+    /// delivered the value that the driver has, exact to 100 ms; -1 while it never did. A value of
+    /// another type, which the driver does not take, does not count.
+    Q_PROPERTY(QVariantList item_ages READ itemAges)
 
 public:
     /// Without a link: serves nothing and contacts nobody.
@@ -29,6 +52,15 @@ public:
     /// Reads the configuration from \a link (not owned), starts the client and returns at once.
     explicit DrvTovikIot(DrvEthernet* link);
     ~DrvTovikIot();
+
+    int cycleCount() const;
+    int cycleMilliseconds() const;
+    int longestCycleMilliseconds() const;
+    uint readCount() const;
+    int reconnectCount() const;
+    int lastError() const;
+    int lastErrorAge() const;
+    QVariantList itemAges() const;
 
 Q_SIGNALS:
     /// To the client: connect for the first time.
@@ -58,6 +90,7 @@ private:
     void endThread();
     int indexOf(const QString& name) const;
     void countError();
+    const DriverMetrics& metrics() const;
 
     QPointer<DrvEthernet> link_;
     PropertyTovikIot* property_;

@@ -63,7 +63,8 @@ TovikIot::TovikIot(PropertyTovikIot* property)
       err_return_time_en_(true),
       err_restore_switch_bs_en_(true),
       reconnect_interval_(default_interval),
-      items_(property)
+      items_(property),
+      metrics_(property->dataitems.size())
 {
     qRegisterMetaType<QList<MonitorDataItem>>("QList<MonitorDataItem>");
     qDebug() << "[TOVIK IoT] Host: " << property_->host << " -> Project: " << property_->project;
@@ -74,6 +75,11 @@ TovikIot::~TovikIot() {}
 ServedItems* TovikIot::Items()
 {
     return &items_;
+}
+
+const DriverMetrics* TovikIot::Metrics() const
+{
+    return &metrics_;
 }
 
 void TovikIot::SetDrvLink(QTcpSocket* link)
@@ -172,6 +178,11 @@ int TovikIot::Login(QString project, QString email, QString password)
     return token_.isEmpty() ? service::client_failure : service::success;
 }
 
+QString TovikIot::Token() const
+{
+    return token_;
+}
+
 int TovikIot::GetGroupList(QString token)
 {
     property_->groups.clear();
@@ -219,6 +230,14 @@ int TovikIot::GetDataitemList(QString token, PropertyTovikIotGroup* group)
 
 int TovikIot::ReadDataitemValue(QString token, PropertyTovikIotDataItem item)
 {
+    bool taken = false;
+    return readValue(token, item, &taken);
+}
+
+/// \param taken receives whether the service's value is of the item's type.
+int TovikIot::readValue(const QString& token, PropertyTovikIotDataItem item, bool* taken)
+{
+    *taken = false;
     picojson::object members;
     members["token"] = service::member(token);
     members["dataitem_id"] = service::member(item.dataitem_id);
@@ -232,7 +251,8 @@ int TovikIot::ReadDataitemValue(QString token, PropertyTovikIotDataItem item)
         return service::client_failure;
     }
     const DataItemType* type = findDataItemType(item.type);
-    if (type && (value.*type->is_expected)())
+    *taken = type && (value.*type->is_expected)();
+    if (*taken)
         item.value = type->from_json(value);
     MonitorDataItem monitored;
     monitored.dataitem_id = item.dataitem_id;
@@ -284,6 +304,7 @@ QString TovikIot::PostRequest(QString body, QString url)
 /// A read or write has failed: the connection counts as lost.
 void TovikIot::handleFailure(int result)
 {
+    metrics_.failed(result);
     Disconnect2Cloud();
     Q_EMIT EmitUpdateErrCode(result);
     StartReconnect();
@@ -296,12 +317,14 @@ void TovikIot::SlotInitialLater()
     const int result = Connect2Cloud();
     if (result != service::success) {
         qDebug() << "[TOVIK IoT] Connected to Cloud Fail!";
+        metrics_.failed(result);
         connected_ = false;
         Q_EMIT EmitUpdateErrCode(result);
         StartReconnect();
         return;
     }
     qDebug() << "[TOVIK IoT] Connected to Cloud Success!";
+    metrics_.connected();
     connected_ = true;
     StartMonitor();
 }
@@ -315,6 +338,10 @@ void TovikIot::SlotReconnect()
     }
     qDebug() << "[TOVIK IoT] Try Reconnect ... ";
     const int result = Connect2Cloud();
+    if (result == service::success)
+        metrics_.connected();
+    else
+        metrics_.failed(result);
     Q_EMIT EmitUpdateErrCode(result);
     if (result != service::success)
         return;
@@ -330,14 +357,22 @@ void TovikIot::SlotMonitorTimeOut()
         return;
     }
     monitor_list_.clear();
-    for (int i = 0; i < items_.size(); ++i) {
-        const int result = ReadDataitemValue(token_, items_.copy(i));
+    QElapsedTimer duration;
+    duration.start();
+    int done = 0;
+    for (; done < items_.size(); ++done) {
+        bool taken = false;
+        const int result = readValue(token_, items_.copy(done), &taken);
         if (result != service::success) {
             qDebug() << "[TOVIK IoT] Stop monitor!";
             handleFailure(result);
             break;
         }
+        metrics_.valueRead(done, taken);
     }
+    if (done == items_.size())
+        metrics_.cycleDone(duration.elapsed());
+    metrics_.valuesDelivered();
     Q_EMIT EmitGetMonitor(monitor_list_);
 }
 

@@ -1,6 +1,7 @@
 #ifndef CLOUD_TOVIK_IOT_H
 #define CLOUD_TOVIK_IOT_H
 
+#include "cloud/driver_metrics.h"
 #include "cloud/monitor_data_item.h"
 #include "cloud/served_items.h"
 #include "property/property_tovik_iot.h"
@@ -55,6 +56,8 @@ public:
 
     /// Logs in and keeps the token. An empty token is a failure (256, no message).
     int Login(QString project, QString email, QString password);
+    /// The token of the latest login; empty before it. In the client's thread only.
+    QString Token() const;
     /// Replaces the configuration's groups by the service's, items included.
     int GetGroupList(QString token);
     /// Appends the service's items of \a group to it.
@@ -69,6 +72,8 @@ public:
 
     /// The served items, as driver and client share them. Thread-safe.
     ServedItems* Items();
+    /// What the client has counted so far. Thread-safe.
+    const DriverMetrics* Metrics() const;
 
 Q_SIGNALS:
     /// The values of one monitor cycle, in the order of the served items.
@@ -92,6 +97,7 @@ private:
 
     QString urlOf(const char* path) const;
     QTimer* makeTimer(const char* slot);
+    int readValue(const QString& token, PropertyTovikIotDataItem item, bool* taken);
     void handleFailure(int result);
 
     PropertyTovikIot* property_;
@@ -108,6 +114,7 @@ private:
     bool err_restore_switch_bs_en_;
     int reconnect_interval_;
     ServedItems items_;
+    DriverMetrics metrics_;
 };
 
 #endif

@@ -18,11 +18,11 @@ if(NOT TOVIK_HAS_QEXTSERIALPORT)
   list(APPEND TOVIK_SHARED_SOURCES compat/qext_serial_port.h compat/qext_serial_port.cpp)
 endif()
 
-set(TOVIK_DRIVER_SOURCES
+set(TOVIK_CLIENT_SOURCES
   cloud/catalogue.h cloud/catalogue.cpp
   cloud/data_item_type.h cloud/data_item_type.cpp
+  cloud/driver_metrics.h cloud/driver_metrics.cpp
   cloud/driver_status.h cloud/driver_status.cpp
-  cloud/drv_tovik_iot.h cloud/drv_tovik_iot.cpp
   cloud/host_bytes.h cloud/host_bytes.cpp
   cloud/json_number.h cloud/json_number.cpp
   cloud/monitor_data_item.h
@@ -30,7 +30,10 @@ set(TOVIK_DRIVER_SOURCES
   cloud/service_message.h cloud/service_message.cpp
   cloud/tovik_iot.h cloud/tovik_iot.cpp
   compat/text.h compat/text.cpp
-  compat/whole_post.h compat/whole_post.cpp
+  compat/whole_post.h compat/whole_post.cpp)
+
+set(TOVIK_DRIVER_SOURCES
+  cloud/drv_tovik_iot.h cloud/drv_tovik_iot.cpp
   framework/driver_basic.h framework/driver_basic.cpp
   framework/element_packing.h framework/element_packing.cpp
   framework/link_io.h framework/link_io.cpp
@@ -51,7 +54,8 @@ function(tovik_library_target target)
 endfunction()
 
 # Tests link these objects, and so reach what the shared library hides.
-add_library(tovik_iot_objects OBJECT ${TOVIK_SHARED_SOURCES} ${TOVIK_DRIVER_SOURCES})
+add_library(tovik_iot_objects OBJECT
+  ${TOVIK_SHARED_SOURCES} ${TOVIK_CLIENT_SOURCES} ${TOVIK_DRIVER_SOURCES})
 tovik_library_target(tovik_iot_objects)
 
 add_library(tovik_iot SHARED)
@@ -73,3 +77,8 @@ target_link_options(tovik_iot PRIVATE
 # What a host is built from: the tools and the system tests load the driver with dlopen.
 add_library(tovik_host_side STATIC ${TOVIK_SHARED_SOURCES})
 tovik_library_target(tovik_host_side)
+
+# The client alone, for tovik-host's look at a service: the same code that the driver runs.
+add_library(tovik_cloud_client STATIC EXCLUDE_FROM_ALL ${TOVIK_CLIENT_SOURCES})
+tovik_library_target(tovik_cloud_client)
+target_link_libraries(tovik_cloud_client PUBLIC tovik_host_side)

@@ -13,11 +13,9 @@
 ///
 /// Arguments that several operations share:
 /// - `ascii`: non-zero carries each byte as two hexadecimal characters, high nibble first, upper
-/// case
-///   on output; zero carries raw bytes.
+///   case on output; zero carries raw bytes.
 /// - `order`: which byte of a number comes first. There are three readings, and drivers rely on
-/// each:
-///   byteOrderChange() swaps for every value but 1; array2Number() and addNumber() take every
+///   each: byteOrderChange() swaps for every value but 1; array2Number() and addNumber() take every
 ///   non-zero value as least significant first; the data areas take exactly 1 as least significant
 ///   first and every other value as most significant first.
 /// - `size`: bytes of one element, 1, 2 or 4. Elements in memory are in the host's byte order.

@@ -15,6 +15,7 @@
 class TOVIK_EXPORT DrvBase
 {
 public:
+    /// A link with the defaults below, without a name and without driver-specific data.
     DrvBase();
     virtual ~DrvBase();
 

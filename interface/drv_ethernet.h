@@ -12,6 +12,7 @@ class TOVIK_EXPORT DrvEthernet : public QTcpSocket, public DrvBase
     Q_OBJECT
 
 public:
+    /// A socket that is not connected, with the default settings.
     explicit DrvEthernet(QObject* parent = 0);
     ~DrvEthernet();
 

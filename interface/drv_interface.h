@@ -26,7 +26,9 @@ class TOVIK_EXPORT DrvInterface : public QObject
     Q_OBJECT
 
 public:
+    /// Without units and with `stop_flag` 0. Call it in the thread in which the driver is to live.
     explicit DrvInterface(QObject* parent = 0);
+    /// Through a pointer to DrvInterface the whole driver is deleted, in the driver's thread.
     ~DrvInterface();
 
     /// Whether `RunTransparentRequest` is of use. Default: false.

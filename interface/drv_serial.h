@@ -11,8 +11,9 @@ class TOVIK_EXPORT DrvSerial : public QextSerialPort, public DrvBase
     Q_OBJECT
 
 public:
+    /// A port without a name, closed, with the default settings.
     explicit DrvSerial(QObject* parent = 0);
-    /// \param port_name the device, for example `/dev/ttyS0`; it is not opened.
+    /// A closed port of the device \a port_name, for example `/dev/ttyS0`.
     explicit DrvSerial(const QString& port_name, QObject* parent = 0);
     ~DrvSerial();
 };

@@ -21,7 +21,9 @@ class TOVIK_EXPORT PropertyTovikIot
 public:
     /// A configuration with the defaults of Initial(), no groups and no served items.
     PropertyTovikIot();
+    /// A copy of every member of \a other.
     PropertyTovikIot(const PropertyTovikIot& other);
+    /// Copies every member of \a other.
     PropertyTovikIot& operator=(const PropertyTovikIot& other);
     /// Not virtual: a configuration is never deleted through a base.
     ~PropertyTovikIot();
@@ -33,6 +35,7 @@ public:
 
     /// Compares every member, the lists and `marked` flags included.
     bool operator==(const PropertyTovikIot& other);
+    /// Whether any member differs.
     bool operator!=(const PropertyTovikIot& other);
 
     bool aux_flag;    ///< Carried, not used by the driver. Default false.

@@ -16,7 +16,9 @@ class TOVIK_EXPORT PropertyTovikIotDataItem
 public:
     /// An item with the defaults of Initial().
     PropertyTovikIotDataItem();
+    /// A copy of every member of \a other.
     PropertyTovikIotDataItem(const PropertyTovikIotDataItem& other);
+    /// Copies every member of \a other.
     PropertyTovikIotDataItem& operator=(const PropertyTovikIotDataItem& other);
 
     /// Resets every member to its default.
@@ -26,6 +28,7 @@ public:
 
     /// Compares every member, `marked` included.
     bool operator==(const PropertyTovikIotDataItem& other);
+    /// Whether any member differs.
     bool operator!=(const PropertyTovikIotDataItem& other);
 
     QString name;        ///< The host addresses the item by it. Default: empty.

@@ -17,7 +17,9 @@ class TOVIK_EXPORT PropertyTovikIotGroup
 public:
     /// A group with the defaults of Initial() and no items.
     PropertyTovikIotGroup();
+    /// A copy of every member of \a other.
     PropertyTovikIotGroup(const PropertyTovikIotGroup& other);
+    /// Copies every member of \a other.
     PropertyTovikIotGroup& operator=(const PropertyTovikIotGroup& other);
 
     /// Resets every member but the list of items to its default.
@@ -27,6 +29,7 @@ public:
 
     /// Compares every member, `marked` and the items included.
     bool operator==(const PropertyTovikIotGroup& other);
+    /// Whether any member differs.
     bool operator!=(const PropertyTovikIotGroup& other);
 
     QString group_id;   ///< The service's id of the group. Default: empty.

@@ -1,4 +1,4 @@
-# Run by tovik_embed_texts: writes the FILES as raw string literals into the C++ source OUTPUT.
+# Run by tovik_embed_dashboard: writes the FILES as raw string literals into the C++ source OUTPUT.
 set(rows "")
 set(source "#include \"tools/cloud/dashboard_files.h\"\n\nnamespace tovik_cloud {\n\nnamespace {\n")
 file(WRITE ${OUTPUT}.new "${source}")

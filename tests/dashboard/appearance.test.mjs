@@ -16,8 +16,8 @@ after(async () => {
     await cloud.stop();
 });
 afterEach(async () => {
-    assertNoTrouble(page);
     await page.close();
+    assertNoTrouble(page);
 });
 
 const focused = () => page.evaluate(() => {
@@ -73,7 +73,7 @@ test('every field and button has a name', async () => {
     const nameless = await page.evaluate(() => {
         const named = (node) => node.getAttribute('aria-label') || node.textContent.trim()
             || [...(node.labels ?? [])].some((label) => label.textContent.trim());
-        return [...document.querySelectorAll('button, input, select, canvas')]
+        return [...document.querySelectorAll('button, input, select, textarea, canvas')]
             .filter((node) => !named(node)).map((node) => node.outerHTML);
     });
     assert.deepEqual(nameless, []);
@@ -127,7 +127,9 @@ for (const scheme of ['light', 'dark']) {
 for (const width of [1024, 768, 480, 360]) {
     test(`nothing sticks out of a screen ${width} wide`, async () => {
         page = await browser.open(cloud, { viewport: { width, height: 900 } });
-        await page.getByRole('button', { name: 'Edit Boiler on', exact: true }).click();
+        for (const name of ['Boiler on', 'Flow temperature', 'Display text']) {
+            await page.getByRole('button', { name: `Edit ${name}`, exact: true }).click();
+        }
         const whole = await page.evaluate(() => document.documentElement.scrollWidth);
         assert.ok(whole <= width, `the page is ${whole} wide`);
         const outside = await page.evaluate((limit) => {
@@ -135,7 +137,7 @@ for (const width of [1024, 768, 480, 360]) {
                 const box = node.getBoundingClientRect();
                 return box.width === 0 || (box.left >= 0 && box.right <= limit);
             };
-            return [...document.querySelectorAll('button, input, select, canvas, td.c-value, h2')]
+            return [...document.querySelectorAll('button, input, select, textarea, canvas, td.c-value, h2')]
                 .filter((node) => !isInside(node)).map((node) => node.outerHTML.slice(0, 80));
         }, width);
         assert.deepEqual(outside, []);

@@ -14,9 +14,9 @@ beforeEach(async () => {
     page = await browser.open(cloud);
 });
 afterEach(async () => {
-    assertNoTrouble(page, /status of 400/);
     await page.close();
     await cloud.stop();
+    assertNoTrouble(page, /status of 400/);
 });
 
 const state = (fault) => page.locator('#fault-list li', { hasText: fault }).locator('.quiet');
@@ -80,6 +80,31 @@ test('a fault can be typed, and a bad one is explained', async () => {
     await shows(page.locator('#fault-problem'), '');
 });
 
+test('what is asked for twice is done once', async () => {
+    const asked = [];
+    let letGo;
+    const gate = new Promise((resolve) => { letGo = resolve; });
+    await page.route(/\/faults(\/\d+)?$/, async (route) => {
+        asked.push(route.request().method());
+        await gate;
+        await route.continue();
+    });
+    const text = page.getByLabel('As text');
+    await text.fill('empty:path=write');
+    await text.press('Enter');
+    await text.press('Enter');
+    await until(() => asked.length > 0, 'for the first request');
+    letGo();
+    await shows(state('empty:path=write'), 'active, struck 0 times');
+    await page.getByRole('button', { name: 'Forget empty:path=write' }).evaluate((button) => {
+        button.click();
+        button.click();
+    });
+    await page.getByText('No fault was switched on yet.').waitFor();
+    await shows(page.locator('#notice'), 'Fault empty:path=write is on');
+    assert.deepEqual(asked, ['POST', 'DELETE']);
+});
+
 test('faults that come from elsewhere and end by themselves are shown', async () => {
     await fetch(`${cloud.control}/faults`, {
         method: 'POST', body: JSON.stringify({ fault: 'http500:path=login,count=1' }) });
@@ -141,6 +166,8 @@ test('clients are shown with the beginnings of their tokens', async () => {
     const where = await client.locator('.id').textContent();
     assert.match(where, new RegExp(`^${token.slice(0, 6)}\\.\\.\\. from 127\\.0\\.0\\.1:\\d+$`));
     await shows(client.locator('.number').first(), '1');
+    // All of it can be read, without a pointer over it.
+    assert.ok(await client.locator('.id').evaluate((node) => node.scrollWidth <= node.clientWidth));
     await page.getByRole('button', { name: 'Expire all tokens' }).click();
     await page.getByText('Nobody is logged in.').waitFor();
     assert.equal(await cloud.value(token, 'hall-fan'), undefined);

@@ -20,8 +20,8 @@ after(async () => {
 });
 beforeEach(async () => { page = await browser.open(cloud); });
 afterEach(async () => {
-    assertNoTrouble(page);
     await page.close();
+    assertNoTrouble(page);
 });
 
 const edit = (name) => page.getByRole('button', { name: `Edit ${name}`, exact: true });
@@ -92,6 +92,107 @@ test('a bad value is explained, and Escape leaves the value alone', async () => 
     await field.press('Escape');
     await field.waitFor({ state: 'detached' });
     assert.equal(await valueOf(page, 'hall-offset').textContent(), before);
+});
+
+test('a line break in a text stays', async () => {
+    const put = (value) => fetch(`${cloud.control}/items/hall-display`, {
+        method: 'PUT', body: JSON.stringify({ value }) });
+    const served = async () => cloud.value(await cloud.login(), 'hall-display');
+    const field = page.getByLabel('New value of Display text');
+    await put('one\ntwo');
+    await shows(valueOf(page, 'hall-display'), 'one\ntwo');
+    await edit('Display text').click();
+    await field.press('End');
+    await field.press('Control+End');
+    await page.keyboard.type('/3');
+    await page.keyboard.press('Shift+Enter');
+    await page.keyboard.type('4');
+    assert.equal(await page.locator('#filter').inputValue(), '');
+    await page.keyboard.press('Enter');
+    await field.waitFor({ state: 'detached' });
+    assert.equal(await served(), 'one\ntwo/3\n4');
+
+    await put('one\r\ntwo');
+    await until(async () => await valueOf(page, 'hall-display').textContent() === 'one\r\ntwo',
+                'for the other line break');
+    await edit('Display text').click();
+    await field.press('Enter');
+    await field.waitFor({ state: 'detached' });
+    assert.equal(await served(), 'one\r\ntwo');
+});
+
+test('a value is set once, however often it is submitted', async () => {
+    let asked = 0;
+    let letGo;
+    const gate = new Promise((resolve) => { letGo = resolve; });
+    await page.route(/\/items\//, async (route) => {
+        asked += 1;
+        await gate;
+        await route.continue();
+    });
+    await edit('Lüfterstufe').click();
+    const field = page.getByLabel('New value of Lüfterstufe');
+    await field.fill('55');
+    await field.press('Enter');
+    await field.press('Enter');
+    await until(() => asked > 0, 'for the first request');
+    letGo();
+    await shows(valueOf(page, 'hall-fan'), '55');
+    assert.equal(asked, 1);
+});
+
+test('what a write does to a value that moves is told', async () => {
+    const hint = (item) => page.locator(`tr[data-item="${item}"] .hint`);
+    await edit('Pump speed').click();
+    await shows(hint('boiler-pump'), 'Stops its generator until a restart.');
+    await edit('Lüfterstufe').click();
+    assert.equal(await hint('hall-fan').count(), 0);
+    const holding = await Cloud.start(['--write-hold', '90']);
+    const second = await browser.open(holding);
+    try {
+        await second.getByRole('button', { name: 'Edit Pump speed', exact: true }).click();
+        await shows(second.locator('tr[data-item="boiler-pump"] .hint'),
+                    'Stops its generator for 1 min 30 s.');
+    } finally {
+        await second.close();
+        await holding.stop();
+    }
+});
+
+/** The points that are drawn of an item that had these values at these seconds. */
+function drawn(type, values) {
+    return page.evaluate(async ([itemType, given]) => {
+        const { Trends } = await import('/dashboard/trend.js');
+        const trends = new Trends();
+        const trend = trends.make({ name: 'X', type: itemType });
+        trend.canvas.style.position = 'fixed';
+        document.body.prepend(trend.canvas);
+        given.forEach(([second, value]) => trend.add(second, value));
+        trend.show(given.at(-1)[0]);
+        const chart = window.Chart.getChart(trend.canvas);
+        const { x, y } = chart.scales;
+        const line = chart.getDatasetMeta(0).data.map((point, index) => [
+            chart.data.datasets[0].data[index].x, point.skip ? null : chart.data.datasets[0].data[index].y]);
+        const result = { line, range: [y.min, y.max], width: x.max - x.min,
+                         words: trend.canvas.getAttribute('aria-label') };
+        trends.clear();
+        trend.canvas.remove();
+        return result;
+    }, [type, values]);
+}
+
+test('a trend has a gap where no value came', async () => {
+    const { line, range, words } = await drawn('16Bit-INT', [[100, 10], [104, 20], [110, 20], [111, 30]]);
+    assert.deepEqual(line, [[100, 10], [104, 20], [104, null], [110, 20], [111, 30]]);
+    assert.ok(range[0] > 0 && range[1] < 40, `${range}`);
+    assert.equal(words, 'Trend of X: 10 to 30');
+});
+
+test('a trend of texts shows those that it has, and forgets the others', async () => {
+    const many = Array.from({ length: 400 }, (_, second) => [second, `old ${second}`]);
+    const { line, words } = await drawn('String', [...many, [900, 'b'], [901, 'a'], [902, 'b']]);
+    assert.deepEqual(line.filter(([, place]) => place !== null), [[900, 1], [901, 0], [902, 1]]);
+    assert.equal(words, 'Trend of X: changing');
 });
 
 test('a field that is being edited outlives updates', async () => {

@@ -16,19 +16,27 @@ function setting(name) {
 
 export const examplePlant = setting('TOVIK_PLANT');
 
+// A test that fails may leave a service behind: it keeps nobody waiting, and ends with this process.
+const running = new Set();
+process.on('exit', () => running.forEach((cloud) => cloud.process.kill('SIGKILL')));
+
 /** The real tovik-cloud, over plain HTTP. */
 export class Cloud {
     static async start(options = [], plant = examplePlant) {
         const cloud = new Cloud();
         cloud.process = spawn(setting('TOVIK_CLOUD'), [plant, '--http', ...options],
                               { stdio: ['ignore', 'pipe', 'ignore'] });
+        running.add(cloud);
         cloud.exited = new Promise((resolve) => { cloud.process.once('exit', resolve); });
+        cloud.exited.then(() => running.delete(cloud));
         let output = '';
         for await (const part of cloud.process.stdout.iterator({ destroyOnReturn: false })) {
             output += part;
             const match = output.match(/Service: (\S+)\nControl: (\S+)\n/);
             if (match) {
                 [, cloud.url, cloud.control] = match;
+                cloud.process.unref();
+                cloud.process.stdout.unref();
                 return cloud;
             }
         }
@@ -40,6 +48,7 @@ export class Cloud {
     }
 
     async stop() {
+        this.process.ref();
         this.process.kill('SIGTERM');
         await this.exited;
     }
@@ -102,11 +111,16 @@ export class Browser {
                 page.troubles.push(`asks somebody else: ${request.url()}`);
             }
         });
-        if (viewport) {
-            await page.setViewportSize(viewport);
+        try {
+            if (viewport) {
+                await page.setViewportSize(viewport);
+            }
+            await page.goto(`${cloud.control}/`);
+            await page.locator(ready).waitFor();
+        } catch (error) {
+            await page.close();
+            throw error;
         }
-        await page.goto(`${cloud.control}/`);
-        await page.locator(ready).waitFor();
         return page;
     }
 }

@@ -1,6 +1,10 @@
 # Runs the tests of the dashboard in a copy of their folder, so that nothing is installed into the
 # sources: node finds modules beside the files that use them.
 file(GLOB files ${SOURCE_DIR}/*.mjs ${SOURCE_DIR}/package.json ${SOURCE_DIR}/package-lock.json)
+file(GLOB old ${WORK_DIR}/*.mjs)
+if(old)
+  file(REMOVE ${old})
+endif()
 file(COPY ${files} DESTINATION ${WORK_DIR})
 
 # Installed once, and again when the list of modules has changed.

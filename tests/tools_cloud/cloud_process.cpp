@@ -62,7 +62,7 @@ bool CloudProcess::start(const QStringList& options)
 {
     process_.start(program(), QStringList(exampleProject()) + options);
     const QRegularExpression lines(QStringLiteral(
-        "Service: (https?)://127\\.0\\.0\\.1:(\\d+)\nControl: http://[^:]+:(\\d+)\n"));
+        "Service: (https?)://127\\.0\\.0\\.1:(\\d+)\nControl: http://[^/]+:(\\d+)\n"));
     while (process_.waitForReadyRead(patience)) {
         output_ += QString::fromUtf8(process_.readAllStandardOutput());
         const auto match = lines.match(output_);

@@ -71,6 +71,11 @@ void TestCloudProgramCommandLine::exitsWith_data()
         "cannot write /nonexistent/x");
     row("token file that does not exist", "--control-token-file /nonexistent PROJECT", 2,
         "/nonexistent");
+    row("token file that is a folder", "--control-token-file /tmp PROJECT", 2,
+        "cannot read the token file /tmp");
+    row("token file without a name", "--control-token-file NOTHING PROJECT", 2,
+        "--control-token-file: the name is empty");
+    row("log without a name", "--log NOTHING PROJECT", 2, "--log: the name is empty");
     row("token file that holds something else", "--control-token-file PROJECT PROJECT", 2,
         "plant.json: a token has 16 to 200 visible ASCII characters");
     row("control address that is not ours", "--control-host 192.0.2.1 PROJECT", 1,
@@ -84,7 +89,9 @@ void TestCloudProgramCommandLine::exitsWith()
     QFETCH(int, code);
     QFETCH(QString, text);
     arguments.replace(QStringLiteral("PROJECT"), CloudProcess::exampleProject());
-    const Outcome outcome = run(arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts));
+    QStringList list = arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    list.replaceInStrings(QStringLiteral("NOTHING"), QString());
+    const Outcome outcome = run(list);
     const QString& where = code == 0 ? outcome.output : outcome.errors;
     QVERIFY2(where.contains(text), qPrintable(where));
     QCOMPARE(outcome.exitCode, code);

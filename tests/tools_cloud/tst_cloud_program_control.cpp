@@ -15,6 +15,7 @@ private slots:
     void managesFaults();
     void readsAndSetsItems();
     void recordsRequests();
+    void cutsLongNames();
     void expiresTokens();
     void takesPostsWithoutABody();
     void explainsErrors_data();
@@ -87,6 +88,19 @@ void TestCloudProgramControl::recordsRequests()
     QVERIFY(first.at("duration_ms") >= 0 && first.at("time") > 1e9);
     QVERIFY(first.at("body").at("token") == token.substr(0, 6) + "...");
     QVERIFY(list.at(1).at("errorcode") == 8 && list.at(1).at("fault") == "");
+}
+
+void TestCloudProgramControl::cutsLongNames()
+{
+    const std::string token = cloud_.login();
+    const std::string item(600000, 'x');
+    const std::size_t logged = cloud_.log().size();
+    QCOMPARE(cloud_.value(token, item).errorCode(), 7);
+    const json last = cloud_.control("GET", "/requests").json.at("requests").back();
+    const std::string shown = item.substr(0, 500) + "... (600000 bytes)";
+    QVERIFY(last.at("item") == shown && last.at("body").at("dataitem_id") == shown);
+    QTRY_VERIFY(cloud_.log().find("there is no item \"" + shown) != std::string::npos);
+    QVERIFY(cloud_.log().size() - logged < 2000);
 }
 
 void TestCloudProgramControl::expiresTokens()

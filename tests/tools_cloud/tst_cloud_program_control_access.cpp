@@ -2,7 +2,10 @@
 #include "tests/tools_cloud/raw_client.h"
 
 #include <QRegularExpression>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QUrl>
 #include <QtTest>
 
 /// The guard of the control port, in the program.
@@ -16,6 +19,8 @@ private slots:
     void aBodyThatIsTurnedAwayIsNoRequest();
     void beyondThisComputerATokenIsNeeded();
     void theTokenCanComeFromAFile();
+    void tellsAnAddressThatCanBeOpened_data();
+    void tellsAnAddressThatCanBeOpened();
 
 private:
     static QByteArray ask(const CloudProcess& cloud, const QByteArray& request,
@@ -116,6 +121,44 @@ void TestCloudProgramControlAccess::theTokenCanComeFromAFile()
         ask(cloud, "GET /items", "Host: localhost\r\nAuthorization: Bearer a-token-of-my-own\r\n");
     QVERIFY(reply.startsWith("HTTP/1.1 200"));
     QVERIFY(cloud.log().find("a-token-of-my-own") == std::string::npos);
+}
+
+void TestCloudProgramControlAccess::tellsAnAddressThatCanBeOpened_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("host");
+    const auto row = [](const char* title, const char* option, const char* host) {
+        QTest::newRow(title) << QString::fromLatin1(option) << QString::fromLatin1(host);
+    };
+    row("one", "127.0.0.1", "127.0.0.1");
+    row("one in short", "127.2", "127.0.0.2");
+    row("all", "0.0.0.0", "127.0.0.1");
+    row("all in short", "0", "127.0.0.1");
+    row("all of the newer kind", "::", "::1");
+    row("all of the newer kind at length", "0:0:0:0:0:0:0:0", "::1");
+}
+
+void TestCloudProgramControlAccess::tellsAnAddressThatCanBeOpened()
+{
+    QFETCH(QString, option);
+    QFETCH(QString, host);
+    if (host == QStringLiteral("::1") && !QTcpServer().listen(QHostAddress::LocalHostIPv6)) {
+        QSKIP("this computer has no IPv6");
+    }
+    CloudProcess cloud;
+    QVERIFY(cloud.start({QStringLiteral("--control-host"), option}));
+    const auto match =
+        QRegularExpression(QStringLiteral("\nControl: (\\S+)\n")).match(cloud.output());
+    const QUrl url(match.captured(1));
+    QCOMPARE(url.host(), host);
+    QTcpSocket socket;
+    socket.connectToHost(url.host(), static_cast<quint16>(url.port()));
+    QVERIFY(socket.waitForConnected());
+    socket.write("GET / HTTP/1.1\r\nConnection: close\r\nHost: " + url.authority().toUtf8() +
+                 "\r\n\r\n");
+    QVERIFY(socket.waitForReadyRead());
+    const QByteArray reply = socket.readLine();
+    QVERIFY2(reply.startsWith("HTTP/1.1 200"), reply.constData());
 }
 
 QTEST_GUILESS_MAIN(TestCloudProgramControlAccess)

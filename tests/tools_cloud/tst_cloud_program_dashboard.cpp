@@ -106,7 +106,9 @@ void TestCloudProgramDashboard::bringsAllThatThePageNeeds()
 
 void TestCloudProgramDashboard::tellsThePlant()
 {
-    const json groups = cloud_.control("GET", "/groups").json.at("groups");
+    const json plant = cloud_.control("GET", "/groups").json;
+    QVERIFY(plant.at("write_hold").is_null());
+    const json& groups = plant.at("groups");
     QCOMPARE(groups.size(), std::size_t(4));
     const json& hall = groups.at(1);
     QVERIFY(hall.at("id") == "hall" && hall.at("name") == "Hall");
@@ -114,10 +116,12 @@ void TestCloudProgramDashboard::tellsThePlant()
     QVERIFY(hall.at("items").at(4) == json({{"id", "hall-co2"},
                                             {"name", "CO₂"},
                                             {"type", "16Bit-UINT"},
-                                            {"length", 16},
                                             {"readonly", true},
                                             {"moving", true}}));
     QVERIFY(hall.at("items").at(9).at("moving") == false);
+    CloudProcess holding;
+    QVERIFY(holding.start({QStringLiteral("--write-hold"), QStringLiteral("30")}));
+    QVERIFY(holding.control("GET", "/groups").json.at("write_hold") == 30);
 }
 
 void TestCloudProgramDashboard::tellsAllThatMovesAtOnce()

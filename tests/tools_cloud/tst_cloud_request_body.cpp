@@ -104,6 +104,9 @@ void TestCloudRequestBody::shortensLongTexts()
     const std::string text = "x" + QByteArray("ü").repeated(1000).toStdString();
     const Json masked = maskedBody(parseBody(Json{{"value", text}, {text, 1}}.dump()));
     QCOMPARE(masked.at("value").get<std::string>(), text.substr(0, 499) + "... (2001 bytes)");
+    QCOMPARE(shownText(text), text.substr(0, 499) + "... (2001 bytes)");
+    QCOMPARE(shownText(text.substr(0, 499)), text.substr(0, 499));
+    QCOMPARE(shownText(std::string(501, '\x80')), std::string("... (501 bytes)"));
     QCOMPARE(masked.size(), std::size_t(2));
     QVERIFY(masked.dump(-1, ' ', false, Json::error_handler_t::replace).size() < 700);
 }

@@ -1,6 +1,7 @@
 #include "tools/cloud/application.h"
 
 #include "tools/cloud/atomic_file.h"
+#include "tools/cloud/random_token.h"
 
 #include <filesystem>
 #include <iostream>
@@ -88,9 +89,10 @@ std::string Application::serviceUrl() const
 // Beyond this computer nobody is let in without a token.
 void Application::admit()
 {
-    ControlAccess access{options_.controlHost, controlPort_.isLoopback(), options_.controlToken};
+    ControlAccess access{options_.controlHost, controlPort_.isLoopback(), options_.controlToken,
+                         controlPort_.address()};
     if (!access.loopback && access.token.empty()) {
-        newToken_ = newControlToken();
+        newToken_ = randomToken();
         access.token = newToken_;
     }
     control_.setAccess(access);
@@ -99,9 +101,11 @@ void Application::admit()
 // "All addresses" is a place to listen at, not one to go to.
 std::string Application::controlUrl() const
 {
-    const std::string& host = options_.controlHost;
-    const std::string name = host == "0.0.0.0" ? "127.0.0.1" : host == "::" ? "::1" : host;
-    return "http://" + hostAndPort(name, controlPort_.port());
+    const std::string address = controlPort_.address();
+    const std::string reachable = address == "0.0.0.0" ? "127.0.0.1"
+                                  : address == "::"    ? "::1"
+                                                       : address;
+    return "http://" + hostAndPort(reachable, controlPort_.port());
 }
 
 // An address that outlives the service sends clients to somebody else's port.

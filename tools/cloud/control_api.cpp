@@ -138,7 +138,9 @@ void ControlApi::addFaultRoutes()
 void ControlApi::addItemRoutes()
 {
     engine_.Get("/groups", [this](const Request&, Response& response) {
-        send(response, {{"groups", groupsJson(targets_.plant.project())}});
+        const Plant::WriteHold hold = targets_.plant.writeHold();
+        send(response, {{"groups", groupsJson(targets_.plant.project())},
+                        {"write_hold", hold ? Json(*hold) : Json()}});
     });
     engine_.Get("/items", [this](const Request&, Response& response) {
         Json list = Json::array();

@@ -1,13 +1,11 @@
 #include "tools/cloud/control_guard.h"
 
-#include "tools/cloud/random_token.h"
-
 #include <openssl/crypto.h>
 
 #include <algorithm>
 #include <cctype>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -79,7 +77,7 @@ bool ControlGuard::namesThisComputer(const std::string& hostHeader) const
 {
     const std::string host = lowerCase(withoutPort(hostHeader));
     return !host.empty() && (host == "localhost" || host == "127.0.0.1" || host == "::1" ||
-                             host == lowerCase(access_.host));
+                             host == lowerCase(access_.host) || host == access_.address);
 }
 
 // The time that this takes does not tell how much of a guess is right.
@@ -94,18 +92,16 @@ bool ControlGuard::showsToken(const std::string& authorization) const
            CRYPTO_memcmp(shown.data(), access_.token.data(), shown.size()) == 0;
 }
 
-std::string newControlToken()
-{
-    return randomToken();
-}
-
 std::string readControlToken(const std::string& file)
 {
     std::ifstream stream(file, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    if (stream.bad() || !stream.is_open()) {
+    stream.peek(); // a folder can be opened, but not read
+    if (!stream.is_open() || stream.bad()) {
         throw std::invalid_argument("cannot read the token file " + file);
     }
+    std::ostringstream content;
+    content << stream.rdbuf();
+    std::string text = content.str();
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
         text.pop_back();
     }

@@ -12,6 +12,7 @@ struct ControlAccess
     std::string host;     ///< the address that the port listens on, as it was given
     bool loopback = true; ///< no other computer can reach it
     std::string token;    ///< to be shown with every request; empty: none is needed
+    std::string address;  ///< the host in digits, as browsers write it
 };
 
 /// What the decision about a control request depends on.
@@ -47,9 +48,6 @@ private:
 
     ControlAccess access_;
 };
-
-/// A new token that nobody can guess.
-std::string newControlToken();
 
 /// The token in a file, which holds nothing else; throws std::invalid_argument.
 std::string readControlToken(const std::string& file);

@@ -11,7 +11,6 @@ Json factsOf(const Item& item)
     return {{"id", item.id},
             {"name", item.name},
             {"type", typeName(item.type)},
-            {"length", item.length},
             {"readonly", item.readOnly},
             {"moving", item.generator.kind != GeneratorKind::Constant}};
 }

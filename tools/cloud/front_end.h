@@ -40,6 +40,7 @@ public:
 
     int port() const { return port_.number(); }
     bool isLoopback() const { return port_.isLoopback(); }
+    std::string address() const { return port_.address(); }
 
 private:
     struct Client

@@ -23,6 +23,16 @@ std::string faultProblem(const std::string& text)
     return {};
 }
 
+/// An empty name would be taken as "not given", perhaps because a script's variable is not set.
+CLI::Validator notEmpty()
+{
+    const auto problem = [](const std::string& name) {
+        return name.empty() ? std::string("the name is empty; name a file, or leave the option out")
+                            : std::string();
+    };
+    return {problem, ""};
+}
+
 void addNetworkOptions(CLI::App& app, Options& options)
 {
     const std::string group = "Network";
@@ -37,7 +47,8 @@ void addNetworkOptions(CLI::App& app, Options& options)
         ->capture_default_str();
     app.add_option("--url-file", options.urlFile, "Write the URL of the service to this file")
         ->group(group)
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty());
 }
 
 void addControlOptions(CLI::App& app, Options& options)
@@ -57,11 +68,13 @@ void addControlOptions(CLI::App& app, Options& options)
                    "Every control request needs the token in this file (a new one, which is "
                    "printed, if the address is not of this computer alone)")
         ->group(group)
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty());
     app.add_option("--control-file", options.controlFile,
                    "Write the URL of the control API to this file")
         ->group(group)
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty());
 }
 
 void addTlsOptions(CLI::App& app, Options& options)
@@ -95,6 +108,7 @@ void addTlsOptions(CLI::App& app, Options& options)
                    "shall trust them")
         ->group(group)
         ->type_name("FILE")
+        ->check(notEmpty())
         ->excludes(http);
 }
 
@@ -122,7 +136,8 @@ void addLogOptions(CLI::App& app, Options& options)
     const std::string group = "Log";
     app.add_option("--log", options.logFile, "Log to this file instead of stderr")
         ->group(group)
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty());
     app.add_flag("--verbose", options.verbose, "Log every request")->group(group);
 }
 

@@ -59,6 +59,7 @@ public:
     ~Plant();
 
     const Project& project() const { return project_; }
+    WriteHold writeHold() const { return writeHold_; }
     const Group* findGroup(const std::string& id) const;
     std::optional<ItemView> item(const std::string& id);
     std::vector<ItemView> itemsOf(const Group& group);

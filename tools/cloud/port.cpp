@@ -5,6 +5,7 @@
 #include <netinet/tcp.h>
 #include <sys/time.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -109,6 +110,15 @@ bool Port::isLoopback() const
     sockaddr_in full{};
     std::memcpy(&full, &address_, sizeof(full));
     return (ntohl(full.sin_addr.s_addr) >> 24U) == IN_LOOPBACKNET;
+}
+
+std::string Port::address() const
+{
+    std::array<char, NI_MAXHOST> text{};
+    const int error =
+        ::getnameinfo(reinterpret_cast<const sockaddr*>(&address_), addressSize_, text.data(),
+                      static_cast<socklen_t>(text.size()), nullptr, 0, NI_NUMERICHOST);
+    return error == 0 ? text.data() : host_;
 }
 
 FileDescriptor Port::boundSocket() const

@@ -32,6 +32,9 @@ public:
     /// True if no other computer can reach the port.
     bool isLoopback() const;
 
+    /// The address in digits, however the host was given.
+    std::string address() const;
+
 private:
     FileDescriptor boundSocket() const;
 

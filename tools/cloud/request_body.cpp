@@ -31,25 +31,13 @@ std::string quotedName(const std::string& name)
     return toText(Json(name.substr(0, shownNameSize)));
 }
 
-/// A value that is no secret, as long as it is one: lists and objects can hold anything, and long
-/// texts would fill the memory a thousand times over.
+/// A value that is no secret, as long as it is one: lists and objects can hold anything.
 Json shownValue(const Json& value)
 {
     if (value.is_structured()) {
         return "***";
     }
-    if (!value.is_string()) {
-        return value;
-    }
-    const auto text = value.get<std::string>();
-    if (text.size() <= shownTextSize) {
-        return value;
-    }
-    std::size_t end = shownTextSize;
-    while ((static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-        --end; // not into the middle of a character
-    }
-    return text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
+    return value.is_string() ? Json(shownText(value.get<std::string>())) : value;
 }
 
 } // namespace
@@ -149,6 +137,18 @@ Json maskedBody(const RequestBody& body)
         }
     }
     return masked;
+}
+
+std::string shownText(const std::string& text)
+{
+    if (text.size() <= shownTextSize) {
+        return text;
+    }
+    std::size_t end = shownTextSize;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+        --end; // not into the middle of a character
+    }
+    return text.substr(0, end) + "... (" + std::to_string(text.size()) + " bytes)";
 }
 
 std::string shortToken(const std::string& token)

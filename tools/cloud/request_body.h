@@ -32,6 +32,9 @@ std::string contentTypeProblem(const std::string& contentType);
 /// The body as it may be logged: passwords masked, tokens shortened.
 Json maskedBody(const RequestBody& body);
 
+/// The text, or the start of a long one: kept whole, a thousand of them would fill the memory.
+std::string shownText(const std::string& text);
+
 /// The first characters of a token.
 std::string shortToken(const std::string& token);
 

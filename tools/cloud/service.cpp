@@ -33,7 +33,7 @@ Reply success(Json json)
 
 Reply unknownItem(const std::string& id)
 {
-    return refusal(codeUnknownId, "there is no item " + toText(Json(id)));
+    return refusal(codeUnknownId, "there is no item " + toText(Json(shownText(id))));
 }
 
 } // namespace
@@ -107,7 +107,7 @@ Reply Service::items(const std::string& groupId)
 {
     const Group* group = plant_.findGroup(groupId);
     if (group == nullptr) {
-        return refusal(codeUnknownId, "there is no group " + toText(Json(groupId)));
+        return refusal(codeUnknownId, "there is no group " + toText(Json(shownText(groupId))));
     }
     Json list = Json::array();
     for (const ItemView& view : plant_.itemsOf(*group)) {

@@ -138,7 +138,7 @@ void ServiceFront::finish(const Exchange& exchange, int status)
     RequestRecord record;
     record.time = exchange.time;
     record.path = apiPathName(exchange.facts.path);
-    record.item = exchange.facts.item;
+    record.item = shownText(exchange.facts.item);
     record.errorCode = exchange.errorCode;
     record.status = status;
     record.fault = exchange.fault ? exchange.fault->spec.text : "";
@@ -162,12 +162,12 @@ void ServiceFront::refuseUnknown(const httplib::Request& request, httplib::Respo
 {
     RequestRecord record;
     record.time = unixSeconds();
-    record.path = request.path;
+    record.path = shownText(request.path);
     record.errorCode = codeMalformed;
     record.status = status;
     record.number = requests_.add(record);
     log_.note("request " + std::to_string(record.number) + ": refused with status " +
-              std::to_string(status) + ", " + request.method + " " + toText(Json(request.path)));
+              std::to_string(status) + ", " + request.method + " " + toText(Json(record.path)));
     response.status = status;
     response.set_content(toText(refusal(codeMalformed, "").json), jsonType);
 }

@@ -16,8 +16,27 @@ function parse(type, text) {
     return number;
 }
 
+/** A field of more than one line; Enter still submits, Shift and Enter break the line. */
+function makeTextField(value, label) {
+    const field = element('textarea', { value, 'aria-label': label, autocomplete: 'off',
+                                        spellcheck: false });
+    const fit = () => { field.rows = Math.min(5, field.value.split('\n').length); };
+    field.oninput = fit;
+    field.onkeydown = (event) => {
+        if (event.key === 'Enter' && !event.shiftKey && !event.isComposing) {
+            event.preventDefault();
+            field.form.requestSubmit();
+        }
+    };
+    fit();
+    return field;
+}
+
 function makeField(item, value) {
     const label = `New value of ${item.name}`;
+    if (item.type.endsWith('String')) {
+        return makeTextField(valueText(value), label);
+    }
     if (item.type !== 'Bit') {
         const mode = /INT|BCD|FLOAT/.test(item.type) ? 'decimal' : 'text';
         return element('input', { value: valueText(value), 'aria-label': label, inputMode: mode,
@@ -32,29 +51,43 @@ function makeField(item, value) {
 /**
  * Lets a value be edited in its row: `cell` gets the form, `done` is called when it has gone, with
  * the value if one was written. The live value stays in sight, and no update touches the form.
+ * `hint` tells what else the change does.
  */
-export function edit({ api, item, value, cell, done }) {
+export function edit({ api, item, value, cell, hint, done }) {
     const field = makeField(item, value);
+    // A field does not hold every text as it is; what nobody touched goes back unchanged.
+    const untouched = field.value;
     const problem = element('p', { className: 'problem', role: 'alert' });
     const form = element('form', { className: 'edit' }, field,
                          element('button', { type: 'submit', className: 'main' }, 'Set'),
                          element('button', { type: 'button', onclick: () => finish() }, 'Cancel'),
-                         problem);
+                         ...(hint ? [element('p', { className: 'hint quiet' }, hint)] : []), problem);
+    let underWay = false;
     const finish = (written) => {
         form.remove();
         done(written);
     };
     form.onsubmit = async (event) => {
         event.preventDefault();
+        if (underWay) {
+            return;
+        }
+        underWay = true;
         try {
             const path = `/items/${encodeURIComponent(item.id)}`;
-            const written = await api.send('PUT', path, { value: parse(item.type, field.value) });
+            const wanted = field.value === untouched ? value : parse(item.type, field.value);
+            const written = await api.send('PUT', path, { value: wanted });
             announce(`${item.name} is now ${valueText(written.value)}`);
-            finish(written.value);
+            // Whoever cancelled meanwhile may have begun again.
+            if (form.isConnected) {
+                finish(written.value);
+            }
         } catch (error) {
             setText(problem, error.message);
             field.setAttribute('aria-invalid', 'true');
             field.focus();
+        } finally {
+            underWay = false;
         }
     };
     form.onkeydown = (event) => {

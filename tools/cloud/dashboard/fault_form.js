@@ -9,6 +9,7 @@ export class FaultForm {
     #kind = byId('fault-kind');
     #text = byId('fault-text');
     #problem = byId('fault-problem');
+    #underWay = false;
     #fields = [...byId('fault-form').querySelectorAll('[data-key]')];
 
     /** `switchOn` takes the fault's text and says no with an error. */
@@ -19,11 +20,17 @@ export class FaultForm {
         }
         this.#form.onsubmit = async (event) => {
             event.preventDefault();
+            if (this.#underWay) {
+                return;
+            }
+            this.#underWay = true;
             try {
                 await switchOn(this.#text.value.trim());
                 setText(this.#problem, '');
             } catch (error) {
                 setText(this.#problem, error.message);
+            } finally {
+                this.#underWay = false;
             }
         };
     }

@@ -44,10 +44,11 @@ export class FaultList {
     #entries = [];
     #changes = 0;
     #changing = 0;
+    #underWay = new Set();
 
     constructor(api) {
         this.#api = api;
-        byId('faults-clear').onclick = () => this.#attempt(async () => {
+        byId('faults-clear').onclick = () => this.#attempt(this, async () => {
             await api.send('DELETE', '/faults');
             this.#entries.forEach((entry) => entry.show(null));
             announce('All faults are off');
@@ -87,7 +88,7 @@ export class FaultList {
     }
 
     turn(entry, on) {
-        return this.#attempt(async () => {
+        return this.#attempt(entry, async () => {
             await this.#end(entry);
             if (on) {
                 await this.#begin(entry.text);
@@ -99,7 +100,7 @@ export class FaultList {
     }
 
     forget(entry) {
-        return this.#attempt(async () => {
+        return this.#attempt(entry, async () => {
             await this.#end(entry);
             const next = entry.row.nextElementSibling ?? entry.row.previousElementSibling;
             this.#entries = this.#entries.filter((other) => other !== entry);
@@ -134,11 +135,18 @@ export class FaultList {
         }
     }
 
-    async #attempt(action) {
+    /** Does one thing at a time with a subject; what is asked for meanwhile is not done. */
+    async #attempt(subject, action) {
+        if (this.#underWay.has(subject)) {
+            return;
+        }
+        this.#underWay.add(subject);
         try {
             await this.#change(action);
         } catch (error) {
             announce(error.message);
+        } finally {
+            this.#underWay.delete(subject);
         }
     }
 

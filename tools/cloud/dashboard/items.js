@@ -1,7 +1,16 @@
 import { byId, element, setText } from './dom.js';
 import { edit } from './editor.js';
-import { count, valueText } from './format.js';
+import { count, duration, valueText } from './format.js';
 import { Trends } from './trend.js';
+
+/** What a write does to a value that moves by itself; nothing to tell of others. */
+function holdText(item, writeHold) {
+    if (!item.moving) {
+        return '';
+    }
+    return writeHold === null ? 'Stops its generator until a restart.'
+        : `Stops its generator for ${duration(writeHold)}.`;
+}
 
 /** One item: its row in the table. */
 class Row {
@@ -11,9 +20,11 @@ class Row {
     #editCell;
     #button;
     #trend;
+    #hint;
 
-    constructor(item, trends, api) {
+    constructor(item, writeHold, trends, api) {
         this.item = item;
+        this.#hint = holdText(item, writeHold);
         this.#trend = trends.make(item);
         this.words = `${item.name}\n${item.id}\n${item.type}`.toLowerCase();
         this.#button = element('button', { type: 'button', 'aria-label': `Edit ${item.name}` }, 'Edit');
@@ -59,7 +70,8 @@ class Row {
             this.#button.hidden = false;
             this.#button.focus();
         };
-        edit({ api, item: this.item, value: this.#value, cell: this.#editCell, done });
+        edit({ api, item: this.item, value: this.#value, cell: this.#editCell,
+               hint: this.#hint, done });
     }
 }
 
@@ -76,7 +88,7 @@ export class Items {
         this.#filter.oninput = () => this.#applyFilter();
         this.#groupFilter.onchange = () => this.#applyFilter();
         document.addEventListener('keydown', (event) => {
-            if (event.key === '/' && !event.target.closest('input, select, dialog')) {
+            if (event.key === '/' && !event.target.closest('input, textarea, select, dialog')) {
                 event.preventDefault();
                 this.#filter.focus();
             }
@@ -84,16 +96,18 @@ export class Items {
     }
 
     /** Builds the table anew. */
-    show(groups) {
+    show({ groups, write_hold: writeHold }) {
         this.#trends.clear();
         for (const { body } of this.#groups) {
             body.remove();
         }
-        this.#groups = groups.map((group) => this.#makeGroup(group));
+        this.#groups = groups.map((group) => this.#makeGroup(group, writeHold));
         byId('item-table').append(...this.#groups.map(({ body }) => body));
+        const wanted = this.#groupFilter.value;
         this.#groupFilter.replaceChildren(
             element('option', { value: '' }, 'All groups'),
             ...groups.map(({ id, name }) => element('option', { value: id }, name)));
+        this.#groupFilter.value = groups.some(({ id }) => id === wanted) ? wanted : '';
         this.#applyFilter();
     }
 
@@ -108,8 +122,8 @@ export class Items {
         }
     }
 
-    #makeGroup(group) {
-        const rows = group.items.map((item) => new Row(item, this.#trends, this.#api));
+    #makeGroup(group, writeHold) {
+        const rows = group.items.map((item) => new Row(item, writeHold, this.#trends, this.#api));
         const facts = [group.location, count(rows.length, 'item')].filter(Boolean).join(', ');
         const permission = group.permission.includes('W') ? '' : ', read-only for clients';
         const heading = element(

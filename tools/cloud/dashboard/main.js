@@ -17,12 +17,18 @@ const form = new FaultForm((text) => faults.switchOn(text));
 const clients = new Clients(api);
 const requests = new Requests();
 let known = false;
+let shown = '';
 
-/** What does not change while the service runs. */
+/** What does not change while the service runs, and seldom when it is started anew. */
 async function loadPlant() {
-    const [{ groups }, { kinds }] = await Promise.all([api.get('/groups'), api.get('/faults/kinds')]);
-    items.show(groups);
-    form.show(kinds, groups);
+    const [plant, { kinds }] = await Promise.all([api.get('/groups'), api.get('/faults/kinds')]);
+    const text = JSON.stringify([plant, kinds]);
+    // Building it anew would take away what is being typed, and the trends.
+    if (text !== shown) {
+        items.show(plant);
+        form.show(kinds, plant.groups);
+        shown = text;
+    }
     known = true;
 }
 

@@ -35,7 +35,14 @@ export class Token {
             };
             form.onsubmit = (event) => {
                 event.preventDefault();
-                sessionStorage.setItem(place, field.value.trim());
+                const token = field.value.trim();
+                // A header cannot carry others: every request would fail before it is sent.
+                if (!/^[\x21-\x7e]+$/.test(token)) {
+                    setText(byId('token-problem'), 'A token has visible ASCII characters only.');
+                    field.select();
+                    return;
+                }
+                sessionStorage.setItem(place, token);
                 finish();
             };
             // A browser may close it all the same; the next refusal asks again.

@@ -1,23 +1,26 @@
 const shownSeconds = 120;
 const keptPoints = 240;
+const longestPause = 5;
 const width = 260;
 const height = 32;
 
-/** Numbers as they are, registers by their digits, on and off as 1 and 0, texts in turn. */
-function numberOf(type, value, texts) {
-    if (typeof value === 'number') {
-        return value;
+/** Numbers as they are, on and off as 1 and 0, registers by their digits. */
+function numberOf(value) {
+    return typeof value === 'string' ? Number.parseInt(value, 16) : Number(value);
+}
+
+/** Sets each text's place among those that are kept, in the order of the alphabet. */
+function numberTexts(points) {
+    const texts = [...new Set(points.filter(isValue).map(({ text }) => text))].sort();
+    const places = new Map(texts.map((text, place) => [text, place]));
+    for (const point of points.filter(isValue)) {
+        point.y = places.get(point.text);
     }
-    if (typeof value === 'boolean') {
-        return value ? 1 : 0;
-    }
-    if (type.endsWith('HEX')) {
-        return Number.parseInt(value, 16);
-    }
-    if (!texts.has(value)) {
-        texts.set(value, texts.size);
-    }
-    return texts.get(value);
+}
+
+/** False for the end of a line, after which no value came for a while. */
+function isValue(point) {
+    return !Number.isNaN(point.y);
 }
 
 function colours() {
@@ -29,7 +32,6 @@ function colours() {
 class Trend {
     #item;
     #points = [];
-    #texts = new Map();
     #chart = null;
 
     constructor(item, canvas) {
@@ -38,7 +40,12 @@ class Trend {
     }
 
     add(time, value) {
-        this.#points.push({ x: time, y: numberOf(this.#item.type, value, this.#texts) });
+        const last = this.#points.at(-1);
+        if (last && time - last.x > longestPause) {
+            this.#points.push({ x: last.x, y: NaN });
+        }
+        this.#points.push(this.#isText ? { x: time, y: 0, text: value }
+            : { x: time, y: numberOf(value) });
         while (this.#points.length > keptPoints || this.#points[0].x < time - shownSeconds - 5) {
             this.#points.shift();
         }
@@ -67,7 +74,18 @@ class Trend {
         }
     }
 
+    get #isText() {
+        return this.#item.type.endsWith('String');
+    }
+
+    get #numbers() {
+        return this.#points.filter(isValue).map((point) => point.y);
+    }
+
     #draw(time) {
+        if (this.#isText) {
+            numberTexts(this.#points);
+        }
         const { x, y } = this.#chart.options.scales;
         x.max = time;
         x.min = time - shownSeconds;
@@ -81,14 +99,14 @@ class Trend {
         if (this.#item.type === 'Bit') {
             return [-0.15, 1.15];
         }
-        const numbers = this.#points.map((point) => point.y);
+        const numbers = this.#numbers;
         const [low, high] = [Math.min(...numbers), Math.max(...numbers)];
         const margin = (high - low) * 0.12 || Math.abs(high) * 0.1 || 1;
         return [low - margin, high + margin];
     }
 
     #inWords() {
-        const numbers = this.#points.map((point) => point.y);
+        const numbers = this.#numbers;
         const isNumber = /INT|BCD|FLOAT/.test(this.#item.type);
         const span = `${Math.min(...numbers)} to ${Math.max(...numbers)}`;
         const moved = new Set(numbers).size > 1;

@@ -68,7 +68,8 @@ void TestHostTableView::drawsAllThatFits()
         QStringLiteral("Driver   1.2.3"),
         QStringLiteral("Status   service error 3 (0x400F0003), since 12:00:30 (30 s)"),
         QString(),
-        QStringLiteral("ITEM        TYPE       VALUE     BYTES                    STATUS      AGE"),
+        QStringLiteral(
+            "ITEM        TYPE       VALUE     BYTES                    STATUS      CHANGED"),
         QStringLiteral("Pump.Speed  16Bit-BCD  1234      34 12                    ok          5 s"),
         QStringLiteral(
             "Au\u00dfen       String     Gr\u00fc\u00df\u00b7[2J  47 72 fc df 1b 5b 32 4a  "
@@ -130,11 +131,11 @@ void TestHostTableView::neverExceedsItsSize()
 
 void TestHostTableView::dropsColumnsThatSayLeast()
 {
-    QCOMPARE(draw(63, 30).at(4).text,
-             QStringLiteral("ITEM        TYPE       VALUE     BYTES        STATUS      AGE"));
-    QCOMPARE(draw(62, 30).at(4).text,
-             QStringLiteral("ITEM        TYPE       VALUE     STATUS      AGE"));
-    QCOMPARE(draw(43, 30).at(4).text, QStringLiteral("ITEM        VALUE     STATUS      AGE"));
+    QCOMPARE(draw(65, 30).at(4).text,
+             QStringLiteral("ITEM        TYPE       VALUE     BYTES        STATUS      CHANGED"));
+    QCOMPARE(draw(64, 30).at(4).text,
+             QStringLiteral("ITEM        TYPE       VALUE     STATUS      CHANGED"));
+    QCOMPARE(draw(45, 30).at(4).text, QStringLiteral("ITEM        VALUE     STATUS      CHANGED"));
     QCOMPARE(draw(34, 30).at(4).text, QStringLiteral("ITEM        VALUE     STATUS"));
     QCOMPARE(draw(24, 30).at(5).text, QStringLiteral("Pump.\u2026  1234     ok"));
 }

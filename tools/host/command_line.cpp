@@ -1,11 +1,14 @@
 #include "tools/host/command_line.h"
 
+#include "tools/host/check_command.h"
 #include "tools/host/command_options.h"
 #include "tools/host/device_commands.h"
 #include "tools/host/device_config.h"
 #include "tools/host/device_limits.h"
 #include "tools/host/exit_code.h"
 #include "tools/host/read.h"
+#include "tools/host/service_commands.h"
+#include "tools/host/stored_commands.h"
 #include "tools/host/usage_error.h"
 #include "tools/host/watch.h"
 #include "tools/host/write.h"
@@ -88,12 +91,18 @@ void addWatch(CLI::App& app, const Parsed& parsed, Run& run)
     addService(command, parsed);
     command->add_option("--seconds", parsed->watch.seconds, "End after this time")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.1, 1000000.0));
+        ->check(secondsWithin(0.1, 1000000));
     command->add_option("--interval", parsed->watch.interval, "Time between reads")
         ->type_name("MS")
         ->check(CLI::Range(20, 3600000))
         ->capture_default_str();
     command->add_flag("--json", parsed->json, "One line of JSON for every change");
+    markOfService(
+        command
+            ->add_option("--metrics", parsed->watch.metrics,
+                         "Also report cycle time, reads per second, errors and ages so often")
+            ->type_name("SECONDS")
+            ->check(secondsWithin(0.1, 86400)));
     addLink(command, parsed);
     addRequest(command, parsed);
     addTimeout(command, parsed, "Longest wait for the link", true);
@@ -157,7 +166,7 @@ void addWrite(CLI::App& app, const Parsed& parsed, Run& run)
     markOfService(
         command->add_option("--confirm", parsed->confirm, "Wait until the service shows the value")
             ->type_name("SECONDS")
-            ->check(CLI::Range(0.1, 86400.0)));
+            ->check(secondsWithin(0.1, 86400)));
     addLink(command, parsed);
     addRequest(command, parsed);
     command->callback([command, parsed, &run] {
@@ -219,6 +228,12 @@ ParsedCommandLine parseCommandLine(int argc, const char* const* argv)
     addRead(app, options, parsed.run);
     addWrite(app, options, parsed.run);
     addRaw(app, options, parsed.run);
+    addCheck(app, parsed.run);
+    addCatalogue(app, parsed.run);
+    addConfigure(app, parsed.run);
+    addDiff(app, parsed.run);
+    addConvert(app, parsed.run);
+    addShow(app, parsed.run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

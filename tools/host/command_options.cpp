@@ -2,6 +2,8 @@
 
 #include "tools/host/device_limits.h"
 
+#include <cmath>
+
 namespace tovik_host {
 
 namespace {
@@ -39,6 +41,20 @@ QStringList texts(const std::vector<std::string>& list)
     for (const std::string& bytes : list)
         result << text(bytes);
     return result;
+}
+
+CLI::Validator secondsWithin(double low, double high)
+{
+    const CLI::Range range(low, high);
+    // What is no number is neither below nor above a limit.
+    return CLI::Validator(
+        [range](std::string& value) {
+            double seconds = 0;
+            if (CLI::detail::lexical_cast(value, seconds) && std::isnan(seconds))
+                return "Value " + value + " is no number of seconds";
+            return range(value);
+        },
+        range.get_description());
 }
 
 void addCommon(CLI::App* command, const Parsed& parsed)
@@ -149,7 +165,7 @@ CLI::Option* addTimeout(CLI::App* command, const Parsed& parsed, const char* des
 {
     CLI::Option* option = command->add_option("--timeout", parsed->timeout, description)
                               ->type_name("SECONDS")
-                              ->check(CLI::Range(0.1, 86400.0))
+                              ->check(secondsWithin(0.1, 86400))
                               ->capture_default_str();
     if (of_device)
         option->group(link_group);

@@ -46,6 +46,9 @@ using Parsed = std::shared_ptr<ParsedOptions>;
 QString text(const std::string& bytes);
 QStringList texts(const std::vector<std::string>& list);
 
+/// Refuses everything but numbers of seconds from \a low to \a high.
+CLI::Validator secondsWithin(double low, double high);
+
 /// Configuration, library and log.
 void addCommon(CLI::App* command, const Parsed& parsed);
 /// The address of a service.

@@ -15,7 +15,7 @@ using Pointer = nlohmann::json::json_pointer;
 
 const int longest_text = 65535;
 
-ServiceConfig readService(const JsonFile& file)
+ServiceConfig readService(const JsonFile& file, bool with_password)
 {
     const MemberReader members(file, Pointer("/service"));
     members.refuseOthers({QStringLiteral("url"), QStringLiteral("project"), QStringLiteral("email"),
@@ -27,7 +27,9 @@ ServiceConfig readService(const JsonFile& file)
         checkUrl(service.url, file.place(Pointer("/service/url")));
     service.project = members.requiredText("project");
     service.email = members.requiredText("email");
-    service.password = readPassword(members, file.path);
+    const bool is_elsewhere = members.has("password_file") || members.has("password_env");
+    if (with_password || !is_elsewhere)
+        service.password = readPassword(members, file.path);
     return service;
 }
 
@@ -94,7 +96,7 @@ void checkUrl(const QString& url, const QString& origin)
     }
 }
 
-LoadedConfig loadConfig(const QString& path)
+LoadedConfig loadConfig(const QString& path, bool with_password)
 {
     const JsonFile file = readJson(path);
     const MemberReader members(file, Pointer());
@@ -107,7 +109,7 @@ LoadedConfig loadConfig(const QString& path)
     if (!members.has("items"))
         file.fail(Pointer(), QStringLiteral("the member \"items\" is missing"));
     LoadedConfig loaded;
-    loaded.config.service = readService(file);
+    loaded.config.service = readService(file, with_password);
     loaded.config.items = readItems(file, &loaded.warnings);
     loaded.config.error_handling = readErrorHandling(file);
     return loaded;

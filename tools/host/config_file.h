@@ -18,7 +18,9 @@ struct LoadedConfig
 ///
 /// Throws UsageError with file, line and member for anything that is wrong. A missing
 /// "service.url" is allowed (the text stays empty), since the command line can give it.
-LoadedConfig loadConfig(const QString& path);
+/// \param with_password whether it is fetched from the file or variable that the configuration
+/// names; otherwise only a password that stands in the configuration itself is known.
+LoadedConfig loadConfig(const QString& path, bool with_password = true);
 
 /// Throws UsageError unless \a url is an address that the driver can use.
 /// \param origin what the message names as the source of the address.

@@ -2,6 +2,7 @@
 #define TOOLS_HOST_DRIVER_SESSION_H
 
 #include "tools/host/config.h"
+#include "tools/host/metrics.h"
 #include "tools/host/plugin.h"
 #include "tools/host/status_text.h"
 
@@ -53,6 +54,8 @@ public:
     Answer read(const QString& name, int data_length);
     /// Raises a write of \a bytes to the item \a name.
     Answer write(const QString& name, const QByteArray& bytes);
+    /// What the driver tells about its own work.
+    DriverNumbers numbers() const { return readNumbers(*driver_); }
 
 private Q_SLOTS:
     void onResponse(QString unit_name, QString link_name, QByteArray bytes, int status);

@@ -17,6 +17,7 @@ public:
     void valueChanged(const ItemState& state) override;
     void statusChanged(const WatchModel& model) override;
     void roundDone(const WatchModel& model, const QDateTime& now) override;
+    void numbersDue(const WatchModel& model, const QDateTime& now) override;
     void end(const QDateTime& now) override;
 
 private:

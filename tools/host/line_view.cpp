@@ -5,6 +5,28 @@
 
 namespace tovik_host {
 
+namespace {
+
+/// Which value is the oldest; one that has never come is older than all others.
+QString oldestText(const WatchModel& model)
+{
+    int oldest = -1;
+    for (int i = 0; i < model.items().size(); ++i) {
+        if (!model.ageOf(i)) {
+            return QStringLiteral("no value yet of %1").arg(model.items().at(i).item.name);
+        }
+        if (oldest < 0 || *model.ageOf(i) > *model.ageOf(oldest))
+            oldest = i;
+    }
+    if (oldest < 0)
+        return QStringLiteral("no items");
+    return QStringLiteral("oldest value: %1, %2 s")
+        .arg(model.items().at(oldest).item.name)
+        .arg(*model.ageOf(oldest) / 1000.0, 0, 'f', 1);
+}
+
+} // namespace
+
 void LineView::start(const WatchSubject& subject, const QDateTime& now)
 {
     const QString what = subject.link.isEmpty()
@@ -40,6 +62,17 @@ void LineView::statusChanged(const WatchModel& model)
 }
 
 void LineView::roundDone(const WatchModel&, const QDateTime&) {}
+
+void LineView::numbersDue(const WatchModel& model, const QDateTime& now)
+{
+    const QString numbers = numbersText(model.numbers(), model.readsPerSecond(), now);
+    if (numbers.isEmpty())
+        return;
+    QString text = QStringLiteral("metrics: ") + numbers;
+    if (model.numbers().tells_ages)
+        text += QStringLiteral(", ") + oldestText(model);
+    line(now, text);
+}
 
 void LineView::end(const QDateTime& now)
 {

@@ -1,5 +1,6 @@
 #include "tools/host/command_line.h"
 #include "tools/host/exit_code.h"
+#include "tools/host/output.h"
 #include "tools/host/usage_error.h"
 
 #include <QCoreApplication>
@@ -20,6 +21,7 @@ void enableDebugLines()
 
 int main(int argc, char** argv)
 {
+    tovik_host::reserveStandardDescriptors();
     const tovik_host::ParsedCommandLine parsed = tovik_host::parseCommandLine(argc, argv);
     if (!parsed.run)
         return parsed.exit_code;

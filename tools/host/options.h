@@ -53,6 +53,7 @@ struct WatchOptions
     QStringList items;  ///< Of a device only.
     double seconds = 0; ///< 0: until a signal.
     int interval = 500; ///< Milliseconds between the rounds of reads.
+    double metrics = 0; ///< Seconds between reports of the driver's numbers; 0: none.
 };
 
 struct ReadOptions

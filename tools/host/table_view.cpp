@@ -18,21 +18,36 @@ const int gap = 2;
 const int narrowest = 4;
 /// A column of this width still says something.
 const int comfortable = 11;
+/// On a lower screen the items need the line of the driver's numbers.
+const int rows_for_numbers = 8;
 
 const std::size_t type_column = 1;
 const std::size_t bytes_column = 3;
 const std::size_t age_column = 5;
 
-const Row& columnNames()
+/// \param has_ages whether the driver tells when the service delivered a value; else the last
+///        column is the time since the bytes changed.
+Row columnNames(bool has_ages)
 {
-    static const Row names = {QStringLiteral("ITEM"),   QStringLiteral("TYPE"),
-                              QStringLiteral("VALUE"),  QStringLiteral("BYTES"),
-                              QStringLiteral("STATUS"), QStringLiteral("AGE")};
-    return names;
+    return {QStringLiteral("ITEM"),   QStringLiteral("TYPE"),
+            QStringLiteral("VALUE"),  QStringLiteral("BYTES"),
+            QStringLiteral("STATUS"), has_ages ? QStringLiteral("AGE") : QStringLiteral("CHANGED")};
 }
 
-Row rowOf(const ItemState& state, const QDateTime& now)
+QString ageColumn(const WatchModel& model, int index, const QDateTime& now)
 {
+    if (!model.numbers().tells_ages)
+        return ageText(model.items().at(index).changed_at.secsTo(now));
+    const std::optional<int> age = model.ageOf(index);
+    if (!age)
+        return QStringLiteral("never");
+    const bool is_young = *age < 10000;
+    return is_young ? QStringLiteral("%1 s").arg(*age / 1000.0, 0, 'f', 1) : ageText(*age / 1000);
+}
+
+Row rowOf(const WatchModel& model, int index, const QDateTime& now)
+{
+    const ItemState& state = model.items().at(index);
     const QString dash(QChar(0x2014));
     const QString status = !state.answer.arrived      ? QStringLiteral("no answer")
                            : state.answer.status == 0 ? QStringLiteral("ok")
@@ -42,7 +57,7 @@ Row rowOf(const ItemState& state, const QDateTime& now)
             printable(state.value.value_or(dash)),
             hexText(state.answer.bytes),
             status,
-            ageText(state.changed_at.secsTo(now))};
+            ageColumn(model, index, now)};
 }
 
 Widths naturalWidths(const QVector<Row>& rows)
@@ -97,10 +112,10 @@ QString joined(const Row& row, const Widths& widths, int columns)
 }
 
 void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const WatchModel& model,
-               const QDateTime& now, int columns)
+               const QDateTime& now, ScreenSize size)
 {
     const auto add = [&](const QString& text, LineStyle style) {
-        screen << ScreenLine{clipped(printable(text), columns), style};
+        screen << ScreenLine{clipped(printable(text), size.columns), style};
     };
     add(subject.link.isEmpty()
             ? QStringLiteral("Service  %1   project %2").arg(subject.url, subject.project)
@@ -112,15 +127,18 @@ void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const W
                                    ageText(model.statusSince().secsTo(now)));
     add(QStringLiteral("Status   ") + statusTextWithCode(model.status(), model.statusOf()) + since,
         model.status() == 0 ? LineStyle::plain : LineStyle::trouble);
+    const QString numbers = numbersText(model.numbers(), model.readsPerSecond(), now);
+    if (!numbers.isEmpty() && size.rows >= rows_for_numbers)
+        add(QStringLiteral("Metrics  ") + numbers, LineStyle::plain);
     add(QString(), LineStyle::plain);
 }
 
 void addItems(QVector<ScreenLine>& screen, const WatchModel& model, const QDateTime& now,
               ScreenSize size)
 {
-    QVector<Row> rows = {columnNames()};
-    for (const ItemState& state : model.items())
-        rows << rowOf(state, now);
+    QVector<Row> rows = {columnNames(model.numbers().tells_ages)};
+    for (int i = 0; i < model.items().size(); ++i)
+        rows << rowOf(model, i, now);
     const Widths widths = fittingWidths(naturalWidths(rows), size.columns);
     const int room = qMax(2, size.rows - screen.size());
     const bool all_fit = rows.size() <= room;
@@ -158,7 +176,7 @@ QVector<ScreenLine> drawTable(const WatchSubject& subject, const WatchModel& mod
                               const QStringList& log, const QDateTime& now, ScreenSize size)
 {
     QVector<ScreenLine> screen;
-    addHeader(screen, subject, model, now, size.columns);
+    addHeader(screen, subject, model, now, size);
     addItems(screen, model, now, size);
     addLog(screen, log, size);
     return screen;

@@ -76,6 +76,8 @@ void TerminalView::roundDone(const WatchModel& model, const QDateTime& now)
     from_empty_screen_ = false;
 }
 
+void TerminalView::numbersDue(const WatchModel&, const QDateTime&) {}
+
 void TerminalView::end(const QDateTime&)
 {
     // The terminal itself has echoed the key that ended the program.

@@ -20,6 +20,7 @@ public:
     void valueChanged(const ItemState& state) override;
     void statusChanged(const WatchModel& model) override;
     void roundDone(const WatchModel& model, const QDateTime& now) override;
+    void numbersDue(const WatchModel& model, const QDateTime& now) override;
     void end(const QDateTime& now) override;
 
     /// The next drawing starts on an emptied screen: what the old size left there is no longer

@@ -4,6 +4,7 @@
 #include "tools/host/make_watch_view.h"
 #include "tools/host/workplace.h"
 
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -22,7 +23,9 @@ QVector<ServedItem> servedItems(const QVector<ItemConfig>& items)
 }
 
 /// Reads every item once and tells the view.
-void readRound(DriverSession& session, WatchModel& model, WatchView& view)
+/// \param clock a steady one, for what happens in a time
+void readRound(DriverSession& session, const QElapsedTimer& clock, WatchModel& model,
+               WatchView& view)
 {
     const QDateTime now = QDateTime::currentDateTime();
     for (int i = 0; i < model.items().size(); ++i) {
@@ -32,6 +35,7 @@ void readRound(DriverSession& session, WatchModel& model, WatchView& view)
     }
     if (model.endRound(now))
         view.statusChanged(model);
+    model.takeNumbers(session.numbers(), clock.elapsed());
     view.roundDone(model, now);
 }
 
@@ -70,7 +74,19 @@ int runWatch(const CommonOptions& common, const WatchOptions& options)
                 start);
     {
         DriverSession session(place.plugin, place.config, servedItems(place.config.items));
-        watchUntilEnd(place, options, [&] { readRound(session, model, *view); });
+        QElapsedTimer clock;
+        clock.start();
+        QTimer metrics;
+        QObject::connect(&metrics, &QTimer::timeout, &metrics, [&] {
+            model.takeNumbers(session.numbers(), clock.elapsed());
+            view->numbersDue(model, QDateTime::currentDateTime());
+        });
+        if (options.metrics > 0) {
+            metrics.start(int(options.metrics * 1000));
+            if (!session.numbers().isAny())
+                place.err.line(QStringLiteral("tovik-host: warning: this driver has no metrics"));
+        }
+        watchUntilEnd(place, options, [&] { readRound(session, clock, model, *view); });
     }
     view->end(QDateTime::currentDateTime());
     return exitDone;

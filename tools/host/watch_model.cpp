@@ -43,4 +43,11 @@ bool WatchModel::endRound(const QDateTime& now)
     return changed;
 }
 
+void WatchModel::takeNumbers(const DriverNumbers& numbers, qint64 moment)
+{
+    numbers_ = numbers;
+    if (numbers.read_count)
+        read_rate_.take(moment, *numbers.read_count);
+}
+
 } // namespace tovik_host

@@ -3,6 +3,7 @@
 
 #include "tools/host/config.h"
 #include "tools/host/driver_session.h"
+#include "tools/host/metrics.h"
 
 #include <QDateTime>
 #include <QVector>
@@ -31,11 +32,18 @@ public:
     /// Ends a round: the driver's status is the first one of the round that is not 0. True: it is
     /// another one than before.
     bool endRound(const QDateTime& now);
+    /// Takes the driver's numbers at a moment, in milliseconds of a steady clock.
+    void takeNumbers(const DriverNumbers& numbers, qint64 moment);
 
     const QVector<ItemState>& items() const { return items_; }
     int status() const { return status_; }
     StatusOf statusOf() const { return status_of_; }
     const QDateTime& statusSince() const { return status_since_; }
+    const DriverNumbers& numbers() const { return numbers_; }
+    std::optional<double> readsPerSecond() const { return read_rate_.perSecond(); }
+    /// Milliseconds since the service delivered the value of the item at \a index; nothing: it
+    /// never did, or the driver does not tell.
+    std::optional<int> ageOf(int index) const { return numbers_.ages.value(index); }
 
 private:
     QVector<ItemState> items_;
@@ -44,6 +52,8 @@ private:
     int round_status_ = 0;
     StatusOf status_of_ = StatusOf::service;
     QDateTime status_since_;
+    DriverNumbers numbers_;
+    ReadRate read_rate_;
 };
 
 } // namespace tovik_host

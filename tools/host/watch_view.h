@@ -28,6 +28,8 @@ public:
     virtual void statusChanged(const WatchModel& model) = 0;
     /// All items have been read, or a while has passed.
     virtual void roundDone(const WatchModel& model, const QDateTime& now) = 0;
+    /// The time between two reports of the driver's numbers is over.
+    virtual void numbersDue(const WatchModel& model, const QDateTime& now) = 0;
     virtual void end(const QDateTime& now) = 0;
 };
 

@@ -26,7 +26,16 @@ QString urlFromFile(const QString& path)
     return url;
 }
 
-HostConfig configFor(const CommonOptions& common)
+Plugin pluginFor(const CommonOptions& common)
+{
+    if (!common.library.isEmpty())
+        return Plugin(common.library);
+    return Plugin::loadFirst(Plugin::candidates(QCoreApplication::applicationDirPath()));
+}
+
+} // namespace
+
+HostConfig hostConfig(const CommonOptions& common)
 {
     const LoadedConfig loaded = loadConfig(common.config);
     Output err(STDERR_FILENO);
@@ -48,17 +57,8 @@ HostConfig configFor(const CommonOptions& common)
     return config;
 }
 
-Plugin pluginFor(const CommonOptions& common)
-{
-    if (!common.library.isEmpty())
-        return Plugin(common.library);
-    return Plugin::loadFirst(Plugin::candidates(QCoreApplication::applicationDirPath()));
-}
-
-} // namespace
-
 Workplace::Workplace(const CommonOptions& common)
-    : config(configFor(common)),
+    : config(hostConfig(common)),
       plugin(pluginFor(common)),
       out(STDOUT_FILENO),
       err(STDERR_FILENO)

@@ -10,6 +10,10 @@
 
 namespace tovik_host {
 
+/// The configuration that the options name, with the address that they give; warnings go to the
+/// standard error. Throws UsageError.
+HostConfig hostConfig(const CommonOptions& common);
+
 /// What every command works with, made from the options that all have.
 struct Workplace
 {

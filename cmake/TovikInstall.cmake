@@ -1,4 +1,6 @@
-# What `cmake --install` puts in place: the library, its headers, a CMake package, a pkg-config file.
+# What `cmake --install` puts in place, by component: library; development (headers, a CMake package,
+# a pkg-config file); tools (the programs, with all that makes them at home on a machine);
+# documentation. The Debian packages in packaging/debian are these components.
 include(CMakePackageConfigHelpers)
 
 set(TOVIK_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/tovik)
@@ -58,3 +60,27 @@ file(RELATIVE_PATH TOVIK_PC_PREFIX /x/${CMAKE_INSTALL_LIBDIR}/pkgconfig /x)
 configure_file(cmake/tovik_iot.pc.in ${PROJECT_BINARY_DIR}/tovik_iot.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tovik_iot.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+install(FILES packaging/man/libtovik-iot.7
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man7 COMPONENT development)
+
+if(TOVIK_TOOLS)
+  set(TOVIK_PLANT ${CMAKE_INSTALL_FULL_DATADIR}/tovik/examples/plant/plant.json)
+  configure_file(packaging/systemd/tovik-cloud.service.in
+                 ${PROJECT_BINARY_DIR}/tovik-cloud.service @ONLY)
+  set(TOVIK_UNIT_DIR lib/systemd/system CACHE PATH "Where systemd looks for units")
+  install(FILES ${PROJECT_BINARY_DIR}/tovik-cloud.service
+          DESTINATION ${TOVIK_UNIT_DIR} COMPONENT tools)
+  install(FILES packaging/man/tovik-cloud.1 packaging/man/tovik-host.1
+          DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  foreach(program IN ITEMS tovik-cloud tovik-host) # bash looks for a file of the program's name
+    install(FILES packaging/completion/tovik.bash RENAME ${program}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+  endforeach()
+endif()
+
+# The guides refer to each other and to their images by relative paths, and to README.md above them.
+install(DIRECTORY docs
+        DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation FILES_MATCHING
+        PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN "doxygen" EXCLUDE)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md
+        DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)

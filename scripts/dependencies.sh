@@ -8,7 +8,8 @@ build_packages=(
   libcpp-httplib-dev libssl-dev nlohmann-json3-dev libcli11-dev libjs-chart.js)
 
 # To run the tests, and to check the sources.
-test_packages=(binutils clang-format-14 libmodbus-dev python3-pymodbus python3-serial-asyncio)
+test_packages=(
+  binutils clang-format-14 libmodbus-dev mold python3-pymodbus python3-serial-asyncio)
 
 # The dashboard is tested in a browser. Node.js of another origin than Debian's brings its own npm,
 # and Debian's packages of either would not get on with it.
@@ -17,7 +18,7 @@ command -v node >/dev/null && command -v npm >/dev/null || test_packages+=(nodej
 
 # To build the documentation site; the tests do that, too, and run the documents' commands.
 docs_packages=(doxygen python3)
-test_packages+=(curl "${docs_packages[@]}")
+test_packages+=(curl systemd "${docs_packages[@]}")
 
 # To make the Debian packages, to look through them and to test them.
 package_packages=(

@@ -1,144 +1,264 @@
-#!/usr/bin/env python3
-"""Does what a guide says: writes its files, runs its commands, compares what they print.
+#!/usr/bin/python3
+"""Does what a document says: writes its files, runs its commands, compares what they print.
 
-A code block is told by the comment in front of it:
+Every code block has a mark, an HTML comment in the line before it:
 
-  <!-- file: NAME -->    is (a further part of) the file NAME
-  <!-- run -->           shell commands that succeed
-  <!-- fails N -->       shell commands that exit with N
-  <!-- background -->    a server, started and left to run; the number that ends it is its port
-  <!-- output -->        what the last shell commands have printed
-  none, in C++           is found, as it stands, in one of the files of --excerpts
+  <!-- file: NAME -->            is (a further part of) the file NAME
+  <!-- part: NAME of FILE -->    stands for the comment "@NAME@" in FILE, which the test
+                                 has
+  <!-- run -->                   shell commands that succeed
+  <!-- fails N -->               shell commands that exit with N
+  <!-- until: TEXT -->           shell commands that succeed, the last of which goes on until it has
+                                 printed TEXT and is then interrupted
+  <!-- background -->            a server, started and left to run; if a number ends the command, it
+                                 is its port. After "$ command" lines of output may follow
+  <!-- output -->                what the last shell commands have printed
+  <!-- session -->               commands behind "$ ", and what each prints
+  <!-- printed by: COMMAND -->   lines that COMMAND prints, in this order, among others. It succeeds;
+                                 with "! " in front of the last command, that one fails by itself
+  <!-- watched by: COMMAND -->   the same; COMMAND goes on until all lines but the last one have
+                                 come, and is then interrupted
+  <!-- excerpt: FILE -->         stands as it is in FILE
+  <!-- diagram -->               names in it are names of the sources
+  <!-- check: REASON -->         commands that a test cannot run: what they name exists
 
-Every block of a guide has to be one of these. Ports that servers are given in the guide are replaced
-by free ones.
+"output numbers vary" (and so on, before a colon) lets numbers differ. <!-- do: COMMAND --> runs a
+command that the reader does not see. Ports that servers are given are replaced by free ones; an
+ellipsis stands for any text.
 """
 import argparse
-import os
 import re
-import select
+import signal
 import subprocess
 import sys
+import time
 from pathlib import Path
 
-BLOCK = re.compile(
-    r"(?:<!-- (?P<mark>[^>]*?) -->\n)?^```(?P<language>\w*)\n(?P<text>.*?)^```$", re.M | re.S
-)
+from guide_blocks import Failure, blocks_of
+from guide_commands import CommandCheck
+from guide_output import InOrder, compare
+from guide_stage import PATIENCE, Processes, Stage
 
-
-class Failure(Exception):
-    pass
+END_OF_OUTPUT = "=====end=of=output====="
+FAILING = re.compile(r"(^|&& )! (?!.*&& )")
+URL_PORT = re.compile(r"(?<=://127\.0\.0\.1:)\d+")
 
 
 class Guide:
-    def __init__(self, options):
-        self.folder = Path(options.folder)
-        self.excerpts = [Path(name).read_text() for name in options.excerpts]
-        self.environment = dict(os.environ)
-        self.environment["PATH"] = os.pathsep.join([*options.path, os.environ["PATH"]])
-        for setting in options.set:
-            name, value = setting.split("=", 1)
-            self.environment[name] = value
-        self.ports = {}
-        self.servers = []
+    def __init__(self, stage):
+        self.stage = stage
+        self.checker = CommandCheck(stage.source, stage.folder, stage.environment)
         self.written = set()
-        self.printed = None
+        self.printed = ""
+        self.numbers_vary = False
+        self.servers = 0
 
-    def do(self, mark, language, text):
-        if not mark:
-            return self.find_excerpt(language, text)
-        word, _, rest = mark.partition(" ")
-        if word == "file:":
-            return self.write(rest, text)
-        if word == "run":
-            return self.run(text, 0)
-        if word == "fails":
-            return self.run(text, int(rest))
-        if word == "background":
-            return self.serve(text)
-        if word == "output":
-            return self.compare(text)
-        raise Failure(f"unknown mark '{mark}'")
+    def do(self, block):
+        self.numbers_vary = block.numbers_vary
+        action = {"file": self.write, "part": self.fill_in, "run": self.run, "do": self.run,
+                  "fails": self.run, "until": self.run_until, "background": self.serve,
+                  "output": self.compare, "session": self.session,
+                  "printed by": self.printed_by, "watched by": self.watched_by,
+                  "excerpt": self.excerpt, "diagram": self.diagram, "check": self.check}.get(block.word)
+        if not action:
+            raise Failure(f"unknown mark '{block.word}'")
+        action(block.text, block.rest)
 
-    def find_excerpt(self, language, text):
-        if language != "cpp":
-            raise Failure(f"a block of '{language}' that nobody runs or compiles")
-        if not any(text in source for source in self.excerpts):
-            raise Failure("is in none of the files that it is said to be from")
-
-    def write(self, name, text):
-        with open(self.folder / name, "a" if name in self.written else "w") as file:
-            file.write(text)
+    def write(self, text, name):
+        path = self.stage.folder / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        if not path.resolve().is_relative_to(self.stage.folder):
+            raise Failure(f"'{name}' would be written into the project")
+        with open(path, "a" if name in self.written else "w", encoding="utf-8") as file:
+            file.write(self.stage.local(text))
         self.written.add(name)
 
-    def with_ports(self, text):
-        for given, free in self.ports.items():
-            text = re.sub(rf"\b{given}\b", free, text)
-        return text
+    def fill_in(self, text, rest):
+        part, name = rest.split(" of ")
+        path = self.stage.folder / name
+        frame = path.read_text(encoding="utf-8")
+        pieces = re.split(rf"^[ \t]*(?://|#) @{part}@\n", frame, flags=re.M)
+        if len(pieces) != 2:
+            raise Failure(f"{name} does not have one comment @{part}@")
+        path.write_text(self.stage.local(text).join(pieces), encoding="utf-8")
+
+    def shell(self, text):
+        return subprocess.run(["bash", "-e", "-c", self.stage.local(text)],
+                              cwd=self.stage.folder, env=self.stage.environment,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                              timeout=2 * PATIENCE, check=False)
 
     def run(self, text, expected):
-        done = subprocess.run(["bash", "-e", "-c", self.with_ports(text)], cwd=self.folder,
-                              env=self.environment, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, text=True, timeout=200)
+        done = self.shell(text)
         self.printed = done.stdout
-        if done.returncode != expected:
-            raise Failure(f"exit code {done.returncode}, not {expected}\n{done.stdout}{done.stderr}")
+        if done.returncode != int(expected or 0):
+            raise Failure(f"exit code {done.returncode}, not {expected or 0}\n"
+                          f"{done.stdout}{done.stderr}")
 
-    def serve(self, text):
-        command, given = text.strip().rsplit(" ", 1)
-        server = subprocess.Popen(["bash", "-c", f"exec {command} 0"], cwd=self.folder,
-                                  env=self.environment, stdout=subprocess.PIPE, text=True)
-        self.servers.append(server)
-        if not select.select([server.stdout], [], [], 60)[0]:
-            raise Failure("says nothing within a minute")
-        line = server.stdout.readline()
-        port = re.search(r"port (\d+)", line)
-        if not port:
-            raise Failure(f"does not say its port but '{line}'")
-        self.ports[given] = port.group(1)
+    def start(self, text, errors=subprocess.STDOUT):
+        return self.stage.processes.start(["bash", "-e", "-c", self.stage.local(text)],
+                                          cwd=self.stage.folder, env=self.stage.environment,
+                                          stderr=errors)
 
-    def compare(self, text):
-        if self.printed != text:
-            raise Failure(f"printed is {self.printed!r}, not {text!r}")
+    def run_until(self, text, wanted):
+        if not wanted:
+            raise Failure("until: what?")
+        # What the commands before the last one print does not count.
+        before, last = re.fullmatch(r"((?:.*\n)*?)((?:.*\\\n)*.*\n)", text).groups()
+        self.watch(f"{before}echo {END_OF_OUTPUT}\n{last}",
+                   lambda printed: wanted in printed.partition(END_OF_OUTPUT)[2])
 
-    def stop(self):
-        for server in self.servers:
-            server.terminate()
-            server.wait()
-            server.stdout.close()
+    def watch(self, command, is_enough):
+        """Runs a command until it has printed enough, interrupts it, and returns all of it."""
+        process = self.start(command)
+        self.printed = ""
+        latest = time.monotonic() + PATIENCE
+        while not is_enough(self.printed):
+            line = self.stage.processes.line_of(process)
+            if not line or time.monotonic() > latest:
+                raise Failure(f"{'goes on' if line else 'has ended'} after\n{self.printed}")
+            self.printed += line
+        code = self.stage.processes.end(process, signal.SIGINT)
+        while line := self.stage.processes.line_of(process):
+            self.printed += line
+        if code != 0:
+            raise Failure(f"exit code {code} after an interrupt\n{self.printed}")
+
+    def serve(self, text, _):
+        command, _, shown = text.removeprefix("$ ").partition("\n")
+        words, _, given = command.rpartition(" ")
+        has_port = re.fullmatch(r"\d+", given)
+        # What it says on the way can be looked up in a file: server-1.log and so on.
+        self.servers += 1
+        log = self.stage.folder / f"server-{self.servers}.log"
+        with open(log, "w", encoding="utf-8") as errors:
+            server = self.start(f"exec {words} 0" if has_port else f"exec {command}", errors)
+        for line in shown.splitlines() or [""]:
+            said = self.stage.processes.line_of(server)
+            if not said:
+                raise Failure(f"has ended: {log.read_text(encoding='utf-8')}")
+            if has_port:
+                port = re.search(r"port (\d+)", said)
+                if not port:
+                    raise Failure(f"does not say its port but '{said}'")
+                self.stage.ports[given] = port.group(1)
+            elif line:
+                compare(line, said)
+                self.stage.ports.update(zip(URL_PORT.findall(line), URL_PORT.findall(said)))
+
+    def compare(self, text, _):
+        compare(self.stage.with_places(text), self.printed, self.numbers_vary)
+
+    def session(self, text, _):
+        steps = re.split(r"^\$ ", text, flags=re.M)
+        if steps[0] or len(steps) == 1:
+            raise Failure("a session begins with '$ '")
+        commands, outputs = [], []
+        for step in steps[1:]:
+            whole = re.match(r"(?:.*\\\n)*.*\n", step)[0]
+            commands.append(f"{whole}echo\necho {END_OF_OUTPUT}\n")
+            outputs.append(step[len(whole):])
+        done = self.shell("".join(commands))
+        printed = done.stdout.split(f"\n{END_OF_OUTPUT}\n")
+        if done.returncode != 0:
+            raise Failure(f"exit code {done.returncode}\n{done.stdout}{done.stderr}")
+        for shown, said in zip(outputs, printed):
+            compare(self.stage.with_places(shown), said, self.numbers_vary)
+
+    def printed_by(self, text, command):
+        # The shell's own "!" would take a missing program and a crash for the failure, too.
+        wanted = FAILING.sub(r"\1", command)
+        done = self.shell(wanted)
+        if (not 1 <= done.returncode <= 125) if wanted != command else done.returncode != 0:
+            raise Failure(f"exit code {done.returncode}\n{done.stdout}{done.stderr}")
+        lines = InOrder(self.stage.with_places(text), self.numbers_vary)
+        for line in (done.stdout + done.stderr).splitlines(keepends=True):
+            lines.take(line)
+        lines.finish()
+
+    def watched_by(self, text, command):
+        lines = InOrder(self.stage.with_places(text), self.numbers_vary)
+
+        def is_enough(printed):
+            new = printed[len(lines.printed):]
+            if new:
+                lines.take(new)
+            return len(lines.left) <= 1
+
+        self.watch(command, is_enough)
+        for line in self.printed[len(lines.printed):].splitlines(keepends=True):
+            lines.take(line)
+        lines.finish()
+
+    def excerpt(self, text, name):
+        if text not in (self.stage.source / name).read_text(encoding="utf-8"):
+            raise Failure(f"does not stand so in {name}")
+
+    def diagram(self, text, _):
+        """Names with capitals inside, underscores or colons must occur in the sources."""
+        sources = "".join(path.read_text(encoding="utf-8")
+                          for folder in ["interface", "property", "cloud", "framework", "compat"]
+                          for path in sorted((self.stage.source / folder).glob("*.[ch]*")))
+        names = set(re.findall(r"\w*[a-z0-9][A-Z_]\w*|\b[A-Z][a-z]+[A-Z]\w*|\w+(?=::)", text))
+        missing = sorted(name for name in names
+                         if not re.search(rf"\b{re.escape(name)}\b", sources))
+        if missing or not names:
+            raise Failure(f"the sources have no {', '.join(missing) or 'name of it'}")
+
+    def check(self, text, reason):
+        if not reason:
+            raise Failure("why can a test not run this?")
+        self.checker.check(text)
+
+
+def arguments():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("document", help="the Markdown file")
+    parser.add_argument("--folder", required=True, help="where it is done; emptied before")
+    parser.add_argument("--source", required=True, help="the project's folder")
+    parser.add_argument("--build", required=True, help="the build whose programs are used")
+    parser.add_argument("--set", action="append", default=[], metavar="NAME=VALUE",
+                        help="an environment variable for the commands")
+    parser.add_argument("--replace", action="append", default=[], metavar="TEXT=TEXT",
+                        help="what the document's text stands for")
+    parser.add_argument("--fixtures", action="append", default=[], metavar="FOLDER",
+                        help="a folder that is copied into the work folder")
+    parser.add_argument("--prefix", help="install the library, in place of this prefix")
+    parser.add_argument("--modbus-tcp", metavar="PLACE", help="a device in place of PLACE")
+    parser.add_argument("--modbus-rtu", metavar="PLACE", help="the same on a serial line")
+    parser.add_argument("--service", action="append", default=[], metavar="URL=ARGUMENTS",
+                        help="a tovik-cloud with these arguments, in place of URL")
+    return parser.parse_args()
+
+
+def run_document(options):
+    blocks = blocks_of(Path(options.document).read_text(encoding="utf-8"))
+    if not blocks:
+        return 0
+    processes = Processes()
+    try:
+        guide = Guide(Stage(options, processes))
+        for block in blocks:
+            print(f"{options.document}:{block.line}: {block.word} {block.rest}", flush=True)
+            try:
+                guide.do(block)
+            except (Failure, OSError, subprocess.TimeoutExpired) as failure:
+                raise Failure(f"line {block.line}: {block.word}: {failure}\n"
+                              f"{guide.stage.with_places(block.text)}") from failure
+    finally:
+        processes.end_all()
+    return 0
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__,
-                                     formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("guide", help="the Markdown file")
-    parser.add_argument("--folder", required=True, help="an empty folder to do it in")
-    parser.add_argument("--path", action="append", default=[], help="where programs are looked for")
-    parser.add_argument("--set", action="append", default=[], metavar="NAME=VALUE",
-                        help="an environment variable for the commands")
-    parser.add_argument("--excerpts", nargs="*", default=[], help="files that are quoted")
-    options = parser.parse_args()
-
-    text = Path(options.guide).read_text()
-    guide = Guide(options)
-    count = 0
+    options = arguments()
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # by way of "finally"
     try:
-        for block in BLOCK.finditer(text):
-            line = text.count("\n", 0, block.start("text"))
-            print(f"{options.guide}:{line}: {block['mark'] or 'excerpt'}", flush=True)
-            try:
-                guide.do(block["mark"], block["language"], block["text"])
-            except Failure as failure:
-                print(f"{options.guide}:{line}: {failure}\n{guide.with_ports(block['text'])}",
-                      file=sys.stderr)
-                return 1
-            count += 1
-    finally:
-        guide.stop()
-    if 2 * count != len(re.findall(r"^```", text, re.M)):
-        print(f"{options.guide}: not every block was understood", file=sys.stderr)
+        return run_document(options)
+    except Failure as failure:
+        print(f"{options.document}: {failure}", file=sys.stderr)
         return 1
-    return 0
 
 
 if __name__ == "__main__":

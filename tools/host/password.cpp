@@ -1,7 +1,8 @@
 #include "tools/host/password.h"
 
+#include "tools/host/first_line.h"
+
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace tovik_host {
@@ -11,15 +12,12 @@ namespace {
 QString fromFile(const MemberReader& service, const QString& config_path)
 {
     const QString name = service.requiredText("password_file");
-    QFile file(QFileInfo(config_path).dir().absoluteFilePath(name));
-    if (!file.open(QIODevice::ReadOnly)) {
-        service.fail("password_file",
-                     QStringLiteral("cannot read \"%1\": %2").arg(name, file.errorString()));
-    }
-    QByteArray line = file.readLine();
-    while (line.endsWith('\n') || line.endsWith('\r'))
-        line.chop(1);
-    return QString::fromUtf8(line);
+    QString problem;
+    const std::optional<QString> line =
+        firstLine(QFileInfo(config_path).dir().absoluteFilePath(name), &problem);
+    if (!line)
+        service.fail("password_file", QStringLiteral("cannot read \"%1\": %2").arg(name, problem));
+    return *line;
 }
 
 QString fromEnvironment(const MemberReader& service)

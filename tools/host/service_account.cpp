@@ -1,43 +1,33 @@
 #include "tools/host/service_account.h"
 
 #include "tools/host/config_file.h"
+#include "tools/host/first_line.h"
 #include "tools/host/member_reader.h"
 #include "tools/host/usage_error.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace tovik_host {
 
 namespace {
 
-/// The first line of a file, without its end. \a what names the file in the message.
-QString firstLine(const QString& path, const QString& what, const QString& hint = QString())
+QString passwordIn(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw UsageError(QStringLiteral("cannot read the %1 \"%2\": %3%4")
-                             .arg(what, path, file.errorString(), hint));
+    QString problem;
+    const std::optional<QString> line = firstLine(path, &problem);
+    if (!line) {
+        throw UsageError(
+            QStringLiteral("cannot read the password file \"%1\": %2").arg(path, problem));
     }
-    QByteArray line = file.readLine();
-    while (line.endsWith('\n') || line.endsWith('\r'))
-        line.chop(1);
-    return QString::fromUtf8(line);
+    return *line;
 }
 
 void takeAddress(const AccountOptions& options, Account* account)
 {
-    if (!options.url_file.isEmpty()) {
-        account->service.url = firstLine(options.url_file, QStringLiteral("address file"),
-                                         QStringLiteral(" (is the service running?)"))
-                                   .trimmed();
-        checkUrl(account->service.url, options.url_file);
-    }
-    if (!options.url.isEmpty()) {
-        checkUrl(options.url, QStringLiteral("--url"));
-        account->service.url = options.url;
-    }
+    const QString given = givenAddress(options.url, options.url_file);
+    if (!given.isEmpty())
+        account->service.url = given;
 }
 
 void takeFromVariable(const QString& variable, Account* account)
@@ -53,8 +43,7 @@ void takeFromVariable(const QString& variable, Account* account)
 void takeConfigured(Account* account)
 {
     if (!account->password_file.isEmpty()) {
-        account->service.password =
-            firstLine(account->password_file, QStringLiteral("password file"));
+        account->service.password = passwordIn(account->password_file);
         account->has_password = true;
         return;
     }
@@ -72,8 +61,7 @@ void takeConfigured(Account* account)
 void takePassword(const AccountOptions& options, Account* account, bool needs_password)
 {
     if (!options.password_file.isEmpty()) {
-        account->service.password =
-            firstLine(options.password_file, QStringLiteral("password file"));
+        account->service.password = passwordIn(options.password_file);
         account->password_file = QFileInfo(options.password_file).absoluteFilePath();
         account->password_env.clear();
         account->has_password = true;

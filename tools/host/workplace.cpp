@@ -1,10 +1,10 @@
 #include "tools/host/workplace.h"
 
 #include "tools/host/config_file.h"
+#include "tools/host/first_line.h"
 #include "tools/host/usage_error.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QUrl>
 
 #include <unistd.h>
@@ -12,19 +12,6 @@
 namespace tovik_host {
 
 namespace {
-
-QString urlFromFile(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw UsageError(QStringLiteral("cannot read the address file \"%1\": %2 (is the service "
-                                        "running?)")
-                             .arg(path, file.errorString()));
-    }
-    const QString url = QString::fromUtf8(file.readLine()).trimmed();
-    checkUrl(url, path);
-    return url;
-}
 
 Plugin pluginFor(const CommonOptions& common)
 {
@@ -42,12 +29,9 @@ HostConfig hostConfig(const CommonOptions& common)
     for (const QString& warning : loaded.warnings)
         err.line(QStringLiteral("tovik-host: warning: ") + warning);
     HostConfig config = loaded.config;
-    if (!common.url_file.isEmpty())
-        config.service.url = urlFromFile(common.url_file);
-    if (!common.url.isEmpty()) {
-        checkUrl(common.url, QStringLiteral("--url"));
-        config.service.url = common.url;
-    }
+    const QString given = givenAddress(common.url, common.url_file);
+    if (!given.isEmpty())
+        config.service.url = given;
     if (config.service.url.isEmpty()) {
         throw UsageError(
             QStringLiteral("%1: \"service\" has no \"url\", and neither --url nor --url-file "

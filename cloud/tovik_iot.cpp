@@ -2,22 +2,15 @@
 
 #include "cloud/catalogue.h"
 #include "cloud/data_item_type.h"
+#include "cloud/post.h"
 #include "cloud/service_message.h"
 #include "compat/text.h"
-#include "compat/whole_post.h"
 
 #include <QDebug>
-#include <QEventLoop>
 #include <QMetaType>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QNetworkRequest>
-#include <QSslConfiguration>
-#include <QSslSocket>
 #include <QTcpSocket>
 #include <QThread>
 #include <QTimer>
-#include <QUrl>
 
 #include <limits>
 
@@ -25,12 +18,26 @@ namespace {
 
 const int default_interval = 1000;
 const int monitor_interval = 1000;
+const int most_attempts = 2;
 
 const char login_path[] = "/qlix_api/auth/login";
 const char group_list_path[] = "/qlix_api/imonitor/group/list";
 const char dataitem_list_path[] = "/qlix_api/imonitor/group/dataitems";
 const char read_path[] = "/qlix_api/imonitor/dataitem/value";
 const char write_path[] = "/qlix_api/imonitor/dataitem/setValue";
+
+/// Counts while it lives, for a scope that replies may leave by an exception.
+class ScopedCount
+{
+public:
+    explicit ScopedCount(int* count) : count_(count) { ++*count_; }
+    ~ScopedCount() { --*count_; }
+
+private:
+    Q_DISABLE_COPY(ScopedCount)
+
+    int* count_;
+};
 
 /// Stops a timer from any thread: in the timer's own thread at once, else through its event loop,
 /// since Qt cannot stop a timer across threads.
@@ -49,6 +56,23 @@ int call(TovikIot* client, const QString& url, const picojson::object& members,
     return service::checkReply(text, messages, reply);
 }
 
+/// The body of the request that writes \a value to \a item.
+QString writeBody(const QString& token, const PropertyTovikIotDataItem& item, const QVariant& value)
+{
+    picojson::object members;
+    members["token"] = service::member(token);
+    members["dataitem_id"] = service::member(item.dataitem_id);
+    if (const DataItemType* type = findDataItemType(item.type))
+        members["value"] = type->to_json(value);
+    return service::requestBody(members);
+}
+
+int checkWrite(const QString& reply)
+{
+    picojson::object members;
+    return service::checkReply(reply, service::write_messages, &members);
+}
+
 } // namespace
 
 TovikIot::TovikIot(PropertyTovikIot* property)
@@ -63,8 +87,10 @@ TovikIot::TovikIot(PropertyTovikIot* property)
       err_return_time_en_(true),
       err_restore_switch_bs_en_(true),
       reconnect_interval_(default_interval),
+      attempts_(0),
       items_(property),
-      metrics_(property->dataitems.size())
+      metrics_(property->dataitems.size()),
+      writes_(this, this)
 {
     qRegisterMetaType<QList<MonitorDataItem>>("QList<MonitorDataItem>");
     qDebug() << "[TOVIK IoT] Host: " << property_->host << " -> Project: " << property_->project;
@@ -114,11 +140,22 @@ int TovikIot::Connect2Cloud()
     return GetGroupList(token_);
 }
 
+int TovikIot::attemptToConnect()
+{
+    const ScopedCount attempt(&attempts_);
+    return Connect2Cloud();
+}
+
 void TovikIot::Disconnect2Cloud()
+{
+    loseConnection();
+    stopTimer(reconnect_timer_);
+}
+
+void TovikIot::loseConnection()
 {
     qDebug() << "[TOVIK IoT] Disconnecting to Cloud ...";
     stopTimer(monitor_timer_);
-    stopTimer(reconnect_timer_);
     connected_ = false;
 }
 
@@ -140,6 +177,8 @@ void TovikIot::StartMonitor()
     qDebug() << "[TOVIK IoT] Start Monitor ...";
     if (items_.size() == 0)
         return;
+    // Runs still when two attempts to connect have overlapped.
+    stopTimer(monitor_timer_);
     QTimer* timer = makeTimer(SLOT(SlotMonitorTimeOut()));
     monitor_timer_ = timer;
     timer->start(monitor_interval);
@@ -264,13 +303,7 @@ int TovikIot::readValue(const QString& token, PropertyTovikIotDataItem item, boo
 int TovikIot::WriteDataitemValue(QString token, PropertyTovikIotDataItem item,
                                  const QVariant& value)
 {
-    picojson::object members;
-    members["token"] = service::member(token);
-    members["dataitem_id"] = service::member(item.dataitem_id);
-    if (const DataItemType* type = findDataItemType(item.type))
-        members["value"] = type->to_json(value);
-    picojson::object reply;
-    return call(this, urlOf(write_path), members, service::write_messages, &reply);
+    return checkWrite(PostRequest(writeBody(token, item, value), urlOf(write_path)));
 }
 
 QString TovikIot::urlOf(const char* path) const
@@ -280,32 +313,19 @@ QString TovikIot::urlOf(const char* path) const
 
 QString TovikIot::PostRequest(QString body, QString url)
 {
-    QNetworkRequest request((QUrl(url)));
-    request.setRawHeader(QByteArray("Content-Type"), QByteArray("application/json"));
-    QSslConfiguration ssl = request.sslConfiguration();
-    ssl.setPeerVerifyMode(QSslSocket::VerifyNone);
-    request.setSslConfiguration(ssl);
-
-    QNetworkAccessManager manager;
-    const QByteArray bytes = body.toLocal8Bit();
-    QNetworkReply* reply = manager.post(request, bytes);
-    whole_post::handOverBody(reply, bytes.size());
-    QEventLoop loop;
-    connect(reply, SIGNAL(finished()), &loop, SLOT(quit()));
-    loop.exec();
-
-    QString result = text::fromLatin1UpToNul(reply->readAll());
-    if (reply->error() != QNetworkReply::NoError)
-        qDebug() << "[TOVIK IoT] Post Request Error: " << reply->errorString();
-    reply->deleteLater();
-    return result;
+    Post post(body, url);
+    post.wait();
+    return post.takeText();
 }
 
-/// A read or write has failed: the connection counts as lost.
+/// A read or write has failed: the connection counts as lost. The reconnect timer is left as it
+/// is when it runs: were it started anew, a host that goes on writing would put the attempt off for
+/// ever, and an attempt that this timer has begun would get a second one of the same timer inside
+/// it.
 void TovikIot::handleFailure(int result)
 {
     metrics_.failed(result);
-    Disconnect2Cloud();
+    loseConnection();
     Q_EMIT EmitUpdateErrCode(result);
     StartReconnect();
 }
@@ -314,7 +334,7 @@ void TovikIot::SlotInitialLater()
 {
     qDebug() << "[TOVIK IoT] Initializing ... ";
     reconnect_timer_ = makeTimer(SLOT(SlotReconnect()));
-    const int result = Connect2Cloud();
+    const int result = attemptToConnect();
     if (result != service::success) {
         qDebug() << "[TOVIK IoT] Connected to Cloud Fail!";
         metrics_.failed(result);
@@ -336,8 +356,12 @@ void TovikIot::SlotReconnect()
         stopTimer(reconnect_timer_);
         return;
     }
+    // Each has a connection and a thread of its own. A host that reads while the service hangs
+    // would ask for ever more of them, until the process has no descriptors left.
+    if (attempts_ >= most_attempts)
+        return;
     qDebug() << "[TOVIK IoT] Try Reconnect ... ";
-    const int result = Connect2Cloud();
+    const int result = attemptToConnect();
     if (result == service::success)
         metrics_.connected();
     else
@@ -378,7 +402,18 @@ void TovikIot::SlotMonitorTimeOut()
 
 void TovikIot::SlotWriteValue(int index, const QVariant& write_value)
 {
-    const int result = WriteDataitemValue(token_, items_.copy(index), write_value);
+    writes_.add(index, write_value);
+}
+
+/// The queue's next write, with the token of now.
+Post* TovikIot::postWrite(int index, const QVariant& value)
+{
+    return new Post(writeBody(token_, items_.copy(index), value), urlOf(write_path));
+}
+
+void TovikIot::endWrite(const QString& text)
+{
+    const int result = checkWrite(text);
     if (result != service::success) {
         qDebug() << "[TOVIK IoT] Write value fail!";
         handleFailure(result);

@@ -4,6 +4,7 @@
 #include "cloud/driver_metrics.h"
 #include "cloud/monitor_data_item.h"
 #include "cloud/served_items.h"
+#include "cloud/write_queue.h"
 #include "property/property_tovik_iot.h"
 
 #include <QList>
@@ -25,7 +26,7 @@ class QTimer;
 /// Operations that return int give 0 for success, 256 for a failure that the client detected, and
 /// the service's own "errorcode" otherwise. A reply that is JSON but no object raises picojson's
 /// error, which nothing catches (docs/hazards.md).
-class TovikIot : public QObject
+class TovikIot : public QObject, private WriteQueue::Sender
 {
     Q_OBJECT
 
@@ -51,7 +52,8 @@ public:
     void Disconnect2Cloud();
     /// Starts the reconnect timer, if the error-handling settings want it and it is not running.
     void StartReconnect();
-    /// Starts polling the served items every 1000 ms; nothing when there is none.
+    /// Starts polling the served items every 1000 ms, and ends the polling of before; nothing when
+    /// there is none.
     void StartMonitor();
 
     /// Logs in and keeps the token. An empty token is a failure (256, no message).
@@ -85,9 +87,12 @@ Q_SIGNALS:
 public Q_SLOTS:
     /// Connects for the first time; to be run in the client's thread.
     void SlotInitialLater();
-    /// Writes \a write_value to the served item at \a index, which must be in range.
+    /// Writes \a write_value to the served item at \a index, which must be in range. A write that
+    /// comes while another is on its way waits until that has been answered (WriteQueue); the slot
+    /// returns at once then.
     void SlotWriteValue(int index, const QVariant& write_value);
-    /// Tries to connect once, unless connected; the reconnect timer and the driver call it.
+    /// Tries to connect once, unless connected or two attempts are on their way; the reconnect
+    /// timer and the driver call it.
     void SlotReconnect();
     /// One monitor cycle: reads every served item and emits the values gathered.
     void SlotMonitorTimeOut();
@@ -97,7 +102,11 @@ private:
 
     QString urlOf(const char* path) const;
     QTimer* makeTimer(const char* slot);
+    int attemptToConnect();
     int readValue(const QString& token, PropertyTovikIotDataItem item, bool* taken);
+    Post* postWrite(int index, const QVariant& value);
+    void endWrite(const QString& text);
+    void loseConnection();
     void handleFailure(int result);
 
     PropertyTovikIot* property_;
@@ -113,8 +122,10 @@ private:
     bool err_return_time_en_;
     bool err_restore_switch_bs_en_;
     int reconnect_interval_;
+    int attempts_; ///< Attempts to connect that are on their way, one inside the other.
     ServedItems items_;
     DriverMetrics metrics_;
+    WriteQueue writes_;
 };
 
 #endif

@@ -13,6 +13,7 @@ set(TOVIK_SHARED_SOURCES
   property/property_tovik_iot_dataitem.h property/property_tovik_iot_dataitem.cpp
   property/property_tovik_iot_group.h property/property_tovik_iot_group.cpp
   property/stream_registration.h property/stream_registration.cpp
+  property/value_stream.h property/value_stream.cpp
   property/warning_message.h property/warning_message.cpp)
 if(NOT TOVIK_HAS_QEXTSERIALPORT)
   list(APPEND TOVIK_SHARED_SOURCES compat/qext_serial_port.h compat/qext_serial_port.cpp)
@@ -26,9 +27,11 @@ set(TOVIK_CLIENT_SOURCES
   cloud/host_bytes.h cloud/host_bytes.cpp
   cloud/json_number.h cloud/json_number.cpp
   cloud/monitor_data_item.h
+  cloud/post.h cloud/post.cpp
   cloud/served_items.h cloud/served_items.cpp
   cloud/service_message.h cloud/service_message.cpp
   cloud/tovik_iot.h cloud/tovik_iot.cpp
+  cloud/write_queue.h cloud/write_queue.cpp
   compat/text.h compat/text.cpp
   compat/whole_post.h compat/whole_post.cpp)
 
@@ -57,6 +60,13 @@ endfunction()
 add_library(tovik_iot_objects OBJECT
   ${TOVIK_SHARED_SOURCES} ${TOVIK_CLIENT_SOURCES} ${TOVIK_DRIVER_SOURCES})
 tovik_library_target(tovik_iot_objects)
+
+# Counted in these objects alone, which the tests link: tools and tests would only be slower for it.
+option(TOVIK_COVERAGE "Count the lines and branches of the library that run" OFF)
+if(TOVIK_COVERAGE)
+  target_compile_options(tovik_iot_objects PRIVATE --coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()
 
 add_library(tovik_iot SHARED)
 add_library(Tovik::iot ALIAS tovik_iot)

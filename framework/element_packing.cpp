@@ -15,9 +15,8 @@ const int chunk = 256;
 /// The two tables by which bytes and characters change into each other.
 struct Tables
 {
-    Tables()
+    Tables() : values(), characters()
     {
-        std::memset(values, 0, sizeof values);
         for (int digit = 0; digit < 16; ++digit) {
             const char character = digitCharacter(static_cast<unsigned char>(digit));
             values[toByte(character)] = static_cast<unsigned char>(digit);

@@ -16,6 +16,7 @@
 /// The host stores it as a variant under "tovik_iot" in the link's driver-specific data. A plain
 /// value; members stand in the order in which they are streamed and compared. docs/hazards.md says
 /// what driver and client share of it while a driver runs.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): hosts know the table without one
 class TOVIK_EXPORT PropertyTovikIot
 {
 public:

@@ -2,6 +2,7 @@
 
 #include "property/list_stream.h"
 #include "property/stream_registration.h"
+#include "property/value_stream.h"
 
 namespace {
 
@@ -102,6 +103,7 @@ void ReadMembers(QDataStream& stream, PropertyTovikIotDataItem* item, QString* b
 {
     ReadText(stream, &item->name, buffer);
     ReadText(stream, &item->dataitem_id, buffer);
-    stream >> item->type >> item->length >> item->value >> item->cloud_status >> item->alert >>
-        item->update_time >> item->marked;
+    stream >> item->type >> item->length;
+    ReadValue(stream, &item->value);
+    stream >> item->cloud_status >> item->alert >> item->update_time >> item->marked;
 }

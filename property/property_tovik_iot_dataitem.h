@@ -11,6 +11,7 @@
 ///
 /// A plain value; not for sharing between threads without a lock. Members stand in the order in
 /// which they are streamed and compared.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): hosts know the table without one
 class TOVIK_EXPORT PropertyTovikIotDataItem
 {
 public:

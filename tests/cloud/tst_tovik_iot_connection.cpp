@@ -3,9 +3,12 @@
 #include "tests/support/scripted_service.h"
 
 #include <QSignalSpy>
+#include <QTcpSocket>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
+
+#include <stdexcept>
 
 namespace {
 
@@ -55,11 +58,15 @@ private Q_SLOTS:
     void disconnect();
     void disconnectFromAnotherThread();
     void everyMonitorStartMakesAFreshTimer();
+    void noMoreThanTwoAttemptsOverlap();
+    void attemptsThatRaiseDoNotCount();
+    void anOverlapLeavesOneMonitor();
 
 private:
     QTimer* timerCalling(const char* slot) const;
     void serveOneItem();
     void answerConnect();
+    void answerLoginsThatOverlap(QTimer* look, const char* reply);
 
     QScopedPointer<ScriptedService> service_;
     PropertyTovikIot property_;
@@ -400,6 +407,61 @@ void TestTovikIotConnection::everyMonitorStartMakesAFreshTimer()
     QVERIFY(!first->isActive());
     QVERIFY(second->isActive());
     QCOMPARE(client_->findChildren<QTimer*>().size(), 2);
+}
+
+/// Lets logins hang until two have come, and answers them with \a reply then.
+void TestTovikIotConnection::answerLoginsThatOverlap(QTimer* look, const char* reply)
+{
+    service_->setHandler([](const ScriptedRequest&) { return ScriptedReply::hang(); });
+    connect(look, &QTimer::timeout, this, [this, look, reply] {
+        if (service_->requests().size() < 2)
+            return;
+        look->stop();
+        service_->setHandler([reply](const ScriptedRequest& request) {
+            return ScriptedReply::json(request.path.endsWith("login") ? reply : no_groups);
+        });
+        for (QTcpSocket* socket : service_->findChildren<QTcpSocket*>()) {
+            socket->write(ScriptedReply::json(reply).bytes);
+            socket->disconnectFromHost();
+        }
+    });
+    look->start(10);
+}
+
+/// A host whose reads ask for an attempt again and again, while the service hangs.
+void TestTovikIotConnection::noMoreThanTwoAttemptsOverlap()
+{
+    QTimer look;
+    answerLoginsThatOverlap(&look, "{\"errorcode\":7}");
+    for (int i = 0; i < 10; ++i)
+        QMetaObject::invokeMethod(client_.data(), "SlotReconnect", Qt::QueuedConnection);
+    client_->SlotInitialLater();
+    QCOMPARE(log_->count("[TOVIK IoT] Try Reconnect ... "), 1);
+    QCOMPARE(service_->requests().size(), 2);
+    client_->SlotReconnect();
+    QCOMPARE(service_->requests().size(), 3);
+}
+
+void TestTovikIotConnection::attemptsThatRaiseDoNotCount()
+{
+    for (int i = 0; i < 3; ++i) {
+        service_->queue("[]");
+        QVERIFY_EXCEPTION_THROWN(client_->SlotReconnect(), std::runtime_error);
+    }
+}
+
+void TestTovikIotConnection::anOverlapLeavesOneMonitor()
+{
+    serveOneItem();
+    QTimer look;
+    answerLoginsThatOverlap(&look, token_reply);
+    QMetaObject::invokeMethod(client_.data(), "SlotReconnect", Qt::QueuedConnection);
+    client_->SlotReconnect();
+    QCOMPARE(log_->count("[TOVIK IoT] Start Monitor ..."), 2);
+    const QList<QTimer*> timers = client_->findChildren<QTimer*>();
+    QCOMPARE(timers.size(), 2);
+    QVERIFY(!timers.first()->isActive());
+    QVERIFY(timers.last()->isActive());
 }
 
 QTEST_GUILESS_MAIN(TestTovikIotConnection)

@@ -1,24 +1,10 @@
+#include "tests/property/address_space.h"
 #include "tests/property/records.h"
 #include "tests/property/stream_bytes.h"
 
-#include <QFile>
 #include <QTest>
 
 namespace {
-
-/// The most address space that this process ever had, in KiB. Room that is reserved and never
-/// touched counts, which resident memory would not show.
-qint64 peakAddressSpace()
-{
-    QFile status(QLatin1String("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith("VmPeak:"))
-            return line.mid(7).replace("kB", "").trimmed().toLongLong();
-    }
-    return -1;
-}
 
 /// Far below what the smallest damaged count would take, far above what reading needs.
 const qint64 allowed_growth = 64 * 1024;

@@ -1,6 +1,8 @@
 #ifndef TOOLS_HOST_STORED_VALUE_H
 #define TOOLS_HOST_STORED_VALUE_H
 
+#include "property/value_stream.h" // deepest_value: what the driver reads can be shown, and no more
+
 #include <QByteArray>
 #include <QString>
 #include <QVector>
@@ -70,9 +72,6 @@ struct StoredValue
 
     bool hasUsualNullFlag() const { return null_flag == (type->kind == ValueKind::nothing); }
 };
-
-/// How deep lists of lists may go.
-const int deepest_value = 32;
 
 /// The bits of a double with the value of a single's bits, which keeps what a not-a-number carries.
 quint64 widened(quint32 single_bits);

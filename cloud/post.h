@@ -1,0 +1,39 @@
+#ifndef CLOUD_POST_H
+#define CLOUD_POST_H
+
+#include <QNetworkAccessManager>
+#include <QObject>
+#include <QString>
+
+class QNetworkReply;
+
+/// One post of a JSON body, on its way from its making on. It has a connection of its own, takes
+/// any certificate, and knows no time-out. To be used, and deleted, in the thread that made it;
+/// deleted early, it ends at once.
+class Post : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Posts \a body, in the local encoding, to \a url.
+    Post(const QString& body, const QString& url);
+    ~Post();
+
+    /// Runs an event loop until the reply has finished, or the thread is told to quit.
+    void wait();
+    /// The reply's body up to its first NUL, as Latin-1 text; empty while there is none. Logs a
+    /// transport error; what arrived is returned all the same. To be called once.
+    QString takeText();
+
+Q_SIGNALS:
+    /// The whole reply is there, or the transport has failed. Nobody deletes the post inside.
+    void EmitFinished();
+
+private:
+    Q_DISABLE_COPY(Post)
+
+    QNetworkAccessManager manager_;
+    QNetworkReply* reply_;
+};
+
+#endif

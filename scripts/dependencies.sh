@@ -24,10 +24,28 @@ test_packages+=(curl systemd "${docs_packages[@]}")
 package_packages=(
   bash-completion debhelper debootstrap lintian man-db mandoc python3)
 
+# To analyse the sources, and to count what the tests reach of them.
+analysis_packages=(clang-tidy-14 cppcheck)
+coverage_packages=(gcovr)
+
 # To run the benchmarks and to draw their plots.
 bench_packages=(
   binutils iproute2 libbenchmark-dev libcurl4-openssl-dev libmodbus-dev python3-matplotlib
   util-linux)
+
+# To look for races: what tells the thread sanitizer of Qt's synchronisation reads Qt's own headers.
+# shellcheck disable=SC2034 # other scripts read it
+threads_packages=(mold qtbase5-private-dev util-linux)
+
+# To feed malformed input: libFuzzer and the sanitizers of clang.
+# shellcheck disable=SC2034 # other scripts read it
+fuzz_packages=(clang-14 libclang-rt-14-dev)
+
+# To build for other processors and to emulate them, and to test under other locales.
+# shellcheck disable=SC2034 # other scripts read it
+cross_packages=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf mmdebstrap qemu-user-static util-linux)
+# shellcheck disable=SC2034
+hostile_packages=(locales util-linux)
 
 # install_missing PACKAGE...: installs those that are not there yet; root or sudo is needed for it.
 install_missing() {

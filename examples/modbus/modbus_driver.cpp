@@ -28,9 +28,9 @@ ModbusDriver::ModbusDriver(const QString& name, DrvSerial* serial, DrvEthernet* 
       link_(serial, ethernet)
 {
     if (serial)
-        framing_.reset(new RtuFraming);
+        framing_ = std::make_unique<RtuFraming>();
     else
-        framing_.reset(new TcpFraming);
+        framing_ = std::make_unique<TcpFraming>();
     line_idle_.start();
     if (serial || !ethernet)
         return;
@@ -39,7 +39,7 @@ ModbusDriver::ModbusDriver(const QString& name, DrvSerial* serial, DrvEthernet* 
     connect(ethernet, SIGNAL(connected()), this, SLOT(onConnected()), Qt::DirectConnection);
 }
 
-ModbusDriver::~ModbusDriver() {}
+ModbusDriver::~ModbusDriver() = default;
 
 Transport ModbusDriver::transport() const
 {

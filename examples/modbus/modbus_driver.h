@@ -23,7 +23,7 @@ class ModbusDriver : public DriverBasic
 public:
     /// Arguments as for DriverBasic.
     ModbusDriver(const QString& name, DrvSerial* serial, DrvEthernet* ethernet);
-    ~ModbusDriver();
+    ~ModbusDriver() override;
 
     /// True: whole frames, with header or checksum, can be passed through.
     bool IsTransparentModeSupported() override;

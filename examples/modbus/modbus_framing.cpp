@@ -9,7 +9,7 @@ const int largest_input = 4096;
 
 } // namespace
 
-Framing::~Framing() {}
+Framing::~Framing() = default;
 
 void Framing::add(const QByteArray& bytes)
 {

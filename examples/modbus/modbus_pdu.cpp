@@ -52,7 +52,8 @@ int numberAt(const QByteArray& bytes, int offset)
 {
     if (offset + 2 > bytes.size())
         return 0;
-    return byteAt(bytes, offset) << 8 | byteAt(bytes, offset + 1);
+    const auto byte = [&bytes](int at) { return static_cast<unsigned char>(bytes.at(at)); };
+    return byte(offset) << 8 | byte(offset + 1);
 }
 
 int byteAt(const QByteArray& bytes, int offset)

@@ -109,7 +109,8 @@ int planBitWrite(const HostRequest& asked, Transport transport, int* bit)
     if (status != Ok)
         return status;
     Address address;
-    parseAddress(asked.address, &address);
+    if (parseAddress(asked.address, &address) != Ok || address.bit < 0)
+        return BadAddress;
     if (address.area->write_one == 0)
         return ReadOnlyArea;
     *bit = address.bit;

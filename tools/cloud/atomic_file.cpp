@@ -4,9 +4,9 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <stdexcept>
+#include <system_error>
 
 namespace tovik_cloud {
 
@@ -17,7 +17,7 @@ void writeAtomically(const std::string& file, const std::string& text)
     stream << text;
     stream.close();
     if (!stream || std::rename(temporary.c_str(), file.c_str()) != 0) {
-        const std::string reason = std::strerror(errno);
+        const std::string reason = std::generic_category().message(errno);
         std::remove(temporary.c_str());
         throw std::runtime_error("cannot write " + file + ": " + reason);
     }

@@ -4,10 +4,10 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <ctime>
 #include <iostream>
 #include <stdexcept>
+#include <system_error>
 
 namespace tovik_cloud {
 
@@ -39,7 +39,8 @@ EventLog::EventLog(const std::string& file, bool verbose)
     }
     file_.open(file, std::ios::app);
     if (!file_) {
-        throw std::runtime_error("cannot write the log file " + file + ": " + std::strerror(errno) +
+        throw std::runtime_error("cannot write the log file " + file + ": " +
+                                 std::generic_category().message(errno) +
                                  "; choose another with --log");
     }
 }

@@ -34,7 +34,9 @@ public:
 
     Json valueAt(double seconds) override
     {
-        return settings_.values.at(stepsAt(seconds, settings_.period) % settings_.values.size());
+        // The remainder is below the size, which need not have the 64 bits of the steps.
+        const auto index = stepsAt(seconds, settings_.period) % settings_.values.size();
+        return settings_.values.at(static_cast<Json::size_type>(index));
     }
 
 private:

@@ -4,7 +4,7 @@ namespace tovik_cloud {
 
 namespace {
 
-constexpr std::size_t longestBody = 1024 * 1024;
+constexpr std::size_t longestBody = 1 << 20;
 
 // The handlers of the HTTP library get the request but not the connection.
 thread_local Connection* currentConnection = nullptr;

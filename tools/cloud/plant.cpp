@@ -7,8 +7,8 @@ namespace tovik_cloud {
 
 struct Plant::State
 {
-    const Group* group;
-    const Item* item;
+    const Group* group = nullptr;
+    const Item* item = nullptr;
     std::unique_ptr<Generator> generator;
     Json written;
     double heldUntil = -std::numeric_limits<double>::infinity();

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
 
 namespace tovik_cloud {
 
@@ -76,7 +77,7 @@ void Port::open()
     FileDescriptor socket = boundSocket();
     if (::listen(socket.get(), waitingConnections) != 0) {
         throw std::runtime_error("cannot listen on " + hostAndPort(host_, number_) + ": " +
-                                 std::strerror(errno));
+                                 std::generic_category().message(errno));
     }
     listener_ = std::move(socket);
 }
@@ -128,7 +129,7 @@ FileDescriptor Port::boundSocket() const
     setOption(socket.get(), SOL_SOCKET, SO_REUSEADDR, 1);
     if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address_), addressSize_) != 0) {
         throw std::runtime_error("cannot use " + hostAndPort(host_, number_) + ": " +
-                                 std::strerror(errno) +
+                                 std::generic_category().message(errno) +
                                  "; choose another port, or 0 for a free one");
     }
     return socket;

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <set>
 #include <sstream>
+#include <system_error>
 
 namespace tovik_cloud {
 
@@ -111,7 +111,8 @@ Project loadProject(const std::string& file)
         text << stream.rdbuf();
     }
     if (!stream) {
-        const char* reason = errno != 0 ? std::strerror(errno) : "it is empty or unreadable";
+        const std::string reason =
+            errno != 0 ? std::generic_category().message(errno) : "it is empty or unreadable";
         throw ProjectError(file + ": cannot read the project file: " + reason);
     }
     try {

@@ -144,7 +144,7 @@ ItemFinding lookUpItem(const ItemConfig& item, const CatalogueItems& catalogue)
         return finding;
     }
     int best = -1;
-    for (const CatalogueItem& other : catalogue) {
+    for (const CatalogueEntry& other : catalogue) {
         // Somebody may have written the name where the id belongs.
         const bool is_name = other.name == item.id;
         if (!is_name && !isNear(item.id, other.id))

@@ -16,8 +16,8 @@ class PropertyTovikIotGroup;
 /// What the service's answers mean for the values of a host. Facts in, judged steps out.
 namespace tovik_host {
 
-/// An item as the service's catalogue has it.
-struct CatalogueItem
+/// What the check needs to know of an item of the service's catalogue.
+struct CatalogueEntry
 {
     QString id;
     QString name;
@@ -26,7 +26,7 @@ struct CatalogueItem
 };
 
 /// All items of a catalogue, by their ids.
-using CatalogueItems = QHash<QString, CatalogueItem>;
+using CatalogueItems = QHash<QString, CatalogueEntry>;
 CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups);
 
 /// What was found out about one served item.

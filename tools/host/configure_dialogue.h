@@ -27,7 +27,7 @@ public:
     QString opening();
     QString prompt() const;
     /// Takes one line of the user and returns the answer, which ends with a line break.
-    QString answer(const QString& line);
+    QString answer(const QString& typed);
 
     State state() const { return state_; }
     /// The chosen items in the catalogue's order.

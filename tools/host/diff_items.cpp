@@ -139,7 +139,7 @@ public:
 private:
     /// What identifies an item for people: in catalogues group and name, else the name of a
     /// configuration.
-    QString nameOf(const DiffItem& item) const
+    static QString nameOf(const DiffItem& item)
     {
         return item.group.isEmpty() ? item.name : naturalName(item.group, item.name);
     }

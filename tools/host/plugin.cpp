@@ -15,7 +15,7 @@ namespace {
 
 QString loaderError()
 {
-    const char* text = dlerror();
+    const char* text = dlerror(); // NOLINT(concurrency-mt-unsafe): one per thread
     return text ? QString::fromLocal8Bit(text) : QStringLiteral("no reason given");
 }
 
@@ -23,7 +23,7 @@ QString loaderError()
 template <typename Function>
 Function entryPoint(void* library, const char* name, const QString& path)
 {
-    dlerror();
+    dlerror(); // NOLINT(concurrency-mt-unsafe): as above
     void* address = dlsym(library, name);
     if (!address) {
         throw UsageError(QStringLiteral("\"%1\" is not a driver plug-in: it has no entry point "

@@ -36,7 +36,7 @@ struct StoredFile
 };
 
 /// Largest file that is read.
-const qint64 largest_file = 4 * 1024 * 1024;
+const qint64 largest_file = 4 << 20;
 
 /// Reads \a path, `-` for the standard input.
 /// \param as_json whether it is JSON; looks at the first character if that is not given.

@@ -19,3 +19,10 @@ function(tovik_precompile target kind)
     set_property(GLOBAL PROPERTY TOVIK_PRECOMPILED_${kind} ${target})
   endif()
 endfunction()
+
+# Several sources of a tool are compiled as one where TOVIK_UNITE says so: most of the time goes into
+# what they all include. Every source still has to stand for itself: scripts/analyze and the release
+# preset compile each alone.
+function(tovik_unite target)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${TOVIK_UNITE} UNITY_BUILD_BATCH_SIZE 10)
+endfunction()

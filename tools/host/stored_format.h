@@ -31,6 +31,9 @@ struct StoredFormat
     bool sameLayout(const StoredFormat& other) const; ///< Whether both give the same bytes.
 };
 
+/// The name of the record's type in a variant; the stream has its terminating zero as well.
+const char record_type[] = "PropertyTovikIot";
+
 /// Qt 4.0; streams of older versions hold no such record.
 const int oldest_version = 7;
 /// The newest version that this program's Qt knows.

@@ -7,8 +7,6 @@ namespace tovik_host {
 
 namespace {
 
-const char record_type[] = "PropertyTovikIot";
-
 /// A type's name out of a file, short enough for a message. What stands behind its end is not part
 /// of it, and may be the account if the name's length is wrong.
 QString shownName(const QByteArray& name)

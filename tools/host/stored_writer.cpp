@@ -6,8 +6,6 @@ namespace tovik_host {
 
 namespace {
 
-const char record_type[] = "PropertyTovikIot";
-
 class Writer
 {
 public:

@@ -53,6 +53,12 @@ void HostSide::setErrorHandling(DrvEthernet* link, int type, int return_time, bo
 void HostSide::onResponse(QString unit_name, QString link_name, QByteArray ba, int status)
 {
     answers_.append(DriverAnswer{unit_name, link_name, ba, status});
+    ++answer_count_;
+}
+
+int HostSide::answerCount() const
+{
+    return answer_count_;
 }
 
 DriverAnswer HostSide::onlyAnswer() const

@@ -31,6 +31,9 @@ public:
     DriverAnswer read(const QString& name, int data_length = 0);
     DriverAnswer write(const QString& name, const QByteArray& bytes);
 
+    /// All answers so far, wanted or not.
+    int answerCount() const;
+
     /// Stores the five error-handling settings in a link.
     static void setErrorHandling(DrvEthernet* link, int type, int return_time, bool return_time_en,
                                  bool restore_switch_en);
@@ -43,6 +46,7 @@ private:
 
     QPointer<DrvInterface> driver_;
     QList<DriverAnswer> answers_;
+    int answer_count_ = 0;
 };
 
 #endif

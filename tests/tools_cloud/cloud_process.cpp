@@ -11,7 +11,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr int patience = 10000;
+constexpr int patience = 60000; // ms; a program may take long to start on a busy machine
 
 Answer toAnswer(const httplib::Result& result)
 {
@@ -60,7 +60,12 @@ QString CloudProcess::exampleProject()
 
 bool CloudProcess::start(const QStringList& options)
 {
-    process_.start(program(), QStringList(exampleProject()) + options);
+    return startProject(exampleProject(), options);
+}
+
+bool CloudProcess::startProject(const QString& project, const QStringList& options)
+{
+    process_.start(program(), QStringList(project) + options);
     const QRegularExpression lines(QStringLiteral(
         "Service: (https?)://127\\.0\\.0\\.1:(\\d+)\nControl: http://[^/]+:(\\d+)\n"));
     while (process_.waitForReadyRead(patience)) {

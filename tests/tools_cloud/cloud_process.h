@@ -1,6 +1,8 @@
 #ifndef TESTS_TOOLS_CLOUD_CLOUD_PROCESS_H
 #define TESTS_TOOLS_CLOUD_CLOUD_PROCESS_H
 
+#include "tests/support/bound_process.h"
+
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -20,7 +22,7 @@ struct Answer
     int errorCode() const;
 };
 
-/// The real program, started for a test and ended with it.
+/// The real program, started for a test and ended with it. To be started by the main thread.
 class CloudProcess
 {
 public:
@@ -34,6 +36,8 @@ public:
 
     /// Starts with the example project and waits until both ports are told.
     bool start(const QStringList& options = {});
+    /// The same with another project file.
+    bool startProject(const QString& project, const QStringList& options);
 
     /// Sends the signal and gives the exit code, -1 if there is none within ten seconds.
     int stop(int signal);
@@ -66,7 +70,7 @@ public:
     int applied(int fault);
 
 private:
-    QProcess process_;
+    BoundProcess process_;
     std::string log_;
     QString output_;
     bool tls_ = true;

@@ -141,11 +141,12 @@ void TestCloudProgramTls::showsAGivenCertificate()
     const QString certificate = folder_->filePath(QStringLiteral("cert.pem"));
     const QString key = folder_->filePath(QStringLiteral("key.pem"));
     QProcess openssl;
-    openssl.start(QStringLiteral("openssl"),
-                  QStringLiteral("req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=given "
-                                 "-addext subjectAltName=IP:127.0.0.1 -keyout %1 -out %2")
-                      .arg(key, certificate)
-                      .split(QLatin1Char(' ')));
+    openssl.start(
+        QStringLiteral("openssl"),
+        QStringLiteral("req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=given "
+                       "-addext subjectAltName=IP:127.0.0.1")
+                .split(QLatin1Char(' ')) +
+            QStringList{QStringLiteral("-keyout"), key, QStringLiteral("-out"), certificate});
     QVERIFY(openssl.waitForFinished());
     QCOMPARE(openssl.exitCode(), 0);
     QVERIFY(start({QStringLiteral("--cert"), certificate, QStringLiteral("--key"), key}));

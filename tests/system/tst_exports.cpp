@@ -1,3 +1,4 @@
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QSet>
@@ -219,7 +220,7 @@ QStringList linesOf(const char* program, const QStringList& options)
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(latin1(program), options + QStringList(latin1(TOVIK_LIBRARY)));
+    process.start(latin1(program), options + QStringList(QFile::decodeName(TOVIK_LIBRARY)));
     if (!process.waitForFinished(60000) || process.exitCode() != 0)
         return QStringList();
     const QString output = QString::fromLocal8Bit(process.readAllStandardOutput());
@@ -291,7 +292,7 @@ void TestExports::virtualsOfPlainClasses()
 
 void TestExports::fileNames()
 {
-    const QFileInfo file(latin1(TOVIK_LIBRARY));
+    const QFileInfo file(QFile::decodeName(TOVIK_LIBRARY));
     QCOMPARE(file.fileName(), latin1("libtovik_iot.so.1.6.83"));
     for (const char* name : {"libtovik_iot.so.1", "libtovik_iot.so"}) {
         const QFileInfo link(file.dir(), latin1(name));
@@ -322,6 +323,9 @@ void TestExports::dynamicSection()
 
 void TestExports::nothingIsUndefined()
 {
+#ifdef TOVIK_OTHER_PROCESSOR
+    QSKIP("ldd loads the library, and this machine has another processor");
+#endif
     const QStringList lines = linesOf("ldd", {latin1("-r")});
     QVERIFY(!lines.filter(latin1("libQt5Core")).isEmpty());
     QCOMPARE(lines.filter(latin1("undefined symbol")), QStringList());

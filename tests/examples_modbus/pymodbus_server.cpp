@@ -1,5 +1,7 @@
 #include "tests/examples_modbus/pymodbus_server.h"
 
+#include <QFile>
+
 namespace {
 
 const int patience = 60000; // ms
@@ -11,7 +13,7 @@ const char* const interpreter = "/usr/bin/python3";
 
 PymodbusServer::PymodbusServer(modbus::Transport transport, const QString& port_name)
 {
-    QStringList arguments(QLatin1String(PYMODBUS_SERVER));
+    QStringList arguments(QFile::decodeName(PYMODBUS_SERVER));
     arguments << QLatin1String(transport == modbus::Transport::Tcp ? "tcp" : "rtu");
     if (!port_name.isEmpty())
         arguments << port_name;

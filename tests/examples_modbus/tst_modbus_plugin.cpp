@@ -4,6 +4,7 @@
 #include "interface/drvlib.h"
 #include "tests/examples_modbus/pseudo_line.h"
 
+#include <QFile>
 #include <QHostAddress>
 #include <QProcess>
 #include <QTcpServer>
@@ -47,7 +48,7 @@ QStringList linesOf(const char* program, const QStringList& options)
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(latin1(program), options + QStringList(latin1(MODBUS_LIBRARY)));
+    process.start(latin1(program), options + QStringList(QFile::decodeName(MODBUS_LIBRARY)));
     if (!process.waitForFinished(patience) || process.exitCode() != 0)
         return QStringList();
     return QString::fromLocal8Bit(process.readAllStandardOutput()).split(QLatin1Char('\n'));

@@ -1,5 +1,6 @@
 #include "tests/tools_host/check_run.h"
 
+#include <QFile>
 #include <QTcpServer>
 #include <QtTest>
 
@@ -127,7 +128,7 @@ void TestHostProgramCheck::opensslThatDoesNotFit()
 {
     CheckRun run;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(latin1("LD_LIBRARY_PATH"), latin1(TOVIK_EMPTY_OPENSSL));
+    environment.insert(latin1("LD_LIBRARY_PATH"), QFile::decodeName(TOVIK_EMPTY_OPENSSL));
     run.host.process().setProcessEnvironment(environment);
     run.host.useAddress(latin1("https://127.0.0.1:1"));
     QCOMPARE(run.check(), 1);

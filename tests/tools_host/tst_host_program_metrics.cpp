@@ -1,6 +1,7 @@
 #include "tests/tools_cloud/cloud_process.h"
 #include "tests/tools_host/host_process.h"
 
+#include <QFile>
 #include <QtTest>
 
 #include <csignal>
@@ -35,7 +36,7 @@ const QStringList often = {QStringLiteral("--metrics"), QStringLiteral("0.2")};
 
 void TestHostProgramMetrics::useService(HostProcess& host, CloudProcess& cloud)
 {
-    host.useDriver(latin1(TOVIK_DRIVER));
+    host.useDriver(QFile::decodeName(TOVIK_DRIVER));
     host.useAddress(latin1("https://127.0.0.1:%1").arg(cloud.port()));
     host.useAccount(latin1("operator@example.com"), latin1("tovik"));
     host.addItem(latin1("On"), latin1("boiler-on"), latin1("Bit"));

@@ -1,3 +1,4 @@
+#include "tests/property/address_space.h"
 #include "tests/property/records.h"
 #include "tests/property/stream_bytes.h"
 #include "tests/tools_host/stored_samples.h"
@@ -13,19 +14,6 @@ using namespace tovik_host;
 namespace {
 
 const StoredFormat usual = {StoredForm::record, 12, true, false};
-
-/// The most address space that this process ever had, in KiB.
-qint64 peakAddressSpace()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith("VmPeak:"))
-            return line.mid(7).replace("kB", "").trimmed().toLongLong();
-    }
-    return -1;
-}
 
 /// In KiB; far below what any damaged count or length asks for.
 const qint64 allowed_growth = 64 * 1024;

@@ -34,6 +34,9 @@ OWN_NAME = re.compile(
     r"^(?:(?:class|struct|enum(?: class)?|union|using)[ ]+(\w+)"
     r"|#define[ ]+(\w+)"
     r"|(?! |namespace|using|extern)[\w:<>,&* ]*?[ &*](\w+)(?:\(|\{|\[| =|;))", re.M)
+# Each plug-in has those that the host looks for.
+ENTRY_POINT = re.compile(r"^\w.*\b(create_drvlib|drv_version)\(", re.M)
+META_TYPE = re.compile(r"^(Q_DECLARE_METATYPE\(.*\))$", re.M)
 FINDING = re.compile(r"^(/[^:\n]+):\d+:\d+: (warning|error): (.*) \[([\w.,*-]+)\]$", re.M)
 
 
@@ -63,6 +66,9 @@ class Source:
         own += "\n".join(re.findall(r"^(?:static .*|#define .*)$", text, re.M))
         own += "\n".join(re.findall(r"^class \w+", text, re.M))
         self.own_names = {name for match in OWN_NAME.findall(own) for name in match if name}
+        self.own_names.update(ENTRY_POINT.findall(text))
+        self.own_names.update(META_TYPE.findall(text))
+        self.opened = set(re.findall(r"^using namespace ([\w:]+);$", text, re.M))
 
     @property
     def area(self):
@@ -80,12 +86,15 @@ class Unit:
         self.area = first.area
         self.sources, self.names = [], set()
         self.includes, self.defines, self.flags = [], {}, first.flags
+        self.opened = first.opened
         self.add(first)
 
     def accepts(self, source, most):
         strict = {name for name in source.defines if name.startswith("QT_NO_")}
         return (len(self.sources) < most and self.area == source.area
                 and sorted(set(self.flags)) == sorted(set(source.flags))
+                # A namespace that one opens is open in the headers of all that follow.
+                and self.opened == source.opened
                 and strict == {name for name in self.defines if name.startswith("QT_NO_")}
                 and all(self.defines.get(n, v) == v for n, v in source.defines.items())
                 and not self.names & source.own_names)

@@ -145,7 +145,7 @@ void Run::applyWrite(const Asked& asked, bool registers, int start)
 {
     if (!registers) {
         for (int i = 0; i < asked.data.size(); ++i)
-            bits_[0][start + i] = asked.data.at(i);
+            bits_[0][start + i] = uchar(asked.data.at(i));
         return;
     }
     for (const int word : registersOf(asked))

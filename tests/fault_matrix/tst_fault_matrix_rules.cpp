@@ -146,8 +146,8 @@ void TestFaultMatrixRules::rules_data()
 {
     QTest::addColumn<Change>("change");
     QTest::addColumn<QString>("breach");
-    const auto row = [](const char* name, Change change, const char* breach) {
-        QTest::newRow(name) << std::move(change) << latin1(breach);
+    const auto row = [](const char* name, const Change& change, const char* breach) {
+        QTest::newRow(name) << change << latin1(breach);
     };
     row(
         "never began", [](Measurement* m) { m->began = false; }, "no values before the fault");

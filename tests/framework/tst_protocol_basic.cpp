@@ -137,7 +137,7 @@ void TestProtocolBasic::array2NumberAgreesWithArithmetic()
         qint64 most_first = 0;
         qint64 least_first = 0;
         for (int k = 0; k < size; ++k) {
-            const qint64 byte = random() % 256;
+            const qint64 byte = qint64(random() % 256);
             data[k] = char(byte);
             most_first = most_first * 256 + byte;
             least_first += byte * (Q_INT64_C(1) << (8 * k));

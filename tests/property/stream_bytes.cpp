@@ -25,7 +25,7 @@ StreamBytes& StreamBytes::text(const QString& value)
 {
     if (value.isNull())
         return word(0xffffffff, 4);
-    word(quint64(2 * value.size()), 4);
+    word(2 * quint64(value.size()), 4);
     for (const QChar character : value)
         word(character.unicode(), 2);
     return *this;

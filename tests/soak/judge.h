@@ -56,6 +56,6 @@ struct SoakVerdict
 /// Judges a run. The first fifth, at most five minutes, is the warm-up. With less than two minutes
 /// behind it, a quarter may be without a moment between two requests: then only the timers are
 /// judged.
-SoakVerdict judge(const std::vector<SoakSample>& samples, const SoakCeilings& ceilings);
+SoakVerdict judge(const std::vector<SoakSample>& all, const SoakCeilings& ceilings);
 
 #endif

@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -28,11 +30,12 @@ qint64 residentKib()
     std::FILE* const file = std::fopen("/proc/self/statm", "r");
     if (!file)
         return 0;
-    long long whole = 0;
-    long long resident = 0;
-    const int found = std::fscanf(file, "%lld %lld", &whole, &resident);
+    char line[128] = "";
+    const bool is_read = std::fgets(line, sizeof line, file) != nullptr;
     std::fclose(file);
-    return found == 2 ? resident * sysconf(_SC_PAGESIZE) / 1024 : 0;
+    // Behind the size of everything that is mapped.
+    const char* const resident = is_read ? std::strchr(line, ' ') : nullptr;
+    return resident ? std::strtoll(resident, nullptr, 10) * sysconf(_SC_PAGESIZE) / 1024 : 0;
 }
 
 } // namespace

@@ -90,7 +90,7 @@ int main(int argc, char** argv)
         parser.addOption(
             QCommandLineOption(QString::fromLatin1(option.name), QString::fromLatin1(option.what),
                                QString::fromLatin1("N"), QString::fromLatin1(option.value)));
-    if (!parser.parse(application.arguments()) || !parser.positionalArguments().isEmpty()) {
+    if (!parser.parse(QCoreApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
         std::fprintf(stderr, "stress: %s; see --help\n",
                      parser.errorText().isEmpty() ? "there are no arguments but options"
                                                   : qPrintable(parser.errorText()));

@@ -80,8 +80,8 @@ const char* const other_members[] = {
     "DriverBasic::recv_abnormal_handler(QByteArray*)",
     "DriverBasic::request_send_wait(int, int, int*)",
     "DriverBasic::UpdateSerialParameter()",
-    "DriverBasic::SlotSetValuesByteArray(QString, QString, int, QByteArray const&, "
-    "QSharedPointer<AddrData>)",
+    ("DriverBasic::SlotSetValuesByteArray(QString, QString, int, QByteArray const&, "
+     "QSharedPointer<AddrData>)"),
     "DriverBasic::SlotGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)",
     "DriverBasic::SlotUpdateDrvSerial()",
     "DriverBasic::SlotUpdateDrvEthernet()",
@@ -109,8 +109,8 @@ const char* const other_members[] = {
     "DrvInterface::RunTransparentRequest(QByteArray const&)",
     "DrvInterface::SigResponse(QString, QString, QByteArray, int)",
     "DrvInterface::SigEventResponse(QString, QMap<QString, QByteArray>, int)",
-    "DrvInterface::SigSetValuesByteArray(QString, QString, int, QByteArray const&, "
-    "QSharedPointer<AddrData>)",
+    ("DrvInterface::SigSetValuesByteArray(QString, QString, int, QByteArray const&, "
+     "QSharedPointer<AddrData>)"),
     "DrvInterface::SigGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)",
     "DrvInterface::SigUpdateDrvSerial()",
     "DrvInterface::SigUpdateDrvEthernet()",

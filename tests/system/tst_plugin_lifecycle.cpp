@@ -49,7 +49,7 @@ void TestPluginLifecycle::cleanup()
 /// Requests that the service has finished with, in whatever way.
 int TestPluginLifecycle::requestsSoFar()
 {
-    const Answer status = cloud_.control("GET", "/status");
+    const ServiceAnswer status = cloud_.control("GET", "/status");
     int sum = 0;
     for (const auto& path : status.json.at("requests"))
         sum += path.get<int>();

@@ -130,7 +130,7 @@ void TestPluginService::writesOfAllTypes()
     QCOMPARE(answer.bytes, bytes);
     QCOMPARE(answer.status, 0);
     QTRY_VERIFY(log_->contains("[TOVIK IoT] Write value done!"));
-    const Answer seen = cloud_.control("GET", "/items/" + item.toStdString());
+    const ServiceAnswer seen = cloud_.control("GET", "/items/" + item.toStdString());
     QCOMPARE(QByteArray::fromStdString(seen.json.at("value").dump()), json);
 }
 

@@ -13,9 +13,9 @@ namespace {
 
 constexpr int patience = 60000; // ms; a program may take long to start on a busy machine
 
-Answer toAnswer(const httplib::Result& result)
+ServiceAnswer toAnswer(const httplib::Result& result)
 {
-    Answer answer;
+    ServiceAnswer answer;
     if (result) {
         answer.arrived = true;
         answer.status = result->status;
@@ -27,7 +27,7 @@ Answer toAnswer(const httplib::Result& result)
 
 } // namespace
 
-int Answer::errorCode() const
+int ServiceAnswer::errorCode() const
 {
     return json.is_object() && json.contains("errorcode") && json.at("errorcode").is_number()
                ? json.at("errorcode").get<int>()
@@ -95,13 +95,13 @@ std::string CloudProcess::log()
     return log_;
 }
 
-Answer CloudProcess::post(const std::string& path, const json& body)
+ServiceAnswer CloudProcess::post(const std::string& path, const json& body)
 {
     return postRaw(path, body.dump());
 }
 
-Answer CloudProcess::postRaw(const std::string& path, const std::string& body,
-                             const std::string& contentType)
+ServiceAnswer CloudProcess::postRaw(const std::string& path, const std::string& body,
+                                    const std::string& contentType)
 {
     std::unique_ptr<httplib::ClientImpl> client;
     if (tls_) {
@@ -116,25 +116,26 @@ Answer CloudProcess::postRaw(const std::string& path, const std::string& body,
 
 std::string CloudProcess::login()
 {
-    const Answer answer =
+    const ServiceAnswer answer =
         post("/qlix_api/auth/login",
              {{"email", "operator@example.com"}, {"password", "tovik"}, {"project", "plant"}});
     return answer.json.is_object() ? answer.json.value("token", std::string()) : std::string();
 }
 
-Answer CloudProcess::value(const std::string& token, const std::string& item)
+ServiceAnswer CloudProcess::value(const std::string& token, const std::string& item)
 {
     return post("/qlix_api/imonitor/dataitem/value", {{"dataitem_id", item}, {"token", token}});
 }
 
-Answer CloudProcess::write(const std::string& token, const std::string& item, const json& value)
+ServiceAnswer CloudProcess::write(const std::string& token, const std::string& item,
+                                  const json& value)
 {
     return post("/qlix_api/imonitor/dataitem/setValue",
                 {{"dataitem_id", item}, {"token", token}, {"value", value}});
 }
 
-Answer CloudProcess::control(const std::string& method, const std::string& path,
-                             const std::string& body)
+ServiceAnswer CloudProcess::control(const std::string& method, const std::string& path,
+                                    const std::string& body)
 {
     httplib::Client client("127.0.0.1", controlPort_);
     client.set_read_timeout(patience / 1000);
@@ -150,13 +151,13 @@ Answer CloudProcess::control(const std::string& method, const std::string& path,
 
 int CloudProcess::addFault(const std::string& fault)
 {
-    const Answer answer = control("POST", "/faults", json{{"fault", fault}}.dump());
+    const ServiceAnswer answer = control("POST", "/faults", json{{"fault", fault}}.dump());
     return answer.status == 200 ? answer.json.value("id", 0) : 0;
 }
 
 int CloudProcess::applied(int fault)
 {
-    const Answer answer = control("GET", "/faults");
+    const ServiceAnswer answer = control("GET", "/faults");
     for (const json& entry : answer.json.value("faults", json::array())) {
         if (entry.at("id") == fault) {
             return entry.at("applied").get<int>();

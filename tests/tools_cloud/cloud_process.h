@@ -12,7 +12,7 @@
 #include <string>
 
 /// What came back for a request, if anything did.
-struct Answer
+struct ServiceAnswer
 {
     bool arrived = false;
     int status = 0;
@@ -48,17 +48,18 @@ public:
     std::string log();
 
     /// A request over a connection of its own.
-    Answer post(const std::string& path, const nlohmann::json& body);
-    Answer postRaw(const std::string& path, const std::string& body,
-                   const std::string& contentType = "application/json");
+    ServiceAnswer post(const std::string& path, const nlohmann::json& body);
+    ServiceAnswer postRaw(const std::string& path, const std::string& body,
+                          const std::string& contentType = "application/json");
 
     /// Logs in as the operator of the example project.
     std::string login();
-    Answer value(const std::string& token, const std::string& item);
-    Answer write(const std::string& token, const std::string& item, const nlohmann::json& value);
+    ServiceAnswer value(const std::string& token, const std::string& item);
+    ServiceAnswer write(const std::string& token, const std::string& item,
+                        const nlohmann::json& value);
 
-    Answer control(const std::string& method, const std::string& path,
-                   const std::string& body = {});
+    ServiceAnswer control(const std::string& method, const std::string& path,
+                          const std::string& body = {});
 
     /// What the program has written to standard output.
     const QString& output() const { return output_; }

@@ -39,15 +39,16 @@ void TestCloudProgramApi::initTestCase()
 
 void TestCloudProgramApi::listsGroupsAndItems()
 {
-    const Answer groups = cloud_.post("/qlix_api/imonitor/group/list", {{"token", token_}});
+    const ServiceAnswer groups = cloud_.post("/qlix_api/imonitor/group/list", {{"token", token_}});
     QCOMPARE(groups.errorCode(), 0);
     QVERIFY(groups.json.at("Number") == groups.json.at("groups").size());
     QVERIFY(groups.json.at("groups").size() >= 4);
     std::size_t items = 0;
     bool hasName = false;
     for (const json& group : groups.json.at("groups")) {
-        const Answer list = cloud_.post("/qlix_api/imonitor/group/dataitems",
-                                        {{"group_id", group.at("group_id")}, {"token", token_}});
+        const ServiceAnswer list =
+            cloud_.post("/qlix_api/imonitor/group/dataitems",
+                        {{"group_id", group.at("group_id")}, {"token", token_}});
         QCOMPARE(list.errorCode(), 0);
         QVERIFY(list.json.at("Number") == list.json.at("dataitems").size());
         items += list.json.at("dataitems").size();
@@ -61,8 +62,8 @@ void TestCloudProgramApi::everyTypeHasItsJsonKind()
 {
     std::set<std::string> types;
     for (const char* group : {"boiler", "hall", "energy", "recipes"}) {
-        const Answer list = cloud_.post("/qlix_api/imonitor/group/dataitems",
-                                        {{"group_id", group}, {"token", token_}});
+        const ServiceAnswer list = cloud_.post("/qlix_api/imonitor/group/dataitems",
+                                               {{"group_id", group}, {"token", token_}});
         for (const json& item : list.json.at("dataitems")) {
             const auto type = item.at("type").get<std::string>();
             types.insert(type);
@@ -97,7 +98,7 @@ void TestCloudProgramApi::readsWhatWasWritten()
     QFETCH(QByteArray, value);
     const json wanted = json::parse(value.toStdString());
     QCOMPARE(cloud_.write(token_, item.toStdString(), wanted).errorCode(), 0);
-    const Answer answer = cloud_.value(token_, item.toStdString());
+    const ServiceAnswer answer = cloud_.value(token_, item.toStdString());
     QCOMPARE(answer.errorCode(), 0);
     QVERIFY(answer.json.at("value") == wanted);
 }
@@ -137,7 +138,7 @@ void TestCloudProgramApi::refuses()
     QFETCH(QByteArray, type);
     QFETCH(int, code);
     body.replace("TOKEN", QByteArray::fromStdString(token_));
-    const Answer answer =
+    const ServiceAnswer answer =
         cloud_.postRaw("/qlix_api/" + path.toStdString(), body.toStdString(), type.toStdString());
     QCOMPARE(answer.status, 200);
     QCOMPARE(answer.errorCode(), code);
@@ -145,7 +146,7 @@ void TestCloudProgramApi::refuses()
 
 void TestCloudProgramApi::answersForeignBytes()
 {
-    const Answer answer =
+    const ServiceAnswer answer =
         cloud_.postRaw("/qlix_api/imonitor/group/list", "{\"token\":\"\xfc\xff\"}");
     QCOMPARE(answer.errorCode(), 15);
     QVERIFY(cloud_.log().find("no valid JSON in UTF-8") != std::string::npos);
@@ -153,10 +154,10 @@ void TestCloudProgramApi::answersForeignBytes()
 
 void TestCloudProgramApi::turnsAwayOtherRequests()
 {
-    const Answer answer = cloud_.postRaw("/qlix_api/other", "{}");
+    const ServiceAnswer answer = cloud_.postRaw("/qlix_api/other", "{}");
     QCOMPARE(answer.status, 404);
     QCOMPARE(answer.errorCode(), 15);
-    const Answer large =
+    const ServiceAnswer large =
         cloud_.postRaw("/qlix_api/imonitor/group/list", std::string(2 * 1024 * 1024, ' '));
     QVERIFY(!large.arrived || large.status == 413);
 }

@@ -155,7 +155,7 @@ void TestCloudProgramConnections::servesManyShortConnections()
     for (auto& worker : workers) {
         QCOMPARE(worker.get(), 75);
     }
-    const Answer status = cloud.control("GET", "/status");
+    const ServiceAnswer status = cloud.control("GET", "/status");
     QVERIFY(status.json.at("requests").at("value") == 300);
 }
 

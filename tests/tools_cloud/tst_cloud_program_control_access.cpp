@@ -94,7 +94,7 @@ void TestCloudProgramControlAccess::beyondThisComputerATokenIsNeeded()
                            .match(cloud.output());
     QVERIFY2(match.hasMatch(), qPrintable(cloud.output()));
     const QByteArray token = match.captured(1).toLatin1();
-    const Answer refused = cloud.control("GET", "/status");
+    const ServiceAnswer refused = cloud.control("GET", "/status");
     QCOMPARE(refused.status, 401);
     QVERIFY(refused.json.at("error").get<std::string>().find("Authorization: Bearer") !=
             std::string::npos);

@@ -147,7 +147,7 @@ void TestCloudProgramDashboard::tellsItsClients()
     const std::string token = cloud_.login();
     cloud_.value(token, "hall-fan");
     cloud_.value(token, "hall-fan");
-    const Answer answer = cloud_.control("GET", "/clients");
+    const ServiceAnswer answer = cloud_.control("GET", "/clients");
     const json& client = answer.json.at("clients").at(0);
     QVERIFY(client.at("account") == "operator@example.com" && client.at("uses") == 2);
     QVERIFY(client.at("token") == token.substr(0, 6) + "...");

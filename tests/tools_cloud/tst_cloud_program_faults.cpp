@@ -64,7 +64,7 @@ void TestCloudProgramFaults::spoilsTheReply()
     QFETCH(int, status);
     QFETCH(QByteArray, body);
     QVERIFY(cloud_.addFault(fault.toStdString()) > 0);
-    const Answer answer = cloud_.value(token_, "hall-fan");
+    const ServiceAnswer answer = cloud_.value(token_, "hall-fan");
     QVERIFY(answer.arrived);
     QCOMPARE(answer.status, status);
     QCOMPARE(QByteArray::fromStdString(answer.text), body);

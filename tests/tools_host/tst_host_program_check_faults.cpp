@@ -56,7 +56,7 @@ void TestHostProgramCheckFaults::saysWhatIsWrongOnTheWay()
     }
     QVERIFY2(is_told, qPrintable(run.host.output()));
     QCOMPARE(run.verdict().at("well").get<bool>(), code == 0);
-    QVERIFY(run.verdict().at("causes").size() > 0);
+    QVERIFY(!run.verdict().at("causes").empty());
 }
 
 void TestHostProgramCheckFaults::loginRefused()

@@ -176,8 +176,8 @@ void TestHostProgramStored::showsStreams()
     for (const char* text :
          {": a configuration record in a variant, stream version 12 (Qt 4.6 to 4.8), big endian, ",
           "host       https://other.example\n", "aux_value  -7\n",
-          "group g 0: name group 0, location hall 0, ddLocation rack 0, alert true, permission R, "
-          "marked true, no items",
+          ("group g 0: name group 0, location hall 0, ddLocation rack 0, alert true, permission R, "
+           "marked true, no items"),
           "4 served items\n", "float -0.5 ", "QString a\xc2\xb7[2J ", "QString (null) ",
           "invalid "})
         QVERIFY2(output_.contains(QString::fromUtf8(text)), qPrintable(output_));

@@ -172,7 +172,7 @@ void TestHostProgramStoredSafety::hidesTheAccountOfDamagedStreams()
     record.password = QStringLiteral("PaSsWoRd");
     record.host += record.host;
     const QByteArray whole = writtenByQt(record, qt4_variant);
-    const int length = whole.at(place + 3);
+    const int length = uchar(whole.at(place + 3));
     QCOMPARE(whole.mid(place, 3), QByteArray(3, '\0'));
     for (int wrong = 0; wrong <= 64; wrong += place == 5 ? 5 : 6) {
         if (wrong == length)

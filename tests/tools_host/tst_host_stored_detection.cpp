@@ -5,6 +5,8 @@
 
 #include <QtTest>
 
+Q_DECLARE_METATYPE(tovik_host::StoredForm)
+
 using namespace tovik_host;
 
 class TestHostStoredDetection : public QObject
@@ -204,8 +206,6 @@ void TestHostStoredDetection::saysVersionsInWords()
     QCOMPARE(rangeInWords(*versions), words);
     QCOMPARE(rangeText(*versions), range);
 }
-
-Q_DECLARE_METATYPE(tovik_host::StoredForm)
 
 QTEST_GUILESS_MAIN(TestHostStoredDetection)
 #include "tst_host_stored_detection.moc"

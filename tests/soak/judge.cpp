@@ -1,7 +1,8 @@
 #include "tests/soak/judge.h"
 
+#include <QString>
+
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -34,9 +35,12 @@ void complainIf(bool wrong, SoakVerdict* verdict, const char* what, double is, d
 {
     if (!wrong)
         return;
-    char text[160];
-    std::snprintf(text, sizeof text, "%s: %.1f, the ceiling is %.1f", what, is, ceiling);
-    verdict->complaints.emplace_back(text);
+    // QString, for its point does not follow the locale.
+    verdict->complaints.push_back(QStringLiteral("%1: %2, the ceiling is %3")
+                                      .arg(QLatin1String(what))
+                                      .arg(is, 0, 'f', 1)
+                                      .arg(ceiling, 0, 'f', 1)
+                                      .toStdString());
 }
 
 /// No more at any time than \a most, and no more left at the end than at the beginning.

@@ -13,9 +13,12 @@
 #include <QSet>
 #include <QTemporaryDir>
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -125,20 +128,27 @@ HostView burst(PluginDriver* host, int writes, int patience)
 void print(int writes, int delay, const HostView& view, const ProcessFacts& before,
            const ProcessFacts& most, const WriteLog& log, double close_ms)
 {
-    std::string statuses;
+    const auto hundredths = [](double number) { return std::round(number * 100) / 100; };
+    nlohmann::ordered_json line = {{"writes", writes},
+                                   {"delay_ms", delay},
+                                   {"done", done.load()},
+                                   {"failed", failed.load()},
+                                   {"arrived", log.arrived},
+                                   {"repeated", log.repeated},
+                                   {"out_of_order", log.out_of_order},
+                                   {"seconds", hundredths(view.last_s)},
+                                   {"descriptors", most.descriptors},
+                                   {"threads", most.threads},
+                                   {"more_kib", most.resident_kib - before.resident_kib},
+                                   {"longest_read_ms", hundredths(view.longest_read_ms)},
+                                   {"close_ms", std::round(close_ms)},
+                                   {"statuses", nlohmann::json::array()}};
     for (const int status : view.statuses) {
         char text[16];
         std::snprintf(text, sizeof text, "0x%08X", unsigned(status));
-        statuses += (statuses.empty() ? "\"" : ", \"") + std::string(text) + "\"";
+        line["statuses"].push_back(text);
     }
-    std::printf("{\"writes\": %d, \"delay_ms\": %d, \"done\": %d, \"failed\": %d, "
-                "\"arrived\": %d, \"repeated\": %d, \"out_of_order\": %d, \"seconds\": %.2f, "
-                "\"descriptors\": %d, \"threads\": %d, \"more_kib\": %lld, "
-                "\"longest_read_ms\": %.2f, \"close_ms\": %.0f, \"statuses\": [%s]}\n",
-                writes, delay, done.load(), failed.load(), log.arrived, log.repeated,
-                log.out_of_order, view.last_s, most.descriptors, most.threads,
-                static_cast<long long>(most.resident_kib - before.resident_kib),
-                view.longest_read_ms, close_ms, statuses.c_str());
+    std::printf("%s\n", line.dump().c_str());
 }
 
 int run(int writes, int delay, int patience)

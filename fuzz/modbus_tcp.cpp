@@ -47,9 +47,12 @@ void runModbusTcp(const QByteArray& input)
     const int portion = 4 + next.byte();
     const int earlier = next.byte() % 4;
     modbus::TcpFraming framing;
+    QByteArray come;
     for (int i = 0; i < earlier; ++i) { // requests whose answers, or parts of them, come late
         framing.frame(request);
-        framing.add(next.bytes(next.byte() % 16));
+        const QByteArray late = next.bytes(next.byte() % 16);
+        come += late;
+        framing.add(late);
         framing.dropOldInput();
     }
     const int transaction = earlier + 1;
@@ -58,11 +61,12 @@ void runModbusTcp(const QByteArray& input)
             "a request's frame has the right header");
     framing.dropOldInput();
 
-    QByteArray come = input;
     modbus::Answer answer;
     bool taken = false;
     while (!taken && !next.isEmpty()) {
-        framing.add(next.bytes(portion));
+        const QByteArray bytes = next.bytes(portion);
+        come += bytes;
+        framing.add(bytes);
         taken = framing.take(&answer);
     }
     if (!taken)

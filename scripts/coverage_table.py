@@ -25,7 +25,7 @@ def row(name, counts):
     text = f"{name:<44}"
     for total, covered in counts:
         share = f"{100 * covered / total:6.1f} %" if total else "       -"
-        text += f"{total:7}{total - covered:7}{share}"
+        text += f"{total:9}{total - covered:8}{share}"
     return text
 
 
@@ -41,7 +41,7 @@ def main():
         sys.exit(f"{sys.argv[2]} names {' '.join(sorted(ceiling))}; there is something to count in "
                  f"{' '.join(sorted(folders))}")
 
-    print(f"{'':<44}{'lines':>7}{'missed':>7}{'':8}{'branches':>8}{'missed':>6}")
+    print(f"{'':<44}{'lines':>9}{'missed':>8}{'':8}{'branches':>9}{'missed':>8}")
     exceeded, lower = [], []
     for folder, members in sorted(folders.items()):
         for each in sorted(members, key=lambda each: each["filename"]):

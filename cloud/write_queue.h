@@ -16,9 +16,10 @@ class Post;
 /// and a burst takes no more connections than a single write.
 ///
 /// A write that the service leaves unanswered for longer than \c patience no longer holds up the
-/// next one; at most \c most_posts are on their way then, and when none of them ever ends, nothing
-/// follows them. The queue drops nothing and sends nothing twice: what cannot go yet waits until it
-/// can, or until the client's thread ends. (Qt sends a write again whose connection is lost.)
+/// next one, and may arrive after it; at most \c most_posts are on their way then, and when none of
+/// them ever ends, nothing follows them. The queue drops nothing and sends nothing twice: what
+/// cannot go yet waits until it can, or until the client's thread ends. (Qt sends a write again
+/// whose connection is lost.)
 ///
 /// Everything runs in the thread of the queue. What waits costs no event loop and no stack.
 class WriteQueue : public QObject

@@ -42,6 +42,19 @@ QByteArray goodAnswer(const modbus::Request& request)
            QByteArray(size - 2, '\x5A');
 }
 
+bool takeInPortions(int portion, Input* input, modbus::Framing* framing, QByteArray* come,
+                    modbus::Answer* answer)
+{
+    while (!input->isEmpty()) {
+        const QByteArray bytes = input->bytes(portion);
+        come->append(bytes);
+        framing->add(bytes);
+        if (framing->take(answer))
+            return true;
+    }
+    return false;
+}
+
 bool isAnswer(int status)
 {
     return status == modbus::Ok || modbus::isException(status);

@@ -12,6 +12,11 @@ modbus::Request takeRequest(Input* input);
 /// The PDU of a good answer to \a request.
 QByteArray goodAnswer(const modbus::Request& request);
 
+/// Feeds \a framing with what is left of \a input, \a portion bytes at a time, until it takes an
+/// answer; false if it takes none. What it was fed with is appended to \a come.
+bool takeInPortions(int portion, Input* input, modbus::Framing* framing, QByteArray* come,
+                    modbus::Answer* answer);
+
 /// Whether \a status says that there is an answer: a good one or an exception.
 bool isAnswer(int status);
 /// Whether \a status says what is wrong with what has come.

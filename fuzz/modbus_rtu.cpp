@@ -57,14 +57,7 @@ void runModbusRtu(const QByteArray& input)
 
     QByteArray come;
     modbus::Answer answer;
-    bool taken = false;
-    while (!taken && !next.isEmpty()) {
-        const QByteArray bytes = next.bytes(portion);
-        come += bytes;
-        framing.add(bytes);
-        taken = framing.take(&answer);
-    }
-    if (taken) {
+    if (takeInPortions(portion, &next, &framing, &come, &answer)) {
         require(isAnswer(answer.status), "only a good frame is taken");
         checkAnswer(request, answer);
         require(come.contains(otherFrame(request.station, answer.pdu)),

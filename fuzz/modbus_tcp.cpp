@@ -62,14 +62,7 @@ void runModbusTcp(const QByteArray& input)
     framing.dropOldInput();
 
     modbus::Answer answer;
-    bool taken = false;
-    while (!taken && !next.isEmpty()) {
-        const QByteArray bytes = next.bytes(portion);
-        come += bytes;
-        framing.add(bytes);
-        taken = framing.take(&answer);
-    }
-    if (!taken)
+    if (!takeInPortions(portion, &next, &framing, &come, &answer))
         answer = framing.giveUp();
     require(isFailure(answer.status), "an answer is found, or there is a reason why not");
     if (isAnswer(answer.status)) {

@@ -1,8 +1,8 @@
 // A request of the Modbus driver beside libmodbus's own client, on the same server.
 #include "benchmarks/network/samples.h"
 #include "examples/modbus/modbus_status.h"
-#include "tests/examples_modbus/interop_run.h"
-#include "tests/examples_modbus/libmodbus_server.h"
+#include "tests/examples/modbus/interop_run.h"
+#include "tests/examples/modbus/libmodbus_server.h"
 
 #include <QCoreApplication>
 #include <QHostAddress>

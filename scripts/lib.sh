@@ -1,0 +1,39 @@
+# Sourced by the scripts that build, run and judge a program of tests/reliability: they say what is
+# wrong with a call, build, and leave with exit codes alike.
+# shellcheck shell=bash
+. scripts/dependencies.sh
+
+# fail TEXT...: what is wrong, and the end.
+fail() {
+  echo "scripts/${0##*/}: $*" >&2
+  exit 2
+}
+
+# takes WHAT OPTION [VALUE]: ends the script unless VALUE is of the kind that OPTION takes: text (any),
+# a number, a whole number, or a list of whole numbers.
+takes() {
+  local what=$1 option=$2 value=${3:-} pattern=.
+  case $what in
+    'a number') pattern='^[0-9]+(\.[0-9]+)?$' ;;
+    'a whole number') pattern='^[0-9]+$' ;;
+    'numbers with commas between them') pattern='^[0-9]+(,[0-9]+)*$' ;;
+  esac
+  [[ $value =~ $pattern ]] || fail "$option takes $what${value:+, not '$value'}"
+}
+
+unknown() {
+  fail "unknown option '$1'; see scripts/${0##*/} --help"
+}
+
+# build FOLDER "TARGET..." PRESET CMAKE-OPTION...: builds targets of the tests in a folder of their own,
+# with no more around them than they need.
+build() {
+  local folder=$1 targets=$2 preset=$3
+  shift 3
+  install_missing "${build_packages[@]}" mold >&2 || exit 2
+  echo "== Building in $folder" >&2
+  cmake --preset "$preset" -B "$folder" --log-level=WARNING -DTOVIK_TESTS=ON -DTOVIK_RELIABILITY=ON \
+    -DTOVIK_TOOL_TESTS=OFF -DTOVIK_EXAMPLES=OFF "$@" >/dev/null || exit 2
+  # shellcheck disable=SC2086 # several targets
+  cmake --build "$folder" --target $targets >&2 || exit 2
+}

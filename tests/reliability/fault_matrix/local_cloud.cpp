@@ -1,0 +1,93 @@
+#include "tests/reliability/fault_matrix/local_cloud.h"
+
+namespace fault_matrix {
+
+namespace {
+
+const char plantText[] = R"({
+  "accounts": [{"email": "operator@example.com", "password": "tovik", "project": "plant"}],
+  "groups": [
+    {"id": "line", "name": "Line", "items": [
+      {"id": "watched", "name": "Watched", "type": "16Bit-INT", "value": 65},
+      {"id": "steady", "name": "Steady", "type": "16Bit-INT", "value": 7},
+      {"id": "setpoint", "name": "Setpoint", "type": "16Bit-INT", "value": 20},
+      {"id": "level", "name": "Level", "type": "32Bit-FLOAT", "value": 1.5}]}]
+})";
+
+} // namespace
+
+LocalCloud::LocalCloud()
+    : log_("/dev/null", false),
+      plant_(tovik_cloud::parseProject(plantText), std::nullopt),
+      tokens_(std::nullopt),
+      tls_(tlsSettings()),
+      service_(plant_, tokens_, faults_, requests_, log_),
+      port_(service_.engine(), &tls_, "127.0.0.1", 0, log_)
+{
+    port_.setRefusing([this] { return faults_.isRefusing(); });
+    port_.start();
+}
+
+LocalCloud::~LocalCloud()
+{
+    port_.stop();
+}
+
+tovik_cloud::TlsSettings LocalCloud::tlsSettings()
+{
+    tovik_cloud::TlsSettings settings;
+    settings.host = "127.0.0.1";
+    settings.keyType = tovik_cloud::KeyType::P256;
+    settings.choose = [this] {
+        const tovik_cloud::FaultPointer fault = faults_.takeForHandshake();
+        if (!fault)
+            return tovik_cloud::CertificateChoice::Good;
+        return fault->spec.kind() == tovik_cloud::FaultKind::Expired
+                   ? tovik_cloud::CertificateChoice::Expired
+                   : tovik_cloud::CertificateChoice::WrongHost;
+    };
+    return settings;
+}
+
+std::string LocalCloud::url() const
+{
+    return "https://127.0.0.1:" + std::to_string(port_.port());
+}
+
+int LocalCloud::addFault(const std::string& fault)
+{
+    const int number = faults_.add(tovik_cloud::parseFault(fault));
+    port_.applyRefusing();
+    return number;
+}
+
+int LocalCloud::applied(int fault) const
+{
+    for (const tovik_cloud::FaultStatus& status : faults_.list())
+        if (status.id == fault)
+            return status.applied;
+    return 0;
+}
+
+void LocalCloud::clearFaults()
+{
+    faults_.clear();
+    port_.applyRefusing();
+}
+
+void LocalCloud::expireTokens()
+{
+    tokens_.expireAll();
+}
+
+void LocalCloud::set(const std::string& item, int value)
+{
+    plant_.write(item, value, tovik_cloud::Writer::Control);
+}
+
+int LocalCloud::value(const std::string& item)
+{
+    return plant_.item(item)->value.get<int>();
+}
+
+} // namespace fault_matrix

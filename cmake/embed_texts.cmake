@@ -1,6 +1,6 @@
 # Run by tovik_embed_dashboard: writes the FILES as raw string literals into the C++ source OUTPUT.
 set(rows "")
-set(source "#include \"tools/cloud/dashboard_files.h\"\n\nnamespace tovik_cloud {\n\nnamespace {\n")
+set(source "#include \"tools/service/control/dashboard_files.h\"\n\nnamespace tovik_service::control {\n\nnamespace {\n")
 file(WRITE ${OUTPUT}.new "${source}")
 set(number 0)
 foreach(file IN LISTS FILES)
@@ -26,6 +26,6 @@ ${rows}    };
     return files;
 }
 
-} // namespace tovik_cloud
+} // namespace tovik_service::control
 ")
 file(RENAME ${OUTPUT}.new ${OUTPUT})

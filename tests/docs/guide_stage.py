@@ -110,7 +110,7 @@ class Stage:
     def place_programs(self):
         """The programs of this build, where the documents have those of the release build."""
         release = self.folder / "build/release"
-        for name in ["tools/cloud/tovik-cloud", "libtovik_iot.so.1",
+        for name in ["tools/service/tovik-cloud", "libtovik_iot.so.1",
                      "examples/modbus/libmodbus_drv.so.1"]:
             (release / name).parent.mkdir(parents=True, exist_ok=True)
             (release / name).symlink_to(self.build / name)
@@ -118,7 +118,7 @@ class Stage:
         (release / "tools/host/tovik-host").symlink_to(HERE / "patient_host.py")
         (self.folder / "libmodbus_drv.so.1").symlink_to(
             self.build / "examples/modbus/libmodbus_drv.so.1")
-        programs = [str(release / "tools/host"), str(release / "tools/cloud")]
+        programs = [str(release / "tools/host"), str(release / "tools/service")]
         self.environment["PATH"] = os.pathsep.join([*programs, self.environment["PATH"]])
 
     def install(self, prefix):

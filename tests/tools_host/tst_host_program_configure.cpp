@@ -1,5 +1,5 @@
 #include "tests/compat/pty.h"
-#include "tests/tools_cloud/cloud_process.h"
+#include "tests/tools/service/cloud_process.h"
 #include "tests/tools_host/service_run.h"
 
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "tests/tools_cloud/cloud_process.h"
+#include "tests/tools/service/cloud_process.h"
 #include "tests/tools_host/host_process.h"
 
 #include <QFile>

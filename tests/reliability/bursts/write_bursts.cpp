@@ -5,7 +5,7 @@
 #include "tests/reliability/bursts/write_log.h"
 #include "tests/reliability/process_facts.h"
 #include "tests/system/plugin.h"
-#include "tests/tools_cloud/cloud_process.h"
+#include "tests/tools/service/cloud_process.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -18,7 +18,7 @@ const char plantText[] = R"({
 
 LocalCloud::LocalCloud()
     : log_("/dev/null", false),
-      plant_(tovik_cloud::parseProject(plantText), std::nullopt),
+      plant_(tovik_service::plant::parseProject(plantText), std::nullopt),
       tokens_(std::nullopt),
       tls_(tlsSettings()),
       service_(plant_, tokens_, faults_, requests_, log_),
@@ -33,18 +33,18 @@ LocalCloud::~LocalCloud()
     port_.stop();
 }
 
-tovik_cloud::TlsSettings LocalCloud::tlsSettings()
+tovik_service::http::TlsSettings LocalCloud::tlsSettings()
 {
-    tovik_cloud::TlsSettings settings;
+    tovik_service::http::TlsSettings settings;
     settings.host = "127.0.0.1";
-    settings.keyType = tovik_cloud::KeyType::P256;
+    settings.keyType = tovik_service::http::KeyType::P256;
     settings.choose = [this] {
-        const tovik_cloud::FaultPointer fault = faults_.takeForHandshake();
+        const tovik_service::faults::FaultPointer fault = faults_.takeForHandshake();
         if (!fault)
-            return tovik_cloud::CertificateChoice::Good;
-        return fault->spec.kind() == tovik_cloud::FaultKind::Expired
-                   ? tovik_cloud::CertificateChoice::Expired
-                   : tovik_cloud::CertificateChoice::WrongHost;
+            return tovik_service::http::CertificateChoice::Good;
+        return fault->spec.kind() == tovik_service::faults::FaultKind::Expired
+                   ? tovik_service::http::CertificateChoice::Expired
+                   : tovik_service::http::CertificateChoice::WrongHost;
     };
     return settings;
 }
@@ -56,14 +56,14 @@ std::string LocalCloud::url() const
 
 int LocalCloud::addFault(const std::string& fault)
 {
-    const int number = faults_.add(tovik_cloud::parseFault(fault));
+    const int number = faults_.add(tovik_service::faults::parseFault(fault));
     port_.applyRefusing();
     return number;
 }
 
 int LocalCloud::applied(int fault) const
 {
-    for (const tovik_cloud::FaultStatus& status : faults_.list())
+    for (const tovik_service::faults::FaultStatus& status : faults_.list())
         if (status.id == fault)
             return status.applied;
     return 0;
@@ -82,7 +82,7 @@ void LocalCloud::expireTokens()
 
 void LocalCloud::set(const std::string& item, int value)
 {
-    plant_.write(item, value, tovik_cloud::Writer::Control);
+    plant_.write(item, value, tovik_service::plant::Writer::Control);
 }
 
 int LocalCloud::value(const std::string& item)

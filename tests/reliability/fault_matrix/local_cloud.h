@@ -1,9 +1,9 @@
 #ifndef TESTS_RELIABILITY_FAULT_MATRIX_LOCAL_CLOUD_H
 #define TESTS_RELIABILITY_FAULT_MATRIX_LOCAL_CLOUD_H
 
-#include "tools/cloud/front_end.h"
-#include "tools/cloud/service_front.h"
-#include "tools/cloud/tls_context.h"
+#include "tools/service/http/front_end.h"
+#include "tools/service/http/service_front.h"
+#include "tools/service/http/tls_context.h"
 
 #include <string>
 
@@ -32,16 +32,16 @@ public:
     int value(const std::string& item);
 
 private:
-    tovik_cloud::TlsSettings tlsSettings();
+    tovik_service::http::TlsSettings tlsSettings();
 
-    tovik_cloud::EventLog log_;
-    tovik_cloud::Plant plant_;
-    tovik_cloud::TokenStore tokens_;
-    tovik_cloud::FaultTable faults_;
-    tovik_cloud::RequestLog requests_;
-    tovik_cloud::TlsContext tls_;
-    tovik_cloud::ServiceFront service_;
-    tovik_cloud::FrontEnd port_;
+    tovik_service::http::EventLog log_;
+    tovik_service::plant::Plant plant_;
+    tovik_service::plant::TokenStore tokens_;
+    tovik_service::faults::FaultTable faults_;
+    tovik_service::http::RequestLog requests_;
+    tovik_service::http::TlsContext tls_;
+    tovik_service::http::ServiceFront service_;
+    tovik_service::http::FrontEnd port_;
 };
 
 } // namespace fault_matrix

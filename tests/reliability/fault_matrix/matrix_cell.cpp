@@ -1,6 +1,6 @@
 #include "tests/reliability/fault_matrix/matrix_cell.h"
 
-#include "tools/cloud/fault.h"
+#include "tools/service/faults/fault.h"
 
 namespace fault_matrix {
 
@@ -65,9 +65,10 @@ bool findByName(const Row (&rows)[size], Key Row::*member, const QString& name, 
     return false;
 }
 
-const tovik_cloud::FaultDefinition* definitionOf(const QString& fault)
+const tovik_service::faults::FaultDefinition* definitionOf(const QString& fault)
 {
-    for (const tovik_cloud::FaultDefinition& definition : tovik_cloud::faultDefinitions())
+    for (const tovik_service::faults::FaultDefinition& definition :
+         tovik_service::faults::faultDefinitions())
         if (kindOf(fault) == latin1(definition.name))
             return &definition;
     return nullptr;
@@ -75,15 +76,16 @@ const tovik_cloud::FaultDefinition* definitionOf(const QString& fault)
 
 bool strikesRequests(const QString& fault)
 {
-    const tovik_cloud::FaultDefinition* definition = definitionOf(fault);
-    return definition && definition->stage == tovik_cloud::FaultStage::Request;
+    const tovik_service::faults::FaultDefinition* definition = definitionOf(fault);
+    return definition && definition->stage == tovik_service::faults::FaultStage::Request;
 }
 
 /// The kinds, each with the parameters that make a difference wherever it strikes.
 QStringList faultsAnywhere()
 {
     QStringList faults;
-    for (const tovik_cloud::FaultDefinition& definition : tovik_cloud::faultDefinitions()) {
+    for (const tovik_service::faults::FaultDefinition& definition :
+         tovik_service::faults::faultDefinitions()) {
         const QString name = latin1(definition.name);
         if (name == latin1("errorcode")) {
             for (int code : {-1, 0, 1, 2, 3, 4, 7, 8, 9, 15, 255, 256})

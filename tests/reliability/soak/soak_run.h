@@ -4,7 +4,7 @@
 #include "tests/reliability/soak/fault_plan.h"
 #include "tests/reliability/soak/judge.h"
 #include "tests/system/plugin.h"
-#include "tests/tools_cloud/cloud_process.h"
+#include "tests/tools/service/cloud_process.h"
 
 #include <QElapsedTimer>
 #include <QObject>

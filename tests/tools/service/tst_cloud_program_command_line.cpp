@@ -1,0 +1,162 @@
+#include "tests/tools/service/cloud_process.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+class TestCloudProgramCommandLine : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void exitsWith_data();
+    void exitsWith();
+    void namesPlaceInBadProject();
+    void portInUseFails();
+    void writesUrlFiles();
+    void logsToAFile();
+
+private:
+    struct Outcome
+    {
+        int exitCode = -1;
+        QString output;
+        QString errors;
+    };
+
+    static Outcome run(const QStringList& arguments);
+};
+
+TestCloudProgramCommandLine::Outcome TestCloudProgramCommandLine::run(const QStringList& arguments)
+{
+    QProcess process;
+    process.start(CloudProcess::program(), arguments);
+    Outcome outcome;
+    if (process.waitForFinished(20000)) {
+        outcome.exitCode = process.exitCode();
+    }
+    outcome.output = QString::fromUtf8(process.readAllStandardOutput());
+    outcome.errors = QString::fromUtf8(process.readAllStandardError());
+    return outcome;
+}
+
+void TestCloudProgramCommandLine::exitsWith_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char* title, const char* arguments, int code, const char* text) {
+        QTest::newRow(title) << QString::fromUtf8(arguments) << code << QString::fromUtf8(text);
+    };
+    row("help", "--help", 0, "wrong-host");
+    row("list of faults", "--list-faults", 0, "connection reset before any reply");
+    row("check of a good project", "--check PROJECT", 0, "good");
+    row("no project", "", 2, "the project file is missing");
+    row("project that does not exist", "/nonexistent.json", 2, "cannot read the project file");
+    row("unknown option", "--colour PROJECT", 2, "--colour");
+    row("port out of range", "--port 70000 PROJECT", 2, "70000");
+    row("unknown TLS version", "--tls 1.1 PROJECT", 2, "1.1");
+    row("unknown key type", "--key-type dsa PROJECT", 2, "dsa");
+    row("certificate without a key", "--cert PROJECT PROJECT", 2, "--key");
+    row("TLS options with plain HTTP", "--http --tls 1.2 PROJECT", 2, "--http");
+    row("bad fault", "--fault hang:often=1 PROJECT", 2, "hang takes no key \"often\"");
+    row("fault of certificates with plain HTTP", "--http --fault expired PROJECT", 2,
+        "without TLS");
+    row("no lifetime", "--token-lifetime 0 PROJECT", 2, "--token-lifetime");
+    row("certificate that is none", "--cert PROJECT --key PROJECT PROJECT", 1,
+        "cannot use the certificate");
+    row("log that cannot be written", "--log /nonexistent/x PROJECT", 1, "cannot write the log");
+    row("URL file that cannot be written", "--url-file /nonexistent/x PROJECT", 1,
+        "cannot write /nonexistent/x");
+    row("token file that does not exist", "--control-token-file /nonexistent PROJECT", 2,
+        "/nonexistent");
+    row("token file that is a folder", "--control-token-file /tmp PROJECT", 2,
+        "cannot read the token file /tmp");
+    row("token file without a name", "--control-token-file NOTHING PROJECT", 2,
+        "--control-token-file: the name is empty");
+    row("log without a name", "--log NOTHING PROJECT", 2, "--log: the name is empty");
+    row("token file that holds something else", "--control-token-file PROJECT PROJECT", 2,
+        "plant.json: a token has 16 to 200 visible ASCII characters");
+    row("control address that is not ours", "--control-host 192.0.2.1 PROJECT", 1,
+        "cannot use 192.0.2.1");
+    row("host that is not ours", "--host 192.0.2.1 PROJECT", 1, "cannot use 192.0.2.1");
+}
+
+void TestCloudProgramCommandLine::exitsWith()
+{
+    QFETCH(QString, arguments);
+    QFETCH(int, code);
+    QFETCH(QString, text);
+    arguments.replace(QStringLiteral("PROJECT"), CloudProcess::exampleProject());
+    QStringList list = arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    list.replaceInStrings(QStringLiteral("NOTHING"), QString());
+    const Outcome outcome = run(list);
+    const QString& where = code == 0 ? outcome.output : outcome.errors;
+    QVERIFY2(where.contains(text), qPrintable(where));
+    QCOMPARE(outcome.exitCode, code);
+}
+
+void TestCloudProgramCommandLine::namesPlaceInBadProject()
+{
+    QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("bad.json"));
+    QFile file(name);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("{\n  \"accounts\": [}\n");
+    file.close();
+    const Outcome outcome = run({name});
+    QCOMPARE(outcome.exitCode, 2);
+    QVERIFY2(outcome.errors.contains(name + QStringLiteral(": line 2, column 16: not valid JSON")),
+             qPrintable(outcome.errors));
+}
+
+void TestCloudProgramCommandLine::portInUseFails()
+{
+    CloudProcess cloud;
+    QVERIFY(cloud.start());
+    const Outcome outcome = run(
+        {CloudProcess::exampleProject(), QStringLiteral("--port"), QString::number(cloud.port())});
+    QCOMPARE(outcome.exitCode, 1);
+    QVERIFY2(outcome.errors.contains(QStringLiteral("choose another port")),
+             qPrintable(outcome.errors));
+}
+
+void TestCloudProgramCommandLine::writesUrlFiles()
+{
+    QTemporaryDir folder;
+    const QString url = folder.filePath(QStringLiteral("url"));
+    const QString control = folder.filePath(QStringLiteral("control"));
+    CloudProcess cloud;
+    QVERIFY(cloud.start(
+        {QStringLiteral("--url-file"), url, QStringLiteral("--control-file"), control}));
+    const auto content = [](const QString& name) {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    QCOMPARE(content(url), "https://127.0.0.1:" + QByteArray::number(cloud.port()) + "\n");
+    QCOMPARE(content(control),
+             "http://127.0.0.1:" + QByteArray::number(cloud.controlPort()) + "\n");
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 2);
+    QCOMPARE(cloud.stop(SIGTERM), 0);
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 0);
+}
+
+void TestCloudProgramCommandLine::logsToAFile()
+{
+    QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("log"));
+    CloudProcess cloud;
+    QVERIFY(cloud.start({QStringLiteral("--log"), name}));
+    cloud.post("/qlix_api/imonitor/group/list", {{"tokn", "x"}});
+    QCOMPARE(cloud.stop(SIGTERM), 0);
+    QFile file(name);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray text = file.readAll();
+    QVERIFY(text.contains("started"));
+    QVERIFY(text.contains("refused with error code 15, member \"token\" is missing"));
+    QVERIFY(cloud.log().empty());
+}
+
+QTEST_GUILESS_MAIN(TestCloudProgramCommandLine)
+#include "tst_cloud_program_command_line.moc"

@@ -1,0 +1,81 @@
+#include "tools/service/control/control_views.h"
+
+namespace tovik_service::control {
+
+namespace {
+
+constexpr std::size_t mostClients = 100;
+
+plant::Json factsOf(const plant::Item& item)
+{
+    return {{"id", item.id},
+            {"name", item.name},
+            {"type", plant::typeName(item.type)},
+            {"readonly", item.readOnly},
+            {"moving", item.generator.kind != plant::GeneratorKind::Constant}};
+}
+
+} // namespace
+
+plant::Json itemJson(const plant::ItemView& view)
+{
+    return {{"id", view.item->id},
+            {"group", view.group->id},
+            {"name", view.item->name},
+            {"type", plant::typeName(view.item->type)},
+            {"value", view.value}};
+}
+
+plant::Json groupsJson(const plant::Project& project)
+{
+    plant::Json groups = plant::Json::array();
+    for (const plant::Group& group : project.groups) {
+        plant::Json items = plant::Json::array();
+        for (const plant::Item& item : group.items) {
+            items.push_back(factsOf(item));
+        }
+        groups.push_back({{"id", group.id},
+                          {"name", group.name},
+                          {"location", group.location},
+                          {"permission", group.permission},
+                          {"items", std::move(items)}});
+    }
+    return groups;
+}
+
+plant::Json valuesJson(plant::Plant& plant)
+{
+    plant::Json values = plant::Json::object();
+    for (plant::ItemView& view : plant.allItems()) {
+        values[view.item->id] = std::move(view.value);
+    }
+    return values;
+}
+
+plant::Json faultsJson(const faults::FaultTable& faults)
+{
+    plant::Json list = plant::Json::array();
+    for (const faults::FaultStatus& fault : faults.list()) {
+        list.push_back({{"id", fault.id},
+                        {"fault", fault.text},
+                        {"active", fault.active},
+                        {"applied", fault.applied}});
+    }
+    return list;
+}
+
+plant::Json clientsJson(plant::TokenStore& tokens)
+{
+    plant::Json list = plant::Json::array();
+    for (const plant::TokenStatus& token : tokens.list(mostClients)) {
+        list.push_back({{"token", token.shortToken},
+                        {"account", token.owner.account},
+                        {"address", token.owner.address},
+                        {"age", token.age},
+                        {"idle", token.idle},
+                        {"uses", token.uses}});
+    }
+    return list;
+}
+
+} // namespace tovik_service::control

@@ -1,0 +1,21 @@
+#ifndef TOOLS_SERVICE_CONTROL_DASHBOARD_FILES_H
+#define TOOLS_SERVICE_CONTROL_DASHBOARD_FILES_H
+
+#include <string_view>
+#include <vector>
+
+namespace tovik_service::control {
+
+/// A file of the dashboard, carried inside the program.
+struct DashboardFile
+{
+    std::string_view name; ///< without a folder
+    std::string_view content;
+};
+
+/// All of them. The build makes this function, from the folder dashboard/ and the chart library.
+const std::vector<DashboardFile>& dashboardFiles();
+
+} // namespace tovik_service::control
+
+#endif

@@ -1,0 +1,121 @@
+#include "tools/service/faults/fault_table.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace tovik_service::faults {
+
+namespace {
+
+constexpr std::size_t mostFaults = 1000;
+
+bool fits(const FaultSpec& spec, const RequestFacts* facts)
+{
+    if (facts == nullptr) {
+        return true;
+    }
+    return (!spec.path || *spec.path == facts->path) &&
+           (spec.item.empty() || spec.item == facts->item) &&
+           (spec.group.empty() || spec.group == facts->group);
+}
+
+} // namespace
+
+FaultTable::FaultTable(plant::Clock clock) : clock_(std::move(clock)) {}
+
+int FaultTable::add(const FaultSpec& spec)
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    dropFinished();
+    const double end =
+        spec.seconds ? clock_() + *spec.seconds : std::numeric_limits<double>::infinity();
+    faults_.push_back(std::make_shared<ActiveFault>(++lastId_, spec, end));
+    return lastId_;
+}
+
+bool FaultTable::remove(int id)
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto found = std::find_if(faults_.begin(), faults_.end(),
+                                    [id](const FaultPointer& fault) { return fault->id == id; });
+    if (found == faults_.end()) {
+        return false;
+    }
+    (*found)->removed_ = true;
+    faults_.erase(found);
+    return true;
+}
+
+void FaultTable::clear()
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    for (const FaultPointer& fault : faults_) {
+        fault->removed_ = true;
+    }
+    faults_.clear();
+}
+
+FaultPointer FaultTable::takeForRequest(const RequestFacts& facts)
+{
+    return take(FaultStage::Request, &facts);
+}
+
+FaultPointer FaultTable::takeForHandshake()
+{
+    return take(FaultStage::Handshake, nullptr);
+}
+
+bool FaultTable::isRefusing() const
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return std::any_of(faults_.begin(), faults_.end(), [this](const FaultPointer& fault) {
+        return fault->spec.kind() == FaultKind::Refuse && isActive(*fault);
+    });
+}
+
+std::vector<FaultStatus> FaultTable::list() const
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    std::vector<FaultStatus> statuses;
+    for (const FaultPointer& fault : faults_) {
+        statuses.push_back({fault->id, fault->spec.text, isActive(*fault), fault->applied_});
+    }
+    return statuses;
+}
+
+bool FaultTable::isActive(const ActiveFault& fault) const
+{
+    const bool usedUp = fault.spec.count && fault.applied_ >= *fault.spec.count;
+    return !usedUp && fault.isInForce(clock_());
+}
+
+FaultPointer FaultTable::take(FaultStage stage, const RequestFacts* facts)
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    FaultPointer taken;
+    for (const FaultPointer& fault : faults_) {
+        if (fault->spec.definition->stage != stage || !isActive(*fault) ||
+            !fits(fault->spec, facts)) {
+            continue;
+        }
+        const bool skips = fault->seen_++ < fault->spec.after;
+        if (!skips && !taken) {
+            taken = fault;
+            ++fault->applied_;
+        }
+    }
+    return taken;
+}
+
+// Finished faults stay in the list for a look at their figures, but not without end.
+void FaultTable::dropFinished()
+{
+    if (faults_.size() < mostFaults) {
+        return;
+    }
+    const auto finished = [this](const FaultPointer& fault) { return !isActive(*fault); };
+    faults_.erase(std::remove_if(faults_.begin(), faults_.end(), finished), faults_.end());
+}
+
+} // namespace tovik_service::faults

@@ -1,0 +1,33 @@
+#ifndef TOOLS_SERVICE_HTTP_EVENT_LOG_H
+#define TOOLS_SERVICE_HTTP_EVENT_LOG_H
+
+#include <fstream>
+#include <mutex>
+#include <string>
+
+namespace tovik_service::http {
+
+/// Writes one line for each noteworthy event, to stderr or a file.
+/// Safe to use from several threads.
+class EventLog
+{
+public:
+    /// Logs to stderr if the file name is empty; throws std::runtime_error.
+    EventLog(const std::string& file, bool verbose);
+
+    /// Always written.
+    void note(const std::string& text);
+
+    /// Written on request only.
+    void detail(const std::string& text);
+
+private:
+    bool verbose_;
+    bool toFile_;
+    std::mutex mutex_;
+    std::ofstream file_;
+};
+
+} // namespace tovik_service::http
+
+#endif

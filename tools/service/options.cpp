@@ -1,0 +1,205 @@
+#include "tools/service/options.h"
+
+#include "tools/service/control/control_api.h"
+#include "tools/service/control/control_guard.h"
+#include "tools/service/faults/fault.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <stdexcept>
+
+namespace tovik_service {
+
+namespace {
+
+std::string faultProblem(const std::string& text)
+{
+    try {
+        faults::parseFault(text);
+    } catch (const faults::FaultError& error) {
+        return error.what();
+    }
+    return {};
+}
+
+/// An empty name would be taken as "not given", perhaps because a script's variable is not set.
+CLI::Validator notEmpty()
+{
+    const auto problem = [](const std::string& name) {
+        return name.empty() ? std::string("the name is empty; name a file, or leave the option out")
+                            : std::string();
+    };
+    return {problem, ""};
+}
+
+void addNetworkOptions(CLI::App& app, Options& options)
+{
+    const std::string group = "Network";
+    app.add_option("--host", options.host, "Address to serve on")
+        ->group(group)
+        ->type_name("HOST")
+        ->capture_default_str();
+    app.add_option("--port", options.port, "Port of the service, 0 for a free one")
+        ->group(group)
+        ->type_name("PORT")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    app.add_option("--url-file", options.urlFile, "Write the URL of the service to this file")
+        ->group(group)
+        ->type_name("FILE")
+        ->check(notEmpty());
+}
+
+void addControlOptions(CLI::App& app, Options& options)
+{
+    const std::string group = "Control API and dashboard";
+    app.add_option("--control-host", options.controlHost,
+                   "Address for control; beyond this computer every request needs a token")
+        ->group(group)
+        ->type_name("HOST")
+        ->capture_default_str();
+    app.add_option("--control-port", options.controlPort, "Port for control, 0 for a free one")
+        ->group(group)
+        ->type_name("PORT")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    app.add_option("--control-token-file", options.controlTokenFile,
+                   "Every control request needs the token in this file (a new one, which is "
+                   "printed, if the address is not of this computer alone)")
+        ->group(group)
+        ->type_name("FILE")
+        ->check(notEmpty());
+    app.add_option("--control-file", options.controlFile,
+                   "Write the URL of the control API to this file")
+        ->group(group)
+        ->type_name("FILE")
+        ->check(notEmpty());
+}
+
+void addTlsOptions(CLI::App& app, Options& options)
+{
+    const std::string group = "TLS";
+    auto* http = app.add_flag("--http", options.plainHttp, "Plain HTTP without TLS")->group(group);
+    app.add_option("--tls", options.tlsVersion, "Only this TLS version: 1.2 or 1.3")
+        ->group(group)
+        ->check(CLI::IsMember({"1.2", "1.3"}))
+        ->excludes(http);
+    app.add_option("--key-type", options.keyType, "Key of the self-made certificates: rsa or p256")
+        ->group(group)
+        ->check(CLI::IsMember({"rsa", "p256"}))
+        ->capture_default_str()
+        ->excludes(http);
+    auto* certificate = app.add_option("--cert", options.certificateFile,
+                                       "Certificate chain to show instead, PEM; needs --key");
+    auto* key = app.add_option("--key", options.keyFile, "Key of that certificate, PEM");
+    certificate->group(group)
+        ->type_name("PEM")
+        ->check(CLI::ExistingFile)
+        ->excludes(http)
+        ->needs(key);
+    key->group(group)
+        ->type_name("PEM")
+        ->check(CLI::ExistingFile)
+        ->excludes(http)
+        ->needs(certificate);
+    app.add_option("--save-cert", options.saveCertificateFile,
+                   "Write all certificates that can be shown to this PEM file, for clients that "
+                   "shall trust them")
+        ->group(group)
+        ->type_name("FILE")
+        ->check(notEmpty())
+        ->excludes(http);
+}
+
+void addBehaviourOptions(CLI::App& app, Options& options)
+{
+    const std::string group = "Behaviour";
+    app.add_option("--token-lifetime", options.tokenLifetime, "Tokens expire after SECONDS (never)")
+        ->group(group)
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber);
+    app.add_option("--write-hold", options.writeHold,
+                   "Moving items go on SECONDS after a write (never)")
+        ->group(group)
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber);
+    app.add_option("--fault", options.faults, "A fault from the start, see below; repeatable")
+        ->group(group)
+        ->type_name("SPEC")
+        ->allow_extra_args(false)
+        ->check(CLI::Validator([](std::string& text) { return faultProblem(text); }, ""));
+}
+
+void addLogOptions(CLI::App& app, Options& options)
+{
+    const std::string group = "Log";
+    app.add_option("--log", options.logFile, "Log to this file instead of stderr")
+        ->group(group)
+        ->type_name("FILE")
+        ->check(notEmpty());
+    app.add_flag("--verbose", options.verbose, "Log every request")->group(group);
+}
+
+/// Completes the options, or says why they cannot be used.
+std::string findProblem(Options& options)
+{
+    if (options.projectFile.empty()) {
+        return "the project file is missing; name one, such as plant.json";
+    }
+    if (!options.controlTokenFile.empty()) {
+        try {
+            options.controlToken = control::readControlToken(options.controlTokenFile);
+        } catch (const std::invalid_argument& error) {
+            return error.what();
+        }
+    }
+    for (const std::string& text : options.faults) {
+        std::string problem = control::tlsProblem(faults::parseFault(text), !options.plainHttp);
+        if (!problem.empty()) {
+            return problem;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+ParsedOptions parseOptions(int count, char** arguments)
+{
+    ParsedOptions parsed;
+    Options& options = parsed.options;
+    CLI::App app{"A simulated cloud monitoring service, with faults on demand.", "tovik-cloud"};
+    bool listFaults = false;
+    app.add_option("project", options.projectFile, "Project file (JSON): accounts, groups, items")
+        ->type_name("FILE");
+    app.add_flag("--check", options.checkOnly, "Only check the project file");
+    app.add_flag("--list-faults", listFaults, "Explain the faults and exit");
+    addNetworkOptions(app, options);
+    addControlOptions(app, options);
+    addTlsOptions(app, options);
+    addBehaviourOptions(app, options);
+    addLogOptions(app, options);
+    app.footer("\n" + faults::faultHelp() +
+               "\nExit codes: 0 success, 1 failure at run time, 2 wrong usage or "
+               "project file.");
+    try {
+        app.parse(count, arguments);
+    } catch (const CLI::ParseError& error) {
+        parsed.exitCode = app.exit(error) == 0 ? exitSuccess : exitUsage;
+        return parsed;
+    }
+    if (listFaults) {
+        std::cout << faults::faultHelp();
+        parsed.exitCode = exitSuccess;
+        return parsed;
+    }
+    const std::string problem = findProblem(options);
+    if (!problem.empty()) {
+        std::cerr << "tovik-cloud: " << problem << "\nRun with --help for more information.\n";
+        parsed.exitCode = exitUsage;
+    }
+    return parsed;
+}
+
+} // namespace tovik_service

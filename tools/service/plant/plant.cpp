@@ -1,0 +1,128 @@
+#include "tools/service/plant/plant.h"
+
+#include <limits>
+#include <utility>
+
+namespace tovik_service::plant {
+
+struct Plant::State
+{
+    const Group* group = nullptr;
+    const Item* item = nullptr;
+    std::unique_ptr<Generator> generator;
+    Json written;
+    double heldUntil = -std::numeric_limits<double>::infinity();
+    Json lastValue;
+    std::int64_t updateTime = 0;
+};
+
+Plant::Plant(Project project, WriteHold writeHold, Clock wallClock, Clock steadyClock)
+    : project_(std::move(project)),
+      writeHold_(writeHold),
+      wallClock_(std::move(wallClock)),
+      steadyClock_(std::move(steadyClock)),
+      start_(steadyClock_())
+{
+    for (const Group& group : project_.groups) {
+        for (const Item& item : group.items) {
+            auto state = std::make_unique<State>();
+            state->group = &group;
+            state->item = &item;
+            state->generator = makeGenerator(item.generator, item.type);
+            viewOf(*state);
+            states_.emplace(item.id, std::move(state));
+        }
+    }
+}
+
+Plant::~Plant() = default;
+
+const Group* Plant::findGroup(const std::string& id) const
+{
+    for (const Group& group : project_.groups) {
+        if (group.id == id) {
+            return &group;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<ItemView> Plant::item(const std::string& id)
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto found = states_.find(id);
+    if (found == states_.end()) {
+        return std::nullopt;
+    }
+    return viewOf(*found->second);
+}
+
+std::vector<ItemView> Plant::itemsOf(const Group& group)
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    std::vector<ItemView> views;
+    for (const Item& item : group.items) {
+        views.push_back(viewOf(*states_.at(item.id)));
+    }
+    return views;
+}
+
+std::vector<ItemView> Plant::allItems()
+{
+    std::vector<ItemView> views;
+    for (const Group& group : project_.groups) {
+        for (ItemView& view : itemsOf(group)) {
+            views.push_back(std::move(view));
+        }
+    }
+    return views;
+}
+
+WriteResult Plant::write(const std::string& id, const Json& value, Writer writer)
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto found = states_.find(id);
+    if (found == states_.end()) {
+        return {WriteOutcome::UnknownItem, "there is no item \"" + id + "\""};
+    }
+    State& state = *found->second;
+    if (writer == Writer::Client && state.item->readOnly) {
+        return {WriteOutcome::ReadOnly, "item \"" + id + "\" is read-only"};
+    }
+    if (writer == Writer::Client && !state.group->isWritable()) {
+        return {WriteOutcome::ReadOnly,
+                "group \"" + state.group->id + "\" gives no write permission"};
+    }
+    CheckedValue checked = checkValue(state.item->type, state.item->length, value);
+    if (!checked.ok()) {
+        return {WriteOutcome::BadValue, "item \"" + id + "\" of type " +
+                                            typeName(state.item->type) + " " + checked.problem};
+    }
+    // A constant has nothing to go back to, so what is written to it stays.
+    const bool forEver = !writeHold_ || state.item->generator.kind == GeneratorKind::Constant;
+    state.written = std::move(checked.value);
+    state.heldUntil =
+        forEver ? std::numeric_limits<double>::infinity() : steadyClock_() + *writeHold_;
+    viewOf(state);
+    state.updateTime = static_cast<std::int64_t>(wallClock_());
+    return {};
+}
+
+std::string Plant::groupIdOf(const std::string& itemId) const
+{
+    const auto found = states_.find(itemId);
+    return found == states_.end() ? std::string() : found->second->group->id;
+}
+
+ItemView Plant::viewOf(State& state)
+{
+    const double now = steadyClock_();
+    Json value = now < state.heldUntil ? state.written : state.generator->valueAt(now - start_);
+    if (state.lastValue != value) {
+        state.lastValue = value;
+        state.updateTime = static_cast<std::int64_t>(wallClock_());
+    }
+    return {state.group, state.item, std::move(value), state.updateTime};
+}
+
+} // namespace tovik_service::plant

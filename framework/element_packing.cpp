@@ -12,28 +12,42 @@ const int longest_element = 4;
 /// Bytes that are reordered before they become characters, or after they were such.
 const int chunk = 256;
 
-/// The two tables by which bytes and characters change into each other.
+/// The two tables by which bytes and characters change into each other. They are constants, not the
+/// result of an initialiser: a driver's own initialisers may run before this library's.
 struct Tables
 {
-    Tables() : values(), characters()
-    {
-        for (int digit = 0; digit < 16; ++digit) {
-            const char character = digitCharacter(static_cast<unsigned char>(digit));
-            values[toByte(character)] = static_cast<unsigned char>(digit);
-            if (digit > 9)
-                values[toByte(character) + 'a' - 'A'] = static_cast<unsigned char>(digit);
-        }
-        for (int byte = 0; byte < 256; ++byte) {
-            characters[byte][0] = digitCharacter(static_cast<unsigned char>(byte >> 4));
-            characters[byte][1] = digitCharacter(static_cast<unsigned char>(byte & 0x0F));
-        }
-    }
-
     unsigned char values[256];
     char characters[256][2];
 };
 
-const Tables tables;
+constexpr unsigned char valueOf(int character)
+{
+    return static_cast<unsigned char>(character >= '0' && character <= '9'   ? character - '0'
+                                      : character >= 'A' && character <= 'F' ? character - 'A' + 10
+                                      : character >= 'a' && character <= 'f' ? character - 'a' + 10
+                                                                             : 0);
+}
+
+constexpr char characterOf(int digit)
+{
+    return "0123456789ABCDEF"[digit];
+}
+
+/// Counts \a byte up from 0 to 255: C++11 has no loops in constants.
+template <int count, int... byte>
+struct ForEachByte : ForEachByte<count - 1, count - 1, byte...>
+{};
+
+template <int... byte>
+struct ForEachByte<0, byte...>
+{
+    static constexpr Tables tables()
+    {
+        return {{valueOf(byte)...}, {{characterOf(byte / 16), characterOf(byte % 16)}...}};
+    }
+};
+
+constexpr Tables tables = ForEachByte<256>::tables();
 
 template <typename Number>
 void swapEach(char* dst, const char* src, int bytes)

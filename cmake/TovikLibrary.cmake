@@ -33,6 +33,7 @@ set(TOVIK_CLIENT_SOURCES
   cloud/tovik_iot.h cloud/tovik_iot.cpp
   cloud/write_queue.h cloud/write_queue.cpp
   compat/text.h compat/text.cpp
+  compat/twos_complement.h
   compat/whole_post.h compat/whole_post.cpp)
 
 set(TOVIK_DRIVER_SOURCES

@@ -1,14 +1,15 @@
 #include "framework/protocol_basic.h"
 
+#include "compat/twos_complement.h"
 #include "framework/element_packing.h"
 
 #include <QDebug>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 using namespace element_packing;
+using twos_complement::signed32;
 
 namespace {
 
@@ -16,14 +17,6 @@ const int unsupported = 0x400CFFFF;
 const int least_base = 2;
 const int largest_base = 36;
 const int largest_width = 32;
-
-/// The 32 bits as a two's complement number.
-int signedNumber(quint32 bits)
-{
-    int number = 0;
-    std::memcpy(&number, &bits, sizeof number);
-    return number;
-}
 
 bool isBase(int base)
 {
@@ -132,7 +125,7 @@ int ProtocolBasic::array2Number(const QByteArray& data, int order, int ascii)
     const int place = order != 0 ? 0 : count - 1;
     if (ascii && data.size() % 2 == 1 && count > 0 && place < 4)
         number |= quint32(digitValue(data.at(data.size() - 1))) << (8 * place + 4);
-    return signedNumber(number);
+    return signed32(number);
 }
 
 void ProtocolBasic::addNumber(QByteArray& out, unsigned char value, int ascii)
@@ -182,7 +175,7 @@ int ProtocolBasic::str2Number(const QByteArray& text, int base)
         else
             number = number * quint32(base) + digitValue(text.at(i));
     }
-    return signedNumber(negative ? 0U - number : number);
+    return signed32(negative ? 0U - number : number);
 }
 
 int ProtocolBasic::digitBaseTransform(int value, int toBase, int fromBase)
@@ -196,7 +189,7 @@ int ProtocolBasic::digitBaseTransform(int value, int toBase, int fromBase)
         sum += quint64(rest % fromBase) * quint64(wholePower(toBase, i));
         rest /= fromBase;
     }
-    return signedNumber(quint32(sum & 0xFFFFFFFF));
+    return signed32(quint32(sum & 0xFFFFFFFF));
 }
 
 int ProtocolBasic::composeDataArea(QByteArray* out, char* data, int size, int count, int order,

@@ -11,6 +11,7 @@ set(TOVIK_PUBLIC_HEADERS
   compat/serial_port.h
   framework/driver_basic.h
   framework/protocol_basic.h
+  framework/result_code.h
   interface/addr_data.h
   interface/data_element_group.h
   interface/drv_base.h

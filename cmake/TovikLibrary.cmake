@@ -2,6 +2,7 @@
 set(TOVIK_SHARED_SOURCES
   compat/export.h
   compat/serial_port.h
+  framework/result_code.h framework/result_code.cpp
   interface/addr_data.h
   interface/data_element_group.h
   interface/drv_base.h interface/drv_base.cpp
@@ -34,12 +35,14 @@ set(TOVIK_CLIENT_SOURCES
   cloud/write_queue.h cloud/write_queue.cpp
   compat/text.h compat/text.cpp
   compat/twos_complement.h
+  compat/write_channel.h
   compat/whole_post.h compat/whole_post.cpp)
 
 set(TOVIK_DRIVER_SOURCES
   cloud/drv_tovik_iot.h cloud/drv_tovik_iot.cpp
   framework/driver_basic.h framework/driver_basic.cpp
   framework/element_packing.h framework/element_packing.cpp
+  framework/host_request.h framework/host_request.cpp
   framework/link_io.h framework/link_io.cpp
   framework/protocol_basic.h framework/protocol_basic.cpp
   interface/drvlib.h interface/drvlib.cpp)

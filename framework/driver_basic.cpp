@@ -1,23 +1,17 @@
 #include "framework/driver_basic.h"
 
+#include "framework/host_request.h"
 #include "framework/link_io.h"
+#include "framework/result_code.h"
 
 #include <QDebug>
 #include <QMetaType>
 #include <QMutexLocker>
-#include <QRegExp>
 
-#include <cstring>
+using namespace host_request;
+using namespace result_code;
 
 namespace {
-
-const int success = 0;
-const int stopped = 0x1002;
-const int unit_not_served = 0x2002;
-const int no_answer_in_time = 0x400A0000;
-const int receive_failed = 0x400A0002;
-const int no_link = 0x400CFFFF;
-const int invalid_length = 0x20010003;
 
 const int longest_transparent_write = 100; // ms
 // Unchanged polls after which the answer to a transparent request is complete.
@@ -30,19 +24,79 @@ int charactersTime(float character_time, double characters, double extra)
     return static_cast<int>(static_cast<double>(character_time) * characters + extra);
 }
 
-} // namespace
-
-/// One request of the host, as both request slots get it.
-struct DriverBasic::Request
+void takeSettings(const DrvBase& link, DriverBasic* driver)
 {
-    E_CMD_DIR dir;
-    QString unit_name;
-    QString link_name;
-    int station_no;
-    /// The bytes to be written; none for a read.
-    QByteArray ba;
-    AddrData addr;
-};
+    driver->request_delay_ = link.request_delay;
+    driver->response_timeout_ = link.response_timeout;
+    driver->retry_count_ = link.retry_count;
+    driver->link_param_a_ = link.link_param_a;
+    driver->link_param_b_ = link.link_param_b;
+}
+
+/// What became of an exchange whose answer was not accepted.
+/// \param code what recv_abnormal_handler() said
+int judgeFailure(int wait_code, int code, int received, int expected)
+{
+    switch (wait_code) {
+    case unit_not_served:
+        return unit_not_served;
+    case stopped:
+        qDebug() << "Dcc_Stop";
+        return stopped;
+    case no_answer_in_time:
+        qDebug() << "Command_Timeout";
+        return no_answer_in_time;
+    default:
+        break;
+    }
+    if (received == expected) {
+        qDebug() << "Warning: recv failed. Should not be here.";
+        return code;
+    }
+    qDebug() << "Protocol_Invalid_Length:" << received << "(" << expected << ")";
+    return invalid_length;
+}
+
+/// Returns how many unchanged polls are enough on this link.
+int sendTransparently(const DriverBasic& driver, const QByteArray& request)
+{
+    link_io::discard(driver.serial_, driver.ethernet_);
+    link_io::send(driver.device_, request);
+    if (!driver.serial_) {
+        link_io::waitUntilSent(driver.device_, longest_transparent_write);
+        return stable_polls_of_tcp;
+    }
+    link_io::pause(charactersTime(driver.character_time_, request.size(), driver.character_3_5_));
+    return stable_polls_of_serial;
+}
+
+bool waitUntilStable(const DriverBasic& driver, int stable_limit)
+{
+    // A derived driver may have computed 0, with which the time would never pass.
+    const int interval = qMax(1, driver.interval_timeout_);
+    qint64 elapsed = 0;
+    qint64 last_count = 0;
+    int stable = 0;
+    while (stable <= stable_limit) {
+        if (elapsed >= driver.response_timeout_)
+            return false;
+        link_io::pause(interval);
+        elapsed += interval;
+        link_io::waitForInput(driver.device_, interval);
+        const qint64 count = link_io::available(driver.device_);
+        if (count == 0)
+            continue;
+        if (count == last_count) {
+            ++stable;
+        } else {
+            last_count = count;
+            stable = 0;
+        }
+    }
+    return elapsed < driver.response_timeout_;
+}
+
+} // namespace
 
 DriverBasic::DriverBasic(QString name, DrvSerial* serial, DrvEthernet* ethernet)
     : DrvInterface(0),
@@ -63,17 +117,25 @@ DriverBasic::DriverBasic(QString name, DrvSerial* serial, DrvEthernet* ethernet)
 {
     qRegisterMetaType<QSharedPointer<AddrData>>("QSharedPointer<AddrData>");
     if (serial_) {
-        takeSettings(*serial_);
+        takeSettings(*serial_, this);
         device_ = serial_;
         // The derived driver does not exist yet: here it is always this class's own.
         DriverBasic::UpdateSerialParameter();
     } else if (ethernet_) {
-        takeSettings(*ethernet_);
+        takeSettings(*ethernet_, this);
         device_ = ethernet_;
     } else {
         no_link_ = true;
     }
-    connectHost();
+    connect(
+        this,
+        SIGNAL(SigSetValuesByteArray(QString, QString, int, QByteArray, QSharedPointer<AddrData>)),
+        this,
+        SLOT(SlotSetValuesByteArray(QString, QString, int, QByteArray, QSharedPointer<AddrData>)));
+    connect(this, SIGNAL(SigGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)),
+            this, SLOT(SlotGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)));
+    connect(this, SIGNAL(SigUpdateDrvSerial()), this, SLOT(SlotUpdateDrvSerial()));
+    connect(this, SIGNAL(SigUpdateDrvEthernet()), this, SLOT(SlotUpdateDrvEthernet()));
 }
 
 DriverBasic::~DriverBasic()
@@ -86,28 +148,6 @@ DriverBasic::~DriverBasic()
     // A stopped request has left the lock locked, and Qt complains of a lock that goes so.
     request_lock_.tryLock();
     request_lock_.unlock();
-}
-
-void DriverBasic::takeSettings(const DrvBase& link)
-{
-    request_delay_ = link.request_delay;
-    response_timeout_ = link.response_timeout;
-    retry_count_ = link.retry_count;
-    link_param_a_ = link.link_param_a;
-    link_param_b_ = link.link_param_b;
-}
-
-void DriverBasic::connectHost()
-{
-    connect(
-        this,
-        SIGNAL(SigSetValuesByteArray(QString, QString, int, QByteArray, QSharedPointer<AddrData>)),
-        this,
-        SLOT(SlotSetValuesByteArray(QString, QString, int, QByteArray, QSharedPointer<AddrData>)));
-    connect(this, SIGNAL(SigGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)),
-            this, SLOT(SlotGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)));
-    connect(this, SIGNAL(SigUpdateDrvSerial()), this, SLOT(SlotUpdateDrvSerial()));
-    connect(this, SIGNAL(SigUpdateDrvEthernet()), this, SLOT(SlotUpdateDrvEthernet()));
 }
 
 void DriverBasic::UpdateSerialParameter()
@@ -129,95 +169,52 @@ void DriverBasic::SlotUpdateDrvSerial()
 {
     if (!serial_)
         return;
-    takeSettings(*serial_);
+    takeSettings(*serial_, this);
     UpdateSerialParameter();
 }
 
 void DriverBasic::SlotUpdateDrvEthernet()
 {
     if (ethernet_)
-        takeSettings(*ethernet_);
+        takeSettings(*ethernet_, this);
 }
 
 void DriverBasic::SlotSetValuesByteArray(QString unit_name, QString link_name, int station_no,
                                          const QByteArray& ba, QSharedPointer<AddrData> addr)
 {
-    const Request request = {CMD_WRITE,  unit_name, link_name,
-                             station_no, ba,        addr ? *addr : AddrData()};
-    run(request);
+    const HostRequest request = {CMD_WRITE, unit_name, station_no, ba, addr ? *addr : AddrData()};
+    QByteArray data;
+    if (!runLocked(this, request, &data))
+        return;
+    Q_EMIT SigResponse(unit_name, link_name, request.ba, error_code_);
+    request_lock_.unlock();
 }
 
 void DriverBasic::SlotGetValuesByteArray(QString unit_name, QString link_name, int station_no,
                                          QSharedPointer<AddrData> addr)
 {
-    const Request request = {CMD_READ,   unit_name,    link_name,
-                             station_no, QByteArray(), addr ? *addr : AddrData()};
-    run(request);
+    const HostRequest request = {CMD_READ, unit_name, station_no, QByteArray(),
+                                 addr ? *addr : AddrData()};
+    QByteArray data;
+    if (!runLocked(this, request, &data))
+        return;
+    Q_EMIT SigResponse(unit_name, link_name, data, error_code_);
+    request_lock_.unlock();
 }
 
 bool DriverBasic::stopRequested() const
 {
-    char first_byte = 0;
-    std::memcpy(&first_byte, &stop_flag, 1);
-    return first_byte != 0;
+    return isStopped(*this);
 }
 
-bool DriverBasic::isUnitServed() const
+void DriverBasic::waitForLinkInput(int milliseconds)
 {
-    // Most names have no brace, and making the expression takes longer than the rest of a request.
-    if (!unit_list || unit_list->isEmpty() || !current_unit_name.startsWith(QLatin1Char('{')))
-        return true;
-    const QRegExp braced(QLatin1String("^\\{[^\\}]+\\}$"));
-    if (braced.indexIn(current_unit_name) < 0)
-        return true;
-    QString pattern = current_unit_name;
-    pattern.replace(QLatin1String("{"), QLatin1String("^\\{"));
-    pattern.replace(QLatin1String("}"), QLatin1String("\\}\\d*$"));
-    return unit_list->indexOf(QRegExp(pattern)) >= 0;
+    link_io::waitForInput(device_, milliseconds);
 }
 
-void DriverBasic::run(const Request& request)
+void DriverBasic::pauseThread(int milliseconds)
 {
-    request_lock_.lock();
-    error_code_ = success;
-    current_unit_name = request.unit_name;
-    QByteArray data = request.ba;
-    // A driver that is to stop gives no answer, and serves nothing after it: the lock stays locked.
-    if (!no_link_ && !runAttempts(request, &data))
-        return;
-    if (no_link_) {
-        doCmdSM_Offline(request.dir, request.addr.address, request.addr.field1,
-                        request.addr.data_length, &data, request.station_no, request.addr.extra1,
-                        request.addr.extra2);
-    }
-    Q_EMIT SigResponse(request.unit_name, request.link_name,
-                       request.dir == CMD_READ ? data : request.ba, error_code_);
-    request_lock_.unlock();
-}
-
-bool DriverBasic::runAttempts(const Request& request, QByteArray* data)
-{
-    for (int repeats = qMax(0, retry_count_);; --repeats) {
-        error_code_ = success;
-        *data = request.ba;
-        if (stopRequested()) {
-            error_code_ = stopped;
-            return false;
-        }
-        if (!isUnitServed())
-            break;
-        doCmdSM(request.dir, request.addr.address, request.addr.field1, request.addr.data_length,
-                data, request.station_no, request.addr.extra1, request.addr.extra2);
-        if (error_code_ == success || error_code_ == stopped)
-            return true;
-        // The host may have given the unit up meanwhile.
-        if (!isUnitServed())
-            break;
-        if (repeats == 0)
-            return true;
-    }
-    error_code_ = unit_not_served;
-    return true;
+    link_io::pause(milliseconds);
 }
 
 void DriverBasic::doCmdSM(E_CMD_DIR dir, QString address, int field1, int data_length,
@@ -245,36 +242,12 @@ void DriverBasic::doCmdSM(E_CMD_DIR dir, QString address, int field1, int data_l
     if (!complete) {
         error_code_ = recv_abnormal_handler(&response);
         if (error_code_ != success) {
-            judgeFailure(wait_code, response.size(), expected);
+            error_code_ = judgeFailure(wait_code, error_code_, response.size(), expected);
             return;
         }
     }
     error_code_ = response_parse(dir, address, field1, data_length, data, &request, &response,
                                  station_no, extra1, extra2);
-}
-
-void DriverBasic::judgeFailure(int wait_code, int received, int expected)
-{
-    switch (wait_code) {
-    case unit_not_served:
-        error_code_ = unit_not_served;
-        break;
-    case stopped:
-        error_code_ = stopped;
-        qDebug() << "Dcc_Stop";
-        break;
-    case no_answer_in_time:
-        error_code_ = no_answer_in_time;
-        qDebug() << "Command_Timeout";
-        break;
-    default:
-        if (received == expected) {
-            qDebug() << "Warning: recv failed. Should not be here.";
-            break;
-        }
-        error_code_ = invalid_length;
-        qDebug() << "Protocol_Invalid_Length:" << received << "(" << expected << ")";
-    }
 }
 
 void DriverBasic::doCmdSM_Offline(E_CMD_DIR, QString, int, int, QByteArray*, int, int, int) {}
@@ -302,52 +275,14 @@ int DriverBasic::request_send_wait(int, int, int*)
 void DriverBasic::RunTransparentRequest(const QByteArray& request)
 {
     QMutexLocker locker(&request_lock_);
-    error_code_ = device_ ? success : no_link;
+    error_code_ = device_ ? success : not_supported;
     QByteArray response;
     if (device_) {
-        const int stable_limit = sendTransparently(request);
-        if (waitUntilStable(stable_limit))
+        const int stable_limit = sendTransparently(*this, request);
+        if (waitUntilStable(*this, stable_limit))
             response = link_io::take(device_);
         else
             error_code_ = no_answer_in_time;
     }
     Q_EMIT SigTransparentResponse(response, error_code_);
-}
-
-int DriverBasic::sendTransparently(const QByteArray& request)
-{
-    link_io::discard(serial_, ethernet_);
-    link_io::send(device_, request);
-    if (!serial_) {
-        link_io::waitUntilSent(device_, longest_transparent_write);
-        return stable_polls_of_tcp;
-    }
-    link_io::pause(charactersTime(character_time_, request.size(), character_3_5_));
-    return stable_polls_of_serial;
-}
-
-bool DriverBasic::waitUntilStable(int stable_limit)
-{
-    // A derived driver may have computed 0, with which the time would never pass.
-    const int interval = qMax(1, interval_timeout_);
-    qint64 elapsed = 0;
-    qint64 last_count = 0;
-    int stable = 0;
-    while (stable <= stable_limit) {
-        if (elapsed >= response_timeout_)
-            return false;
-        link_io::pause(interval);
-        elapsed += interval;
-        link_io::waitForInput(device_, interval);
-        const qint64 count = device_->bytesAvailable();
-        if (count == 0)
-            continue;
-        if (count == last_count) {
-            ++stable;
-        } else {
-            last_count = count;
-            stable = 0;
-        }
-    }
-    return elapsed < response_timeout_;
 }

@@ -36,23 +36,16 @@ enum E_CMD_DIR
 /// SigResponse        carries  34 12 78 56 with status 0
 /// \endcode
 ///
-/// **Result codes**, the `status` of the answers; docs/result-codes.md says what to do about each:
-///
-/// | Code       | Meaning                                                                      |
-/// |------------|------------------------------------------------------------------------------|
-/// | 0          | success                                                                      |
-/// | 0x1002     | stopped                                                                      |
-/// | 0x2002     | the unit is not served                                                       |
-/// | 0x400A0000 | the device did not answer in time                                            |
-/// | 0x400A0002 | receiving failed; also what the receive hooks return unless overridden       |
-/// | 0x400CFFFF | transparent mode without a link                                              |
-/// | 0x20010003 | the request could not be built, or the answer had the wrong length           |
-/// | others     | what the driver's own response_parse() or request_build() said               |
+/// **Result codes**, the `status` of the answers: those of framework/result_code.h, and what the
+/// driver's own response_parse() or request_build() said. docs/result-codes.md says what to do
+/// about each.
 ///
 /// **Links.** The host owns the link, opens it and keeps it open; a driver is bound to the link
 /// given at construction for life. If both are given, the serial link is used. On a link that is
-/// not open nothing is written, and no input arrives. A limit that the host sets to the socket's
-/// read buffer limits what is discarded before a request, too: set none.
+/// not open nothing is written, and no input arrives. What is written to a socket that is still
+/// connecting leaves when the connection is there, which is made in the host's event loop. A limit
+/// that the host sets to the socket's read buffer limits what is discarded before a request, too:
+/// set none. A request leaves no error on a socket where nothing is waiting.
 ///
 /// **Threads.** All requests of one driver run in its thread, one at a time, with request_lock_
 /// held until the answer has been emitted. They block that thread. For that reason no hook may run
@@ -195,22 +188,16 @@ protected Q_SLOTS:
 protected:
     /// Whether the host wants the driver to stop; to be asked again and again while waiting.
     bool stopRequested() const;
+    /// Waits until new input has arrived on the link, at most so long; meanwhile what has been
+    /// written leaves. Waits alike on every kind of link, and leaves no error on the host's socket,
+    /// as Qt's own `waitForReadyRead()` does when it has waited in vain. Returns at once if the
+    /// link is closed or lost; negative counts as 0.
+    void waitForLinkInput(int milliseconds);
+    /// Pauses the driver's thread so long; nothing ends the pause early.
+    static void pauseThread(int milliseconds);
 
 private:
     Q_DISABLE_COPY(DriverBasic)
-
-    struct Request;
-
-    void takeSettings(const DrvBase& link);
-    void connectHost();
-    bool isUnitServed() const;
-    void run(const Request& request);
-    /// False if the host wants the driver to stop.
-    bool runAttempts(const Request& request, QByteArray* data);
-    void judgeFailure(int wait_code, int received, int expected);
-    /// Returns how many unchanged polls are enough on this link.
-    int sendTransparently(const QByteArray& request);
-    bool waitUntilStable(int stable_limit);
 };
 
 #endif

@@ -1,11 +1,14 @@
 #include "framework/link_io.h"
 
+#include "compat/write_channel.h"
 #include "interface/drv_ethernet.h"
 #include "interface/drv_serial.h"
 
 #include <QElapsedTimer>
 #include <QMutex>
 #include <QWaitCondition>
+
+#include <poll.h>
 
 namespace link_io {
 
@@ -16,16 +19,79 @@ namespace {
 /// request.
 QByteArray takeHeld(QIODevice* device)
 {
-    return device->read(device->bytesAvailable());
+    const qint64 held = available(device);
+    return held > 0 ? device->read(held) : QByteArray();
 }
 
-/// Qt warns when a socket without a connection, or a closed device, is used.
+/// The device as a socket whose connection the kernel has; else null.
+QAbstractSocket* connectedSocket(QIODevice* device)
+{
+    QAbstractSocket* socket = qobject_cast<QAbstractSocket*>(device);
+    const bool is_connected = socket && socket->state() == QAbstractSocket::ConnectedState;
+    return is_connected && socket->socketDescriptor() != -1 ? socket : 0;
+}
+
+bool isConnecting(const QIODevice* device)
+{
+    const QAbstractSocket* socket = qobject_cast<const QAbstractSocket*>(device);
+    return socket && (socket->state() == QAbstractSocket::HostLookupState ||
+                      socket->state() == QAbstractSocket::ConnectingState);
+}
+
+/// Whether the device is open, and neither closing nor lost.
 bool isUp(const QIODevice* device)
 {
     if (!device || !device->isOpen())
         return false;
     const QAbstractSocket* socket = qobject_cast<const QAbstractSocket*>(device);
-    return !socket || socket->state() == QAbstractSocket::ConnectedState;
+    if (!socket || socket->state() == QAbstractSocket::ConnectedState || isConnecting(socket))
+        return true;
+    return socket->state() == QAbstractSocket::UnconnectedState && write_channel::isThere(*socket);
+}
+
+/// Waits for the kernel to report one of \a events or to take what has been written, at most so
+/// long, and has Qt fetch the input and send the output.
+/// \return what the kernel reported
+int serve(QAbstractSocket* socket, int events, int milliseconds)
+{
+    if (socket->bytesToWrite() > 0)
+        events |= POLLOUT;
+    pollfd kernel = {static_cast<int>(socket->socketDescriptor()), static_cast<short>(events), 0};
+    if (poll(&kernel, 1, milliseconds) <= 0)
+        return 0;
+    if ((kernel.revents & POLLOUT) != 0)
+        socket->flush();
+    if ((kernel.revents & ~POLLOUT) != 0 && socket->state() == QAbstractSocket::ConnectedState)
+        socket->waitForReadyRead(0);
+    return kernel.revents;
+}
+
+void waitForSocket(QAbstractSocket* socket, int milliseconds)
+{
+    QElapsedTimer timer;
+    timer.start();
+    qint64 left = milliseconds;
+    do {
+        if ((serve(socket, POLLIN, static_cast<int>(left)) & ~POLLOUT) != 0)
+            return;
+        left = milliseconds - timer.elapsed();
+    } while (left > 0 && connectedSocket(socket));
+}
+
+void waitForDevice(QIODevice* device, int milliseconds)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const qint64 before = device->bytesAvailable();
+    // Qt's own wait takes the descriptor of a connected socket for granted.
+    const QAbstractSocket* socket = qobject_cast<const QAbstractSocket*>(device);
+    const bool can_wait = !socket || socket->state() != QAbstractSocket::ConnectedState;
+    if (can_wait && device->waitForReadyRead(milliseconds))
+        return;
+    // A port of the machine's own serial port library cannot wait: it returns at once.
+    while (timer.elapsed() < milliseconds && device->isOpen() && before >= 0 &&
+           device->bytesAvailable() == before)
+        pause(1);
 }
 
 } // namespace
@@ -41,10 +107,22 @@ void pause(int milliseconds)
     nobody.wait(&mutex, static_cast<unsigned long>(milliseconds));
 }
 
+qint64 available(const QIODevice* device)
+{
+    return qMax(qint64(0), device->bytesAvailable());
+}
+
 void waitForInput(QIODevice* device, int milliseconds)
 {
-    if (isUp(device))
-        device->waitForReadyRead(milliseconds);
+    const int time = qMax(0, milliseconds);
+    if (!isUp(device))
+        return;
+    if (isConnecting(device))
+        pause(time); // Qt gives the attempt up when its own wait is over
+    else if (QAbstractSocket* socket = connectedSocket(device))
+        waitForSocket(socket, time);
+    else
+        waitForDevice(device, time);
 }
 
 void discard(DrvSerial* serial, DrvEthernet* ethernet)
@@ -56,17 +134,16 @@ void discard(DrvSerial* serial, DrvEthernet* ethernet)
     serial->flush();
     // What a driver has peeked at is in none of the port's buffers any more; the port class of the
     // machine's own library leaves it where it is.
-    if (serial->bytesAvailable() > 0)
-        takeHeld(serial);
+    takeHeld(serial);
 }
 
 void send(QIODevice* device, const QByteArray& bytes)
 {
-    if (!isUp(device))
+    if (!isUp(device) || !device->isWritable())
         return;
     device->write(bytes);
     // Without an event loop a socket sends nothing by itself; a serial port has sent already.
-    if (QAbstractSocket* socket = qobject_cast<QAbstractSocket*>(device))
+    if (QAbstractSocket* socket = connectedSocket(device))
         socket->flush();
 }
 
@@ -76,17 +153,24 @@ void waitUntilSent(QIODevice* device, int milliseconds)
     timer.start();
     qint64 left = milliseconds;
     // Each wait ends with the first bytes that the line takes.
-    while (left > 0 && isUp(device) && device->bytesToWrite() > 0 &&
-           device->waitForBytesWritten(static_cast<int>(left)))
+    while (left > 0 && isUp(device) && device->bytesToWrite() > 0) {
+        if (QAbstractSocket* socket = connectedSocket(device))
+            serve(socket, 0, static_cast<int>(left));
+        else if (qobject_cast<QAbstractSocket*>(device) ||
+                 !device->waitForBytesWritten(static_cast<int>(left)))
+            return; // a connection that is being made is the event loop's
         left = milliseconds - timer.elapsed();
+    }
 }
 
 QByteArray take(QIODevice* device)
 {
     if (!device || !device->isReadable())
         return QByteArray();
-    // Qt fetches from the kernel only when it is asked to wait.
-    waitForInput(device, 0);
+    if (QAbstractSocket* socket = connectedSocket(device))
+        serve(socket, POLLIN, 0);
+    else if (!qobject_cast<QextSerialPort*>(device))
+        return device->readAll(); // which asks a device that does not count its bytes
     // The far end may just have closed: what it had sent before can still be read.
     return device->isReadable() ? takeHeld(device) : QByteArray();
 }

@@ -9,20 +9,29 @@ class QIODevice;
 
 /// \file
 /// What an exchange does with its link, whichever kind it is. None of it complains about a link
-/// that is closed or lost: nothing is written, and no input arrives.
+/// that is closed or lost: nothing is written, and no input arrives. None of it leaves a trace on
+/// the host's socket: Qt counts every wait in vain as an error, so the kernel is asked first.
+///
+/// A socket without a descriptor is a device of somebody's own that derives from the socket class:
+/// it is used as any other device is.
 namespace link_io {
 
 /// Pauses the thread; nothing ends the pause early. Negative counts as 0.
 void pause(int milliseconds);
 
-/// Waits until new input has arrived, at most so long. Returns at once if the link is down.
+/// The bytes that can be read now; 0 where the device says that its line is lost.
+qint64 available(const QIODevice* device);
+
+/// Waits until new input has arrived, at most so long; meanwhile what has been written leaves.
+/// Returns at once if the link is closed or lost.
 void waitForInput(QIODevice* device, int milliseconds);
 
 /// Throws away what waits on the link: on a serial line also what has not been sent yet, on a TCP
 /// link what Qt and the kernel hold at this moment.
 void discard(DrvSerial* serial, DrvEthernet* ethernet);
 
-/// Hands all of \a bytes to the link; sends what the line takes at once.
+/// Hands all of \a bytes to the link; sends what the line takes at once. A socket that is still
+/// connecting sends them when the connection is there.
 void send(QIODevice* device, const QByteArray& bytes);
 
 /// Waits until everything has been sent, at most so long.

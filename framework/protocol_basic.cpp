@@ -2,6 +2,7 @@
 
 #include "compat/twos_complement.h"
 #include "framework/element_packing.h"
+#include "framework/result_code.h"
 
 #include <QDebug>
 
@@ -13,7 +14,6 @@ using twos_complement::signed32;
 
 namespace {
 
-const int unsupported = 0x400CFFFF;
 const int least_base = 2;
 const int largest_base = 36;
 const int largest_width = 32;
@@ -248,12 +248,12 @@ int ProtocolBasic::extractDataArea(char* dst, QByteArray* src, int offset, int l
 {
     if (size > 4) {
         qDebug() << "Warning: Not support byte group operation of " << size;
-        return unsupported;
+        return result_code::not_supported;
     }
     if (len < 1 || size < 1)
         return 0;
     if (!dst || !src || offset < 0)
-        return unsupported;
+        return result_code::not_supported;
     const char* bytes = src->data(); // makes the array its owner's alone
     const int there = qBound(0, src->size() - offset, len);
     unpack(dst, ascii ? there / 2 : there, bytes + offset, there, size, order == 1, ascii);

@@ -208,6 +208,10 @@ void TestQextSerialPort::stopBitsAndFlowReachTheLine()
     port.setParity(PAR_ODD); // a pseudo terminal has no parity, but keeps which one was asked for
     QVERIFY(pty.attributes().c_cflag & PARODD);
     QCOMPARE(port.parity(), PAR_ODD);
+    port.setParity(PAR_MARK);
+    QCOMPARE(pty.attributes().c_cflag & (CMSPAR | PARODD), tcflag_t(CMSPAR | PARODD));
+    port.setParity(PAR_SPACE);
+    QCOMPARE(pty.attributes().c_cflag & (CMSPAR | PARODD), tcflag_t(CMSPAR));
 }
 
 // A pseudo terminal has eight data bits and no parity. It takes other wishes at opening and ignores

@@ -81,6 +81,7 @@ private Q_SLOTS:
     void hangUpEndsWaiting();
     void hangUpEndsReading();
     void hangUpLeavesTheEventLoopIdle();
+    void openedAnewBeforeTheHangUpIsNoticed();
 
 private:
     std::unique_ptr<Pty> pty_;
@@ -336,6 +337,23 @@ void TestQextSerialPortData::hangUpLeavesTheEventLoopIdle()
     while (rounds < 1000 && thread()->eventDispatcher()->processEvents(QEventLoop::AllEvents))
         ++rounds;
     QVERIFY(rounds < 1000);
+}
+
+// The line was lost, and the host is faster than the event loop.
+void TestQextSerialPortData::openedAnewBeforeTheHangUpIsNoticed()
+{
+    pty_->close();
+    QVERIFY(!port_->waitForReadyRead(patience));
+    port_->close();
+    Pty another;
+    port_->setPortName(another.portName());
+    QVERIFY(port_->open(QIODevice::ReadWrite));
+    QCoreApplication::processEvents();
+    QVERIFY(port_->isOpen());
+    QVERIFY(another.send("new"));
+    QTRY_COMPARE(port_->bytesAvailable(), 3);
+    QCOMPARE(port_->readAll(), QByteArray("new"));
+    port_->close();
 }
 
 QTEST_GUILESS_MAIN(TestQextSerialPortData)

@@ -15,6 +15,9 @@ public:
     /// What response_parse() returns for an answer to another request.
     static const int wrong_answer = 0x30000001;
 
+    using DriverBasic::pauseThread;
+    using DriverBasic::waitForLinkInput;
+
     explicit TestDriver(DrvSerial* serial, DrvEthernet* ethernet = nullptr);
 
     int request_build(E_CMD_DIR dir, QString address, int field1, int data_length, QByteArray* data,

@@ -1,4 +1,5 @@
 #include "framework/protocol_basic.h"
+#include "framework/result_code.h"
 #include "tests/support/log_recorder.h"
 
 #include <QTest>
@@ -22,7 +23,6 @@ QByteArray framed(QByteArray data, int size, int order, int ascii)
 }
 
 const QString invalid = QLatin1String("composeDataArray: Invalid parameter!");
-const int unsupported = 0x400CFFFF;
 
 } // namespace
 
@@ -39,6 +39,7 @@ private Q_SLOTS:
     void unpackedInPlace();
     void oddSizes();
     void composeRefusesNothing();
+    void composeRefusesTooMuch();
     void addArrayFailures();
     void extractArrayFailures();
     void extractArrayOutOfItself();
@@ -166,6 +167,17 @@ void TestProtocolBasicArrays::composeRefusesNothing()
     QCOMPARE(out, QByteArray("x"));
 }
 
+// One element more than an array can hold in characters.
+void TestProtocolBasicArrays::composeRefusesTooMuch()
+{
+    ProtocolBasic protocol;
+    QByteArray source = hex("a1b2c3d4");
+    QByteArray out("x");
+    QCOMPARE(protocol.composeDataArea(&out, source.data(), 4, 268435456, 1, 0), 0);
+    QCOMPARE(protocol.composeDataArea(&out, source.data(), 1, 1073741824, 1, 1), 0);
+    QCOMPARE(out, QByteArray("x"));
+}
+
 void TestProtocolBasicArrays::addArrayFailures()
 {
     const QByteArray source = hex("a1b2c3d4e5f6");
@@ -236,16 +248,19 @@ void TestProtocolBasicArrays::extractDataAreaFailures()
     QByteArray source = hex("a1b2c3d4");
     QByteArray area(4, '\x55');
     LogRecorder log;
-    QCOMPARE(protocol.extractDataArea(area.data(), &source, 0, 4, 5, 1, 0), unsupported);
+    QCOMPARE(protocol.extractDataArea(area.data(), &source, 0, 4, 5, 1, 0),
+             result_code::not_supported);
     QCOMPARE(log.take(),
              QStringList{QLatin1String("Warning: Not support byte group operation of  5")});
     QCOMPARE(protocol.extractDataArea(area.data(), &source, 0, 0, 2, 1, 0), 0);
     QCOMPARE(protocol.extractDataArea(area.data(), &source, 0, -4, 2, 1, 0), 0);
     QCOMPARE(protocol.extractDataArea(area.data(), &source, 0, 4, 0, 1, 0), 0);
     QCOMPARE(protocol.extractDataArea(area.data(), &source, 0, 4, -2, 1, 0), 0);
-    QCOMPARE(protocol.extractDataArea(nullptr, &source, 0, 4, 2, 1, 0), unsupported);
-    QCOMPARE(protocol.extractDataArea(area.data(), nullptr, 0, 4, 2, 1, 0), unsupported);
-    QCOMPARE(protocol.extractDataArea(area.data(), &source, -1, 4, 2, 1, 0), unsupported);
+    QCOMPARE(protocol.extractDataArea(nullptr, &source, 0, 4, 2, 1, 0), result_code::not_supported);
+    QCOMPARE(protocol.extractDataArea(area.data(), nullptr, 0, 4, 2, 1, 0),
+             result_code::not_supported);
+    QCOMPARE(protocol.extractDataArea(area.data(), &source, -1, 4, 2, 1, 0),
+             result_code::not_supported);
     QCOMPARE(area, QByteArray(4, '\x55'));
     QVERIFY(log.lines().isEmpty());
 }

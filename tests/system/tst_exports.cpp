@@ -21,6 +21,7 @@ const char* const classes[] = {
 };
 
 const char* const functions[] = {
+    "result_code::textOf(int, result_code::Words const*)",
     "TovikIotWarningMsg(QString, QString)",
     "operator<<(QDataStream&, PropertyTovikIot const&)",
     "operator>>(QDataStream&, PropertyTovikIot&)",
@@ -85,16 +86,10 @@ const char* const other_members[] = {
     "DriverBasic::SlotGetValuesByteArray(QString, QString, int, QSharedPointer<AddrData>)",
     "DriverBasic::SlotUpdateDrvSerial()",
     "DriverBasic::SlotUpdateDrvEthernet()",
-    // Private, but members: the list of exports names whole classes.
-    "DriverBasic::takeSettings(DrvBase const&)",
-    "DriverBasic::connectHost()",
+    // Protected, for derived drivers.
     "DriverBasic::stopRequested() const",
-    "DriverBasic::isUnitServed() const",
-    "DriverBasic::run(DriverBasic::Request const&)",
-    "DriverBasic::runAttempts(DriverBasic::Request const&, QByteArray*)",
-    "DriverBasic::judgeFailure(int, int, int)",
-    "DriverBasic::sendTransparently(QByteArray const&)",
-    "DriverBasic::waitUntilStable(int)",
+    "DriverBasic::waitForLinkInput(int)",
+    "DriverBasic::pauseThread(int)",
     "DrvBase::DrvBase()",
     "DrvBase::~DrvBase()",
     "DrvBase::GetDriverSpecificData(QString const&)",

@@ -211,10 +211,17 @@ void TestModbusRtu::noiseDoesNotFillTheMemory()
 {
     RtuFraming framing;
     framing.frame(readRequest());
-    for (int i = 0; i < 1000; ++i)
-        framing.add(QByteArray(1000, '\0'));
+    const QByteArray noise(4096 - good().size(), '\0');
     framing.add(good());
+    framing.add(noise); // the latest 4096 bytes are kept
     Answer answer;
+    QVERIFY(framing.take(&answer));
+    COMPARE_STATUS(answer.status, Ok);
+    framing.reset();
+    framing.add(good());
+    framing.add(noise + '\0');
+    QVERIFY(!framing.take(&answer));
+    framing.add(good());
     QVERIFY(framing.take(&answer));
     COMPARE_STATUS(answer.status, Ok);
 }

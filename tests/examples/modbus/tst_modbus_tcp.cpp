@@ -55,6 +55,7 @@ private Q_SLOTS:
     void answersOfTwoRequestsInOne();
     void oldInputIsNoAnswer_data();
     void oldInputIsNoAnswer();
+    void answerThatCameTooEarlyIsStale();
     void foundAtLast();
     void cutAnswersCostNoLaterRequest();
     void lateAnswerInTwoParts();
@@ -193,6 +194,20 @@ void TestModbusTcp::oldInputIsNoAnswer()
     second.framing.dropOldInput();
     Answer answer;
     QVERIFY(!second.framing.take(&answer));
+}
+
+/// The answer to the second request comes while the first one waits.
+void TestModbusTcp::answerThatCameTooEarlyIsStale()
+{
+    TcpFraming framing;
+    Answer answer;
+    framing.frame(readRequest());
+    framing.add(good(2));
+    QVERIFY(!framing.take(&answer));
+    framing.frame(readRequest());
+    framing.dropOldInput();
+    QVERIFY(!framing.take(&answer));
+    COMPARE_STATUS(framing.giveUp().status, NoAnswerInTime);
 }
 
 /// The answer stands where the rest of another frame should be; that may yet come, until the time

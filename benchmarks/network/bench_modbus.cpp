@@ -3,6 +3,7 @@
 #include "examples/modbus/modbus_status.h"
 #include "tests/examples/modbus/interop_run.h"
 #include "tests/examples/modbus/libmodbus_server.h"
+#include "tests/examples/modbus/port_pair.h"
 
 #include <QCoreApplication>
 #include <QHostAddress>

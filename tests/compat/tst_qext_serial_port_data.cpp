@@ -1,5 +1,5 @@
 #include "compat/serial_port.h"
-#include "tests/compat/pty.h"
+#include "tests/support/pty.h"
 
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>

@@ -1,7 +1,7 @@
 #ifndef TESTS_FRAMEWORK_DRIVER_BENCH_H
 #define TESTS_FRAMEWORK_DRIVER_BENCH_H
 
-#include "tests/framework/scripted_device.h"
+#include "tests/framework/test_device.h"
 #include "tests/framework/test_driver.h"
 
 /// A device, a link to it and a driver on that link, in the thread of the test.
@@ -29,7 +29,7 @@ public:
     /// Whether nobody holds the driver's lock.
     bool lockIsFree() const;
 
-    ScriptedDevice device;
+    TestDevice device;
     std::unique_ptr<DrvEthernet> ethernet;
     std::unique_ptr<DrvSerial> serial;
     std::unique_ptr<TestDriver> driver;

@@ -1,6 +1,6 @@
 #include "tests/framework/test_driver.h"
 
-#include "tests/framework/scripted_device.h"
+#include "tests/framework/test_device.h"
 
 namespace {
 
@@ -44,7 +44,7 @@ int TestDriver::request_build(E_CMD_DIR dir, QString address, int field1, int da
     request->append(dir == CMD_READ ? 'Q' : 'W');
     request->append(char(number_ / 256)).append(char(number_ % 256));
     request->append(dir == CMD_READ ? char(data_length) : data->at(0));
-    return ScriptedDevice::answerTo(*request).size();
+    return TestDevice::answerTo(*request).size();
 }
 
 int TestDriver::response_parse(E_CMD_DIR dir, QString address, int field1, int data_length,

@@ -49,7 +49,7 @@ void TestDriverBasicDevices::verifyRecovery(DriverBench* bench)
     bench->driver->time_limit = long_time;
     bench->driver->waits_for = 0;
     const QStringList answers = bench->read(2);
-    const QByteArray values = ScriptedDevice::valuesOf(bench->driver->number(), 2);
+    const QByteArray values = TestDevice::valuesOf(bench->driver->number(), 2);
     QCOMPARE(answers, QStringList(QString::fromLatin1("unit link %1 0x0").arg(bytesText(values))));
 }
 
@@ -112,7 +112,7 @@ void TestDriverBasicDevices::misbehaviour()
     else
         QCOMPARE(log.take(), log_line.isEmpty() ? QStringList() : QStringList(log_line));
     QVERIFY(bench.lockIsFree());
-    QVERIFY(bench.device.waitForReceived(ScriptedDevice::request_size));
+    QVERIFY(bench.device.waitForReceived(TestDevice::request_size));
     verifyRecovery(&bench);
 }
 
@@ -181,13 +181,15 @@ void TestDriverBasicDevices::repeatsUntilTheDeviceAnswers()
         driver->time_limit = attempts < 3 ? short_time : long_time;
         const bool complete = driver->waitForBytes(expected);
         // The next attempt must not overtake this one in the device.
-        bench.device.waitForReceived(attempts * ScriptedDevice::request_size);
+        bench.device.waitForReceived(attempts * TestDevice::request_size);
         *ready = 1;
         return complete ? 0 : 0x400A0000;
     };
     LogRecorder log;
-    QCOMPARE(bench.read(2), QStringList(QString::fromLatin1("unit link %1 0x0")
-                                            .arg(bytesText(ScriptedDevice::valuesOf(3, 2)))));
+    QCOMPARE(
+        bench.read(2),
+        QStringList(
+            QString::fromLatin1("unit link %1 0x0").arg(bytesText(TestDevice::valuesOf(3, 2)))));
     QCOMPARE(driver->countCalls("build"), 3);
     QCOMPARE(log.count("Command_Timeout"), 2);
 }

@@ -85,7 +85,7 @@ void TestDriverBasicExchange::readCallsTheHooksInOrder()
              (QStringList{QLatin1String("build read D7 1 2 - - 9 3 4"), QLatin1String("wait 4 5 0"),
                           QLatin1String("parse read D7 1 2 - 51000102 410001080b 9 3 4")}));
     QCOMPARE(driver_->error_code_, 0);
-    QCOMPARE(data, ScriptedDevice::valuesOf(1, 2));
+    QCOMPARE(data, TestDevice::valuesOf(1, 2));
     QCOMPARE(bench_->device.received(), QByteArray("Q\x00\x01\x02", 4));
 }
 

@@ -18,15 +18,15 @@ int upTo(Random* random, int most)
 }
 
 /// The answer in random pieces with random pauses; one in so many is damaged in some way.
-Reply anyReply(Random* random, QByteArray answer)
+QList<DeviceStep> anyReply(Random* random, QByteArray answer)
 {
-    Reply reply;
+    QList<DeviceStep> steps;
+    bool hangs_up = false;
     switch (upTo(random, 15)) {
     case 0:
-        return reply; // lost
+        return steps; // lost
     case 1:
-        reply.held_back = answer; // sent at some later time
-        return reply;
+        return {{answer, 0, false, true}}; // sent at some later time
     case 2:
         answer.chop(1 + upTo(random, answer.size() - 1));
         break;
@@ -38,17 +38,18 @@ Reply anyReply(Random* random, QByteArray answer)
         break;
     case 5:
         answer.chop(1);
-        reply.hangs_up = true;
+        hangs_up = true;
         break;
     default:
         break;
     }
     for (int at = 0; at < answer.size();) {
         const int size = 1 + upTo(random, answer.size() - at - 1);
-        reply.pieces.append({upTo(random, 9) == 0 ? upTo(random, 16) : 0, answer.mid(at, size)});
+        const int pause = upTo(random, 9) == 0 ? upTo(random, 16) : 0;
         at += size;
+        steps.append({answer.mid(at - size, size), pause, hangs_up && at == answer.size()});
     }
-    return reply;
+    return steps;
 }
 
 const QStringList failures{QLatin1String("0x400a0000"), QLatin1String("0x20010003"),
@@ -99,7 +100,7 @@ QString TestDriverBasicProperty::oneRequest(DriverBench* bench, Random* random)
     if (kind <= 3)
         values = bytesText(QByteArray(size, 'w'));
     else if (parts.at(3) == QLatin1String("0x0"))
-        values = bytesText(ScriptedDevice::valuesOf(bench->driver->number(), size));
+        values = bytesText(TestDevice::valuesOf(bench->driver->number(), size));
     if (parts.at(2) != values)
         return QLatin1String("wrong values: ") + answers.first();
     if (parts.at(3) != QLatin1String("0x0") && !failures.contains(parts.at(3)))
@@ -115,8 +116,9 @@ void TestDriverBasicProperty::oneAnswerAndNoWrongValues()
     QVERIFY(bench.connectLink());
     Random devices_random(seed);
     Random random(seed + 1);
-    bench.device.behave(
-        [&](const QByteArray& answer) { return anyReply(&devices_random, answer); });
+    bench.device.setBehaviour([&](const QByteArray& request) {
+        return anyReply(&devices_random, TestDevice::answerTo(request));
+    });
     bench.driver->time_limit = 8;
     bench.driver->response_timeout_ = 30;
     for (int i = 0; i < requests; ++i) {
@@ -140,7 +142,7 @@ void TestDriverBasicProperty::oneAnswerAndNoWrongValues()
     bench.driver->time_limit = 30000;
     bench.driver->retry_count_ = 0;
     const QStringList answers = bench.read(4);
-    const QByteArray values = ScriptedDevice::valuesOf(bench.driver->number(), 4);
+    const QByteArray values = TestDevice::valuesOf(bench.driver->number(), 4);
     QCOMPARE(answers, QStringList(QString::fromLatin1("unit link %1 0x0").arg(bytesText(values))));
 }
 

@@ -190,7 +190,7 @@ void TestDriverBasicSlots::codeIsResetForEachAttempt()
 
 void TestDriverBasicSlots::answerToAReadCarriesWhatWasRead()
 {
-    const QString values = bytesText(ScriptedDevice::valuesOf(1, 200));
+    const QString values = bytesText(TestDevice::valuesOf(1, 200));
     QCOMPARE(bench_->read(200),
              QStringList(QLatin1String("unit link ") + values + QLatin1String(" 0x0")));
 }

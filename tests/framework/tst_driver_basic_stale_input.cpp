@@ -1,6 +1,6 @@
-#include "tests/compat/pty.h"
 #include "tests/framework/driver_bench.h"
 #include "tests/support/log_recorder.h"
+#include "tests/support/pty.h"
 
 #include <QTest>
 
@@ -82,7 +82,7 @@ void TestDriverBasicStaleInput::isDiscarded()
     QVERIFY(bench_->connectLink());
     for (int number = 1; number <= 2; ++number) {
         leave(place);
-        const QString values = bytesText(ScriptedDevice::valuesOf(number, 6));
+        const QString values = bytesText(TestDevice::valuesOf(number, 6));
         QCOMPARE(bench_->read(6),
                  QStringList(QLatin1String("unit link ") + values + QLatin1String(" 0x0")));
     }
@@ -98,8 +98,7 @@ void TestDriverBasicStaleInput::isDiscardedInTransparentMode()
     leave(place);
     QCOMPARE(bench_->transparent("Q\x01\x02\x03"),
              QStringList(QLatin1String("transparent ") +
-                         bytesText(ScriptedDevice::answerTo("Q\x01\x02\x03")) +
-                         QLatin1String(" 0x0")));
+                         bytesText(TestDevice::answerTo("Q\x01\x02\x03")) + QLatin1String(" 0x0")));
 }
 
 void TestDriverBasicStaleInput::wholeAnswerOfAnotherRequest_data()
@@ -127,7 +126,7 @@ void TestDriverBasicStaleInput::wholeAnswerOfAnotherRequest()
     }
     bench_->driver->time_limit = 30000;
     QCOMPARE(bench_->read(2),
-             QStringList(QLatin1String("unit link ") + bytesText(ScriptedDevice::valuesOf(2, 2)) +
+             QStringList(QLatin1String("unit link ") + bytesText(TestDevice::valuesOf(2, 2)) +
                          QLatin1String(" 0x0")));
 }
 
@@ -152,7 +151,7 @@ void TestDriverBasicStaleInput::moreThanOneReadTakes()
     }
     QVERIFY(bench_->waitInKernel(size));
     QCOMPARE(bench_->read(2),
-             QStringList(QLatin1String("unit link ") + bytesText(ScriptedDevice::valuesOf(1, 2)) +
+             QStringList(QLatin1String("unit link ") + bytesText(TestDevice::valuesOf(1, 2)) +
                          QLatin1String(" 0x0")));
 }
 

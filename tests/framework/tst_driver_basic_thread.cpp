@@ -91,7 +91,7 @@ void TestDriverBasicThread::oneAnswerEachInOrder()
         } else {
             emitRead(unit);
             expected += QString::fromLatin1("%1 link %2 0x0")
-                            .arg(unit, bytesText(ScriptedDevice::valuesOf(i, 2)));
+                            .arg(unit, bytesText(TestDevice::valuesOf(i, 2)));
         }
     }
     QTRY_COMPARE_WITH_TIMEOUT(bench_->answers->count(), expected.size(), patience);

@@ -47,7 +47,7 @@ void TestDriverBasicTransparent::answered_data()
     QTest::addColumn<int>("line");
     QTest::addColumn<QString>("behaviour");
     QTest::addColumn<QByteArray>("answer");
-    const QByteArray answer = ScriptedDevice::answerTo(request);
+    const QByteArray answer = TestDevice::answerTo(request);
     const char* const lines[] = {"TCP", "serial"};
     for (int line = 0; line < 2; ++line) {
         const auto row = [&](const char* behaviour, const QByteArray& expected) {
@@ -89,12 +89,12 @@ void TestDriverBasicTransparent::defaultBudgetIsTooShortForTcp()
     QCOMPARE(bench.transparent(request), QStringList(no_answer));
     QCOMPARE(bench.driver->error_code_, 0x400A0000);
     QVERIFY(bench.lockIsFree());
-    QVERIFY(bench.driver->waitForBytes(ScriptedDevice::answerTo(request).size()));
+    QVERIFY(bench.driver->waitForBytes(TestDevice::answerTo(request).size()));
 
     // What has come too late does not get into the next answer.
     bench.driver->response_timeout_ = 60000;
     QCOMPARE(bench.transparent("Q\x02\x02\x02"),
-             QStringList(answerText(ScriptedDevice::answerTo("Q\x02\x02\x02"))));
+             QStringList(answerText(TestDevice::answerTo("Q\x02\x02\x02"))));
 }
 
 void TestDriverBasicTransparent::silentDevice_data()
@@ -144,8 +144,7 @@ void TestDriverBasicTransparent::emptyRequest()
     QCOMPARE(bench.transparent(QByteArray()), QStringList(no_answer));
     QVERIFY(log.lines().isEmpty());
     bench.driver->response_timeout_ = 60000;
-    QCOMPARE(bench.transparent(request),
-             QStringList(answerText(ScriptedDevice::answerTo(request))));
+    QCOMPARE(bench.transparent(request), QStringList(answerText(TestDevice::answerTo(request))));
     QCOMPARE(bench.device.received(), request);
 }
 

@@ -1,7 +1,7 @@
 #include "framework/link_io.h"
-#include "tests/compat/pty.h"
 #include "tests/framework/driver_bench.h"
 #include "tests/support/log_recorder.h"
+#include "tests/support/pty.h"
 
 #include <QElapsedTimer>
 #include <QTest>

@@ -2,7 +2,7 @@
 #define TESTS_EXAMPLES_MODBUS_MODBUS_BENCH_H
 
 #include "examples/modbus/modbus_driver.h"
-#include "tests/examples/modbus/scripted_device.h"
+#include "tests/examples/modbus/modbus_device.h"
 
 #include <QObject>
 
@@ -79,7 +79,7 @@ public:
     QByteArray frame(const QByteArray& request, const QByteArray& pdu) const;
 
     const modbus::Transport transport;
-    ScriptedDevice device;
+    ModbusDevice device;
     DrvEthernet ethernet;
     DrvSerial serial;
     std::unique_ptr<ModbusDriver> driver;

@@ -213,7 +213,7 @@ void TestModbusDriverLost::comesBackOnAnotherPort()
     bench.setResponseTimeout(endless);
     closeBehind(bench, 4);
     COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, LinkLost);
-    ScriptedDevice other(Transport::Rtu);
+    ModbusDevice other(Transport::Rtu);
     other.setBehaviour([](const QByteArray& request) {
         return QList<DeviceStep>{{answerFrame(Transport::Rtu, request, hex(good_pdu)), 0, false}};
     });

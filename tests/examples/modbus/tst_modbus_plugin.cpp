@@ -2,18 +2,15 @@
 #include "interface/drv_interface.h"
 #include "interface/drv_serial.h"
 #include "interface/drvlib.h"
-#include "tests/examples/modbus/pseudo_line.h"
+#include "tests/support/scripted_device.h"
 
 #include <QFile>
 #include <QHostAddress>
 #include <QProcess>
-#include <QTcpServer>
 #include <QTest>
 
 #include <dlfcn.h>
 #include <memory>
-#include <poll.h>
-#include <unistd.h>
 
 // The built driver library, loaded by path. This process has the interface compiled into itself, as
 // a host does, and links neither the driver nor the library that it stands on.
@@ -41,6 +38,18 @@ std::unique_ptr<DrvInterface> create(void* name, void* serial, DrvEthernet* link
 {
     return std::unique_ptr<DrvInterface>(
         entryPoint<decltype(create_drvlib)>("create_drvlib")(name, serial, link));
+}
+
+template <int size>
+int wholeRequest(const QByteArray& input)
+{
+    return input.size() >= size ? size : 0;
+}
+
+ScriptedDevice::Behaviour answering(const char* hex)
+{
+    const QByteArray answer = QByteArray::fromHex(hex);
+    return [answer](const QByteArray&) { return QList<DeviceStep>{{answer}}; };
 }
 
 /// What \a program prints about the library, in lines; none if it fails.
@@ -142,27 +151,15 @@ void TestModbusPlugin::dynamicSection()
 
 void TestModbusPlugin::readsOverTcp()
 {
-    QTcpServer listener;
-    QVERIFY(listener.listen(QHostAddress(QHostAddress::LocalHost)));
+    ScriptedDevice device(ScriptedDevice::Line::Tcp, wholeRequest<12>);
+    device.setBehaviour(answering("00010000000701030412345678"));
     DrvEthernet link;
     link.response_timeout = patience;
-    link.connectToHost(listener.serverAddress(), listener.serverPort());
+    link.connectToHost(QHostAddress(QHostAddress::LocalHost), device.port());
     QVERIFY(link.waitForConnected(patience));
-    QVERIFY(listener.waitForNewConnection(patience));
-    // The device's part, on the accepted connection's own descriptor.
-    const int device = dup(int(listener.nextPendingConnection()->socketDescriptor()));
-    std::thread serving([device] {
-        char request[12];
-        pollfd polled = {device, POLLIN, 0};
-        const QByteArray answer = QByteArray::fromHex("00010000000701030412345678");
-        if (poll(&polled, 1, patience) > 0 && ::read(device, request, sizeof(request)) == 12)
-            writeAll(device, answer.constData(), answer.size());
-        close(device);
-    });
     QString name = latin1("modbus");
     const std::unique_ptr<DrvInterface> made = create(&name, nullptr, &link);
     read(made.get());
-    serving.join();
     QCOMPARE(answers_, 1);
     QCOMPARE(status_, 0);
     QCOMPARE(bytes_.toHex(), QByteArray("34127856"));
@@ -170,22 +167,13 @@ void TestModbusPlugin::readsOverTcp()
 
 void TestModbusPlugin::readsOverSerialLine()
 {
-    PseudoLine line;
-    DrvSerial link(line.portName());
+    ScriptedDevice device(ScriptedDevice::Line::Pty, wholeRequest<8>);
+    device.setBehaviour(answering("010304123456788107"));
+    DrvSerial link(device.portName());
     link.response_timeout = patience;
     QVERIFY(link.open(QIODevice::ReadWrite));
-    std::thread serving([&line] {
-        char request[8];
-        pollfd polled = {line.descriptor(), POLLIN, 0};
-        // The request comes whole: it is written at once.
-        const QByteArray answer = QByteArray::fromHex("010304123456788107");
-        if (poll(&polled, 1, patience) > 0 &&
-            ::read(line.descriptor(), request, sizeof(request)) == 8)
-            writeAll(line.descriptor(), answer.constData(), answer.size());
-    });
     const std::unique_ptr<DrvInterface> made = create(nullptr, &link, nullptr);
     read(made.get());
-    serving.join();
     QCOMPARE(answers_, 1);
     QCOMPARE(status_, 0);
     QCOMPARE(bytes_.toHex(), QByteArray("34127856"));

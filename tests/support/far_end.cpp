@@ -1,4 +1,4 @@
-#include "tests/framework/far_end.h"
+#include "tests/support/far_end.h"
 
 #include <fcntl.h>
 #include <netinet/in.h>

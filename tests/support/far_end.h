@@ -1,8 +1,8 @@
-#ifndef TESTS_FRAMEWORK_FAR_END_H
-#define TESTS_FRAMEWORK_FAR_END_H
+#ifndef TESTS_SUPPORT_FAR_END_H
+#define TESTS_SUPPORT_FAR_END_H
 
-#include "tests/compat/pty.h"
-#include "tests/framework/scripted_device.h"
+#include "tests/support/pty.h"
+#include "tests/support/scripted_device.h"
 
 /// One kind of line, seen from the device. Nothing here waits.
 class ScriptedDevice::FarEnd
@@ -48,12 +48,12 @@ private:
 class PtyFarEnd : public ScriptedDevice::FarEnd
 {
 public:
-    PtyFarEnd() : pty_(new Pty) {}
+    PtyFarEnd() : pty_(new Pty(Pty::Line)) {}
 
     QByteArray receive() override { return pty_->take(); }
     void send(const QByteArray& bytes) override { pty_->send(bytes); }
     void hangUp() override { pty_->close(); }
-    void comeBack() override { pty_.reset(new Pty); }
+    void comeBack() override { pty_.reset(new Pty(Pty::Line)); }
     QString portName() const override { return pty_->portName(); }
 
 private:

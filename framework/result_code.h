@@ -8,12 +8,9 @@
 /// \file
 /// The result codes of drivers on the framework, and words for them.
 ///
-/// A driver library may bring words for codes of its own. It exports one more function beside its
-/// entry points, which a host finds by `dlsym`, and which gives a table:
-/// \code
-/// #include "framework/result_code.h"
-///
-/// extern "C" TOVIK_EXPORT const result_code::Words* drv_result_codes()
+/// A driver library may bring words for codes of its own: it defines drv_result_codes(), which a
+/// host finds by `dlsym` as it finds the entry points. \code const result_code::Words*
+/// drv_result_codes()
 /// {
 ///     static const result_code::Words words[] = {
 ///         {0x4F000001, 0x4F000001, "no such register"},
@@ -51,15 +48,17 @@ struct Words
     const char* text; ///< UTF-8; null behind the last entry of a table.
 };
 
-/// The function that a driver library may export, by name and type: the table, or null. The table
-/// stays as long as the library.
-const char* const words_entry_point = "drv_result_codes";
-typedef const Words* (*WordsEntryPoint)();
-
 /// \a code in words: those of the first entry of \a of_driver that has it, else the framework's.
 /// Empty if nobody has words for it. May be called in any thread.
 TOVIK_EXPORT QString textOf(int code, const Words* of_driver = 0);
 
 } // namespace result_code
+
+extern "C" {
+
+/// The words of a driver library, which defines this or leaves it out: a table, which stays as long
+/// as the library, or null.
+TOVIK_EXPORT const result_code::Words* drv_result_codes();
+}
 
 #endif

@@ -79,7 +79,7 @@ void checkPlanned(const modbus::HostRequest& asked, const modbus::Request& reque
 void runModbusRequest(const QByteArray& input)
 {
     Input next(input);
-    modbus::HostRequest asked;
+    modbus::HostRequest asked = {};
     const int choices = next.byte();
     asked.write = (choices & 1) != 0;
     asked.field1 = takeSetting(&next);

@@ -1,14 +1,13 @@
 #include "fuzz/protocol_areas.h"
 
 #include "framework/protocol_basic.h"
+#include "framework/result_code.h"
 #include "fuzz/memory.h"
 #include "fuzz/target.h"
 
 namespace fuzz {
 
 namespace {
-
-const int unsupported = 0x400CFFFF;
 
 /// Arguments that the operations share.
 struct Packing
@@ -140,8 +139,8 @@ void outOfAnArea(Input* input)
     Memory room(ascii != 0 ? len / 2 : len);
     const int result =
         ProtocolBasic().extractDataArea(room.data(), &source, offset, len, size, order, ascii);
-    require(result == 0 || result == unsupported, "the result is one of two");
-    require(size <= 4 || result == unsupported, "a size above 4 is unsupported");
+    require(result == 0 || result == result_code::not_supported, "the result is one of two");
+    require(size <= 4 || result == result_code::not_supported, "a size above 4 is unsupported");
     require(size > 4 || len < 1 || size < 1 || (result == 0) == (offset >= 0),
             "a negative offset is refused");
     require(source == before, "the source stays as it is");

@@ -4,6 +4,7 @@
 #include "benchmarks/network/samples.h"
 
 #include "framework/driver_basic.h"
+#include "framework/result_code.h"
 
 #include <QCoreApplication>
 
@@ -48,7 +49,7 @@ public:
     {
         while (device_->bytesAvailable() < expected_length) {
             if (!device_->waitForReadyRead(patience))
-                return 0x400A0000;
+                return result_code::no_answer_in_time;
         }
         *ready = 1;
         return 0;

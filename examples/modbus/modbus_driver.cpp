@@ -28,9 +28,9 @@ ModbusDriver::ModbusDriver(const QString& name, DrvSerial* serial, DrvEthernet* 
       link_(serial, ethernet)
 {
     if (serial)
-        framing_ = std::make_unique<RtuFraming>();
+        framing_.reset(new RtuFraming);
     else
-        framing_ = std::make_unique<TcpFraming>();
+        framing_.reset(new TcpFraming);
     line_idle_.start();
     if (serial || !ethernet)
         return;
@@ -81,7 +81,7 @@ void ModbusDriver::listen(qint64 milliseconds)
 {
     if (collect())
         return;
-    link_.wait(static_cast<int>(qBound<qint64>(0, milliseconds, slice)));
+    waitForLinkInput(static_cast<int>(qBound<qint64>(0, milliseconds, slice)));
     collect();
 }
 

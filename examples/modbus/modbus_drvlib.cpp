@@ -1,6 +1,7 @@
 #include "interface/drvlib.h"
 
 #include "modbus_driver.h"
+#include "modbus_status.h"
 
 #include <QDebug>
 
@@ -26,4 +27,9 @@ quint32 drv_version()
                     .arg(version_minor)
                     .arg(version_patch);
     return version_major * 65536 + version_minor * 256 + version_patch;
+}
+
+const result_code::Words* drv_result_codes()
+{
+    return modbus::statusWords();
 }

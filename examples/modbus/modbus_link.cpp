@@ -3,9 +3,6 @@
 #include "interface/drv_ethernet.h"
 #include "interface/drv_serial.h"
 
-#include <QElapsedTimer>
-#include <QThread>
-
 namespace modbus {
 
 Link::Link(DrvSerial* serial, DrvEthernet* ethernet)
@@ -28,17 +25,6 @@ bool Link::isUp() const
     // A line that has hung up stays open until the event loop runs.
     const ulong error = serial_->lastError();
     return error != E_READ_FAILED && error != E_IO_ERROR;
-}
-
-void Link::wait(int milliseconds)
-{
-    if (milliseconds < 0 || !isUp())
-        return;
-    QElapsedTimer waited;
-    waited.start();
-    // A device in trouble returns at once: without a pause, waiting would be spinning.
-    if (!device_->waitForReadyRead(milliseconds) && waited.elapsed() < milliseconds)
-        QThread::msleep(1);
 }
 
 QByteArray Link::take()

@@ -10,7 +10,7 @@ class QIODevice;
 namespace modbus {
 
 /// The link as the driver uses it while it waits. Complains neither about a link that is closed
-/// nor about one that gets lost, and never runs an event loop.
+/// nor about one that gets lost.
 class Link
 {
 public:
@@ -19,8 +19,6 @@ public:
 
     /// Whether the link is open and, as far as is known, connected.
     bool isUp() const;
-    /// Waits for input, at most so long; may return early without any, but never at once for ever.
-    void wait(int milliseconds);
     /// All that can be read at this moment without asking the network.
     QByteArray take();
 

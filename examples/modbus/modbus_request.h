@@ -20,14 +20,14 @@ enum class Transport
 /// A request as the host makes it: the members of AddrData, and the bytes to be written.
 struct HostRequest
 {
-    bool write = false;
+    bool write;
     QString address;
-    int field1 = 0;
-    int data_length = 0;
+    int field1;
+    int data_length;
     QByteArray data;
-    int station = 0;
-    int extra1 = 0;
-    int extra2 = 0;
+    int station;
+    int extra1;
+    int extra2;
 };
 
 /// A request that has passed all checks.

@@ -89,7 +89,9 @@ bool RtuFraming::take(Answer* answer)
 
 Answer RtuFraming::giveUp()
 {
-    return Answer{failure(), QByteArray()};
+    Answer answer;
+    answer.status = failure();
+    return answer;
 }
 
 int RtuFraming::failure() const

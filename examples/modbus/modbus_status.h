@@ -1,15 +1,19 @@
 #ifndef MODBUS_STATUS_H
 #define MODBUS_STATUS_H
 
+#include "framework/result_code.h"
+
 /// \file
 /// What the driver answers as `status`; docs/modbus-driver.md says what to do about each.
 namespace modbus {
 
 enum Status
 {
-    Ok = 0,
-    Stopped = 0x1002,            ///< The host's stop flag was set while the driver waited.
-    NoAnswerInTime = 0x400A0000, ///< Nothing came that could be an answer to this request.
+    Ok = result_code::success,
+    /// The host's stop flag was set while the driver waited.
+    Stopped = result_code::stopped,
+    /// Nothing came that could be an answer to this request.
+    NoAnswerInTime = result_code::no_answer_in_time,
 
     /// The device answered with an exception: its code stands in the last byte.
     Exception = 0x400B0000,
@@ -44,6 +48,9 @@ inline bool isException(int status)
 {
     return (status & ~0xFF) == Exception;
 }
+
+/// The driver's own codes in words, for drv_result_codes().
+const result_code::Words* statusWords();
 
 } // namespace modbus
 

@@ -1,4 +1,4 @@
-// The two functions by which a host finds the driver.
+// The functions by which a host finds the driver.
 #include "template_driver.h"
 
 #include "interface/drvlib.h"
@@ -14,4 +14,10 @@ DrvInterface* create_drvlib(void* first, void* second, DrvEthernet* link)
 quint32 drv_version()
 {
     return 1 * 65536 + 0 * 256 + 0;
+}
+
+// Optional: the driver's own codes in words, which a host shows to its users.
+const result_code::Words* drv_result_codes()
+{
+    return TemplateDriver::resultCodes();
 }

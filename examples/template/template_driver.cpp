@@ -3,7 +3,6 @@
 #include "framework/protocol_basic.h"
 
 #include <QElapsedTimer>
-#include <QThread>
 
 namespace {
 
@@ -17,6 +16,18 @@ const int answer_length = 8; // ":" station, value, CR
 TemplateDriver::TemplateDriver(const QString& name, DrvSerial* serial, DrvEthernet* ethernet)
     : DriverBasic(name, serial, ethernet)
 {}
+
+const result_code::Words* TemplateDriver::resultCodes()
+{
+    static const result_code::Words words[] = {
+        {bad_address, bad_address, "the address is no number from 0 to 65535"},
+        {bad_length, bad_length, "a value is two bytes long"},
+        {wrong_answer, wrong_answer, "the answer is no line of this protocol"},
+        {bad_station, bad_station, "the station is no number from 0 to 255"},
+        {device_refused, device_refused + 0xFFFF, "the device refuses with code"},
+        {0, 0, nullptr}};
+    return words;
+}
 
 // 1. What is to be sent? Append the frame to `request` and return the length of the answer. To
 // refuse, set error_code_: nothing is sent then, and the host gets the code.
@@ -59,17 +70,16 @@ int TemplateDriver::request_send_wait(int /*sent_length*/, int expected_length, 
         const int left = response_timeout_ - static_cast<int>(waiting.elapsed());
         *ready = device_->bytesAvailable() > 0;
         if (stopRequested())
-            return 0x1002;
+            return result_code::stopped;
         if (isLinkLost())
-            return 0x400A0002;
+            return result_code::receive_failed;
         if (left <= 0)
-            return 0x400A0000;
+            return result_code::no_answer_in_time;
         // In short turns, so that the host can stop a driver whose device is silent.
-        if (!device_->waitForReadyRead(qMin(left, 50)))
-            QThread::msleep(1); // a link in trouble returns at once
+        waitForLinkInput(qMin(left, 50));
     }
     *ready = 1;
-    return 0;
+    return result_code::success;
 }
 
 // 3. What does the answer say? Put what was read into `data`; return 0, or a code for the host.

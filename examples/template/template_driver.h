@@ -2,6 +2,7 @@
 #define TEMPLATE_DRIVER_H
 
 #include "framework/driver_basic.h"
+#include "framework/result_code.h"
 
 /// A driver of devices with numbered 16-bit registers that speak one line of text at a time. It
 /// works over a serial line and over TCP without a difference.
@@ -27,6 +28,9 @@ public:
         bad_station = 0x4F000004,    ///< The station is no number from 0 to 255.
         device_refused = 0x4F010000, ///< The device said no: 0x4F010002 for its code 0002.
     };
+
+    /// The same in words.
+    static const result_code::Words* resultCodes();
 
     TemplateDriver(const QString& name, DrvSerial* serial, DrvEthernet* ethernet);
 

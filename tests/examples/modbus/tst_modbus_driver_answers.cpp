@@ -52,6 +52,7 @@ private Q_SLOTS:
     void functions();
     void oneByteAtATime_data();
     void oneByteAtATime();
+    void waitingLeavesNoErrorOnTheSocket();
     void badAnswers_data();
     void badAnswers();
     void exceptions_data();
@@ -141,6 +142,21 @@ void TestModbusDriverAnswers::oneByteAtATime()
     const Got got = bench.host->read(readOf("4x1", 4));
     COMPARE_STATUS(got.status, Ok);
     QCOMPARE(got.data.toHex(), QByteArray(good_bytes));
+}
+
+// A host may connect anew on every error of its socket.
+void TestModbusDriverAnswers::waitingLeavesNoErrorOnTheSocket()
+{
+    ModbusBench bench(Transport::Tcp);
+    bench.setResponseTimeout(50);
+    QVERIFY(bench.connectLink());
+    bench.device.setBehaviour([](const QByteArray&) { return QList<DeviceStep>(); });
+    const QString text = bench.ethernet.errorString();
+    int errors = 0;
+    connect(&bench.ethernet, &QAbstractSocket::errorOccurred, [&errors] { ++errors; });
+    COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, NoAnswerInTime);
+    QCOMPARE(errors, 0);
+    QCOMPARE(bench.ethernet.errorString(), text);
 }
 
 void TestModbusDriverAnswers::badAnswers_data()

@@ -1,3 +1,4 @@
+#include "framework/result_code.h"
 #include "interface/drv_ethernet.h"
 #include "interface/drv_interface.h"
 #include "interface/drv_serial.h"
@@ -73,6 +74,7 @@ private Q_SLOTS:
     void init();
     void version();
     void exports();
+    void wordsForItsCodes();
     void dynamicSection_data();
     void dynamicSection();
     void readsOverTcp();
@@ -129,7 +131,14 @@ void TestModbusPlugin::exports()
             names.append(line.section(QLatin1Char(' '), 2));
     }
     names.sort();
-    QCOMPARE(names, (QStringList{latin1("create_drvlib"), latin1("drv_version")}));
+    QCOMPARE(names, (QStringList{latin1("create_drvlib"), latin1("drv_result_codes"),
+                                 latin1("drv_version")}));
+}
+
+void TestModbusPlugin::wordsForItsCodes()
+{
+    const auto* words = entryPoint<decltype(drv_result_codes)>("drv_result_codes")();
+    QCOMPARE(result_code::textOf(0x400B010A, words), latin1("the link is not open"));
 }
 
 void TestModbusPlugin::dynamicSection_data()

@@ -43,8 +43,8 @@ const int invalid_length = 0x20010003;
 /// them is said behind the words, counted from 0.
 struct Words
 {
-    int first;
-    int last;
+    int first;        ///< The only code, or the first of many.
+    int last;         ///< The last of them.
     const char* text; ///< UTF-8; null behind the last entry of a table.
 };
 

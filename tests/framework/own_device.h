@@ -2,7 +2,7 @@
 #define TESTS_FRAMEWORK_OWN_DEVICE_H
 
 #include "interface/drv_ethernet.h"
-#include "tests/framework/scripted_device.h"
+#include "tests/framework/test_device.h"
 
 #include <algorithm>
 
@@ -29,8 +29,8 @@ protected:
     qint64 writeData(const char* data, qint64 size) override
     {
         written.append(data, int(size));
-        if (written.size() % ScriptedDevice::request_size == 0)
-            answer_ = ScriptedDevice::answerTo(written.right(ScriptedDevice::request_size));
+        if (written.size() % TestDevice::request_size == 0)
+            answer_ = TestDevice::answerTo(written.right(TestDevice::request_size));
         return size;
     }
 

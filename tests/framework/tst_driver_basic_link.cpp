@@ -174,7 +174,7 @@ void TestDriverBasicLink::connectingLinkIsAnswered()
         *ready = 1;
         return 0;
     };
-    QCOMPARE(bench.read(2), QStringList(answerText("unit link", ScriptedDevice::valuesOf(1, 2))));
+    QCOMPARE(bench.read(2), QStringList(answerText("unit link", TestDevice::valuesOf(1, 2))));
 }
 
 void TestDriverBasicLink::closedLinkGetsNothing()
@@ -220,7 +220,7 @@ void TestDriverBasicLink::ownDeviceIsRead()
         driver.error_code_ = 0;
         driver.doCmdSM(CMD_READ, QString(), 0, 3, &data, 0, 0, 0);
         QCOMPARE(driver.error_code_, 0);
-        QCOMPARE(data, ScriptedDevice::valuesOf(number, 3));
+        QCOMPARE(data, TestDevice::valuesOf(number, 3));
     }
     QCOMPARE(link.written, QByteArray("Q\0\1\3Q\0\2\3", 8));
     QVERIFY2(log.lines().isEmpty(), qPrintable(log.lines().join(QLatin1Char('\n'))));
@@ -237,7 +237,7 @@ void TestDriverBasicLink::ownDeviceInTransparentMode()
     for (int i = 0; i < 2; ++i) {
         driver.RunTransparentRequest(request);
         QCOMPARE(answers.take(),
-                 QStringList(answerText("transparent", ScriptedDevice::answerTo(request))));
+                 QStringList(answerText("transparent", TestDevice::answerTo(request))));
     }
     QCOMPARE(link.written, request + request);
     QVERIFY2(log.lines().isEmpty(), qPrintable(log.lines().join(QLatin1Char('\n'))));

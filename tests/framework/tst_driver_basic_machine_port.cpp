@@ -1,7 +1,7 @@
-#include "tests/compat/pty.h"
 #include "tests/framework/machine_port.h"
 #include "tests/framework/test_driver.h"
 #include "tests/support/log_recorder.h"
+#include "tests/support/pty.h"
 
 #include <QElapsedTimer>
 #include <QTest>

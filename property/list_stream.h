@@ -29,7 +29,8 @@ public:
     {
         for (int i = 0; i < texts_.size(); ++i) {
             const QString& known = texts_.at(i);
-            if (known.size() == text->size() && known == *text) {
+            if (known.size() == text->size() && known.isNull() == text->isNull() &&
+                known == *text) {
                 *text = known;
                 return;
             }

@@ -18,7 +18,7 @@ QByteArray written(const T& record, const StreamFormat& format)
 }
 
 template <typename T>
-T readBack(const QByteArray& bytes, const StreamFormat& format, T into = T())
+T readBack(const QByteArray& bytes, const StreamFormat& format, T into)
 {
     QDataStream stream(bytes);
     format.applyTo(&stream);
@@ -71,6 +71,9 @@ private Q_SLOTS:
     void operatorsReturnTheStreamUnchanged_data() { addFormatRows(); }
     void operatorsReturnTheStreamUnchanged();
     void recordsFollowOneAnother();
+    void equalTextsShareOneBuffer();
+    void nullAndEmptyTextsStay_data();
+    void nullAndEmptyTextsStay();
 };
 
 void TestConfigurationStream::defaultRootIsTheseBytes_data()
@@ -203,6 +206,61 @@ void TestConfigurationStream::recordsFollowOneAnother()
     QCOMPARE(describe(second), describe(PropertyTovikIot()));
     QCOMPARE(describe(last), describe(filledItem(4)));
     QVERIFY(reader.atEnd());
+}
+
+// Of a few texts that every element repeats, a large configuration keeps one copy each.
+void TestConfigurationStream::equalTextsShareOneBuffer()
+{
+    const int texts = 16;
+    PropertyTovikIot root;
+    for (int i = 0; i < 3 * texts; ++i) {
+        PropertyTovikIotDataItem item;
+        item.type = QString::fromLatin1("type %1").arg(i % texts);
+        root.dataitems.append(item);
+        PropertyTovikIotGroup group;
+        group.permission = QString::fromLatin1("permission %1").arg(i % texts);
+        root.groups.append(group);
+    }
+    const StreamFormat format;
+    const auto read = readBack(StreamBytes(format).root(root).bytes(), format, PropertyTovikIot());
+    QCOMPARE(describe(read), describe(root));
+    for (int i = texts; i < 3 * texts; ++i) {
+        QCOMPARE(read.dataitems[i].type.constData(), read.dataitems[i % texts].type.constData());
+        QCOMPARE(read.groups[i].permission.constData(),
+                 read.groups[i % texts].permission.constData());
+    }
+}
+
+void TestConfigurationStream::nullAndEmptyTextsStay_data()
+{
+    QTest::addColumn<QStringList>("texts");
+    const QString empty = QLatin1String("");
+    QTest::newRow("null behind empty") << QStringList{empty, QString(), empty};
+    QTest::newRow("empty behind null") << QStringList{QString(), empty, QString()};
+}
+
+void TestConfigurationStream::nullAndEmptyTextsStay()
+{
+    QFETCH(QStringList, texts);
+    PropertyTovikIot root;
+    for (const QString& text : texts) {
+        PropertyTovikIotDataItem item;
+        item.name = item.type = text;
+        root.dataitems.append(item);
+        PropertyTovikIotGroup group;
+        group.name = group.permission = text;
+        root.groups.append(group);
+    }
+    const StreamFormat format;
+    const QByteArray bytes = StreamBytes(format).root(root).bytes();
+    const auto read = readBack(bytes, format, PropertyTovikIot());
+    for (int i = 0; i < texts.size(); ++i) {
+        QCOMPARE(read.dataitems[i].name.isNull(), texts[i].isNull());
+        QCOMPARE(read.dataitems[i].type.isNull(), texts[i].isNull());
+        QCOMPARE(read.groups[i].name.isNull(), texts[i].isNull());
+        QCOMPARE(read.groups[i].permission.isNull(), texts[i].isNull());
+    }
+    QCOMPARE(written(read, format).toHex(), bytes.toHex());
 }
 
 QTEST_GUILESS_MAIN(TestConfigurationStream)

@@ -1,4 +1,5 @@
 #include "tests/property/records.h"
+#include "tests/property/stream_bytes.h"
 
 #include <QProcess>
 #include <QTest>
@@ -53,6 +54,12 @@ void streamEmptyRoot()
     readFrom<PropertyTovikIot>(stored(PropertyTovikIot()));
 }
 
+/// A root whose bytes no stream operator has written.
+void readRoot(int groups, int items)
+{
+    readFrom<PropertyTovikIot>(StreamBytes(StreamFormat()).root(filledRoot(groups, items)).bytes());
+}
+
 void everythingThreeTimes()
 {
     for (int i = 0; i < 3; ++i) {
@@ -80,6 +87,9 @@ const Case cases[] = {
     {"a group read", readGroup, true},
     {"a root with a group written", [] { stored(filledRoot(1, 0)); }, true},
     {"a root with a served item written", [] { stored(filledRoot(0, 1)); }, true},
+    {"a root without lists read", [] { readRoot(0, 0); }, false},
+    {"a root with a group read", [] { readRoot(1, 0); }, true},
+    {"a root with a served item read", [] { readRoot(0, 1); }, true},
     {"all of them again and again", everythingThreeTimes, true},
 };
 

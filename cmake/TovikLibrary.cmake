@@ -10,6 +10,7 @@ set(TOVIK_SHARED_SOURCES
   interface/drv_interface.h interface/drv_interface.cpp
   interface/drv_serial.h interface/drv_serial.cpp
   property/list_stream.h
+  property/members.h
   property/property_tovik_iot.h property/property_tovik_iot.cpp
   property/property_tovik_iot_dataitem.h property/property_tovik_iot_dataitem.cpp
   property/property_tovik_iot_group.h property/property_tovik_iot_group.cpp

@@ -1,7 +1,10 @@
 #ifndef PROPERTY_LIST_STREAM_H
 #define PROPERTY_LIST_STREAM_H
 
+#include "property/property_tovik_iot_dataitem.h"
+#include "property/property_tovik_iot_group.h"
 #include "property/stream_registration.h"
+#include "property/value_stream.h"
 
 #include <QDataStream>
 #include <QIODevice>
@@ -10,15 +13,6 @@
 #include <QVector>
 
 #include <limits>
-
-class PropertyTovikIotDataItem;
-class PropertyTovikIotGroup;
-
-/// The fewest bytes that a stored data item takes in any stream version: three texts, three
-/// numbers and a variant's tag of 4 bytes each, and two flags of one.
-const int smallest_dataitem_record = 3 * 4 + 3 * 4 + 4 + 2;
-/// The fewest bytes that a stored group takes: five texts, a count, two flags.
-const int smallest_group_record = 5 * 4 + 4 + 2;
 
 /// Keeps equal texts once: a stored list repeats a few of them in every element.
 class RepeatedTexts
@@ -45,40 +39,28 @@ private:
     QVector<QString> texts_;
 };
 
-/// Reads a text by way of \a buffer: what Qt reads into grows to about twice the text's size, and
-/// the buffer takes that once for all texts.
-inline void ReadText(QDataStream& stream, QString* text, QString* buffer)
+/// What the members of one record share while it is read, those of its lists included.
+struct Reading
 {
-    stream >> *buffer;
-    // An empty text occupies nothing, and a null one stays null.
-    *text = buffer->isEmpty() ? *buffer : QString(buffer->constData(), buffer->size());
-}
+    /// What Qt reads a text into grows to about twice the text's size; this takes that once.
+    QString buffer;
+};
 
-/// Reads the members of a record; its stream operator also registers, which a list does once.
-void ReadMembers(QDataStream& stream, PropertyTovikIotDataItem* item, QString* buffer);
-void ReadMembers(QDataStream& stream, PropertyTovikIotGroup* group, QString* buffer);
-
-/// Writes a count and the elements.
-template <typename T>
-QDataStream& WriteList(QDataStream& stream, const QList<T>& list)
-{
-    stream << quint32(list.size());
-    for (int i = 0; i < list.size(); ++i)
-        stream << list.at(i);
-    return stream;
-}
+/// Reads all members; an element's stream operator also registers, which a list does once.
+void ReadMembers(QDataStream& stream, PropertyTovikIotDataItem* item, Reading* reading);
+void ReadMembers(QDataStream& stream, PropertyTovikIotGroup* group, Reading* reading);
 
 /// Reads a count and the elements, and stops behind the element in which the stream ends.
 ///
 /// Qt's own list operator empties the list when the stream ends early (since Qt 5), and reserves
 /// room for whatever count it reads. Neither suits stored project files: what could be read of a
 /// cut file is worth having, and a damaged count must not take the host's memory.
-/// \param smallest_record fewest bytes of one element: no more elements are reserved than the
-///        stream can still hold.
+/// \param smallest_record fewest bytes of one element in any stream version: no more elements are
+///        reserved than the stream can still hold.
 /// \param repeated a text that is the same in many elements
 template <typename T>
-QDataStream& ReadList(QDataStream& stream, QList<T>* list, int smallest_record,
-                      QString T::*repeated)
+void ReadList(QDataStream& stream, QList<T>* list, int smallest_record, QString T::*repeated,
+              Reading* reading)
 {
     list->clear();
     quint32 count = 0;
@@ -89,16 +71,82 @@ QDataStream& ReadList(QDataStream& stream, QList<T>* list, int smallest_record,
     if (count > 0)
         RegisterConfigurationStreaming();
     RepeatedTexts texts;
-    QString buffer;
     for (quint32 i = 0; i < count; ++i) {
         list->append(T());
         T& element = list->last();
-        ReadMembers(stream, &element, &buffer);
+        ReadMembers(stream, &element, reading);
         texts.share(&(element.*repeated));
         if (stream.atEnd())
             break;
     }
-    return stream;
 }
+
+/// Reads members in order.
+template <typename Record>
+struct MemberReader
+{
+    QDataStream& stream;
+    Record* record;
+    Reading* reading;
+
+    template <typename Member>
+    bool operator()(Member Record::*member) const
+    {
+        read(&(record->*member));
+        return true;
+    }
+
+    template <typename Number>
+    void read(Number* number) const
+    {
+        stream >> *number;
+    }
+    void read(QString* text) const
+    {
+        stream >> reading->buffer;
+        const QString& read = reading->buffer;
+        // An empty text occupies nothing, and a null one stays null.
+        *text = read.isEmpty() ? read : QString(read.constData(), read.size());
+    }
+    void read(QVariant* value) const { ReadValue(stream, value); }
+    void read(QList<PropertyTovikIotDataItem>* items) const
+    {
+        // Three texts, three numbers, a variant's type, two flags.
+        ReadList(stream, items, 3 * 4 + 3 * 4 + 4 + 2, &PropertyTovikIotDataItem::type, reading);
+    }
+    void read(QList<PropertyTovikIotGroup>* groups) const
+    {
+        // Five texts, a count, two flags.
+        ReadList(stream, groups, 5 * 4 + 4 + 2, &PropertyTovikIotGroup::permission, reading);
+    }
+};
+
+/// Writes members in order.
+template <typename Record>
+struct MemberWriter
+{
+    QDataStream& stream;
+    const Record& record;
+
+    template <typename Member>
+    bool operator()(Member Record::*member) const
+    {
+        write(record.*member);
+        return true;
+    }
+
+    template <typename Value>
+    void write(const Value& value) const
+    {
+        stream << value;
+    }
+    template <typename T>
+    void write(const QList<T>& list) const
+    {
+        stream << quint32(list.size());
+        for (int i = 0; i < list.size(); ++i)
+            stream << list.at(i);
+    }
+};
 
 #endif

@@ -1,13 +1,31 @@
 #include "property/property_tovik_iot.h"
 
 #include "property/list_stream.h"
+#include "property/members.h"
 
-PropertyTovikIot::PropertyTovikIot() : aux_flag(false), aux_value(0)
+namespace {
+
+typedef PropertyTovikIot Root;
+
+/// The members in the order in which they are copied, compared and streamed.
+template <typename Visitor>
+bool visitMembers(const Visitor& visit)
+{
+    return visit(&Root::aux_flag) && visit(&Root::host) && visit(&Root::aux_value) &&
+           visit(&Root::project) && visit(&Root::email) && visit(&Root::password) &&
+           visit(&Root::groups) && visit(&Root::dataitems);
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): Initial() gives every member a value
+PropertyTovikIot::PropertyTovikIot()
 {
     PropertyTovikIot::Initial();
 }
 
-PropertyTovikIot::PropertyTovikIot(const PropertyTovikIot& other) : aux_flag(false), aux_value(0)
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): RenewAllmemeber() does
+PropertyTovikIot::PropertyTovikIot(const PropertyTovikIot& other)
 {
     RenewAllmemeber(other);
 }
@@ -36,23 +54,12 @@ void PropertyTovikIot::Initial()
 
 void PropertyTovikIot::RenewAllmemeber(const PropertyTovikIot& other)
 {
-    aux_flag = other.aux_flag;
-    host = other.host;
-    aux_value = other.aux_value;
-    project = other.project;
-    email = other.email;
-    password = other.password;
-    groups = other.groups;
-    dataitems = other.dataitems;
+    visitMembers(MemberCopy<Root>{this, &other});
 }
 
 bool PropertyTovikIot::operator==(const PropertyTovikIot& other)
 {
-    if (this == &other)
-        return true;
-    return aux_flag == other.aux_flag && host == other.host && aux_value == other.aux_value &&
-           project == other.project && email == other.email && password == other.password &&
-           groups == other.groups && dataitems == other.dataitems;
+    return this == &other || visitMembers(MemberComparison<Root>{this, &other});
 }
 
 bool PropertyTovikIot::operator!=(const PropertyTovikIot& other)
@@ -62,17 +69,13 @@ bool PropertyTovikIot::operator!=(const PropertyTovikIot& other)
 
 QDataStream& operator<<(QDataStream& stream, const PropertyTovikIot& property)
 {
-    stream << property.aux_flag << property.host << qint32(property.aux_value) << property.project
-           << property.email << property.password;
-    WriteList(stream, property.groups);
-    return WriteList(stream, property.dataitems);
+    visitMembers(MemberWriter<Root>{stream, property});
+    return stream;
 }
 
 QDataStream& operator>>(QDataStream& stream, PropertyTovikIot& property)
 {
-    stream >> property.aux_flag >> property.host >> property.aux_value >> property.project >>
-        property.email >> property.password;
-    ReadList(stream, &property.groups, smallest_group_record, &PropertyTovikIotGroup::permission);
-    return ReadList(stream, &property.dataitems, smallest_dataitem_record,
-                    &PropertyTovikIotDataItem::type);
+    Reading reading;
+    visitMembers(MemberReader<Root>{stream, &property, &reading});
+    return stream;
 }

@@ -1,10 +1,20 @@
 #include "property/property_tovik_iot_dataitem.h"
 
 #include "property/list_stream.h"
-#include "property/stream_registration.h"
-#include "property/value_stream.h"
+#include "property/members.h"
 
 namespace {
+
+typedef PropertyTovikIotDataItem Item;
+
+/// The members in the order in which they are copied, compared and streamed.
+template <typename Visitor>
+bool visitMembers(const Visitor& visit)
+{
+    return visit(&Item::name) && visit(&Item::dataitem_id) && visit(&Item::type) &&
+           visit(&Item::length) && visit(&Item::value) && visit(&Item::cloud_status) &&
+           visit(&Item::alert) && visit(&Item::update_time) && visit(&Item::marked);
+}
 
 /// One text for all items, instead of a new one for each that is made. Never destroyed: items may
 /// be made in another thread while the process ends.
@@ -16,22 +26,14 @@ const QString& defaultType()
 
 } // namespace
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): Initial() gives every member a value
 PropertyTovikIotDataItem::PropertyTovikIotDataItem()
-    : length(0),
-      cloud_status(0),
-      alert(false),
-      update_time(0),
-      marked(false)
 {
     PropertyTovikIotDataItem::Initial();
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): RenewAllmemeber() does
 PropertyTovikIotDataItem::PropertyTovikIotDataItem(const PropertyTovikIotDataItem& other)
-    : length(0),
-      cloud_status(0),
-      alert(false),
-      update_time(0),
-      marked(false)
 {
     RenewAllmemeber(other);
 }
@@ -58,24 +60,12 @@ void PropertyTovikIotDataItem::Initial()
 
 void PropertyTovikIotDataItem::RenewAllmemeber(const PropertyTovikIotDataItem& other)
 {
-    name = other.name;
-    dataitem_id = other.dataitem_id;
-    type = other.type;
-    length = other.length;
-    value = other.value;
-    cloud_status = other.cloud_status;
-    alert = other.alert;
-    update_time = other.update_time;
-    marked = other.marked;
+    visitMembers(MemberCopy<Item>{this, &other});
 }
 
 bool PropertyTovikIotDataItem::operator==(const PropertyTovikIotDataItem& other)
 {
-    if (this == &other)
-        return true;
-    return name == other.name && dataitem_id == other.dataitem_id && type == other.type &&
-           length == other.length && value == other.value && cloud_status == other.cloud_status &&
-           alert == other.alert && update_time == other.update_time && marked == other.marked;
+    return this == &other || visitMembers(MemberComparison<Item>{this, &other});
 }
 
 bool PropertyTovikIotDataItem::operator!=(const PropertyTovikIotDataItem& other)
@@ -86,24 +76,19 @@ bool PropertyTovikIotDataItem::operator!=(const PropertyTovikIotDataItem& other)
 QDataStream& operator<<(QDataStream& stream, const PropertyTovikIotDataItem& item)
 {
     RegisterConfigurationStreaming();
-    stream << item.name << item.dataitem_id << item.type << qint32(item.length) << item.value
-           << qint32(item.cloud_status) << item.alert << qint32(item.update_time) << item.marked;
+    visitMembers(MemberWriter<Item>{stream, item});
     return stream;
 }
 
 QDataStream& operator>>(QDataStream& stream, PropertyTovikIotDataItem& item)
 {
     RegisterConfigurationStreaming();
-    QString buffer;
-    ReadMembers(stream, &item, &buffer);
+    Reading reading;
+    ReadMembers(stream, &item, &reading);
     return stream;
 }
 
-void ReadMembers(QDataStream& stream, PropertyTovikIotDataItem* item, QString* buffer)
+void ReadMembers(QDataStream& stream, PropertyTovikIotDataItem* item, Reading* reading)
 {
-    ReadText(stream, &item->name, buffer);
-    ReadText(stream, &item->dataitem_id, buffer);
-    stream >> item->type >> item->length;
-    ReadValue(stream, &item->value);
-    stream >> item->cloud_status >> item->alert >> item->update_time >> item->marked;
+    visitMembers(MemberReader<Item>{stream, item, reading});
 }

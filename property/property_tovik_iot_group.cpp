@@ -1,16 +1,31 @@
 #include "property/property_tovik_iot_group.h"
 
 #include "property/list_stream.h"
-#include "property/stream_registration.h"
+#include "property/members.h"
 
-PropertyTovikIotGroup::PropertyTovikIotGroup() : alert(false), marked(false)
+namespace {
+
+typedef PropertyTovikIotGroup Group;
+
+/// The members in the order in which they are copied, compared and streamed.
+template <typename Visitor>
+bool visitMembers(const Visitor& visit)
+{
+    return visit(&Group::group_id) && visit(&Group::name) && visit(&Group::location) &&
+           visit(&Group::ddLocation) && visit(&Group::alert) && visit(&Group::permission) &&
+           visit(&Group::marked) && visit(&Group::dataitems);
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): Initial() gives every member a value
+PropertyTovikIotGroup::PropertyTovikIotGroup()
 {
     PropertyTovikIotGroup::Initial();
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): RenewAllmemeber() does
 PropertyTovikIotGroup::PropertyTovikIotGroup(const PropertyTovikIotGroup& other)
-    : alert(false),
-      marked(false)
 {
     RenewAllmemeber(other);
 }
@@ -35,23 +50,12 @@ void PropertyTovikIotGroup::Initial()
 
 void PropertyTovikIotGroup::RenewAllmemeber(const PropertyTovikIotGroup& other)
 {
-    group_id = other.group_id;
-    name = other.name;
-    location = other.location;
-    ddLocation = other.ddLocation;
-    alert = other.alert;
-    permission = other.permission;
-    marked = other.marked;
-    dataitems = other.dataitems;
+    visitMembers(MemberCopy<Group>{this, &other});
 }
 
 bool PropertyTovikIotGroup::operator==(const PropertyTovikIotGroup& other)
 {
-    if (this == &other)
-        return true;
-    return group_id == other.group_id && name == other.name && location == other.location &&
-           ddLocation == other.ddLocation && alert == other.alert &&
-           permission == other.permission && marked == other.marked && dataitems == other.dataitems;
+    return this == &other || visitMembers(MemberComparison<Group>{this, &other});
 }
 
 bool PropertyTovikIotGroup::operator!=(const PropertyTovikIotGroup& other)
@@ -62,25 +66,19 @@ bool PropertyTovikIotGroup::operator!=(const PropertyTovikIotGroup& other)
 QDataStream& operator<<(QDataStream& stream, const PropertyTovikIotGroup& group)
 {
     RegisterConfigurationStreaming();
-    stream << group.group_id << group.name << group.location << group.ddLocation << group.alert
-           << group.permission << group.marked;
-    return WriteList(stream, group.dataitems);
+    visitMembers(MemberWriter<Group>{stream, group});
+    return stream;
 }
 
 QDataStream& operator>>(QDataStream& stream, PropertyTovikIotGroup& group)
 {
     RegisterConfigurationStreaming();
-    QString buffer;
-    ReadMembers(stream, &group, &buffer);
+    Reading reading;
+    ReadMembers(stream, &group, &reading);
     return stream;
 }
 
-void ReadMembers(QDataStream& stream, PropertyTovikIotGroup* group, QString* buffer)
+void ReadMembers(QDataStream& stream, PropertyTovikIotGroup* group, Reading* reading)
 {
-    ReadText(stream, &group->group_id, buffer);
-    ReadText(stream, &group->name, buffer);
-    ReadText(stream, &group->location, buffer);
-    ReadText(stream, &group->ddLocation, buffer);
-    stream >> group->alert >> group->permission >> group->marked;
-    ReadList(stream, &group->dataitems, smallest_dataitem_record, &PropertyTovikIotDataItem::type);
+    visitMembers(MemberReader<Group>{stream, group, reading});
 }

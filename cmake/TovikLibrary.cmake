@@ -2,6 +2,7 @@
 set(TOVIK_SHARED_SOURCES
   compat/export.h
   compat/serial_port.h
+  compat/time_zone.h
   framework/result_code.h framework/result_code.cpp
   interface/addr_data.h
   interface/data_element_group.h
@@ -9,6 +10,7 @@ set(TOVIK_SHARED_SOURCES
   interface/drv_ethernet.h interface/drv_ethernet.cpp
   interface/drv_interface.h interface/drv_interface.cpp
   interface/drv_serial.h interface/drv_serial.cpp
+  property/checked_value.h property/checked_value.cpp
   property/list_stream.h
   property/members.h
   property/property_tovik_iot.h property/property_tovik_iot.cpp

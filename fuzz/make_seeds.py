@@ -28,6 +28,10 @@ def text(value, order):
         value.encode("utf-16-be" if order == ">" else "utf-16-le")
 
 
+def sized(data, order):
+    return struct.pack(order + "I", len(data)) + data
+
+
 def item(value, order):
     """A stored data item whose value is these bytes, its type's number among them."""
     return (text("Temp", order) + text("X", order) + text("16Bit-INT", order) +
@@ -52,6 +56,29 @@ def variant_values(order):
         "date": tag(14) + struct.pack(order + "q", 2459000),
         "time": tag(15) + struct.pack(order + "I", 1000),
         "datetime": tag(16) + struct.pack(order + "qIb", 2459000, 1000, 1),
+        "offset": tag(16) + struct.pack(order + "qIbi", 2459000, 1000, 2, 3600),
+        "zone": tag(16) + struct.pack(order + "qIb", 2459000, 1000, 3) +
+        text("Europe/Berlin", order),
+        "own_zone": tag(16) + struct.pack(order + "qIb", 2459000, 1000, 3) +
+        text("OffsetFromUtc", order) + text("Own", order) + struct.pack(order + "i", 7200) +
+        text("n", order) + text("O", order) + struct.pack(order + "i", 0) + text("", order),
+        "url": tag(17) + sized(b"https://u@xn--hst-sna.example:8/a%20b?c#d", order),
+        "locale": tag(18) + text("de_AT", order),
+        "rectangle": tag(19) + struct.pack(order + "4i", 1, -2, 3, 4),
+        "rectangle_real": tag(20) + struct.pack(order + "4d", 0.1, -2, 3, 4),
+        "size": tag(21) + struct.pack(order + "2i", 3, -4),
+        "size_real": tag(22) + struct.pack(order + "2d", 0.1, -4),
+        "line": tag(23) + struct.pack(order + "4i", 1, -2, 3, 4),
+        "line_real": tag(24) + struct.pack(order + "4d", 0.1, -2, 3, 4),
+        "point": tag(25) + struct.pack(order + "2i", 70000, -4),
+        "point_real": tag(26) + struct.pack(order + "2d", 0.1, -4),
+        "expression": tag(27) + text("^(\\d{1,3}\\.){3}[^a-z]*$", order) + b"\0\0\0",
+        "wildcard": tag(27) + text("*.[ch]", order) + b"\1\1\0",
+        "uuid": tag(30) + struct.pack(order + "IHH", 1, 2, 3) + b"12345678",
+        "uuid_by_name": tag(1024) + sized(b"QUuid\0", order) +
+        struct.pack(order + "IHH", 1, 2, 3) + b"12345678",
+        "perl_expression": tag(44) + text("(a+)+$", order) + struct.pack(order + "I", 1),
+        "some_bits": tag(13) + struct.pack(order + "I", 11) + b"\x08\x04",
         "hash": tag(28) + count + key + number + text("l", order) + number,
         "null": tag(10, 1) + struct.pack(order + "I", 0xFFFFFFFF),
         # What once took the process with it, or memory without end.
@@ -61,6 +88,8 @@ def variant_values(order):
         "count_of_texts": tag(11) + struct.pack(order + "I", 0x10000000),
         "count_of_list": tag(9) + struct.pack(order + "I", 0x7FFFFFFF),
         "count_of_map": tag(8) + struct.pack(order + "I", 0x7FFFFFFF),
+        "expression_of_copies": tag(27) + text("((a{99}){99}){99}", order) + b"\0\0\0",
+        "expression_ahead": tag(27) + text("(?=" * 30, order) + b"\0\0\0",
         "bits": tag(13) + struct.pack(order + "I", 0x7FFFFFFF),
         "image": tag(70) + struct.pack(order + "I", 1) + b"\x89PNG\r\n\x1a\n",
         "named_zone": tag(16) + struct.pack(order + "qIb", 2459000, 1000, 3) + text("x/y", order),
@@ -69,16 +98,36 @@ def variant_values(order):
     }
 
 
+def values_of_qt3(order):
+    """Values with the numbers of types that Qt 3 had."""
+    def number(kind, form, *fields):
+        return struct.pack(order + "I" + form, kind, *fields)
+    return {
+        "qt3_map": number(1, "I", 1) + text("k", order) + number(16, "i", 7),
+        "qt3_list": number(2, "I", 2) + number(18, "b", 1) + number(19, "d", 0.1),
+        "qt3_texts": number(4, "I", 1) + text("k", order),
+        "qt3_rectangle": number(8, "4i", 1, 2, 3, 4),
+        "qt3_datetime": number(28, "II", 2459000, 1000),
+        "qt3_bytes": number(29, "") + sized(b"ab", order),
+        "qt3_bits": number(30, "IB", 3, 5),
+        "qt3_long": number(33, "q", 5),
+        "qt3_colours": number(12, "I", 0),
+    }
+
+
 def streams():
     for recorded in sorted(RECORDED.glob("*.stream")):
         kind, version, order = recorded.stem.split("-")
-        settings = bytes([int(version[1:]) - 7, 1 if order == "le" else 0, 0])
+        settings = bytes([int(version[1:]) - 1, 1 if order == "le" else 0, 0])
         data = recorded.read_bytes()
         # A part of the large ones: inputs that libFuzzer can change quickly.
         write("stream", recorded.stem, settings + (data[:900] if kind == "plant" else data))
     for order, bit in ((">", 0), ("<", 1)):
         for name, value in variant_values(order).items():
-            write("stream", f"{name}-{'le' if bit else 'be'}", bytes([12, bit, 2]) +
+            write("stream", f"{name}-{'le' if bit else 'be'}", bytes([18, bit, 2]) +
+                  item(value, order))
+        for name, value in values_of_qt3(order).items():
+            write("stream", f"{name}-{'le' if bit else 'be'}", bytes([5, bit, 2]) +
                   item(value, order))
 
 

@@ -12,7 +12,8 @@ namespace fuzz {
 
 namespace {
 
-const int oldest_version = QDataStream::Qt_4_0;
+const int oldest_version = 1;
+const int first_with_whole_numbers = 6; // Qt swaps the halves of 64 bits in streams before it
 const int versions = QDataStream::Qt_5_15 - oldest_version + 1;
 
 /// The settings of a stream that change its bytes.
@@ -62,11 +63,11 @@ QByteArray written(const Record& record, const Format& format)
 
 /// Whether two records written are the same. A hash may hand out its elements in another order each
 /// time, so that for records with one the bytes may stand elsewhere.
-bool isSame(QByteArray once, QByteArray again)
+bool isSame(QByteArray once, QByteArray again, const Format& format)
 {
     if (once == again)
         return true;
-    if (!once.contains(char(QMetaType::QVariantHash)))
+    if (!once.contains(char(QMetaType::QVariantHash)) && format.version >= first_with_whole_numbers)
         return false;
     std::sort(once.begin(), once.end());
     std::sort(again.begin(), again.end());
@@ -113,10 +114,11 @@ void checkRecord(const QByteArray& bytes, const Format& format)
     const QByteArray once = written(first, format);
     const Record second = read<Record>(once, format, &whole);
     require(whole, "what has been read and written is a whole record");
-    require(isSame(once, written(second, format)), "a record that is read again is the same");
+    require(isSame(once, written(second, format), format),
+            "a record that is read again is the same");
     Record copy;
     copy.RenewAllmemeber(second);
-    require(isSame(once, written(copy, format)), "a copy of a record is the same");
+    require(isSame(once, written(copy, format), format), "a copy of a record is the same");
 }
 
 } // namespace

@@ -44,6 +44,7 @@ struct Reading
 {
     /// What Qt reads a text into grows to about twice the text's size; this takes that once.
     QString buffer;
+    ExpressionAllowance expressions;
 };
 
 /// Reads all members; an element's stream operator also registers, which a list does once.
@@ -108,7 +109,7 @@ struct MemberReader
         // An empty text occupies nothing, and a null one stays null.
         *text = read.isEmpty() ? read : QString(read.constData(), read.size());
     }
-    void read(QVariant* value) const { ReadValue(stream, value); }
+    void read(QVariant* value) const { ReadValue(stream, value, &reading->expressions); }
     void read(QList<PropertyTovikIotDataItem>* items) const
     {
         // Three texts, three numbers, a variant's type, two flags.

@@ -10,12 +10,15 @@ enum Form
 {
     refused,
     plain,
+    checked,
     texts,
     list,
     map,
     hash
 };
 
+/// Of the types that Qt Core can stream, all but easing curves, JSON, CBOR and lists of byte
+/// arrays.
 Form formOf(int type)
 {
     switch (type) {
@@ -27,121 +30,141 @@ Form formOf(int type)
         return map;
     case QMetaType::QVariantHash:
         return hash;
-    case QMetaType::Bool:
-    case QMetaType::Char:
-    case QMetaType::UChar:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Float:
-    case QMetaType::Double:
-    case QMetaType::QChar:
-    case QMetaType::QString:
-    case QMetaType::QByteArray:
-    case QMetaType::QDate:
-    case QMetaType::QTime:
-        return plain;
-    default: // Qt 4 has no signed char
-        return type == QMetaType::type("signed char") ? plain : refused;
+    case QMetaType::QBitArray:
+    case QMetaType::QDateTime:
+    case QMetaType::QUrl:
+    case QMetaType::QRegExp:
+        return checked;
+    default:
+        break;
     }
+    const bool is_plain = (type >= QMetaType::Bool && type <= QMetaType::QRegExp) ||
+                          (type >= QMetaType::Long && type <= QMetaType::Float) ||
+                          // By name: Qt 4 does not have these, or not without its host's help.
+                          type == QMetaType::type("signed char") ||
+                          type == QMetaType::type("QUuid") ||
+                          type == QMetaType::type("QRegularExpression");
+    return is_plain ? plain : refused;
 }
 
-/// The type of a number in the stream. Streams of Qt 4 count the types from `void*` on from another
-/// number than Qt 5 does; Qt 4 itself reads no others.
-int readType(QDataStream& stream)
+const int no_type = -1;
+
+/// The type of a number in a stream of Qt 3, as Qt 4 and 5 read it: three numbers are none to them.
+/// Types of a user interface are left out.
+int typeOfQt3(quint32 number)
+{
+    static const signed char types[] = {0,  8,  9,  10, 11, -1, -1, -1, 19, 21, -1, -1,
+                                        0,  -1, 25, -1, 2,  3,  1,  6,  0,  -1, -1, -1,
+                                        -1, -1, 14, 15, 16, 12, 13, -1, -1, 4,  5};
+    return number < sizeof types ? types[number] : no_type;
+}
+
+/// Reads the number of a type and, where the version has one, the null flag. Streams of Qt 4 count
+/// the types from `void*` on from another number than Qt 5 does, and Qt 4 itself reads no others;
+/// a type that is not Qt's own, such as a UUID in Qt 4, is one number and a name behind the flag.
+int readType(QDataStream& stream, bool* null_flag)
 {
     const int first_version_of_qt5 = 13;
     const quint32 first_moved = 128;
     const quint32 moved_by = first_moved - quint32(QMetaType::VoidStar);
+    const bool is_of_qt5 = stream.version() >= first_version_of_qt5;
     quint32 number = 0;
     stream >> number;
-    const bool is_moved = number >= first_moved && stream.version() < first_version_of_qt5;
-    return int(is_moved ? number - moved_by : number);
+    qint8 flag = 0;
+    if (stream.version() >= QDataStream::Qt_4_2)
+        stream >> flag;
+    *null_flag = flag != 0;
+    if (stream.version() < QDataStream::Qt_4_0)
+        return typeOfQt3(number);
+    if (number == (is_of_qt5 ? 1024u : 127u)) {
+        QByteArray name;
+        stream >> name;
+        const int type = QMetaType::type(name.constData());
+        return type != 0 ? type : no_type;
+    }
+    return int(number >= first_moved && !is_of_qt5 ? number - moved_by : number);
 }
 
-void readValue(QDataStream& stream, QVariant* value, int depth);
+void readValue(QDataStream& stream, QVariant* value, int depth, ExpressionAllowance* expressions);
 
-void readElement(QDataStream& stream, QStringList* elements, int)
+void readElement(QDataStream& stream, QStringList* elements, int, ExpressionAllowance*)
 {
     elements->append(QString());
     stream >> elements->last();
 }
 
-void readElement(QDataStream& stream, QVariantList* elements, int depth)
+void readElement(QDataStream& stream, QVariantList* elements, int depth,
+                 ExpressionAllowance* expressions)
 {
     elements->append(QVariant());
-    readValue(stream, &elements->last(), depth + 1);
+    readValue(stream, &elements->last(), depth + 1, expressions);
 }
 
 template <typename Map>
-void readElement(QDataStream& stream, Map* elements, int depth)
+void readElement(QDataStream& stream, Map* elements, int depth, ExpressionAllowance* expressions)
 {
     QString key;
     stream >> key;
-    readValue(stream, &(*elements)[key], depth + 1);
+    readValue(stream, &(*elements)[key], depth + 1, expressions);
 }
 
 /// No room is made for the count: it says nothing until the elements come.
 template <typename Elements>
-void readElements(QDataStream& stream, QVariant* value, int depth)
+bool readElements(QDataStream& stream, QVariant* value, int depth, ExpressionAllowance* expressions)
 {
     Elements* elements = static_cast<Elements*>(value->data());
     quint32 count = 0;
     stream >> count;
     for (quint32 i = 0; i < count && !stream.atEnd(); ++i)
-        readElement(stream, elements, depth);
+        readElement(stream, elements, depth, expressions);
+    return true;
 }
 
 /// What stands behind the type and the null flag. \a value is of the type, and empty.
-void readContent(QDataStream& stream, QVariant* value, int depth)
+/// \return whether it is a value
+bool readContent(QDataStream& stream, QVariant* value, int depth, ExpressionAllowance* expressions)
 {
     switch (formOf(value->userType())) {
+    case checked:
+        return ReadChecked(stream, value, expressions);
     case texts:
-        return readElements<QStringList>(stream, value, depth);
+        return readElements<QStringList>(stream, value, depth, expressions);
     case list:
-        return readElements<QVariantList>(stream, value, depth);
+        return readElements<QVariantList>(stream, value, depth, expressions);
     case map:
-        return readElements<QVariantMap>(stream, value, depth);
+        return readElements<QVariantMap>(stream, value, depth, expressions);
     case hash:
-        return readElements<QVariantHash>(stream, value, depth);
-    case plain:
-    case refused:
-        break;
+        return readElements<QVariantHash>(stream, value, depth, expressions);
+    default:
+        return QMetaType::load(stream, value->userType(), value->data());
     }
-    QMetaType::load(stream, value->userType(), value->data());
 }
 
-void readValue(QDataStream& stream, QVariant* value, int depth)
+void readValue(QDataStream& stream, QVariant* value, int depth, ExpressionAllowance* expressions)
 {
     value->clear();
-    const int type = readType(stream);
-    qint8 null_flag = 0;
-    if (stream.version() >= QDataStream::Qt_4_2)
-        stream >> null_flag;
+    bool null_flag = false;
+    const int type = readType(stream, &null_flag);
     if (type == QVariant::Invalid) {
         QString nothing; // Qt 4 writes a text behind an invalid variant
         if (stream.version() <= QDataStream::Qt_4_8)
             stream >> nothing;
         return;
     }
-    if (formOf(type) == refused || depth > deepest_value) {
-        stream.setStatus(QDataStream::ReadCorruptData);
-        return;
-    }
+    const bool is_known = formOf(type) != refused && depth <= deepest_value;
     // The one constructor gives a variant that is null, the other one that is not.
-    *value = null_flag != 0 ? QVariant(QVariant::Type(type))
-                            : QVariant(type, static_cast<const void*>(0));
-    readContent(stream, value, depth);
+    if (is_known)
+        *value = null_flag ? QVariant(QVariant::Type(type))
+                           : QVariant(type, static_cast<const void*>(0));
+    if (is_known && readContent(stream, value, depth, expressions))
+        return;
+    value->clear();
+    stream.setStatus(QDataStream::ReadCorruptData);
 }
 
 } // namespace
 
-void ReadValue(QDataStream& stream, QVariant* value)
+void ReadValue(QDataStream& stream, QVariant* value, ExpressionAllowance* expressions)
 {
-    readValue(stream, value, 0);
+    readValue(stream, value, 0, expressions);
 }

@@ -67,6 +67,8 @@ private Q_SLOTS:
     void ethernetHasNoBroadcast();
     void silenceAfterASilentDevice();
     void silenceAfterADamagedAnswer();
+    void silenceAfterASilentDeviceOnASlowLine();
+    void silenceAfterATransparentRequest();
     void silenceBetweenRequests();
     void stoppedWhileListening();
     void noisyLineIsGivenUp();
@@ -179,6 +181,33 @@ void TestModbusDriverSerial::silenceAfterADamagedAnswer()
     QVERIFY(bench.host->read(readOf("4x1", 4)).status != Ok);
     COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
     QVERIFY(requests->second() - requests->first() >= 2 * short_timeout - 2);
+}
+
+/// 3.5 characters at 300 baud are longer than the response time. Before them the first request has
+/// that and the time of 17 characters: 10, 566 and 116 ms.
+void TestModbusDriverSerial::silenceAfterASilentDeviceOnASlowLine()
+{
+    ModbusBench bench(Transport::Rtu);
+    QVERIFY(bench.connectLink());
+    bench.serial.setBaudRate(BAUD300);
+    bench.setResponseTimeout(10);
+    const std::shared_ptr<Arrivals> requests = recordArrivals(&bench, QByteArray());
+    COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, NoAnswerInTime);
+    COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
+    QVERIFY(requests->second() - requests->first() >= 690);
+}
+
+void TestModbusDriverSerial::silenceAfterATransparentRequest()
+{
+    ModbusBench bench(Transport::Rtu);
+    QVERIFY(bench.connectLink());
+    bench.setResponseTimeout(short_timeout);
+    recordArrivals(&bench, QByteArray());
+    bench.driver->RunTransparentRequest(rtuFrame(1, hex("0300000002")));
+    QElapsedTimer silence;
+    silence.start();
+    COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
+    QVERIFY(silence.elapsed() >= short_timeout - 2);
 }
 
 /// 3.5 characters at 300 baud are 116 ms.

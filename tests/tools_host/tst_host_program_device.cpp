@@ -108,6 +108,9 @@ void TestHostProgramDevice::explainsMissingValues_data()
         "the request could not be built, or the answer had the wrong length (0x20010003); does");
     row("the driver's own code", "code:400B0101",
         "driver's code 0x400B0101; what it means, the driver's documentation says");
+    row("in the driver's words", "code:400B0301", "no echo here (0x400B0301)\n");
+    row("in its words for many codes", "code:400B0402",
+        "the wall refuses with code 2 (0x400B0402)\n");
     row("no answer of the driver", "mute", "the driver does not answer; a driver of a device");
     row("too few bytes", "hex:05", "the driver's bytes [05] are no 16Bit-UINT");
     row("lost connection", "close",

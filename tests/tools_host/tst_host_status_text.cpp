@@ -13,6 +13,7 @@ private Q_SLOTS:
     void saysWhatAStatusMeans();
     void saysWhatADevicesStatusMeans_data();
     void saysWhatADevicesStatusMeans();
+    void saysItInTheDriversWords();
     void namesACodeOnce();
 };
 
@@ -73,6 +74,17 @@ void TestHostStatusText::saysWhatADevicesStatusMeans()
     QFETCH(int, status);
     QFETCH(QString, text);
     QCOMPARE(statusText(status, StatusOf::device), text);
+}
+
+void TestHostStatusText::saysItInTheDriversWords()
+{
+    const result_code::Words words[] = {{7, 7, "no such register"}, {0, 0, nullptr}};
+    const StatusOf whose = StatusOf::deviceWith(words);
+    QCOMPARE(statusText(7, whose), QStringLiteral("no such register"));
+    QCOMPARE(statusTextWithCode(7, whose), QStringLiteral("no such register (0x00000007)"));
+    QCOMPARE(statusText(8, whose), QStringLiteral("driver's code 0x00000008"));
+    QCOMPARE(statusText(0x1002, whose), QStringLiteral("stopped"));
+    QCOMPARE(statusText(0, whose), QStringLiteral("ok"));
 }
 
 void TestHostStatusText::namesACodeOnce()

@@ -19,22 +19,19 @@ DeviceConfig configFor(const CommonOptions& common, const QStringList& addresses
 }
 
 /// What a user can try first.
-QString adviceFor(int status, const DeviceConfig& config)
+QString adviceFor(const Answer& answer, const DeviceConfig& config)
 {
-    switch (status) {
-    case 0x400A0000:
+    switch (answer.status) {
+    case result_code::no_answer_in_time:
         return QStringLiteral("; are station, link settings and --response-timeout (%1 ms) right?")
             .arg(config.settings.response_timeout);
-    case 0x20010003:
+    case result_code::invalid_length:
         return QStringLiteral("; does the driver know this address, and is the type right? "
                               "--verbose shows its log");
-    case 0x1002:
-    case 0x2002:
-    case 0x400A0002:
-    case offline_status:
-        return QString();
     default:
-        return QStringLiteral("; what it means, the driver's documentation says");
+        return answer.status_of.wordsFor(answer.status).isEmpty()
+                   ? QStringLiteral("; what it means, the driver's documentation says")
+                   : QString();
     }
 }
 
@@ -73,8 +70,8 @@ QString DevicePlace::failureOf(const DeviceAnswer& answer) const
     }
     if (status == 0)
         return QString();
-    return statusTextWithCode(status, StatusOf::device) +
-           (answer.link_problem.isEmpty() ? adviceFor(status, config)
+    return statusTextWithCode(status, answer.answer.status_of) +
+           (answer.link_problem.isEmpty() ? adviceFor(answer.answer, config)
                                           : QStringLiteral(": ") + answer.link_problem);
 }
 

@@ -34,7 +34,8 @@ void printJson(DevicePlace& place, const QByteArray& request, const Answer& answ
 /// Why there is no answer; what a silent device means is different here from a read.
 QString problemOf(const DevicePlace& place, const DeviceAnswer& answer)
 {
-    const bool silent = answer.answer.arrived && answer.answer.status == 0x400A0000;
+    const bool silent =
+        answer.answer.arrived && answer.answer.status == result_code::no_answer_in_time;
     if (!silent || !answer.link_problem.isEmpty() || place.unix_signals.endRequested())
         return place.failureOf(answer);
     return QStringLiteral("no complete answer within the budget of %1 ms; is the frame complete, "

@@ -135,7 +135,7 @@ DeviceAnswer DeviceSession::askOnOpenLink(const std::function<void()>& request)
 DeviceAnswer DeviceSession::ask(const std::function<void()>& request)
 {
     answer_ = Answer();
-    answer_.status_of = StatusOf::device;
+    answer_.status_of = StatusOf::deviceWith(plugin_.resultCodes());
     if (!stopped_)
         request();
     const bool lost = answer_.status != 0 && !link_->isUp();

@@ -45,6 +45,9 @@ Plugin::Plugin(const QString& path) : path_(path)
     }
     factory_ = entryPoint<Factory>(library, "create_drvlib", path);
     version_ = entryPoint<Version>(library, "drv_version", path);
+    const auto result_codes =
+        reinterpret_cast<decltype(&drv_result_codes)>(dlsym(library, "drv_result_codes"));
+    result_codes_ = result_codes ? result_codes() : nullptr;
 }
 
 Plugin Plugin::loadFirst(const QStringList& candidates)

@@ -1,6 +1,8 @@
 #ifndef TOOLS_HOST_PLUGIN_H
 #define TOOLS_HOST_PLUGIN_H
 
+#include "framework/result_code.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -10,7 +12,7 @@ class DrvSerial;
 
 namespace tovik_host {
 
-/// A driver library, loaded by path; known by its two entry points only.
+/// A driver library, loaded by path; known by its entry points only.
 ///
 /// It stays loaded to the end of the process: Qt keeps functions of it.
 class Plugin
@@ -30,6 +32,8 @@ public:
     QString path() const { return path_; }
     /// The driver's version as "major.minor.patch".
     QString versionText() const;
+    /// Words for the driver's own result codes; null if the library brings none.
+    const result_code::Words* resultCodes() const { return result_codes_; }
     /// A new driver, owned by the caller; null if the library makes none.
     /// \param name the driver's name, null or alive as long as the driver
     /// \param serial, ethernet the link: one of them, or for a cloud driver \a ethernet
@@ -42,6 +46,7 @@ private:
     QString path_;
     Factory factory_ = nullptr;
     Version version_ = nullptr;
+    const result_code::Words* result_codes_ = nullptr;
 };
 
 } // namespace tovik_host

@@ -8,39 +8,16 @@ const quint32 driver_error = 0x400F0000;
 const int client_failure = 256;
 const int client_failure_status = 0x400F0256;
 
-/// A code of the framework; all others are the driver's own.
-struct DeviceCode
-{
-    int status;
-    const char* text;
-};
-
-const DeviceCode device_codes[] = {
-    {0x1002, "stopped"},
-    {0x2002, "unit not served"},
-    {0x400A0000, "the device did not answer in time"},
-    {0x400A0002, "receiving failed"},
-    {offline_status, "offline: no link to the device, or not supported"},
-    {0x20010003, "the request could not be built, or the answer had the wrong length"},
-};
-
-QString deviceText(int status)
-{
-    for (const DeviceCode& code : device_codes) {
-        if (code.status == status)
-            return QString::fromLatin1(code.text);
-    }
-    return QStringLiteral("driver's code %1").arg(statusCode(status));
-}
-
 } // namespace
 
 QString statusText(int status, StatusOf whose)
 {
     if (status == 0)
         return QStringLiteral("ok");
-    if (whose == StatusOf::device)
-        return deviceText(status);
+    if (whose.isDevice()) {
+        const QString words = whose.wordsFor(status);
+        return words.isEmpty() ? QStringLiteral("driver's code %1").arg(statusCode(status)) : words;
+    }
     const quint32 bits = static_cast<quint32>(status);
     bool is_decimal = false;
     const int result = QString::number(bits & 0xFFFF, 16).toInt(&is_decimal, 10);
@@ -63,7 +40,7 @@ QString statusTextWithCode(int status, StatusOf whose)
 {
     const QString words = statusText(status, whose);
     const QString code = statusCode(status);
-    if (status == 0 || (whose == StatusOf::device && words.endsWith(code)))
+    if (status == 0 || (whose.isDevice() && words.endsWith(code)))
         return words;
     return QStringLiteral("%1 (%2)").arg(words, code);
 }

@@ -1,19 +1,49 @@
 #ifndef TOOLS_HOST_STATUS_TEXT_H
 #define TOOLS_HOST_STATUS_TEXT_H
 
+#include "framework/result_code.h"
+
 #include <QString>
 
 namespace tovik_host {
 
 /// Whose status it is: the same number says different things.
-enum class StatusOf
+class StatusOf
 {
-    service, ///< Of a cloud driver.
-    device   ///< Of a driver on the framework.
+public:
+    static const StatusOf service; ///< Of a cloud driver.
+    static const StatusOf device;  ///< Of a driver on the framework, without words of its own.
+
+    /// Of a driver on the framework that has \a words of its own, or null.
+    static constexpr StatusOf deviceWith(const result_code::Words* words)
+    {
+        return StatusOf(true, words);
+    }
+
+    bool isDevice() const { return is_device_; }
+    /// What a device's status says; empty if neither the driver nor the framework has words for it.
+    QString wordsFor(int status) const { return result_code::textOf(status, words_); }
+
+    bool operator==(const StatusOf& other) const
+    {
+        return is_device_ == other.is_device_ && words_ == other.words_;
+    }
+
+private:
+    constexpr StatusOf(bool is_device, const result_code::Words* words)
+        : is_device_(is_device),
+          words_(words)
+    {}
+
+    bool is_device_;
+    const result_code::Words* words_;
 };
 
-/// What the framework's drivers report for a link that is not open.
-const int offline_status = 0x400CFFFF;
+inline constexpr StatusOf StatusOf::service{false, nullptr};
+inline constexpr StatusOf StatusOf::device{true, nullptr};
+
+/// What the tool reports for a link that is not open.
+const int offline_status = result_code::not_supported;
 
 /// The status of an answer in words: "ok", "service error 3", or what else it says.
 QString statusText(int status, StatusOf whose = StatusOf::service);

@@ -1,14 +1,15 @@
 #include "tests/tools_host/echo_driver/echo_driver.h"
 
+#include "framework/result_code.h"
+
 #include <QDebug>
 #include <QElapsedTimer>
 #include <QThread>
 
+using namespace result_code;
+
 namespace {
 
-const int stopped = 0x1002;
-const int no_answer_in_time = 0x400A0000;
-const int receive_failed = 0x400A0002;
 const int turn = 10;
 
 } // namespace

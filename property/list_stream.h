@@ -104,10 +104,10 @@ struct MemberReader
     }
     void read(QString* text) const
     {
-        stream >> reading->buffer;
-        const QString& read = reading->buffer;
+        QString& buffer = reading->buffer;
+        stream >> buffer;
         // An empty text occupies nothing, and a null one stays null.
-        *text = read.isEmpty() ? read : QString(read.constData(), read.size());
+        *text = buffer.isEmpty() ? buffer : QString(buffer.constData(), buffer.size());
     }
     void read(QVariant* value) const { ReadValue(stream, value, &reading->expressions); }
     void read(QList<PropertyTovikIotDataItem>* items) const

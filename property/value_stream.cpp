@@ -122,9 +122,10 @@ bool readElements(QDataStream& stream, QVariant* value, int depth, ExpressionAll
 
 /// What stands behind the type and the null flag. \a value is of the type, and empty.
 /// \return whether it is a value
-bool readContent(QDataStream& stream, QVariant* value, int depth, ExpressionAllowance* expressions)
+bool readContent(QDataStream& stream, QVariant* value, Form form, int depth,
+                 ExpressionAllowance* expressions)
 {
-    switch (formOf(value->userType())) {
+    switch (form) {
     case checked:
         return ReadChecked(stream, value, expressions);
     case texts:
@@ -151,12 +152,13 @@ void readValue(QDataStream& stream, QVariant* value, int depth, ExpressionAllowa
             stream >> nothing;
         return;
     }
-    const bool is_known = formOf(type) != refused && depth <= deepest_value;
+    const Form form = formOf(type);
+    const bool is_known = form != refused && depth <= deepest_value;
     // The one constructor gives a variant that is null, the other one that is not.
     if (is_known)
         *value = null_flag ? QVariant(QVariant::Type(type))
                            : QVariant(type, static_cast<const void*>(0));
-    if (is_known && readContent(stream, value, depth, expressions))
+    if (is_known && readContent(stream, value, form, depth, expressions))
         return;
     value->clear();
     stream.setStatus(QDataStream::ReadCorruptData);

@@ -29,7 +29,7 @@ QObject* holderOfBody(QNetworkReply* reply)
 bool handOverBody(QNetworkReply* reply, qint64 size)
 {
     QObject* holder = holderOfBody(reply);
-    // Queued: behind the start of the request, which post() has queued likewise.
+    // Queued: after the start of the request, which post() has queued likewise.
     return holder && QMetaObject::invokeMethod(holder, "wantUploadDataSlot", Qt::QueuedConnection,
                                                Q_ARG(qint64, size));
 }

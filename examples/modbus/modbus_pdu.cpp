@@ -94,9 +94,8 @@ int answerPduSize(const PduRequest& request)
 int checkAnswerPdu(const PduRequest& request, const QByteArray& pdu)
 {
     const int function = byteAt(pdu, 0);
-    if (function == (request.operation->function | exception_flag)) {
+    if (function == (request.operation->function | exception_flag))
         return pdu.size() == exception_pdu_size ? Exception + byteAt(pdu, 1) : int(BadAnswerLength);
-    }
     if (function != request.operation->function)
         return OtherFunction;
     if (pdu.size() != answerPduSize(request))

@@ -176,7 +176,7 @@ void TestTovikIotWrites::nextGoesWhenTheOneBeforeIsAnswered()
     write(0);
     write(1);
     QTRY_COMPARE(writes().size(), 1);
-    // The connection of a read is made behind that of a second write, if there were one.
+    // The connection of a read is made after that of a second write, if there were one.
     call("SlotMonitorTimeOut");
     QTRY_COMPARE(service_->requests().size(), 2);
     QCOMPARE(writes(), bodiesOf(1));

@@ -154,7 +154,7 @@ void TestDriverBasicDevices::closedBeforeTheRequest()
     verifyRecovery(&bench);
 }
 
-// What has come is the answer, even if the device ended the connection behind it.
+// What has come is the answer, even if the device ended the connection after it.
 void TestDriverBasicDevices::closedInTransparentMode()
 {
     DriverBench bench(ScriptedDevice::Line::Tcp);

@@ -32,7 +32,7 @@ struct ScriptedReply
     };
 
     Action action = Answer;
-    QByteArray bytes; ///< Sent as they are; the connection is closed behind them.
+    QByteArray bytes; ///< Sent as they are; the connection is closed after them.
 
     /// A well-formed answer with status 200.
     static ScriptedReply json(const QByteArray& body);

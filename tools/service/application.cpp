@@ -12,16 +12,16 @@ namespace tovik_service {
 
 Application::Application(const Options& options, plant::Project project)
     : options_(options),
-      log_(options.logFile, options.verbose),
-      plant_(std::move(project), options.writeHold),
-      tokens_(options.tokenLifetime),
+      log_(options.log_file, options.verbose),
+      plant_(std::move(project), options.write_hold),
+      tokens_(options.token_lifetime),
       tls_(makeTls()),
       service_(plant_, tokens_, faults_, requests_, log_),
-      servicePort_(service_.engine(), tls_.get(), options.host, options.port, log_),
+      service_port_(service_.engine(), tls_.get(), options.host, options.port, log_),
       control_(controlTargets()),
-      controlPort_(control_.engine(), nullptr, options.controlHost, options.controlPort, log_)
+      control_port_(control_.engine(), nullptr, options.control_host, options.control_port, log_)
 {
-    servicePort_.setRefusing([this] { return faults_.isRefusing(); });
+    service_port_.setRefusing([this] { return faults_.isRefusing(); });
 }
 
 void Application::start()
@@ -31,12 +31,11 @@ void Application::start()
         const int id = faults_.add(faults::parseFault(text));
         log_.note("fault " + std::to_string(id) + " added, " + text);
     }
-    if (!options_.saveCertificateFile.empty()) {
-        writeAtomically(options_.saveCertificateFile, tls_->certificatesPem());
-    }
+    if (!options_.save_certificate_file.empty())
+        writeAtomically(options_.save_certificate_file, tls_->certificatesPem());
     withdrawAddresses();
-    servicePort_.start();
-    controlPort_.start();
+    service_port_.start();
+    control_port_.start();
     announce();
 }
 
@@ -44,22 +43,21 @@ void Application::stop()
 {
     log_.note("stopping");
     withdrawAddresses();
-    controlPort_.stop();
-    servicePort_.stop();
+    control_port_.stop();
+    service_port_.stop();
     log_.note("stopped");
 }
 
 std::unique_ptr<http::TlsContext> Application::makeTls()
 {
-    if (options_.plainHttp) {
+    if (options_.plain_http)
         return nullptr;
-    }
     http::TlsSettings settings;
     settings.host = options_.host;
-    settings.keyType = options_.keyType == "p256" ? http::KeyType::P256 : http::KeyType::Rsa2048;
-    settings.version = options_.tlsVersion;
-    settings.certificateFile = options_.certificateFile;
-    settings.keyFile = options_.keyFile;
+    settings.key_type = options_.key_type == "p256" ? http::KeyType::P256 : http::KeyType::Rsa2048;
+    settings.version = options_.tls_version;
+    settings.certificate_file = options_.certificate_file;
+    settings.key_file = options_.key_file;
     settings.choose = [this] { return chooseCertificate(); };
     return std::make_unique<http::TlsContext>(std::move(settings));
 }
@@ -67,9 +65,8 @@ std::unique_ptr<http::TlsContext> Application::makeTls()
 http::CertificateChoice Application::chooseCertificate()
 {
     const faults::FaultPointer fault = faults_.takeForHandshake();
-    if (!fault) {
+    if (!fault)
         return http::CertificateChoice::Good;
-    }
     log_.note("handshake: fault " + std::to_string(fault->id) + " applied, " + fault->spec.text);
     return fault->spec.kind() == faults::FaultKind::Expired ? http::CertificateChoice::Expired
                                                             : http::CertificateChoice::WrongHost;
@@ -78,22 +75,22 @@ http::CertificateChoice Application::chooseCertificate()
 control::ControlTargets Application::controlTargets()
 {
     return {plant_, tokens_,      faults_,         requests_,
-            log_,   serviceUrl(), tls_ != nullptr, [this] { servicePort_.applyRefusing(); }};
+            log_,   serviceUrl(), tls_ != nullptr, [this] { service_port_.applyRefusing(); }};
 }
 
 std::string Application::serviceUrl() const
 {
-    return (tls_ ? "https://" : "http://") + http::hostAndPort(options_.host, servicePort_.port());
+    return (tls_ ? "https://" : "http://") + http::hostAndPort(options_.host, service_port_.port());
 }
 
 // Beyond this computer nobody is let in without a token.
 void Application::admit()
 {
-    control::ControlAccess access{options_.controlHost, controlPort_.isLoopback(),
-                                  options_.controlToken, controlPort_.address()};
+    control::ControlAccess access{options_.control_host, control_port_.isLoopback(),
+                                  options_.control_token, control_port_.address()};
     if (!access.loopback && access.token.empty()) {
-        newToken_ = plant::randomToken();
-        access.token = newToken_;
+        new_token_ = plant::randomToken();
+        access.token = new_token_;
     }
     control_.setAccess(access);
 }
@@ -101,39 +98,35 @@ void Application::admit()
 // "All addresses" is a place to listen at, not one to go to.
 std::string Application::controlUrl() const
 {
-    const std::string address = controlPort_.address();
+    const std::string address = control_port_.address();
     const std::string reachable = address == "0.0.0.0" ? "127.0.0.1"
                                   : address == "::"    ? "::1"
                                                        : address;
-    return "http://" + http::hostAndPort(reachable, controlPort_.port());
+    return "http://" + http::hostAndPort(reachable, control_port_.port());
 }
 
 // An address that outlives the service sends clients to somebody else's port.
 void Application::withdrawAddresses()
 {
-    for (const std::string& file : {options_.controlFile, options_.urlFile}) {
+    for (const std::string& file : {options_.control_file, options_.url_file}) {
         std::error_code ignored;
-        if (!file.empty()) {
+        if (!file.empty())
             std::filesystem::remove(file, ignored);
-        }
     }
 }
 
 void Application::announce()
 {
     const std::string control = controlUrl();
-    if (!options_.controlFile.empty()) {
-        writeAtomically(options_.controlFile, control + "\n");
-    }
-    if (!options_.urlFile.empty()) {
-        writeAtomically(options_.urlFile, serviceUrl() + "\n");
-    }
+    if (!options_.control_file.empty())
+        writeAtomically(options_.control_file, control + "\n");
+    if (!options_.url_file.empty())
+        writeAtomically(options_.url_file, serviceUrl() + "\n");
     log_.note("started, " + serviceUrl() + ", control " + control);
     std::cout << "Service: " << serviceUrl() << "\nControl: " << control
               << "\nDashboard: " << control << "/\n";
-    if (!newToken_.empty()) {
-        std::cout << "Control token: " << newToken_ << '\n';
-    }
+    if (!new_token_.empty())
+        std::cout << "Control token: " << new_token_ << '\n';
     std::cout.flush();
 }
 

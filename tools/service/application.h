@@ -41,10 +41,10 @@ private:
     http::RequestLog requests_;
     std::unique_ptr<http::TlsContext> tls_;
     http::ServiceFront service_;
-    http::FrontEnd servicePort_;
+    http::FrontEnd service_port_;
     control::ControlApi control_;
-    http::FrontEnd controlPort_;
-    std::string newToken_; ///< of the control port, made because nobody gave one
+    http::FrontEnd control_port_;
+    std::string new_token_; ///< of the control port, made because nobody gave one
 };
 
 } // namespace tovik_service

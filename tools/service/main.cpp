@@ -23,10 +23,10 @@ int run(const tovik_service::Options& options)
 {
     using namespace tovik_service;
     try {
-        plant::Project project = plant::loadProject(options.projectFile);
-        if (options.checkOnly) {
-            std::cout << options.projectFile << ": good\n";
-            return exitSuccess;
+        plant::Project project = plant::loadProject(options.project_file);
+        if (options.check_only) {
+            std::cout << options.project_file << ": good\n";
+            return exit_success;
         }
         const sigset_t signals = blockEndingSignals();
         Application application(options, std::move(project));
@@ -36,12 +36,12 @@ int run(const tovik_service::Options& options)
         application.stop();
     } catch (const plant::ProjectError& error) {
         std::cerr << "tovik-cloud: " << error.what() << '\n';
-        return exitUsage;
+        return exit_usage;
     } catch (const std::exception& error) {
         std::cerr << "tovik-cloud: " << error.what() << '\n';
-        return exitFailure;
+        return exit_failure;
     }
-    return exitSuccess;
+    return exit_success;
 }
 
 } // namespace
@@ -49,5 +49,5 @@ int run(const tovik_service::Options& options)
 int main(int argc, char** argv)
 {
     const tovik_service::ParsedOptions parsed = tovik_service::parseOptions(argc, argv);
-    return parsed.exitCode ? *parsed.exitCode : run(parsed.options);
+    return parsed.exit_code ? *parsed.exit_code : run(parsed.options);
 }

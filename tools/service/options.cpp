@@ -45,7 +45,7 @@ void addNetworkOptions(CLI::App& app, Options& options)
         ->type_name("PORT")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    app.add_option("--url-file", options.urlFile, "Write the URL of the service to this file")
+    app.add_option("--url-file", options.url_file, "Write the URL of the service to this file")
         ->group(group)
         ->type_name("FILE")
         ->check(notEmpty());
@@ -54,23 +54,23 @@ void addNetworkOptions(CLI::App& app, Options& options)
 void addControlOptions(CLI::App& app, Options& options)
 {
     const std::string group = "Control API and dashboard";
-    app.add_option("--control-host", options.controlHost,
+    app.add_option("--control-host", options.control_host,
                    "Address for control; beyond this computer every request needs a token")
         ->group(group)
         ->type_name("HOST")
         ->capture_default_str();
-    app.add_option("--control-port", options.controlPort, "Port for control, 0 for a free one")
+    app.add_option("--control-port", options.control_port, "Port for control, 0 for a free one")
         ->group(group)
         ->type_name("PORT")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    app.add_option("--control-token-file", options.controlTokenFile,
+    app.add_option("--control-token-file", options.control_token_file,
                    "Every control request needs the token in this file (a new one, which is "
                    "printed, if the address is not of this computer alone)")
         ->group(group)
         ->type_name("FILE")
         ->check(notEmpty());
-    app.add_option("--control-file", options.controlFile,
+    app.add_option("--control-file", options.control_file,
                    "Write the URL of the control API to this file")
         ->group(group)
         ->type_name("FILE")
@@ -80,19 +80,19 @@ void addControlOptions(CLI::App& app, Options& options)
 void addTlsOptions(CLI::App& app, Options& options)
 {
     const std::string group = "TLS";
-    auto* http = app.add_flag("--http", options.plainHttp, "Plain HTTP without TLS")->group(group);
-    app.add_option("--tls", options.tlsVersion, "Only this TLS version: 1.2 or 1.3")
+    auto* http = app.add_flag("--http", options.plain_http, "Plain HTTP without TLS")->group(group);
+    app.add_option("--tls", options.tls_version, "Only this TLS version: 1.2 or 1.3")
         ->group(group)
         ->check(CLI::IsMember({"1.2", "1.3"}))
         ->excludes(http);
-    app.add_option("--key-type", options.keyType, "Key of the self-made certificates: rsa or p256")
+    app.add_option("--key-type", options.key_type, "Key of the self-made certificates: rsa or p256")
         ->group(group)
         ->check(CLI::IsMember({"rsa", "p256"}))
         ->capture_default_str()
         ->excludes(http);
-    auto* certificate = app.add_option("--cert", options.certificateFile,
+    auto* certificate = app.add_option("--cert", options.certificate_file,
                                        "Certificate chain to show instead, PEM; needs --key");
-    auto* key = app.add_option("--key", options.keyFile, "Key of that certificate, PEM");
+    auto* key = app.add_option("--key", options.key_file, "Key of that certificate, PEM");
     certificate->group(group)
         ->type_name("PEM")
         ->check(CLI::ExistingFile)
@@ -103,7 +103,7 @@ void addTlsOptions(CLI::App& app, Options& options)
         ->check(CLI::ExistingFile)
         ->excludes(http)
         ->needs(certificate);
-    app.add_option("--save-cert", options.saveCertificateFile,
+    app.add_option("--save-cert", options.save_certificate_file,
                    "Write all certificates that can be shown to this PEM file, for clients that "
                    "shall trust them")
         ->group(group)
@@ -115,11 +115,12 @@ void addTlsOptions(CLI::App& app, Options& options)
 void addBehaviourOptions(CLI::App& app, Options& options)
 {
     const std::string group = "Behaviour";
-    app.add_option("--token-lifetime", options.tokenLifetime, "Tokens expire after SECONDS (never)")
+    app.add_option("--token-lifetime", options.token_lifetime,
+                   "Tokens expire after SECONDS (never)")
         ->group(group)
         ->type_name("SECONDS")
         ->check(CLI::PositiveNumber);
-    app.add_option("--write-hold", options.writeHold,
+    app.add_option("--write-hold", options.write_hold,
                    "Moving items go on SECONDS after a write (never)")
         ->group(group)
         ->type_name("SECONDS")
@@ -134,7 +135,7 @@ void addBehaviourOptions(CLI::App& app, Options& options)
 void addLogOptions(CLI::App& app, Options& options)
 {
     const std::string group = "Log";
-    app.add_option("--log", options.logFile, "Log to this file instead of stderr")
+    app.add_option("--log", options.log_file, "Log to this file instead of stderr")
         ->group(group)
         ->type_name("FILE")
         ->check(notEmpty());
@@ -144,21 +145,19 @@ void addLogOptions(CLI::App& app, Options& options)
 /// Completes the options, or says why they cannot be used.
 std::string findProblem(Options& options)
 {
-    if (options.projectFile.empty()) {
+    if (options.project_file.empty())
         return "the project file is missing; name one, such as plant.json";
-    }
-    if (!options.controlTokenFile.empty()) {
+    if (!options.control_token_file.empty()) {
         try {
-            options.controlToken = control::readControlToken(options.controlTokenFile);
+            options.control_token = control::readControlToken(options.control_token_file);
         } catch (const std::invalid_argument& error) {
             return error.what();
         }
     }
     for (const std::string& text : options.faults) {
-        std::string problem = control::tlsProblem(faults::parseFault(text), !options.plainHttp);
-        if (!problem.empty()) {
+        std::string problem = control::tlsProblem(faults::parseFault(text), !options.plain_http);
+        if (!problem.empty())
             return problem;
-        }
     }
     return {};
 }
@@ -170,11 +169,11 @@ ParsedOptions parseOptions(int count, char** arguments)
     ParsedOptions parsed;
     Options& options = parsed.options;
     CLI::App app{"A simulated cloud monitoring service, with faults on demand.", "tovik-cloud"};
-    bool listFaults = false;
-    app.add_option("project", options.projectFile, "Project file (JSON): accounts, groups, items")
+    bool list_faults = false;
+    app.add_option("project", options.project_file, "Project file (JSON): accounts, groups, items")
         ->type_name("FILE");
-    app.add_flag("--check", options.checkOnly, "Only check the project file");
-    app.add_flag("--list-faults", listFaults, "Explain the faults and exit");
+    app.add_flag("--check", options.check_only, "Only check the project file");
+    app.add_flag("--list-faults", list_faults, "Explain the faults and exit");
     addNetworkOptions(app, options);
     addControlOptions(app, options);
     addTlsOptions(app, options);
@@ -186,18 +185,18 @@ ParsedOptions parseOptions(int count, char** arguments)
     try {
         app.parse(count, arguments);
     } catch (const CLI::ParseError& error) {
-        parsed.exitCode = app.exit(error) == 0 ? exitSuccess : exitUsage;
+        parsed.exit_code = app.exit(error) == 0 ? exit_success : exit_usage;
         return parsed;
     }
-    if (listFaults) {
+    if (list_faults) {
         std::cout << faults::faultHelp();
-        parsed.exitCode = exitSuccess;
+        parsed.exit_code = exit_success;
         return parsed;
     }
     const std::string problem = findProblem(options);
     if (!problem.empty()) {
         std::cerr << "tovik-cloud: " << problem << "\nRun with --help for more information.\n";
-        parsed.exitCode = exitUsage;
+        parsed.exit_code = exit_usage;
     }
     return parsed;
 }

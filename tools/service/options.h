@@ -10,26 +10,26 @@ namespace tovik_service {
 /// What was asked for on the command line.
 struct Options
 {
-    std::string projectFile;
-    bool checkOnly = false;
+    std::string project_file;
+    bool check_only = false;
     std::string host = "127.0.0.1";
     int port = 0;
-    std::string controlHost = "127.0.0.1";
-    int controlPort = 0;
-    std::string controlTokenFile;
-    std::string controlToken; ///< what that file holds
-    std::string urlFile;
-    std::string controlFile;
-    bool plainHttp = false;
-    std::string tlsVersion;
-    std::string keyType = "rsa";
-    std::string certificateFile;
-    std::string keyFile;
-    std::string saveCertificateFile;
-    std::optional<double> tokenLifetime;
-    std::optional<double> writeHold;
+    std::string control_host = "127.0.0.1";
+    int control_port = 0;
+    std::string control_token_file;
+    std::string control_token; ///< what that file holds
+    std::string url_file;
+    std::string control_file;
+    bool plain_http = false;
+    std::string tls_version;
+    std::string key_type = "rsa";
+    std::string certificate_file;
+    std::string key_file;
+    std::string save_certificate_file;
+    std::optional<double> token_lifetime;
+    std::optional<double> write_hold;
     std::vector<std::string> faults;
-    std::string logFile;
+    std::string log_file;
     bool verbose = false;
 };
 
@@ -37,12 +37,12 @@ struct Options
 struct ParsedOptions
 {
     Options options;
-    std::optional<int> exitCode;
+    std::optional<int> exit_code;
 };
 
-constexpr int exitSuccess = 0;
-constexpr int exitFailure = 1;
-constexpr int exitUsage = 2;
+constexpr int exit_success = 0;
+constexpr int exit_failure = 1;
+constexpr int exit_usage = 2;
 
 /// Reads the command line; prints help and error messages itself.
 ParsedOptions parseOptions(int count, char** arguments);

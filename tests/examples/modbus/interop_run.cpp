@@ -22,9 +22,8 @@ QList<int> registersOf(const Asked& asked)
     const auto byte = [&d](int at) { return modbus::byteAt(d, at); };
     const bool swap_bytes = asked.extra2 >= 2;
     if (asked.extra1 != 4) {
-        for (int at = 0; at < d.size(); at += 2) {
+        for (int at = 0; at < d.size(); at += 2)
             words.append(swap_bytes ? byte(at) << 8 | byte(at + 1) : byte(at + 1) << 8 | byte(at));
-        }
         return words;
     }
     const bool low_first = asked.extra2 == 1 || asked.extra2 == 3;

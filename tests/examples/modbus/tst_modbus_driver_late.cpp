@@ -110,7 +110,7 @@ void TestModbusDriverLate::lateAnswerInParts()
 }
 
 /// Its registers hold what an answer to the next request would be, and that stands at the front of
-/// what comes behind the next request. The beginning was there before, and says what it is.
+/// what comes after the next request. The beginning was there before, and says what it is.
 void TestModbusDriverLate::lateAnswerThatHoldsTheNext()
 {
     ModbusBench bench(Transport::Tcp);

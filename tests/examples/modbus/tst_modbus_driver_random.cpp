@@ -17,7 +17,7 @@ enum Trick
     AnswerWell,
     AnswerInParts,
     SayNothing,
-    AnswerLater, // behind the next request or between two
+    AnswerLater, // after the next request or between two
     Cut,
     DamageByte,
     NoiseBefore,

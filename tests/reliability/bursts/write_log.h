@@ -9,7 +9,7 @@ struct WriteLog
 {
     int arrived = 0;      ///< Different writes that took effect.
     int repeated = 0;     ///< Writes that took effect once more.
-    int out_of_order = 0; ///< Writes that took effect behind a later one.
+    int out_of_order = 0; ///< Writes that took effect after a later one.
 
     /// The text that write number \a number of a burst carries.
     static QByteArray text(int number);

@@ -14,7 +14,7 @@ constexpr int before = 65;
 constexpr int during = 66;
 constexpr int after = 80;
 constexpr int steady = 7;
-constexpr double startLimit = 30;
+constexpr double start_limit = 30;
 
 QString latin1(const char* text)
 {
@@ -94,7 +94,7 @@ Measurement CellRun::run()
     } else {
         startDriver();
         clock_.start();
-        lookUntil(startLimit, [this] { return isUpToDate(before); });
+        lookUntil(start_limit, [this] { return isUpToDate(before); });
         is_.began = isUpToDate(before);
         strike();
     }
@@ -112,7 +112,7 @@ void CellRun::startDriver()
                      : handling == Handling::Type2 ? 2
                      : handling == Handling::Type3 ? 3
                                                    : 1;
-    HostSide::setErrorHandling(&host_.link, type, returnTime, handling == Handling::Type1Timed,
+    HostSide::setErrorHandling(&host_.link, type, return_time, handling == Handling::Type1Timed,
                                handling == Handling::Type1Switch);
     host_.start();
 }
@@ -191,7 +191,7 @@ void CellRun::closeAmid()
         const double limit = expected_.seen_within + 3 * limits_.slack;
         while (!hasStruck() && now() < limit) {
             QTest::qWait(5);
-            if (now() * 1e3 > looks_ * readPeriod)
+            if (now() * 1e3 > looks_ * read_period)
                 look();
         }
         is_.closed_amid = hasStruck();
@@ -227,7 +227,7 @@ void CellRun::lookUntil(double limit, const std::function<bool()>& done)
     look();
     while (!done() && now() < limit) {
         QTest::qWait(10);
-        if (now() * 1e3 > looks_ * readPeriod)
+        if (now() * 1e3 > looks_ * read_period)
             look();
     }
 }

@@ -4,7 +4,7 @@ namespace fault_matrix {
 
 namespace {
 
-const char plantText[] = R"({
+const char plant_text[] = R"({
   "accounts": [{"email": "operator@example.com", "password": "tovik", "project": "plant"}],
   "groups": [
     {"id": "line", "name": "Line", "items": [
@@ -18,7 +18,7 @@ const char plantText[] = R"({
 
 LocalCloud::LocalCloud()
     : log_("/dev/null", false),
-      plant_(tovik_service::plant::parseProject(plantText), std::nullopt),
+      plant_(tovik_service::plant::parseProject(plant_text), std::nullopt),
       tokens_(std::nullopt),
       tls_(tlsSettings()),
       service_(plant_, tokens_, faults_, requests_, log_),
@@ -37,7 +37,7 @@ tovik_service::http::TlsSettings LocalCloud::tlsSettings()
 {
     tovik_service::http::TlsSettings settings;
     settings.host = "127.0.0.1";
-    settings.keyType = tovik_service::http::KeyType::P256;
+    settings.key_type = tovik_service::http::KeyType::P256;
     settings.choose = [this] {
         const tovik_service::faults::FaultPointer fault = faults_.takeForHandshake();
         if (!fault)

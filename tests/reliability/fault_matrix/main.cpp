@@ -14,8 +14,8 @@ using namespace fault_matrix;
 
 namespace {
 
-constexpr int usageError = 2;
-constexpr int jobsPerCore = 12; ///< a cell mostly waits for the next second
+constexpr int usage_error = 2;
+constexpr int jobs_per_core = 12; ///< a cell mostly waits for the next second
 
 QString latin1(const char* text)
 {
@@ -25,7 +25,7 @@ QString latin1(const char* text)
 int fail(const QString& problem)
 {
     std::fprintf(stderr, "fault_matrix: %s\n", qPrintable(problem));
-    return usageError;
+    return usage_error;
 }
 
 /// One cell in this process; the measurement goes to standard output.
@@ -120,7 +120,7 @@ int main(int argc, char* argv[])
     }
     const QString jobs_text = parser.value(latin1("jobs"));
     const int jobs =
-        jobs_text.isEmpty() ? jobsPerCore * QThread::idealThreadCount() : jobs_text.toInt(&ok);
+        jobs_text.isEmpty() ? jobs_per_core * QThread::idealThreadCount() : jobs_text.toInt(&ok);
     if (!ok || jobs < 1)
         return fail(latin1("--jobs takes a number from 1"));
     return runMatrix(cells, jobs, patience, parser.value(latin1("output")));

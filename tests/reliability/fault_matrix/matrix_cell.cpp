@@ -18,7 +18,7 @@ struct OperationRow
     const char* title;
 };
 
-const OperationRow operationRows[] = {
+const OperationRow operation_rows[] = {
     {Operation::Start, "start", "First login, when the panel is switched on"},
     {Operation::Login, "login", "Login of a reconnect"},
     {Operation::Groups, "groups", "Group list of a reconnect"},
@@ -36,7 +36,7 @@ struct HandlingRow
     const char* title;
 };
 
-const HandlingRow handlingRows[] = {
+const HandlingRow handling_rows[] = {
     {Handling::Type0, "type-0", "Type 0"},
     {Handling::Type1Timed, "type-1-timed", "Type 1, return time 2 s"},
     {Handling::Type1Switch, "type-1-switch", "Type 1, by the host's reads"},
@@ -156,7 +156,7 @@ const QList<Operation>& allOperations()
 {
     static const QList<Operation> operations = [] {
         QList<Operation> list;
-        for (const OperationRow& row : operationRows)
+        for (const OperationRow& row : operation_rows)
             list.append(row.operation);
         return list;
     }();
@@ -167,7 +167,7 @@ const QList<Handling>& allHandlings()
 {
     static const QList<Handling> handlings = [] {
         QList<Handling> list;
-        for (const HandlingRow& row : handlingRows)
+        for (const HandlingRow& row : handling_rows)
             list.append(row.handling);
         return list;
     }();
@@ -176,22 +176,22 @@ const QList<Handling>& allHandlings()
 
 QString nameOf(Operation operation)
 {
-    return latin1(rowOf(operationRows, &OperationRow::operation, operation).name);
+    return latin1(rowOf(operation_rows, &OperationRow::operation, operation).name);
 }
 
 QString nameOf(Handling handling)
 {
-    return latin1(rowOf(handlingRows, &HandlingRow::handling, handling).name);
+    return latin1(rowOf(handling_rows, &HandlingRow::handling, handling).name);
 }
 
 QString titleOf(Operation operation)
 {
-    return latin1(rowOf(operationRows, &OperationRow::operation, operation).title);
+    return latin1(rowOf(operation_rows, &OperationRow::operation, operation).title);
 }
 
 QString titleOf(Handling handling)
 {
-    return latin1(rowOf(handlingRows, &HandlingRow::handling, handling).title);
+    return latin1(rowOf(handling_rows, &HandlingRow::handling, handling).title);
 }
 
 bool isTimed(Handling handling)
@@ -201,7 +201,7 @@ bool isTimed(Handling handling)
 
 int retryInterval(Handling handling)
 {
-    return handling == Handling::Type1Timed ? returnTime : 1;
+    return handling == Handling::Type1Timed ? return_time : 1;
 }
 
 QString Cell::name() const
@@ -215,8 +215,8 @@ bool Cell::fromName(const QString& name, Cell* cell)
     if (parts.size() != 3 || parts.at(1).isEmpty())
         return false;
     cell->fault = parts.at(1);
-    return findByName(operationRows, &OperationRow::operation, parts.at(0), &cell->operation) &&
-           findByName(handlingRows, &HandlingRow::handling, parts.at(2), &cell->handling) &&
+    return findByName(operation_rows, &OperationRow::operation, parts.at(0), &cell->operation) &&
+           findByName(handling_rows, &HandlingRow::handling, parts.at(2), &cell->handling) &&
            (isOdd(cell->operation) ? faultsOf(cell->operation).contains(cell->fault)
                                    : definitionOf(cell->fault) != nullptr);
 }

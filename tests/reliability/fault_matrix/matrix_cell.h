@@ -55,7 +55,7 @@ QString titleOf(Operation operation);
 QString titleOf(Handling handling);
 
 /// Seconds of the return time that Handling::Type1Timed is run with.
-constexpr int returnTime = 2;
+constexpr int return_time = 2;
 /// Whether a timer reconnects; otherwise the host's reads do.
 bool isTimed(Handling handling);
 /// Seconds between two attempts of the timer.

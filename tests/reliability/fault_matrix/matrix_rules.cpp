@@ -6,8 +6,8 @@ namespace fault_matrix {
 
 namespace {
 
-constexpr int clientFailure = 256;
-constexpr int unknownToken = 4;
+constexpr int client_failure = 256;
+constexpr int unknown_token = 4;
 
 QString latin1(const char* text)
 {
@@ -61,9 +61,9 @@ int resultOf(const Cell& cell)
 {
     const QString kind = kindOf(cell.fault);
     if (kind == latin1("token-expiry"))
-        return unknownToken;
+        return unknown_token;
     const int code = kind == latin1("errorcode") ? keyOf(cell.fault, "code").toInt() : 0;
-    return code != 0 ? code : clientFailure;
+    return code != 0 ? code : client_failure;
 }
 
 /// Faults that are over with the failure that they caused: one that strikes once, and a write,
@@ -78,7 +78,7 @@ bool isOver(const Cell& cell)
 /// Seconds from a failure that the host is shown to the next attempt.
 double untilRetry(Handling handling)
 {
-    return isTimed(handling) ? retryInterval(handling) : 2 * readPeriod / 1e3;
+    return isTimed(handling) ? retryInterval(handling) : 2 * read_period / 1e3;
 }
 
 /// Seconds until the operation that the fault waits for happens.
@@ -114,7 +114,7 @@ double slowness(const Cell& cell)
 
 int documentedStatus(int result)
 {
-    static const QSet<int> documented{1, 3, 4, 7, 8, 9, 15, 255, clientFailure};
+    static const QSet<int> documented{1, 3, 4, 7, 8, 9, 15, 255, client_failure};
     if (!documented.contains(result))
         return 0;
     return 0x400F0000 + QString::number(result).toInt(nullptr, 16);
@@ -128,8 +128,8 @@ bool needsReconnect(Operation operation)
 
 Expectation expectationFor(const Cell& cell)
 {
-    constexpr double firstCycle = 1;
-    constexpr double look = readPeriod / 1e3;
+    constexpr double first_cycle = 1;
+    constexpr double look = read_period / 1e3;
     Expectation expected;
     expected.outcome = outcomeOf(cell);
     const bool fails = expected.outcome == Outcome::Fails;
@@ -155,8 +155,8 @@ Expectation expectationFor(const Cell& cell)
     }
     const double retry = untilRetry(cell.handling);
     expected.seen_within = untilOperation(cell) + look;
-    expected.on_within = untilOperation(cell) + retry + firstCycle + look + 2 * slowness(cell);
-    expected.back_within = retry + firstCycle + look + slowness(cell);
+    expected.on_within = untilOperation(cell) + retry + first_cycle + look + 2 * slowness(cell);
+    expected.back_within = retry + first_cycle + look + slowness(cell);
     // Long enough for a second attempt of a timer, and for a hang to be one.
     expected.hold_at_least =
         untilOperation(cell) + (isTimed(cell.handling) ? retry + 0.3 : 1.0) + look;

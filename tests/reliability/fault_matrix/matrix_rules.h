@@ -36,7 +36,7 @@ struct Expectation
 };
 
 /// Milliseconds between two reads of the host in the matrix.
-constexpr int readPeriod = 100;
+constexpr int read_period = 100;
 
 /// The expectation for a cell.
 Expectation expectationFor(const Cell& cell);

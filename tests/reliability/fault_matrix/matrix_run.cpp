@@ -12,7 +12,7 @@ namespace fault_matrix {
 
 namespace {
 
-constexpr int longestCell = 60000; // ms
+constexpr int longest_cell = 60000; // ms
 
 QString latin1(const char* text)
 {
@@ -86,7 +86,7 @@ void MatrixRun::startNext()
                 if (error == QProcess::FailedToStart) // it does not finish then
                     take(process, index);
             });
-    QTimer::singleShot(int(longestCell * patience_), process, &QProcess::kill);
+    QTimer::singleShot(int(longest_cell * patience_), process, &QProcess::kill);
     process->start(QCoreApplication::applicationFilePath(),
                    {latin1("--cell"), results_.at(index).cell.name(), latin1("--patience"),
                     QString::number(patience_)});

@@ -6,8 +6,8 @@ namespace fault_matrix {
 
 namespace {
 
-constexpr int unknownToken = 0x400F0004;
-constexpr int clientFailure = 0x400F0256;
+constexpr int unknown_token = 0x400F0004;
+constexpr int client_failure = 0x400F0256;
 
 QString latin1(const char* text)
 {
@@ -70,7 +70,7 @@ private:
         if (expected_.isSeen())
             allowed.append(expected_.status);
         if (needsReconnect(cell_.operation))
-            allowed.append(unknownToken); // what the connection is lost by
+            allowed.append(unknown_token); // what the connection is lost by
         for (int status : is_.statuses)
             require(allowed.contains(status), latin1("status ") + statusText(status));
         if (expected_.isSeen())
@@ -95,7 +95,7 @@ private:
     void judgeAttempts()
     {
         const double period =
-            isTimed(cell_.handling) ? retryInterval(cell_.handling) : 2 * readPeriod / 1e3;
+            isTimed(cell_.handling) ? retryInterval(cell_.handling) : 2 * read_period / 1e3;
         const int most = int(is_.held / period) + 1;
         require(is_.attempts <= most,
                 latin1("%1 reconnects in %2 s").arg(is_.attempts).arg(is_.held, 0, 'f', 2));

@@ -54,7 +54,7 @@ struct SoakVerdict
 };
 
 /// Judges a run. The first fifth, at most five minutes, is the warm-up. With less than two minutes
-/// behind it, a quarter may be without a moment between two requests: then only the timers are
+/// after it, a quarter may be without a moment between two requests: then only the timers are
 /// judged.
 SoakVerdict judge(const std::vector<SoakSample>& all, const SoakCeilings& ceilings);
 

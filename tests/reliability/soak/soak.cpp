@@ -12,7 +12,7 @@
 
 namespace {
 
-const double long_enough = 180; ///< Seconds that give enough samples behind the warm-up.
+const double long_enough = 180; ///< Seconds that give enough samples after the warm-up.
 
 /// Sees the events of all threads, and so the client's timers in the client's own thread, where
 /// they may be counted.
@@ -40,7 +40,7 @@ void row(const char* name, const Rise& rise)
 void print(const SoakRun& run, const SoakVerdict& verdict)
 {
     const SoakLoad& load = run.load();
-    std::printf("%d faults, %d reconnects behind the warm-up of %.0f s\n", load.faults,
+    std::printf("%d faults, %d reconnects after the warm-up of %.0f s\n", load.faults,
                 verdict.reconnects, verdict.warm_up_seconds);
     std::printf("%d whole cycles, %u values read, the longest cycle %.1f s\n", load.cycles,
                 load.values, load.longest_cycle_ms / 1000.0);

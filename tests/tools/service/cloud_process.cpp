@@ -74,7 +74,7 @@ bool CloudProcess::startProject(const QString& project, const QStringList& optio
         if (match.hasMatch()) {
             tls_ = match.captured(1) == QStringLiteral("https");
             port_ = match.captured(2).toInt();
-            controlPort_ = match.captured(3).toInt();
+            control_port_ = match.captured(3).toInt();
             return true;
         }
     }
@@ -101,7 +101,7 @@ ServiceAnswer CloudProcess::post(const std::string& path, const json& body)
 }
 
 ServiceAnswer CloudProcess::postRaw(const std::string& path, const std::string& body,
-                                    const std::string& contentType)
+                                    const std::string& content_type)
 {
     std::unique_ptr<httplib::ClientImpl> client;
     if (tls_) {
@@ -111,7 +111,7 @@ ServiceAnswer CloudProcess::postRaw(const std::string& path, const std::string& 
         client = std::make_unique<httplib::ClientImpl>("127.0.0.1", port_);
     }
     client->set_read_timeout(patience / 1000);
-    return toAnswer(client->Post(path, body, contentType));
+    return toAnswer(client->Post(path, body, content_type));
 }
 
 std::string CloudProcess::login()
@@ -137,14 +137,12 @@ ServiceAnswer CloudProcess::write(const std::string& token, const std::string& i
 ServiceAnswer CloudProcess::control(const std::string& method, const std::string& path,
                                     const std::string& body)
 {
-    httplib::Client client("127.0.0.1", controlPort_);
+    httplib::Client client("127.0.0.1", control_port_);
     client.set_read_timeout(patience / 1000);
-    if (method == "GET") {
+    if (method == "GET")
         return toAnswer(client.Get(path));
-    }
-    if (method == "DELETE") {
+    if (method == "DELETE")
         return toAnswer(client.Delete(path));
-    }
     return toAnswer(method == "PUT" ? client.Put(path, body, "application/json")
                                     : client.Post(path, body, "application/json"));
 }
@@ -159,9 +157,8 @@ int CloudProcess::applied(int fault)
 {
     const ServiceAnswer answer = control("GET", "/faults");
     for (const json& entry : answer.json.value("faults", json::array())) {
-        if (entry.at("id") == fault) {
+        if (entry.at("id") == fault)
             return entry.at("applied").get<int>();
-        }
     }
     return -1;
 }

@@ -43,14 +43,14 @@ public:
     int stop(int signal);
 
     int port() const { return port_; }
-    int controlPort() const { return controlPort_; }
+    int controlPort() const { return control_port_; }
     QProcess& process() { return process_; }
     std::string log();
 
     /// A request over a connection of its own.
     ServiceAnswer post(const std::string& path, const nlohmann::json& body);
     ServiceAnswer postRaw(const std::string& path, const std::string& body,
-                          const std::string& contentType = "application/json");
+                          const std::string& content_type = "application/json");
 
     /// Logs in as the operator of the example project.
     std::string login();
@@ -76,7 +76,7 @@ private:
     QString output_;
     bool tls_ = true;
     int port_ = 0;
-    int controlPort_ = 0;
+    int control_port_ = 0;
 };
 
 #endif

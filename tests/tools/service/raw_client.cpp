@@ -19,9 +19,8 @@ RawClient::RawClient(int port) : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CL
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (::connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-        connectError_ = errno;
-    }
+    if (::connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
+        connect_error_ = errno;
 }
 
 RawClient::~RawClient()

@@ -13,10 +13,10 @@ public:
     RawClient(const RawClient&) = delete;
     RawClient& operator=(const RawClient&) = delete;
 
-    bool isConnected() const { return connectError_ == 0; }
+    bool isConnected() const { return connect_error_ == 0; }
 
     /// Why the connection failed, as errno; 0 if it did not.
-    int connectError() const { return connectError_; }
+    int connectError() const { return connect_error_; }
 
     void send(const std::string& bytes) const;
 
@@ -37,7 +37,7 @@ public:
 
 private:
     int socket_;
-    int connectError_ = 0;
+    int connect_error_ = 0;
 };
 
 #endif

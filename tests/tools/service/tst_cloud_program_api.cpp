@@ -44,7 +44,7 @@ void TestCloudProgramApi::listsGroupsAndItems()
     QVERIFY(groups.json.at("Number") == groups.json.at("groups").size());
     QVERIFY(groups.json.at("groups").size() >= 4);
     std::size_t items = 0;
-    bool hasName = false;
+    bool has_name = false;
     for (const json& group : groups.json.at("groups")) {
         const ServiceAnswer list =
             cloud_.post("/qlix_api/imonitor/group/dataitems",
@@ -52,10 +52,10 @@ void TestCloudProgramApi::listsGroupsAndItems()
         QCOMPARE(list.errorCode(), 0);
         QVERIFY(list.json.at("Number") == list.json.at("dataitems").size());
         items += list.json.at("dataitems").size();
-        hasName = hasName || list.text.find("Außentemperatur") != std::string::npos;
+        has_name = has_name || list.text.find("Außentemperatur") != std::string::npos;
     }
     QVERIFY(items >= 40);
-    QVERIFY(hasName);
+    QVERIFY(has_name);
 }
 
 void TestCloudProgramApi::everyTypeHasItsJsonKind()
@@ -67,11 +67,11 @@ void TestCloudProgramApi::everyTypeHasItsJsonKind()
         for (const json& item : list.json.at("dataitems")) {
             const auto type = item.at("type").get<std::string>();
             types.insert(type);
-            const bool isText =
+            const bool is_text =
                 type.find("HEX") != std::string::npos || type.find("String") != std::string::npos;
             const json& value = item.at("value");
             QVERIFY(type == "Bit" ? value.is_boolean()
-                                  : (isText ? value.is_string() : value.is_number()));
+                                  : (is_text ? value.is_string() : value.is_number()));
         }
     }
     QCOMPARE(types.size(), std::size_t(12));

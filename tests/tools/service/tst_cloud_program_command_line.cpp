@@ -20,7 +20,7 @@ private slots:
 private:
     struct Outcome
     {
-        int exitCode = -1;
+        int exit_code = -1;
         QString output;
         QString errors;
     };
@@ -33,9 +33,8 @@ TestCloudProgramCommandLine::Outcome TestCloudProgramCommandLine::run(const QStr
     QProcess process;
     process.start(CloudProcess::program(), arguments);
     Outcome outcome;
-    if (process.waitForFinished(20000)) {
-        outcome.exitCode = process.exitCode();
-    }
+    if (process.waitForFinished(20000))
+        outcome.exit_code = process.exitCode();
     outcome.output = QString::fromUtf8(process.readAllStandardOutput());
     outcome.errors = QString::fromUtf8(process.readAllStandardError());
     return outcome;
@@ -94,7 +93,7 @@ void TestCloudProgramCommandLine::exitsWith()
     const Outcome outcome = run(list);
     const QString& where = code == 0 ? outcome.output : outcome.errors;
     QVERIFY2(where.contains(text), qPrintable(where));
-    QCOMPARE(outcome.exitCode, code);
+    QCOMPARE(outcome.exit_code, code);
 }
 
 void TestCloudProgramCommandLine::namesPlaceInBadProject()
@@ -106,7 +105,7 @@ void TestCloudProgramCommandLine::namesPlaceInBadProject()
     file.write("{\n  \"accounts\": [}\n");
     file.close();
     const Outcome outcome = run({name});
-    QCOMPARE(outcome.exitCode, 2);
+    QCOMPARE(outcome.exit_code, 2);
     QVERIFY2(outcome.errors.contains(name + QStringLiteral(": line 2, column 16: not valid JSON")),
              qPrintable(outcome.errors));
 }
@@ -117,7 +116,7 @@ void TestCloudProgramCommandLine::portInUseFails()
     QVERIFY(cloud.start());
     const Outcome outcome = run(
         {CloudProcess::exampleProject(), QStringLiteral("--port"), QString::number(cloud.port())});
-    QCOMPARE(outcome.exitCode, 1);
+    QCOMPARE(outcome.exit_code, 1);
     QVERIFY2(outcome.errors.contains(QStringLiteral("choose another port")),
              qPrintable(outcome.errors));
 }

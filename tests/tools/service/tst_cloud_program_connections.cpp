@@ -141,20 +141,17 @@ void TestCloudProgramConnections::servesManyShortConnections()
     CloudProcess cloud;
     QVERIFY(cloud.start());
     const std::string token = cloud.login();
-    const auto askOften = [&cloud, &token] {
+    const auto ask_often = [&cloud, &token] {
         int good = 0;
-        for (int i = 0; i < 75; ++i) {
+        for (int i = 0; i < 75; ++i)
             good += cloud.value(token, "hall-fan").errorCode() == 0 ? 1 : 0;
-        }
         return good;
     };
     std::vector<std::future<int>> workers;
-    for (int i = 0; i < 4; ++i) {
-        workers.push_back(std::async(std::launch::async, askOften));
-    }
-    for (auto& worker : workers) {
+    for (int i = 0; i < 4; ++i)
+        workers.push_back(std::async(std::launch::async, ask_often));
+    for (auto& worker : workers)
         QCOMPARE(worker.get(), 75);
-    }
     const ServiceAnswer status = cloud.control("GET", "/status");
     QVERIFY(status.json.at("requests").at("value") == 300);
 }

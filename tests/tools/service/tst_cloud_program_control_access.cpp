@@ -142,9 +142,8 @@ void TestCloudProgramControlAccess::tellsAnAddressThatCanBeOpened()
 {
     QFETCH(QString, option);
     QFETCH(QString, host);
-    if (host == QStringLiteral("::1") && !QTcpServer().listen(QHostAddress::LocalHostIPv6)) {
+    if (host == QStringLiteral("::1") && !QTcpServer().listen(QHostAddress::LocalHostIPv6))
         QSKIP("this computer has no IPv6");
-    }
     CloudProcess cloud;
     QVERIFY(cloud.start({QStringLiteral("--control-host"), option}));
     const auto match =

@@ -36,9 +36,8 @@ void TestCloudProgramStop::stopsAtOnce()
     QFETCH(int, clients);
     CloudProcess cloud;
     QStringList options{QStringLiteral("--http")};
-    if (!fault.isEmpty()) {
+    if (!fault.isEmpty())
         options << QStringLiteral("--fault") << fault;
-    }
     QVERIFY(cloud.start(options));
     std::vector<std::unique_ptr<RawClient>> hanging;
     for (int i = 0; i < clients; ++i) {
@@ -47,10 +46,9 @@ void TestCloudProgramStop::stopsAtOnce()
     }
     // Clients that say nothing, on both ports.
     const RawClient silent(cloud.port());
-    const RawClient silentControl(cloud.controlPort());
-    if (clients > 0) {
+    const RawClient silent_control(cloud.controlPort());
+    if (clients > 0)
         QTRY_COMPARE(cloud.applied(1), clients);
-    }
     QElapsedTimer timer;
     timer.start();
     QCOMPARE(cloud.stop(signal), 0);

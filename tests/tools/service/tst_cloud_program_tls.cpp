@@ -63,9 +63,8 @@ TestCloudProgramTls::Handshake TestCloudProgramTls::shakeHands(QSsl::SslProtocol
     Handshake handshake;
     connect(&socket, QOverload<const QList<QSslError>&>::of(&QSslSocket::sslErrors), this,
             [&handshake](const QList<QSslError>& errors) {
-                for (const QSslError& error : errors) {
+                for (const QSslError& error : errors)
                     handshake.errors.append(error.error());
-                }
             });
     socket.connectToHostEncrypted(QStringLiteral("127.0.0.1"),
                                   static_cast<quint16>(cloud_->port()));

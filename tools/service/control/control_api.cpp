@@ -34,40 +34,35 @@ void sendError(httplib::Response& response, int status, const std::string& text)
 plant::Json onlyMember(const httplib::Request& request, const std::string& name)
 {
     const plant::Json body = plant::Json::parse(request.body, nullptr, false);
-    if (!body.is_object() || body.size() != 1 || !body.contains(name)) {
+    if (!body.is_object() || body.size() != 1 || !body.contains(name))
         throw BadRequest("the body needs to be {\"" + name + "\": ...} and nothing else");
-    }
     return body.at(name);
 }
 
 std::uint64_t sinceParameter(const httplib::Request& request)
 {
-    if (!request.has_param("since")) {
+    if (!request.has_param("since"))
         return 0;
-    }
     const std::string text = request.get_param_value("since");
-    if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos) {
+    if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos)
         throw BadRequest("since= needs the number of a request");
-    }
     return std::strtoull(text.c_str(), nullptr, 10);
 }
 
 plant::Json requestsJson(const http::RequestLog& requests, std::uint64_t number)
 {
     plant::Json list = plant::Json::array();
-    for (const http::RequestRecord& record : requests.since(number)) {
+    for (const http::RequestRecord& record : requests.since(number))
         list.push_back(http::toJson(record));
-    }
     return list;
 }
 
 } // namespace
 
-std::string tlsProblem(const faults::FaultSpec& fault, bool hasTls)
+std::string tlsProblem(const faults::FaultSpec& fault, bool has_tls)
 {
-    if (hasTls || fault.definition->stage != faults::FaultStage::Handshake) {
+    if (has_tls || fault.definition->stage != faults::FaultStage::Handshake)
         return {};
-    }
     return std::string("fault \"") + fault.definition->name +
            "\" is about certificates, but the service runs without TLS (--http)";
 }
@@ -88,19 +83,17 @@ ControlApi::ControlApi(ControlTargets targets)
 void ControlApi::addGuard()
 {
     engine_.set_pre_routing_handler([this](const Request& request, Response& response) {
-        const ControlKnock knock{request.method, request.path, request.get_header_value("Host"),
-                                 request.get_header_value("Origin"),
-                                 request.get_header_value("Authorization")};
-        const std::optional<ControlRefusal> refusal = guard_.refusal(knock);
-        if (!refusal) {
+        const ControlRequest asked{request.method, request.path, request.get_header_value("Host"),
+                                   request.get_header_value("Origin"),
+                                   request.get_header_value("Authorization")};
+        const std::optional<ControlRefusal> refusal = guard_.refusal(asked);
+        if (!refusal)
             return httplib::Server::HandlerResponse::Unhandled;
-        }
         sendError(response, refusal->status, refusal->text);
-        if (refusal->status == 401) {
+        if (refusal->status == 401)
             response.set_header("WWW-Authenticate", "Bearer");
-        }
         // The body was not read, and must not be taken for the next request.
-        http::HttpEngine::current().lastRequest = true;
+        http::HttpEngine::current().last_request = true;
         response.set_header("Connection", "close");
         return httplib::Server::HandlerResponse::Handled;
     });
@@ -112,14 +105,14 @@ void ControlApi::addFaultRoutes()
         send(response, {{"faults", faultsJson(targets_.faults)}});
     });
     engine_.Get("/faults/kinds", [this](const Request&, Response& response) {
-        send(response, {{"kinds", faultKindsJson(targets_.hasTls)}});
+        send(response, {{"kinds", faultKindsJson(targets_.has_tls)}});
     });
     engine_.Post("/faults", [this](const Request& request, Response& response) {
         send(response, addFault(request));
     });
     engine_.Delete("/faults", [this](const Request&, Response& response) {
         targets_.faults.clear();
-        targets_.faultsChanged();
+        targets_.faults_changed();
         targets_.log.note("all faults removed");
         send(response, plant::Json::object());
     });
@@ -129,7 +122,7 @@ void ControlApi::addFaultRoutes()
             sendError(response, 404, "there is no fault " + id);
             return;
         }
-        targets_.faultsChanged();
+        targets_.faults_changed();
         targets_.log.note("fault " + id + " removed");
         send(response, plant::Json::object());
     });
@@ -144,19 +137,17 @@ void ControlApi::addItemRoutes()
     });
     engine_.Get("/items", [this](const Request&, Response& response) {
         plant::Json list = plant::Json::array();
-        for (const plant::ItemView& view : targets_.plant.allItems()) {
+        for (const plant::ItemView& view : targets_.plant.allItems())
             list.push_back(itemJson(view));
-        }
         send(response, {{"items", list}});
     });
     engine_.Get("/items/(.+)", [this](const Request& request, Response& response) {
         const std::string id = request.matches[1];
         const auto view = targets_.plant.item(id);
-        if (view) {
+        if (view)
             send(response, itemJson(*view));
-        } else {
+        else
             sendError(response, 404, "there is no item \"" + id + "\"");
-        }
     });
     engine_.Put("/items/(.+)",
                 [this](const Request& request, Response& response) { putItem(request, response); });
@@ -214,29 +205,27 @@ plant::Json ControlApi::status()
             {"tokens", targets_.tokens.activeCount()}};
 }
 
-plant::Json ControlApi::live(std::uint64_t lastRequest)
+plant::Json ControlApi::live(std::uint64_t last_request)
 {
     return {{"started", started_},
             {"status", status()},
             {"values", valuesJson(targets_.plant)},
             {"faults", faultsJson(targets_.faults)},
             {"clients", clientsJson(targets_.tokens)},
-            {"requests", requestsJson(targets_.requests, lastRequest)}};
+            {"requests", requestsJson(targets_.requests, last_request)}};
 }
 
 plant::Json ControlApi::addFault(const Request& request)
 {
     const plant::Json text = onlyMember(request, "fault");
-    if (!text.is_string()) {
+    if (!text.is_string())
         throw BadRequest("member \"fault\" needs a string such as \"delay:ms=500,count=3\"");
-    }
     const faults::FaultSpec spec = faults::parseFault(text.get<std::string>());
-    const std::string problem = tlsProblem(spec, targets_.hasTls);
-    if (!problem.empty()) {
+    const std::string problem = tlsProblem(spec, targets_.has_tls);
+    if (!problem.empty())
         throw BadRequest(problem);
-    }
     const int id = targets_.faults.add(spec);
-    targets_.faultsChanged();
+    targets_.faults_changed();
     targets_.log.note("fault " + std::to_string(id) + " added, " + spec.text);
     return {{"id", id}};
 }

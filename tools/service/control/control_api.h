@@ -23,9 +23,9 @@ struct ControlTargets
     faults::FaultTable& faults;
     http::RequestLog& requests;
     http::EventLog& log;
-    std::string url;                     ///< of the service
-    bool hasTls = true;                  ///< false: faults of the certificate make no sense
-    std::function<void()> faultsChanged; ///< returns when the change is in effect
+    std::string url;                      ///< of the service
+    bool has_tls = true;                  ///< false: faults of the certificate make no sense
+    std::function<void()> faults_changed; ///< returns when the change is in effect
 };
 
 /// The plain HTTP interface by which tests and the dashboard steer the service.
@@ -49,7 +49,7 @@ private:
     void addOtherRoutes();
     void addErrorReplies();
     plant::Json status();
-    plant::Json live(std::uint64_t lastRequest);
+    plant::Json live(std::uint64_t last_request);
     plant::Json addFault(const Request& request);
     void putItem(const Request& request, Response& response);
 
@@ -61,7 +61,7 @@ private:
 };
 
 /// Why a fault cannot be used without TLS, or nothing.
-std::string tlsProblem(const faults::FaultSpec& fault, bool hasTls);
+std::string tlsProblem(const faults::FaultSpec& fault, bool has_tls);
 
 } // namespace tovik_service::control
 

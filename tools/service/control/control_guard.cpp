@@ -13,8 +13,8 @@ namespace tovik_service::control {
 
 namespace {
 
-constexpr std::size_t shortestToken = 16;
-constexpr std::size_t longestToken = 200;
+constexpr std::size_t shortest_token = 16;
+constexpr std::size_t longest_token = 200;
 
 std::string lowerCase(std::string text)
 {
@@ -24,13 +24,13 @@ std::string lowerCase(std::string text)
 }
 
 /// The host of "host", "host:port" or "[address]:port".
-std::string withoutPort(const std::string& hostHeader)
+std::string withoutPort(const std::string& host_header)
 {
-    if (!hostHeader.empty() && hostHeader.front() == '[') {
-        const std::size_t end = hostHeader.find(']');
-        return end == std::string::npos ? std::string() : hostHeader.substr(1, end - 1);
+    if (!host_header.empty() && host_header.front() == '[') {
+        const std::size_t end = host_header.find(']');
+        return end == std::string::npos ? std::string() : host_header.substr(1, end - 1);
     }
-    return hostHeader.substr(0, hostHeader.find(':'));
+    return host_header.substr(0, host_header.find(':'));
 }
 
 bool changesNothing(const std::string& method)
@@ -39,10 +39,10 @@ bool changesNothing(const std::string& method)
 }
 
 /// The page has to come before the token: it is the page that asks for it.
-bool isPage(const ControlKnock& knock)
+bool isPage(const ControlRequest& request)
 {
-    return changesNothing(knock.method) &&
-           (knock.path == "/" || knock.path.rfind("/dashboard/", 0) == 0);
+    return changesNothing(request.method) &&
+           (request.path == "/" || request.path.rfind("/dashboard/", 0) == 0);
 }
 
 bool isVisible(unsigned char c)
@@ -54,18 +54,18 @@ bool isVisible(unsigned char c)
 
 ControlGuard::ControlGuard(ControlAccess access) : access_(std::move(access)) {}
 
-std::optional<ControlRefusal> ControlGuard::refusal(const ControlKnock& knock) const
+std::optional<ControlRefusal> ControlGuard::refusal(const ControlRequest& request) const
 {
     // A name of somebody else's that leads here makes his page one of ours for the browser.
-    if (access_.loopback && !namesThisComputer(knock.host)) {
+    if (access_.loopback && !namesThisComputer(request.host)) {
         return ControlRefusal{403, "the header Host has to name this computer, for example "
                                    "localhost; open the address that tovik-cloud printed"};
     }
-    if (!changesNothing(knock.method) && !knock.origin.empty() &&
-        lowerCase(knock.origin) != "http://" + lowerCase(knock.host)) {
+    if (!changesNothing(request.method) && !request.origin.empty() &&
+        lowerCase(request.origin) != "http://" + lowerCase(request.host)) {
         return ControlRefusal{403, "a page of another site may not change anything here"};
     }
-    if (!access_.token.empty() && !isPage(knock) && !showsToken(knock.authorization)) {
+    if (!access_.token.empty() && !isPage(request) && !showsToken(request.authorization)) {
         return ControlRefusal{401, "the header \"Authorization: Bearer TOKEN\" is missing or has "
                                    "another token; tovik-cloud printed it at its start, or read it "
                                    "from --control-token-file"};
@@ -73,9 +73,9 @@ std::optional<ControlRefusal> ControlGuard::refusal(const ControlKnock& knock) c
     return std::nullopt;
 }
 
-bool ControlGuard::namesThisComputer(const std::string& hostHeader) const
+bool ControlGuard::namesThisComputer(const std::string& host_header) const
 {
-    const std::string host = lowerCase(withoutPort(hostHeader));
+    const std::string host = lowerCase(withoutPort(host_header));
     return !host.empty() && (host == "localhost" || host == "127.0.0.1" || host == "::1" ||
                              host == lowerCase(access_.host) || host == access_.address);
 }
@@ -84,9 +84,8 @@ bool ControlGuard::namesThisComputer(const std::string& hostHeader) const
 bool ControlGuard::showsToken(const std::string& authorization) const
 {
     const std::string scheme = "bearer ";
-    if (lowerCase(authorization.substr(0, scheme.size())) != scheme) {
+    if (lowerCase(authorization.substr(0, scheme.size())) != scheme)
         return false;
-    }
     const std::string shown = authorization.substr(scheme.size());
     return shown.size() == access_.token.size() &&
            CRYPTO_memcmp(shown.data(), access_.token.data(), shown.size()) == 0;
@@ -96,20 +95,18 @@ std::string readControlToken(const std::string& file)
 {
     std::ifstream stream(file, std::ios::binary);
     stream.peek(); // a folder can be opened, but not read
-    if (!stream.is_open() || stream.bad()) {
+    if (!stream.is_open() || stream.bad())
         throw std::invalid_argument("cannot read the token file " + file);
-    }
     std::ostringstream content;
     content << stream.rdbuf();
     std::string text = content.str();
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
         text.pop_back();
-    }
-    if (text.size() < shortestToken || text.size() > longestToken ||
+    if (text.size() < shortest_token || text.size() > longest_token ||
         !std::all_of(text.begin(), text.end(), isVisible)) {
         throw std::invalid_argument(
-            file + ": a token has " + std::to_string(shortestToken) + " to " +
-            std::to_string(longestToken) +
+            file + ": a token has " + std::to_string(shortest_token) + " to " +
+            std::to_string(longest_token) +
             " visible ASCII characters on one line; make one with: openssl rand -hex 16");
     }
     return text;

@@ -16,7 +16,7 @@ struct ControlAccess
 };
 
 /// What the decision about a control request depends on.
-struct ControlKnock
+struct ControlRequest
 {
     std::string method;
     std::string path;
@@ -40,10 +40,10 @@ public:
     explicit ControlGuard(ControlAccess access);
 
     /// Nothing, if the request is welcome.
-    std::optional<ControlRefusal> refusal(const ControlKnock& knock) const;
+    std::optional<ControlRefusal> refusal(const ControlRequest& request) const;
 
 private:
-    bool namesThisComputer(const std::string& hostHeader) const;
+    bool namesThisComputer(const std::string& host_header) const;
     bool showsToken(const std::string& authorization) const;
 
     ControlAccess access_;

@@ -4,14 +4,14 @@ namespace tovik_service::control {
 
 namespace {
 
-constexpr std::size_t mostClients = 100;
+constexpr std::size_t most_clients = 100;
 
 plant::Json factsOf(const plant::Item& item)
 {
     return {{"id", item.id},
             {"name", item.name},
             {"type", plant::typeName(item.type)},
-            {"readonly", item.readOnly},
+            {"readonly", item.read_only},
             {"moving", item.generator.kind != plant::GeneratorKind::Constant}};
 }
 
@@ -31,9 +31,8 @@ plant::Json groupsJson(const plant::Project& project)
     plant::Json groups = plant::Json::array();
     for (const plant::Group& group : project.groups) {
         plant::Json items = plant::Json::array();
-        for (const plant::Item& item : group.items) {
+        for (const plant::Item& item : group.items)
             items.push_back(factsOf(item));
-        }
         groups.push_back({{"id", group.id},
                           {"name", group.name},
                           {"location", group.location},
@@ -46,9 +45,8 @@ plant::Json groupsJson(const plant::Project& project)
 plant::Json valuesJson(plant::Plant& plant)
 {
     plant::Json values = plant::Json::object();
-    for (plant::ItemView& view : plant.allItems()) {
+    for (plant::ItemView& view : plant.allItems())
         values[view.item->id] = std::move(view.value);
-    }
     return values;
 }
 
@@ -67,8 +65,8 @@ plant::Json faultsJson(const faults::FaultTable& faults)
 plant::Json clientsJson(plant::TokenStore& tokens)
 {
     plant::Json list = plant::Json::array();
-    for (const plant::TokenStatus& token : tokens.list(mostClients)) {
-        list.push_back({{"token", token.shortToken},
+    for (const plant::TokenStatus& token : tokens.list(most_clients)) {
+        list.push_back({{"token", token.short_token},
                         {"account", token.owner.account},
                         {"address", token.owner.address},
                         {"age", token.age},

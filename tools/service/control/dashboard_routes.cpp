@@ -15,7 +15,7 @@ struct ContentType
     const char* type;
 };
 
-constexpr std::array<ContentType, 4> contentTypes{{
+constexpr std::array<ContentType, 4> content_types{{
     {".html", "text/html; charset=utf-8"},
     {".css", "text/css; charset=utf-8"},
     {".js", "text/javascript; charset=utf-8"},
@@ -25,10 +25,9 @@ constexpr std::array<ContentType, 4> contentTypes{{
 const char* contentTypeOf(std::string_view name)
 {
     const std::string_view ending = name.substr(name.rfind('.'));
-    for (const ContentType& type : contentTypes) {
-        if (ending == type.ending) {
+    for (const ContentType& type : content_types) {
+        if (ending == type.ending)
             return type.type;
-        }
     }
     return "application/octet-stream";
 }
@@ -44,9 +43,8 @@ void addRoute(http::HttpEngine& engine, const std::string& path, const Dashboard
 std::string quoted(std::string_view text)
 {
     std::string pattern;
-    for (const char c : text) {
+    for (const char c : text)
         pattern += c == '.' ? "\\." : std::string(1, c);
-    }
     return pattern;
 }
 
@@ -63,9 +61,8 @@ void addDashboardRoutes(http::HttpEngine& engine)
          {"Referrer-Policy", "no-referrer"},
          {"Cross-Origin-Resource-Policy", "same-origin"},
          {"Cache-Control", "no-store"}});
-    for (const DashboardFile& file : dashboardFiles()) {
+    for (const DashboardFile& file : dashboardFiles())
         addRoute(engine, file.name == "index.html" ? "/" : "/dashboard/" + quoted(file.name), file);
-    }
 }
 
 } // namespace tovik_service::control

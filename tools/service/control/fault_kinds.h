@@ -7,7 +7,7 @@ namespace tovik_service::control {
 
 /// All kinds of faults with their keys and the keys' defaults, for a form to choose from. Those of
 /// the certificate are not usable without TLS.
-plant::Json faultKindsJson(bool hasTls);
+plant::Json faultKindsJson(bool has_tls);
 
 } // namespace tovik_service::control
 

@@ -8,13 +8,12 @@ namespace tovik_service::faults {
 
 namespace {
 
-constexpr std::size_t mostFaults = 1000;
+constexpr std::size_t most_faults = 1000;
 
 bool fits(const FaultSpec& spec, const RequestFacts* facts)
 {
-    if (facts == nullptr) {
+    if (facts == nullptr)
         return true;
-    }
     return (!spec.path || *spec.path == facts->path) &&
            (spec.item.empty() || spec.item == facts->item) &&
            (spec.group.empty() || spec.group == facts->group);
@@ -30,8 +29,8 @@ int FaultTable::add(const FaultSpec& spec)
     dropFinished();
     const double end =
         spec.seconds ? clock_() + *spec.seconds : std::numeric_limits<double>::infinity();
-    faults_.push_back(std::make_shared<ActiveFault>(++lastId_, spec, end));
-    return lastId_;
+    faults_.push_back(std::make_shared<ActiveFault>(++last_id_, spec, end));
+    return last_id_;
 }
 
 bool FaultTable::remove(int id)
@@ -39,9 +38,8 @@ bool FaultTable::remove(int id)
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto found = std::find_if(faults_.begin(), faults_.end(),
                                     [id](const FaultPointer& fault) { return fault->id == id; });
-    if (found == faults_.end()) {
+    if (found == faults_.end())
         return false;
-    }
     (*found)->removed_ = true;
     faults_.erase(found);
     return true;
@@ -50,9 +48,8 @@ bool FaultTable::remove(int id)
 void FaultTable::clear()
 {
     const std::lock_guard<std::mutex> lock(mutex_);
-    for (const FaultPointer& fault : faults_) {
+    for (const FaultPointer& fault : faults_)
         fault->removed_ = true;
-    }
     faults_.clear();
 }
 
@@ -78,16 +75,15 @@ std::vector<FaultStatus> FaultTable::list() const
 {
     const std::lock_guard<std::mutex> lock(mutex_);
     std::vector<FaultStatus> statuses;
-    for (const FaultPointer& fault : faults_) {
+    for (const FaultPointer& fault : faults_)
         statuses.push_back({fault->id, fault->spec.text, isActive(*fault), fault->applied_});
-    }
     return statuses;
 }
 
 bool FaultTable::isActive(const ActiveFault& fault) const
 {
-    const bool usedUp = fault.spec.count && fault.applied_ >= *fault.spec.count;
-    return !usedUp && fault.isInForce(clock_());
+    const bool used_up = fault.spec.count && fault.applied_ >= *fault.spec.count;
+    return !used_up && fault.isInForce(clock_());
 }
 
 FaultPointer FaultTable::take(FaultStage stage, const RequestFacts* facts)
@@ -111,9 +107,8 @@ FaultPointer FaultTable::take(FaultStage stage, const RequestFacts* facts)
 // Finished faults stay in the list for a look at their figures, but not without end.
 void FaultTable::dropFinished()
 {
-    if (faults_.size() < mostFaults) {
+    if (faults_.size() < most_faults)
         return;
-    }
     const auto finished = [this](const FaultPointer& fault) { return !isActive(*fault); };
     faults_.erase(std::remove_if(faults_.begin(), faults_.end(), finished), faults_.end());
 }

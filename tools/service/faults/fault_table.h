@@ -24,9 +24,9 @@ struct RequestFacts
 class ActiveFault
 {
 public:
-    ActiveFault(int faultId, FaultSpec faultSpec, double end)
-        : id(faultId),
-          spec(std::move(faultSpec)),
+    ActiveFault(int fault_id, FaultSpec fault_spec, double end)
+        : id(fault_id),
+          spec(std::move(fault_spec)),
           end_(end)
     {}
 
@@ -91,7 +91,7 @@ private:
     plant::Clock clock_;
     mutable std::mutex mutex_;
     std::vector<FaultPointer> faults_;
-    int lastId_ = 0;
+    int last_id_ = 0;
 };
 
 } // namespace tovik_service::faults

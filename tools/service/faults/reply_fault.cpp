@@ -4,7 +4,7 @@ namespace tovik_service::faults {
 
 namespace {
 
-constexpr const char* htmlPage =
+constexpr const char* html_page =
     "<html><head><title>Maintenance</title></head><body>Back soon.</body></html>\n";
 
 /// Calls change() for each object that has the member: the reply itself, or else the
@@ -17,13 +17,11 @@ void changeMember(plant::Json& reply, const std::string& member, Change change)
         return;
     }
     for (auto& entry : reply.items()) {
-        if (!entry.value().is_array()) {
+        if (!entry.value().is_array())
             continue;
-        }
         for (plant::Json& element : entry.value()) {
-            if (element.contains(member)) {
+            if (element.contains(member))
                 change(element);
-            }
         }
     }
 }
@@ -31,9 +29,8 @@ void changeMember(plant::Json& reply, const std::string& member, Change change)
 /// A value of some other JSON type that a lenient reader would not convert.
 plant::Json otherType(const plant::Json& value)
 {
-    if (value.is_number()) {
+    if (value.is_number())
         return "wrong";
-    }
     return value.is_string() ? plant::Json::array({1}) : plant::Json("wrong");
 }
 
@@ -60,9 +57,8 @@ bool replacesService(FaultKind kind)
 
 HttpReply replacementReply(const FaultSpec& fault)
 {
-    if (fault.kind() == FaultKind::ErrorCode) {
+    if (fault.kind() == FaultKind::ErrorCode)
         return {200, plant::toText(plant::Json{{"errorcode", fault.code}}), "application/json"};
-    }
     const bool empty = fault.kind() == FaultKind::Http500Empty;
     return {fault.status, empty ? "" : "The service is out of order.\n", "text/plain"};
 }
@@ -79,7 +75,7 @@ HttpReply spoiltReply(const FaultSpec& fault, const plant::Json& json)
         reply.body.resize(reply.body.size() / 2);
         break;
     case FaultKind::NotJson:
-        return {200, htmlPage, "text/html"};
+        return {200, html_page, "text/html"};
     case FaultKind::NotObject:
         reply.body = plant::toText(plant::Json::array({json}));
         break;

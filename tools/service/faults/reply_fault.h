@@ -13,7 +13,7 @@ struct HttpReply
 {
     int status = 200;
     std::string body;
-    std::string contentType = "application/json";
+    std::string content_type = "application/json";
 };
 
 /// True for faults that answer in the service's place, so that the request has no effect.

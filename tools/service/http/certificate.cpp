@@ -17,9 +17,8 @@ namespace {
 
 void require(bool good)
 {
-    if (!good) {
+    if (!good)
         throw std::runtime_error("cannot make a certificate: " + opensslError());
-    }
 }
 
 void addExtension(X509* certificate, int nid, const std::string& value)
@@ -34,10 +33,10 @@ void addExtension(X509* certificate, int nid, const std::string& value)
     require(added == 1);
 }
 
-void setName(X509* certificate, const std::string& commonName)
+void setName(X509* certificate, const std::string& common_name)
 {
     X509_NAME* name = X509_get_subject_name(certificate);
-    const auto* bytes = reinterpret_cast<const unsigned char*>(commonName.c_str());
+    const auto* bytes = reinterpret_cast<const unsigned char*>(common_name.c_str());
     require(X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_UTF8, bytes, -1, -1, 0) == 1);
     require(X509_set_issuer_name(certificate, name) == 1);
 }
@@ -59,15 +58,15 @@ CertificatePointer makeCertificate(EVP_PKEY* key, const CertificateSettings& set
     // A number of its own for each: clients confuse certificates of one issuer otherwise.
     std::random_device random;
     ASN1_INTEGER_set_uint64(X509_get_serialNumber(raw), (std::uint64_t{random()} << 16U) + 1);
-    X509_gmtime_adj(X509_getm_notBefore(raw), settings.notBefore);
-    X509_gmtime_adj(X509_getm_notAfter(raw), settings.notAfter);
+    X509_gmtime_adj(X509_getm_notBefore(raw), settings.not_before);
+    X509_gmtime_adj(X509_getm_notAfter(raw), settings.not_after);
     require(X509_set_pubkey(raw, key) == 1);
-    setName(raw, settings.commonName);
+    setName(raw, settings.common_name);
     addExtension(raw, NID_basic_constraints, "critical,CA:TRUE");
     addExtension(raw, NID_key_usage, "critical,digitalSignature,keyEncipherment,keyCertSign");
     addExtension(raw, NID_ext_key_usage, "serverAuth");
     addExtension(raw, NID_subject_key_identifier, "hash");
-    addExtension(raw, NID_subject_alt_name, settings.alternativeNames);
+    addExtension(raw, NID_subject_alt_name, settings.alternative_names);
     require(X509_sign(raw, key, EVP_sha256()) > 0);
     return certificate;
 }
@@ -86,9 +85,8 @@ std::string toPem(X509* certificate)
 std::string opensslError()
 {
     const unsigned long code = ERR_get_error();
-    if (code == 0) {
+    if (code == 0)
         return "no further information";
-    }
     std::array<char, 256> text{};
     ERR_error_string_n(code, text.data(), text.size());
     ERR_clear_error();

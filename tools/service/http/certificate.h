@@ -29,10 +29,10 @@ enum class KeyType
 /// What a self-signed certificate shall say.
 struct CertificateSettings
 {
-    std::string commonName;
-    std::string alternativeNames; ///< such as "DNS:localhost,IP:127.0.0.1"
-    long notBefore = 0;           ///< seconds from now
-    long notAfter = 0;            ///< seconds from now
+    std::string common_name;
+    std::string alternative_names; ///< such as "DNS:localhost,IP:127.0.0.1"
+    long not_before = 0;           ///< seconds from now
+    long not_after = 0;            ///< seconds from now
 };
 
 /// Makes a key; throws std::runtime_error.

@@ -55,28 +55,24 @@ Connection::Connection(FileDescriptor socket, TlsContext* tls)
 
 std::string Connection::handshake()
 {
-    if (tls_ == nullptr) {
+    if (tls_ == nullptr)
         return {};
-    }
     session_ = tls_->newSession(socket_.get());
-    if (!session_) {
+    if (!session_)
         return opensslError();
-    }
     ERR_clear_error();
-    if (SSL_accept(session_.get()) == 1) {
+    if (SSL_accept(session_.get()) == 1)
         return {};
-    }
-    tlsBroken_ = true;
+    tls_broken_ = true;
     return ERR_peek_error() == 0 ? "the client left or stayed silent" : opensslError();
 }
 
 bool Connection::waitForRequest(int milliseconds)
 {
-    headersSent_ = false;
+    headers_sent_ = false;
     answered = false;
-    if (bufferStart_ < bufferEnd_ || (session_ && SSL_pending(session_.get()) > 0)) {
+    if (buffer_start_ < buffer_end_ || (session_ && SSL_pending(session_.get()) > 0))
         return true;
-    }
     acknowledgeAtOnce(socket_.get());
     return pollOnce(socket_.get(), POLLIN, milliseconds) > 0;
 }
@@ -87,28 +83,27 @@ bool Connection::pause(int milliseconds)
     return pollOnce(socket_.get(), POLLRDHUP, milliseconds) == 0;
 }
 
-void Connection::drop(bool withReset)
+void Connection::drop(bool with_reset)
 {
     dropped_ = true;
-    resetOnClose_ = resetOnClose_ || withReset;
+    reset_on_close_ = reset_on_close_ || with_reset;
 }
 
 void Connection::interrupt()
 {
-    const std::lock_guard<std::mutex> lock(closeMutex_);
-    if (socket_.isOpen()) {
+    const std::lock_guard<std::mutex> lock(close_mutex_);
+    if (socket_.isOpen())
         ::shutdown(socket_.get(), SHUT_RDWR);
-    }
 }
 
 void Connection::close()
 {
-    if (resetOnClose_) {
+    if (reset_on_close_) {
         // Closing with a linger time of zero sends a reset instead of a farewell.
         const linger immediately{1, 0};
         ::setsockopt(socket_.get(), SOL_SOCKET, SO_LINGER, &immediately, sizeof(immediately));
     } else {
-        if (session_ && !tlsBroken_ && !dropped_) {
+        if (session_ && !tls_broken_ && !dropped_) {
             ERR_clear_error();
             SSL_shutdown(session_.get());
         }
@@ -116,39 +111,37 @@ void Connection::close()
         discardIncoming();
     }
     session_.reset();
-    const std::lock_guard<std::mutex> lock(closeMutex_);
+    const std::lock_guard<std::mutex> lock(close_mutex_);
     socket_.reset();
 }
 
 ssize_t Connection::read(char* data, std::size_t size)
 {
-    if (bufferStart_ == bufferEnd_) {
+    if (buffer_start_ == buffer_end_) {
         const ssize_t count = receive(buffer_.data(), buffer_.size());
-        if (count <= 0) {
+        if (count <= 0)
             return count;
-        }
-        bufferStart_ = 0;
-        bufferEnd_ = static_cast<std::size_t>(count);
+        buffer_start_ = 0;
+        buffer_end_ = static_cast<std::size_t>(count);
     }
-    const std::size_t count = std::min(size, bufferEnd_ - bufferStart_);
-    std::memcpy(data, buffer_.data() + bufferStart_, count);
-    bufferStart_ += count;
+    const std::size_t count = std::min(size, buffer_end_ - buffer_start_);
+    std::memcpy(data, buffer_.data() + buffer_start_, count);
+    buffer_start_ += count;
     return static_cast<ssize_t>(count);
 }
 
 // The HTTP library writes all headers at once and the body after them.
 ssize_t Connection::write(const char* data, std::size_t size)
 {
-    if (dropped_) {
+    if (dropped_)
         return -1;
-    }
-    if (resetInBody_ && headersSent_) {
+    if (reset_in_body_ && headers_sent_) {
         sendAll(data, size / 2);
         drop(true);
         return -1;
     }
-    headersSent_ = true;
-    return dripMilliseconds_ < 0 ? sendAll(data, size) : sendDripping(data, size);
+    headers_sent_ = true;
+    return drip_milliseconds_ < 0 ? sendAll(data, size) : sendDripping(data, size);
 }
 
 std::string Connection::clientAddress() const
@@ -163,18 +156,16 @@ void Connection::get_remote_ip_and_port(std::string& ip, int& port) const
 {
     sockaddr_storage address{};
     socklen_t size = sizeof(address);
-    if (::getpeername(socket_.get(), reinterpret_cast<sockaddr*>(&address), &size) == 0) {
+    if (::getpeername(socket_.get(), reinterpret_cast<sockaddr*>(&address), &size) == 0)
         readAddress(address, size, ip, port);
-    }
 }
 
 void Connection::get_local_ip_and_port(std::string& ip, int& port) const
 {
     sockaddr_storage address{};
     socklen_t size = sizeof(address);
-    if (::getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&address), &size) == 0) {
+    if (::getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&address), &size) == 0)
         readAddress(address, size, ip, port);
-    }
 }
 
 ssize_t Connection::receive(char* data, std::size_t size)
@@ -184,8 +175,8 @@ ssize_t Connection::receive(char* data, std::size_t size)
         ERR_clear_error();
         const int count = SSL_read(session_.get(), data, static_cast<int>(size));
         if (count <= 0) {
-            tlsBroken_ = SSL_get_error(session_.get(), count) != SSL_ERROR_ZERO_RETURN;
-            return tlsBroken_ ? -1 : 0;
+            tls_broken_ = SSL_get_error(session_.get(), count) != SSL_ERROR_ZERO_RETURN;
+            return tls_broken_ ? -1 : 0;
         }
         return count;
     }
@@ -207,7 +198,7 @@ ssize_t Connection::sendAll(const char* data, std::size_t size)
             count = ::send(socket_.get(), data + sent, size - sent, MSG_NOSIGNAL);
         }
         if (count <= 0) {
-            tlsBroken_ = true;
+            tls_broken_ = true;
             drop(false);
             return -1;
         }
@@ -219,7 +210,7 @@ ssize_t Connection::sendAll(const char* data, std::size_t size)
 ssize_t Connection::sendDripping(const char* data, std::size_t size)
 {
     for (std::size_t i = 0; i < size; ++i) {
-        if (!pause(dripMilliseconds_) || sendAll(data + i, 1) != 1) {
+        if (!pause(drip_milliseconds_) || sendAll(data + i, 1) != 1) {
             drop(false);
             return -1;
         }

@@ -31,13 +31,13 @@ public:
     bool pause(int milliseconds);
 
     /// Sends nothing more, and closes with a reset if asked to.
-    void drop(bool withReset);
+    void drop(bool with_reset);
 
     /// Sends every reply byte on its own with this pause before it.
-    void dripReplies(int milliseconds) { dripMilliseconds_ = milliseconds; }
+    void dripReplies(int milliseconds) { drip_milliseconds_ = milliseconds; }
 
     /// Resets the connection half way through the body of the reply.
-    void resetInBody() { resetInBody_ = true; }
+    void resetInBody() { reset_in_body_ = true; }
 
     bool isDropped() const { return dropped_; }
 
@@ -54,7 +54,7 @@ public:
     bool answered = false;
 
     /// Set by whoever has left the body of the current request unread.
-    bool lastRequest = false;
+    bool last_request = false;
 
     bool is_readable() const override { return !dropped_; }
     bool is_writable() const override { return !dropped_; }
@@ -71,18 +71,18 @@ private:
     void discardIncoming();
 
     FileDescriptor socket_;
-    std::mutex closeMutex_;
+    std::mutex close_mutex_;
     TlsContext* tls_;
     TlsContext::SessionPointer session_;
-    bool tlsBroken_ = false;
+    bool tls_broken_ = false;
     bool dropped_ = false;
-    bool resetOnClose_ = false;
-    bool resetInBody_ = false;
-    bool headersSent_ = false;
-    int dripMilliseconds_ = -1;
+    bool reset_on_close_ = false;
+    bool reset_in_body_ = false;
+    bool headers_sent_ = false;
+    int drip_milliseconds_ = -1;
     std::array<char, 4096> buffer_{};
-    std::size_t bufferStart_ = 0;
-    std::size_t bufferEnd_ = 0;
+    std::size_t buffer_start_ = 0;
+    std::size_t buffer_end_ = 0;
 };
 
 } // namespace tovik_service::http

@@ -17,9 +17,9 @@ std::string timeStamp()
 {
     const auto now = std::chrono::system_clock::now();
     const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    const auto sinceEpoch = now.time_since_epoch();
+    const auto since_epoch = now.time_since_epoch();
     const auto ms =
-        std::chrono::duration_cast<std::chrono::milliseconds>(sinceEpoch).count() % 1000;
+        std::chrono::duration_cast<std::chrono::milliseconds>(since_epoch).count() % 1000;
     std::tm parts{};
     gmtime_r(&seconds, &parts);
     std::array<char, 32> text{};
@@ -32,11 +32,10 @@ std::string timeStamp()
 
 EventLog::EventLog(const std::string& file, bool verbose)
     : verbose_(verbose),
-      toFile_(!file.empty())
+      to_file_(!file.empty())
 {
-    if (!toFile_) {
+    if (!to_file_)
         return;
-    }
     file_.open(file, std::ios::app);
     if (!file_) {
         throw std::runtime_error("cannot write the log file " + file + ": " +
@@ -54,14 +53,13 @@ void EventLog::note(const std::string& text)
         [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
     line += '\n';
     const std::lock_guard<std::mutex> lock(mutex_);
-    (toFile_ ? static_cast<std::ostream&>(file_) : std::cerr) << line << std::flush;
+    (to_file_ ? static_cast<std::ostream&>(file_) : std::cerr) << line << std::flush;
 }
 
 void EventLog::detail(const std::string& text)
 {
-    if (verbose_) {
+    if (verbose_)
         note(text);
-    }
 }
 
 } // namespace tovik_service::http

@@ -23,7 +23,7 @@ public:
 
 private:
     bool verbose_;
-    bool toFile_;
+    bool to_file_;
     std::mutex mutex_;
     std::ofstream file_;
 };

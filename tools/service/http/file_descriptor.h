@@ -16,9 +16,8 @@ public:
     FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     FileDescriptor& operator=(FileDescriptor&& other) noexcept
     {
-        if (this != &other) {
+        if (this != &other)
             reset(std::exchange(other.number_, -1));
-        }
         return *this;
     }
     FileDescriptor(const FileDescriptor&) = delete;
@@ -29,9 +28,8 @@ public:
 
     void reset(int number = -1)
     {
-        if (number_ >= 0) {
+        if (number_ >= 0)
             ::close(number_);
-        }
         number_ = number;
     }
 

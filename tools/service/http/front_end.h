@@ -27,7 +27,7 @@ public:
     ~FrontEnd();
 
     /// While this holds the port is closed. To be set before start().
-    void setRefusing(std::function<bool()> isRefusing) { isRefusing_ = std::move(isRefusing); }
+    void setRefusing(std::function<bool()> is_refusing) { is_refusing_ = std::move(is_refusing); }
 
     /// Accepts connections once this returns; throws std::runtime_error.
     void start();
@@ -62,16 +62,16 @@ private:
     TlsContext* tls_;
     EventLog& log_;
     Port port_;
-    std::function<bool()> isRefusing_;
-    FileDescriptor wakeUp_;
+    std::function<bool()> is_refusing_;
+    FileDescriptor wake_up_;
     std::thread thread_;
     std::atomic<bool> stopping_{false};
-    bool openFailed_ = false;
+    bool open_failed_ = false;
     std::list<Client> clients_;
     std::mutex mutex_;
     std::condition_variable applied_;
-    std::uint64_t wantedRound_ = 0;
-    std::uint64_t doneRound_ = 0;
+    std::uint64_t wanted_round_ = 0;
+    std::uint64_t done_round_ = 0;
 };
 
 } // namespace tovik_service::http

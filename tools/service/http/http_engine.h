@@ -13,7 +13,7 @@ public:
     HttpEngine();
 
     /// Reads and answers one request; false if the connection is of no further use.
-    bool serveOne(Connection& connection, bool isLast);
+    bool serveOne(Connection& connection, bool is_last);
 
     /// The connection whose request this thread is answering.
     static Connection& current();

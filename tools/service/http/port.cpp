@@ -16,8 +16,8 @@ namespace tovik_service::http {
 
 namespace {
 
-constexpr int waitingConnections = 512;
-constexpr int socketTimeoutSeconds = 5;
+constexpr int waiting_connections = 512;
+constexpr int socket_timeout_seconds = 5;
 
 template <typename Value>
 void setOption(int descriptor, int level, int option, const Value& value)
@@ -62,7 +62,7 @@ Port::Port(const std::string& host, int number) : host_(host), number_(number)
 {
     const AddressList found = resolve(host, number);
     std::memcpy(&address_, found->ai_addr, found->ai_addrlen);
-    addressSize_ = found->ai_addrlen;
+    address_size_ = found->ai_addrlen;
     reservation_ = boundSocket();
     socklen_t size = sizeof(address_);
     ::getsockname(reservation_.get(), reinterpret_cast<sockaddr*>(&address_), &size);
@@ -71,11 +71,10 @@ Port::Port(const std::string& host, int number) : host_(host), number_(number)
 
 void Port::open()
 {
-    if (listener_.isOpen()) {
+    if (listener_.isOpen())
         return;
-    }
     FileDescriptor socket = boundSocket();
-    if (::listen(socket.get(), waitingConnections) != 0) {
+    if (::listen(socket.get(), waiting_connections) != 0) {
         throw std::runtime_error("cannot listen on " + hostAndPort(host_, number_) + ": " +
                                  std::generic_category().message(errno));
     }
@@ -94,7 +93,7 @@ FileDescriptor Port::accept()
         // Without this the second part of a reply waits for the client's delayed
         // acknowledgement, 40 ms.
         setOption(socket.get(), IPPROTO_TCP, TCP_NODELAY, 1);
-        const timeval timeout{socketTimeoutSeconds, 0};
+        const timeval timeout{socket_timeout_seconds, 0};
         setOption(socket.get(), SOL_SOCKET, SO_RCVTIMEO, timeout);
         setOption(socket.get(), SOL_SOCKET, SO_SNDTIMEO, timeout);
     }
@@ -117,7 +116,7 @@ std::string Port::address() const
 {
     std::array<char, NI_MAXHOST> text{};
     const int error =
-        ::getnameinfo(reinterpret_cast<const sockaddr*>(&address_), addressSize_, text.data(),
+        ::getnameinfo(reinterpret_cast<const sockaddr*>(&address_), address_size_, text.data(),
                       static_cast<socklen_t>(text.size()), nullptr, 0, NI_NUMERICHOST);
     return error == 0 ? text.data() : host_;
 }
@@ -127,7 +126,7 @@ FileDescriptor Port::boundSocket() const
     FileDescriptor socket(
         ::socket(address_.ss_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     setOption(socket.get(), SOL_SOCKET, SO_REUSEADDR, 1);
-    if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address_), addressSize_) != 0) {
+    if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address_), address_size_) != 0) {
         throw std::runtime_error("cannot use " + hostAndPort(host_, number_) + ": " +
                                  std::generic_category().message(errno) +
                                  "; choose another port, or 0 for a free one");

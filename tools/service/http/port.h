@@ -41,7 +41,7 @@ private:
     std::string host_;
     int number_;
     sockaddr_storage address_{};
-    socklen_t addressSize_ = 0;
+    socklen_t address_size_ = 0;
     FileDescriptor reservation_;
     FileDescriptor listener_;
 };

@@ -8,7 +8,7 @@ namespace tovik_service::http {
 
 namespace {
 
-constexpr std::size_t mostRecords = 1000;
+constexpr std::size_t most_records = 1000;
 
 } // namespace
 
@@ -19,9 +19,8 @@ std::uint64_t RequestLog::add(RequestRecord record)
     // Unknown paths share one count: a scanner must not fill the table.
     ++counts_[plant::apiPathFromName(record.path) ? record.path : "other"];
     records_.push_back(std::move(record));
-    if (records_.size() > mostRecords) {
+    if (records_.size() > most_records)
         records_.pop_front();
-    }
     return last_;
 }
 
@@ -30,9 +29,8 @@ std::vector<RequestRecord> RequestLog::since(std::uint64_t number) const
     const std::lock_guard<std::mutex> lock(mutex_);
     std::vector<RequestRecord> chosen;
     for (const RequestRecord& record : records_) {
-        if (record.number > number) {
+        if (record.number > number)
             chosen.push_back(record);
-        }
     }
     return chosen;
 }
@@ -49,7 +47,7 @@ plant::Json toJson(const RequestRecord& record)
             {"time", record.time},
             {"path", record.path},
             {"item", record.item},
-            {"errorcode", record.errorCode ? plant::Json(*record.errorCode) : plant::Json()},
+            {"errorcode", record.error_code ? plant::Json(*record.error_code) : plant::Json()},
             {"status", record.status},
             {"fault", record.fault},
             {"duration_ms", record.milliseconds},

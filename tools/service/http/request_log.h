@@ -20,7 +20,7 @@ struct RequestRecord
     double time = 0; ///< seconds since 1970
     std::string path;
     std::string item;
-    std::optional<int> errorCode;
+    std::optional<int> error_code;
     int status = 0; ///< 0 if no reply went out
     std::string fault;
     double milliseconds = 0;

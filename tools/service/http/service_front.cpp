@@ -8,8 +8,8 @@ namespace tovik_service::http {
 
 namespace {
 
-constexpr int hangCheckMilliseconds = 20;
-constexpr const char* jsonType = "application/json";
+constexpr int hang_check_milliseconds = 20;
+constexpr const char* json_type = "application/json";
 
 std::string describe(const RequestRecord& record)
 {
@@ -27,7 +27,7 @@ struct ServiceFront::Exchange
     plant::RequestBody body;
     faults::RequestFacts facts;
     faults::FaultPointer fault;
-    std::optional<int> errorCode;
+    std::optional<int> error_code;
     std::string problem;
 
     bool has(faults::FaultKind kind) const { return fault && fault->spec.kind() == kind; }
@@ -50,12 +50,13 @@ ServiceFront::ServiceFront(plant::Plant& plant, plant::TokenStore& tokens,
         onError(request, response);
     };
     engine_.set_error_handler(error);
-    engine_.set_exception_handler([this](const httplib::Request&, httplib::Response& response,
-                                         const std::exception_ptr&) {
-        log_.note("internal error while answering a request");
-        response.status = 500;
-        response.set_content(plant::toText(plant::refusal(plant::codeInternal, "").json), jsonType);
-    });
+    engine_.set_exception_handler(
+        [this](const httplib::Request&, httplib::Response& response, const std::exception_ptr&) {
+            log_.note("internal error while answering a request");
+            response.status = 500;
+            response.set_content(plant::toText(plant::refusal(plant::codeInternal, "").json),
+                                 json_type);
+        });
 }
 
 void ServiceFront::onPost(const httplib::Request& request, httplib::Response& response)
@@ -78,7 +79,7 @@ void ServiceFront::onPost(const httplib::Request& request, httplib::Response& re
     }
     const faults::HttpReply reply = answer(exchange, request.get_header_value("Content-Type"));
     response.status = reply.status;
-    response.set_content(reply.body, reply.contentType);
+    response.set_content(reply.body, reply.content_type);
     finish(exchange, reply.status);
 }
 
@@ -86,16 +87,15 @@ void ServiceFront::onPost(const httplib::Request& request, httplib::Response& re
 bool ServiceFront::strike(Exchange& exchange)
 {
     Connection& connection = HttpEngine::current();
-    if (!exchange.fault) {
+    if (!exchange.fault)
         return true;
-    }
     const faults::FaultSpec& spec = exchange.fault->spec;
     switch (spec.kind()) {
     case faults::FaultKind::Reset:
         connection.drop(true);
         return false;
     case faults::FaultKind::Hang:
-        while (faults_.isInForce(*exchange.fault) && connection.pause(hangCheckMilliseconds)) {
+        while (faults_.isInForce(*exchange.fault) && connection.pause(hang_check_milliseconds)) {
         }
         connection.drop(false);
         return false;
@@ -117,20 +117,19 @@ bool ServiceFront::strike(Exchange& exchange)
     return true;
 }
 
-faults::HttpReply ServiceFront::answer(Exchange& exchange, const std::string& contentType)
+faults::HttpReply ServiceFront::answer(Exchange& exchange, const std::string& content_type)
 {
     if (exchange.fault && faults::replacesService(exchange.fault->spec.kind())) {
-        if (exchange.has(faults::FaultKind::ErrorCode)) {
-            exchange.errorCode = exchange.fault->spec.code;
-        }
+        if (exchange.has(faults::FaultKind::ErrorCode))
+            exchange.error_code = exchange.fault->spec.code;
         return faults::replacementReply(exchange.fault->spec);
     }
-    const plant::Reply reply = service_.answer(exchange.facts.path, contentType, exchange.body,
+    const plant::Reply reply = service_.answer(exchange.facts.path, content_type, exchange.body,
                                                HttpEngine::current().clientAddress());
-    exchange.errorCode = reply.errorCode();
+    exchange.error_code = reply.errorCode();
     exchange.problem = reply.problem;
     return exchange.fault ? faults::spoiltReply(exchange.fault->spec, reply.json)
-                          : faults::HttpReply{200, plant::toText(reply.json), jsonType};
+                          : faults::HttpReply{200, plant::toText(reply.json), json_type};
 }
 
 void ServiceFront::finish(const Exchange& exchange, int status)
@@ -139,7 +138,7 @@ void ServiceFront::finish(const Exchange& exchange, int status)
     record.time = exchange.time;
     record.path = plant::apiPathName(exchange.facts.path);
     record.item = plant::shownText(exchange.facts.item);
-    record.errorCode = exchange.errorCode;
+    record.error_code = exchange.error_code;
     record.status = status;
     record.fault = exchange.fault ? exchange.fault->spec.text : "";
     record.milliseconds = std::round((plant::steadySeconds() - exchange.start) * 1e6) / 1e3;
@@ -151,8 +150,8 @@ void ServiceFront::finish(const Exchange& exchange, int status)
                   record.fault);
     }
     if (!exchange.problem.empty()) {
-        log_.note(what + ": refused with error code " + std::to_string(*exchange.errorCode) + ", " +
-                  exchange.problem);
+        log_.note(what + ": refused with error code " + std::to_string(*exchange.error_code) +
+                  ", " + exchange.problem);
     }
     log_.detail(what + ": status " + std::to_string(status) + ", " + plant::toText(record.body));
 }
@@ -163,25 +162,24 @@ void ServiceFront::refuseUnknown(const httplib::Request& request, httplib::Respo
     RequestRecord record;
     record.time = plant::unixSeconds();
     record.path = plant::shownText(request.path);
-    record.errorCode = plant::codeMalformed;
+    record.error_code = plant::codeMalformed;
     record.status = status;
     record.number = requests_.add(record);
     log_.note("request " + std::to_string(record.number) + ": refused with status " +
               std::to_string(status) + ", " + request.method + " " +
               plant::toText(plant::Json(record.path)));
     response.status = status;
-    response.set_content(plant::toText(plant::refusal(plant::codeMalformed, "").json), jsonType);
+    response.set_content(plant::toText(plant::refusal(plant::codeMalformed, "").json), json_type);
 }
 
 // Comes for all that the HTTP library turns away by itself, and for our own error replies.
 void ServiceFront::onError(const httplib::Request& request, httplib::Response& response)
 {
-    if (HttpEngine::current().answered) {
+    if (HttpEngine::current().answered)
         return;
-    }
-    const bool wrongMethod =
+    const bool wrong_method =
         response.status == 404 && plant::apiPathFromUrl(request.path).has_value();
-    refuseUnknown(request, response, wrongMethod ? 405 : response.status);
+    refuseUnknown(request, response, wrong_method ? 405 : response.status);
 }
 
 } // namespace tovik_service::http

@@ -27,7 +27,7 @@ private:
     void onPost(const httplib::Request& request, httplib::Response& response);
     void onError(const httplib::Request& request, httplib::Response& response);
     bool strike(Exchange& exchange);
-    faults::HttpReply answer(Exchange& exchange, const std::string& contentType);
+    faults::HttpReply answer(Exchange& exchange, const std::string& content_type);
     void refuseUnknown(const httplib::Request& request, httplib::Response& response, int status);
     void finish(const Exchange& exchange, int status);
 

@@ -14,19 +14,17 @@ constexpr long day = 24 * hour;
 
 void require(bool good, const std::string& what)
 {
-    if (!good) {
+    if (!good)
         throw std::runtime_error(what + ": " + opensslError());
-    }
 }
 
 std::string alternativeNames(const std::string& host)
 {
     std::string names = "DNS:localhost,IP:127.0.0.1,IP:::1";
-    const bool isAddress = host.find_first_not_of("0123456789.") == std::string::npos ||
-                           host.find(':') != std::string::npos;
-    if (!host.empty() && host != "localhost" && host != "127.0.0.1" && host != "::1") {
-        names += (isAddress ? ",IP:" : ",DNS:") + host;
-    }
+    const bool is_address = host.find_first_not_of("0123456789.") == std::string::npos ||
+                            host.find(':') != std::string::npos;
+    if (!host.empty() && host != "localhost" && host != "127.0.0.1" && host != "::1")
+        names += (is_address ? ",IP:" : ",DNS:") + host;
     return names;
 }
 
@@ -44,9 +42,9 @@ TlsContext::TlsContext(TlsSettings settings)
     SSL_CTX_set_num_tickets(context, 0);
     restrictVersions();
     makeOwn();
-    if (settings_.certificateFile.empty()) {
+    if (settings_.certificate_file.empty()) {
         require(SSL_CTX_use_certificate(context, good_.get()) == 1 &&
-                    SSL_CTX_use_PrivateKey(context, ownKey_.get()) == 1,
+                    SSL_CTX_use_PrivateKey(context, own_key_.get()) == 1,
                 "cannot use the own certificate");
     } else {
         loadFiles();
@@ -57,16 +55,15 @@ TlsContext::TlsContext(TlsSettings settings)
 TlsContext::SessionPointer TlsContext::newSession(int descriptor)
 {
     SessionPointer session(SSL_new(context_.get()));
-    if (session && SSL_set_fd(session.get(), descriptor) != 1) {
+    if (session && SSL_set_fd(session.get(), descriptor) != 1)
         session.reset();
-    }
     return session;
 }
 
 std::string TlsContext::certificatesPem() const
 {
     X509* shown = SSL_CTX_get0_certificate(context_.get());
-    return toPem(shown) + toPem(wrongHost_.get()) + toPem(expired_.get());
+    return toPem(shown) + toPem(wrong_host_.get()) + toPem(expired_.get());
 }
 
 int TlsContext::chooseCertificate(SSL* session, void* self)
@@ -74,14 +71,13 @@ int TlsContext::chooseCertificate(SSL* session, void* self)
     const auto* context = static_cast<const TlsContext*>(self);
     const CertificateChoice choice =
         context->settings_.choose ? context->settings_.choose() : CertificateChoice::Good;
-    if (choice == CertificateChoice::Good) {
+    if (choice == CertificateChoice::Good)
         return 1;
-    }
     X509* certificate =
-        choice == CertificateChoice::Expired ? context->expired_.get() : context->wrongHost_.get();
+        choice == CertificateChoice::Expired ? context->expired_.get() : context->wrong_host_.get();
     SSL_certs_clear(session);
     return SSL_use_certificate(session, certificate) == 1 &&
-                   SSL_use_PrivateKey(session, context->ownKey_.get()) == 1
+                   SSL_use_PrivateKey(session, context->own_key_.get()) == 1
                ? 1
                : 0;
 }
@@ -99,23 +95,23 @@ void TlsContext::restrictVersions()
 
 void TlsContext::loadFiles()
 {
-    require(SSL_CTX_use_certificate_chain_file(context_.get(), settings_.certificateFile.c_str()) ==
-                1,
-            "cannot use the certificate " + settings_.certificateFile + " given by --cert");
-    require(SSL_CTX_use_PrivateKey_file(context_.get(), settings_.keyFile.c_str(),
+    require(
+        SSL_CTX_use_certificate_chain_file(context_.get(), settings_.certificate_file.c_str()) == 1,
+        "cannot use the certificate " + settings_.certificate_file + " given by --cert");
+    require(SSL_CTX_use_PrivateKey_file(context_.get(), settings_.key_file.c_str(),
                                         SSL_FILETYPE_PEM) == 1,
-            "cannot use the key " + settings_.keyFile + " given by --key");
+            "cannot use the key " + settings_.key_file + " given by --key");
 }
 
 // All three share one key, so that making them takes no longer than making one.
 void TlsContext::makeOwn()
 {
-    ownKey_ = makeKey(settings_.keyType);
+    own_key_ = makeKey(settings_.key_type);
     const std::string names = alternativeNames(settings_.host);
-    good_ = makeCertificate(ownKey_.get(), {"localhost", names, -hour, 365 * day});
-    wrongHost_ = makeCertificate(
-        ownKey_.get(), {"wrong-host.invalid", "DNS:wrong-host.invalid", -hour, 365 * day});
-    expired_ = makeCertificate(ownKey_.get(), {"expired localhost", names, -60 * day, -day});
+    good_ = makeCertificate(own_key_.get(), {"localhost", names, -hour, 365 * day});
+    wrong_host_ = makeCertificate(
+        own_key_.get(), {"wrong-host.invalid", "DNS:wrong-host.invalid", -hour, 365 * day});
+    expired_ = makeCertificate(own_key_.get(), {"expired localhost", names, -60 * day, -day});
 }
 
 } // namespace tovik_service::http

@@ -23,10 +23,10 @@ enum class CertificateChoice
 struct TlsSettings
 {
     std::string host; ///< named in the certificate, beside localhost
-    KeyType keyType = KeyType::Rsa2048;
-    std::string version;         ///< "1.2", "1.3", or empty for both
-    std::string certificateFile; ///< empty: self-made
-    std::string keyFile;
+    KeyType key_type = KeyType::Rsa2048;
+    std::string version;          ///< "1.2", "1.3", or empty for both
+    std::string certificate_file; ///< empty: self-made
+    std::string key_file;
     std::function<CertificateChoice()> choose; ///< asked once for each handshake
 };
 
@@ -62,9 +62,9 @@ private:
 
     TlsSettings settings_;
     std::unique_ptr<SSL_CTX, ContextDeleter> context_;
-    KeyPointer ownKey_;
+    KeyPointer own_key_;
     CertificatePointer good_;
-    CertificatePointer wrongHost_;
+    CertificatePointer wrong_host_;
     CertificatePointer expired_;
 };
 

@@ -26,7 +26,7 @@ struct ApiPathRow
     const char* url;
 };
 
-constexpr std::array<ApiPathRow, 5> apiPaths{{
+constexpr std::array<ApiPathRow, 5> api_paths{{
     {ApiPath::Login, "login", "/qlix_api/auth/login"},
     {ApiPath::Groups, "groups", "/qlix_api/imonitor/group/list"},
     {ApiPath::Items, "items", "/qlix_api/imonitor/group/dataitems"},
@@ -37,16 +37,15 @@ constexpr std::array<ApiPathRow, 5> apiPaths{{
 /// The short name of a request.
 inline std::string apiPathName(ApiPath path)
 {
-    return apiPaths.at(static_cast<std::size_t>(path)).name;
+    return api_paths.at(static_cast<std::size_t>(path)).name;
 }
 
 /// The request that a URL path stands for.
 inline std::optional<ApiPath> apiPathFromUrl(const std::string& url)
 {
-    for (const ApiPathRow& row : apiPaths) {
-        if (url == row.url) {
+    for (const ApiPathRow& row : api_paths) {
+        if (url == row.url)
             return row.path;
-        }
     }
     return std::nullopt;
 }
@@ -54,10 +53,9 @@ inline std::optional<ApiPath> apiPathFromUrl(const std::string& url)
 /// The request with this short name.
 inline std::optional<ApiPath> apiPathFromName(const std::string& name)
 {
-    for (const ApiPathRow& row : apiPaths) {
-        if (name == row.name) {
+    for (const ApiPathRow& row : api_paths) {
+        if (name == row.name)
             return row.path;
-        }
     }
     return std::nullopt;
 }

@@ -10,7 +10,7 @@ namespace tovik_service::plant {
 
 namespace {
 
-constexpr std::array<std::pair<GeneratorKind, const char*>, 6> kindNames{{
+constexpr std::array<std::pair<GeneratorKind, const char*>, 6> kind_names{{
     {GeneratorKind::Constant, "constant"},
     {GeneratorKind::Counter, "counter"},
     {GeneratorKind::Ramp, "ramp"},
@@ -19,7 +19,7 @@ constexpr std::array<std::pair<GeneratorKind, const char*>, 6> kindNames{{
     {GeneratorKind::List, "list"},
 }};
 
-constexpr double fullTurn = 6.283185307179586;
+constexpr double full_turn = 6.283185307179586;
 
 /// Steps that are complete after this time; the small surplus keeps 0.3 / 0.1 at three.
 std::uint64_t stepsAt(double seconds, double period)
@@ -102,7 +102,7 @@ protected:
     double numberAt(double seconds) override
     {
         const double turns = seconds / settings().period + settings().phase;
-        return settings().min + span() * (1 + std::sin(turns * fullTurn)) / 2;
+        return settings().min + span() * (1 + std::sin(turns * full_turn)) / 2;
     }
 };
 
@@ -139,10 +139,9 @@ private:
 
 std::optional<GeneratorKind> generatorKindFromName(const std::string& name)
 {
-    for (const auto& [kind, kindName] : kindNames) {
-        if (name == kindName) {
+    for (const auto& [kind, kindName] : kind_names) {
+        if (name == kindName)
             return kind;
-        }
     }
     return std::nullopt;
 }
@@ -150,9 +149,8 @@ std::optional<GeneratorKind> generatorKindFromName(const std::string& name)
 std::string allGeneratorNames()
 {
     std::string names;
-    for (const auto& row : kindNames) {
+    for (const auto& row : kind_names)
         names += (names.empty() ? "\"" : ", \"") + std::string(row.second) + "\"";
-    }
     return names;
 }
 

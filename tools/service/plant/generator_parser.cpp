@@ -6,17 +6,16 @@ namespace tovik_service::plant {
 
 namespace {
 
-constexpr double shortestPeriod = 0.01;
-constexpr std::uint64_t hashStart = 14695981039346656037ULL;
-constexpr std::uint64_t hashFactor = 1099511628211ULL;
+constexpr double shortest_period = 0.01;
+constexpr std::uint64_t hash_start = 14695981039346656037ULL;
+constexpr std::uint64_t hash_factor = 1099511628211ULL;
 
 /// A seed that differs from item to item and is the same in every run.
 std::uint64_t seedFromId(const std::string& id)
 {
-    std::uint64_t hash = hashStart;
-    for (const char c : id) {
-        hash = (hash ^ static_cast<unsigned char>(c)) * hashFactor;
-    }
+    std::uint64_t hash = hash_start;
+    for (const char c : id)
+        hash = (hash ^ static_cast<unsigned char>(c)) * hash_factor;
     return hash;
 }
 
@@ -24,18 +23,16 @@ Json checkedValue(const JsonReader& reader, const char* name, ValueType type, in
                   const Json& value)
 {
     const CheckedValue checked = checkValue(type, length, value);
-    if (!checked.ok()) {
+    if (!checked.ok())
         reader.fail(name, typeName(type) + " " + checked.problem);
-    }
     return checked.value;
 }
 
 void readPeriod(const JsonReader& reader, double fallback, GeneratorSettings& settings)
 {
     settings.period = reader.number("period", fallback);
-    if (settings.period < shortestPeriod) {
+    if (settings.period < shortest_period)
         reader.fail("period", "needs at least 0.01 seconds");
-    }
 }
 
 void readRange(const JsonReader& reader, ValueType type, GeneratorSettings& settings)
@@ -46,25 +43,21 @@ void readRange(const JsonReader& reader, ValueType type, GeneratorSettings& sett
     };
     settings.min = clamp(reader.number("min", 0));
     settings.max = clamp(reader.number("max", std::max(100.0, settings.min)));
-    if (settings.min > settings.max) {
+    if (settings.min > settings.max)
         reader.fail("min", "is greater than \"max\"");
-    }
     settings.start = reader.number("start", settings.min);
-    if (settings.start < settings.min || settings.start > settings.max) {
+    if (settings.start < settings.min || settings.start > settings.max)
         reader.fail("start", "is outside \"min\" to \"max\"");
-    }
 }
 
 void readList(const JsonReader& reader, ValueType type, int length, GeneratorSettings& settings)
 {
     reader.allowOnly({"generator", "values", "period"});
     const Json& values = reader.member("values");
-    if (!values.is_array() || values.empty()) {
+    if (!values.is_array() || values.empty())
         reader.fail("values", "needs a list with at least one value");
-    }
-    for (const Json& value : values) {
+    for (const Json& value : values)
         settings.values.push_back(checkedValue(reader, "values", type, length, value));
-    }
     readPeriod(reader, 5, settings);
 }
 
@@ -80,14 +73,12 @@ void readRandomWalk(const JsonReader& reader, ValueType type, GeneratorSettings&
 {
     reader.allowOnly({"generator", "min", "max", "start", "step", "period", "seed"});
     readRange(reader, type, settings);
-    if (!reader.has("start")) {
+    if (!reader.has("start"))
         settings.start = settings.min + (settings.max - settings.min) / 2;
-    }
     settings.step = reader.number("step", (settings.max - settings.min) / 20);
     readPeriod(reader, 1, settings);
-    if (reader.has("seed")) {
+    if (reader.has("seed"))
         settings.seed = static_cast<std::uint64_t>(reader.integer("seed", 0, 0, 2147483647));
-    }
 }
 
 void readMoving(const JsonReader& reader, ValueType type, GeneratorSettings& settings)
@@ -112,10 +103,10 @@ void readMoving(const JsonReader& reader, ValueType type, GeneratorSettings& set
 } // namespace
 
 GeneratorSettings parseGenerator(const JsonReader& item, ValueType type, int length,
-                                 const std::string& itemId)
+                                 const std::string& item_id)
 {
     GeneratorSettings settings;
-    settings.seed = seedFromId(itemId);
+    settings.seed = seedFromId(item_id);
     if (!item.has("value")) {
         settings.values.push_back(defaultValue(type));
         return settings;
@@ -127,9 +118,8 @@ GeneratorSettings parseGenerator(const JsonReader& item, ValueType type, int len
     const JsonReader reader = item.object("value");
     const std::string name = reader.text("generator");
     const auto kind = generatorKindFromName(name);
-    if (!kind) {
+    if (!kind)
         reader.fail("generator", "unknown \"" + name + "\"; use one of " + allGeneratorNames());
-    }
     settings.kind = *kind;
     if (*kind == GeneratorKind::Constant) {
         reader.allowOnly({"generator", "value"});

@@ -11,17 +11,17 @@ struct Plant::State
     const Item* item = nullptr;
     std::unique_ptr<Generator> generator;
     Json written;
-    double heldUntil = -std::numeric_limits<double>::infinity();
-    Json lastValue;
-    std::int64_t updateTime = 0;
+    double held_until = -std::numeric_limits<double>::infinity();
+    Json last_value;
+    std::int64_t update_time = 0;
 };
 
-Plant::Plant(Project project, WriteHold writeHold, Clock wallClock, Clock steadyClock)
+Plant::Plant(Project project, WriteHold write_hold, Clock wall_clock, Clock steady_clock)
     : project_(std::move(project)),
-      writeHold_(writeHold),
-      wallClock_(std::move(wallClock)),
-      steadyClock_(std::move(steadyClock)),
-      start_(steadyClock_())
+      write_hold_(write_hold),
+      wall_clock_(std::move(wall_clock)),
+      steady_clock_(std::move(steady_clock)),
+      start_(steady_clock_())
 {
     for (const Group& group : project_.groups) {
         for (const Item& item : group.items) {
@@ -40,9 +40,8 @@ Plant::~Plant() = default;
 const Group* Plant::findGroup(const std::string& id) const
 {
     for (const Group& group : project_.groups) {
-        if (group.id == id) {
+        if (group.id == id)
             return &group;
-        }
     }
     return nullptr;
 }
@@ -51,9 +50,8 @@ std::optional<ItemView> Plant::item(const std::string& id)
 {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto found = states_.find(id);
-    if (found == states_.end()) {
+    if (found == states_.end())
         return std::nullopt;
-    }
     return viewOf(*found->second);
 }
 
@@ -61,9 +59,8 @@ std::vector<ItemView> Plant::itemsOf(const Group& group)
 {
     const std::lock_guard<std::mutex> lock(mutex_);
     std::vector<ItemView> views;
-    for (const Item& item : group.items) {
+    for (const Item& item : group.items)
         views.push_back(viewOf(*states_.at(item.id)));
-    }
     return views;
 }
 
@@ -71,9 +68,8 @@ std::vector<ItemView> Plant::allItems()
 {
     std::vector<ItemView> views;
     for (const Group& group : project_.groups) {
-        for (ItemView& view : itemsOf(group)) {
+        for (ItemView& view : itemsOf(group))
             views.push_back(std::move(view));
-        }
     }
     return views;
 }
@@ -82,13 +78,11 @@ WriteResult Plant::write(const std::string& id, const Json& value, Writer writer
 {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto found = states_.find(id);
-    if (found == states_.end()) {
+    if (found == states_.end())
         return {WriteOutcome::UnknownItem, "there is no item \"" + id + "\""};
-    }
     State& state = *found->second;
-    if (writer == Writer::Client && state.item->readOnly) {
+    if (writer == Writer::Client && state.item->read_only)
         return {WriteOutcome::ReadOnly, "item \"" + id + "\" is read-only"};
-    }
     if (writer == Writer::Client && !state.group->isWritable()) {
         return {WriteOutcome::ReadOnly,
                 "group \"" + state.group->id + "\" gives no write permission"};
@@ -99,30 +93,30 @@ WriteResult Plant::write(const std::string& id, const Json& value, Writer writer
                                             typeName(state.item->type) + " " + checked.problem};
     }
     // A constant has nothing to go back to, so what is written to it stays.
-    const bool forEver = !writeHold_ || state.item->generator.kind == GeneratorKind::Constant;
+    const bool for_ever = !write_hold_ || state.item->generator.kind == GeneratorKind::Constant;
     state.written = std::move(checked.value);
-    state.heldUntil =
-        forEver ? std::numeric_limits<double>::infinity() : steadyClock_() + *writeHold_;
+    state.held_until =
+        for_ever ? std::numeric_limits<double>::infinity() : steady_clock_() + *write_hold_;
     viewOf(state);
-    state.updateTime = static_cast<std::int64_t>(wallClock_());
+    state.update_time = static_cast<std::int64_t>(wall_clock_());
     return {};
 }
 
-std::string Plant::groupIdOf(const std::string& itemId) const
+std::string Plant::groupIdOf(const std::string& item_id) const
 {
-    const auto found = states_.find(itemId);
+    const auto found = states_.find(item_id);
     return found == states_.end() ? std::string() : found->second->group->id;
 }
 
 ItemView Plant::viewOf(State& state)
 {
-    const double now = steadyClock_();
-    Json value = now < state.heldUntil ? state.written : state.generator->valueAt(now - start_);
-    if (state.lastValue != value) {
-        state.lastValue = value;
-        state.updateTime = static_cast<std::int64_t>(wallClock_());
+    const double now = steady_clock_();
+    Json value = now < state.held_until ? state.written : state.generator->valueAt(now - start_);
+    if (state.last_value != value) {
+        state.last_value = value;
+        state.update_time = static_cast<std::int64_t>(wall_clock_());
     }
-    return {state.group, state.item, std::move(value), state.updateTime};
+    return {state.group, state.item, std::move(value), state.update_time};
 }
 
 } // namespace tovik_service::plant

@@ -20,7 +20,7 @@ struct ItemView
     const Group* group = nullptr;
     const Item* item = nullptr;
     Json value;
-    std::int64_t updateTime = 0; ///< seconds since 1970
+    std::int64_t update_time = 0; ///< seconds since 1970
 };
 
 /// What became of a write.
@@ -54,12 +54,12 @@ public:
     /// A written value of a moving item holds for this long; nothing means for ever.
     using WriteHold = std::optional<double>;
 
-    Plant(Project project, WriteHold writeHold, Clock wallClock = unixSeconds,
-          Clock steadyClock = steadySeconds);
+    Plant(Project project, WriteHold write_hold, Clock wall_clock = unixSeconds,
+          Clock steady_clock = steadySeconds);
     ~Plant();
 
     const Project& project() const { return project_; }
-    WriteHold writeHold() const { return writeHold_; }
+    WriteHold writeHold() const { return write_hold_; }
     const Group* findGroup(const std::string& id) const;
     std::optional<ItemView> item(const std::string& id);
     std::vector<ItemView> itemsOf(const Group& group);
@@ -67,7 +67,7 @@ public:
     WriteResult write(const std::string& id, const Json& value, Writer writer);
 
     /// The id of the group that holds an item, or an empty string.
-    std::string groupIdOf(const std::string& itemId) const;
+    std::string groupIdOf(const std::string& item_id) const;
 
 private:
     struct State;
@@ -75,9 +75,9 @@ private:
     ItemView viewOf(State& state);
 
     Project project_;
-    WriteHold writeHold_;
-    Clock wallClock_;
-    Clock steadyClock_;
+    WriteHold write_hold_;
+    Clock wall_clock_;
+    Clock steady_clock_;
     double start_;
     mutable std::mutex mutex_;
     std::map<std::string, std::unique_ptr<State>> states_;

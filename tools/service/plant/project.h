@@ -26,8 +26,8 @@ struct Item
     ValueType type = ValueType::Bit;
     int length = 1;
     bool alert = false;
-    int cloudStatus = 1;
-    bool readOnly = false;
+    int cloud_status = 1;
+    bool read_only = false;
     GeneratorSettings generator;
 };
 
@@ -37,7 +37,7 @@ struct Group
     std::string id;
     std::string name;
     std::string location;
-    std::string ddLocation;
+    std::string dd_location;
     bool alert = false;
     std::string permission = "RW";
     std::vector<Item> items;
@@ -60,7 +60,7 @@ Project loadProject(const std::string& file);
 
 /// Reads the member "value" of an item: a plain value, or an object with a generator.
 GeneratorSettings parseGenerator(const JsonReader& item, ValueType type, int length,
-                                 const std::string& itemId);
+                                 const std::string& item_id);
 
 } // namespace tovik_service::plant
 

@@ -27,7 +27,7 @@ RequestBody parseBody(const std::string& bytes);
 std::string bodyProblem(ApiPath path, const RequestBody& body);
 
 /// Says what is wrong with the content type, or nothing.
-std::string contentTypeProblem(const std::string& contentType);
+std::string contentTypeProblem(const std::string& content_type);
 
 /// The body as it may be logged: passwords masked, tokens shortened.
 Json maskedBody(const RequestBody& body);

@@ -9,7 +9,7 @@ namespace {
 Json groupJson(const Group& group)
 {
     return {{"group_id", group.id},       {"name", group.name},
-            {"location", group.location}, {"ddLocation", group.ddLocation},
+            {"location", group.location}, {"ddLocation", group.dd_location},
             {"alert", group.alert},       {"permission", group.permission}};
 }
 
@@ -20,9 +20,9 @@ Json itemJson(const ItemView& view)
             {"type", typeName(view.item->type)},
             {"length", view.item->length},
             {"value", view.value},
-            {"cloud_status", view.item->cloudStatus},
+            {"cloud_status", view.item->cloud_status},
             {"alert", view.item->alert},
-            {"update_time", view.updateTime}};
+            {"update_time", view.update_time}};
 }
 
 Reply success(Json json)
@@ -45,23 +45,19 @@ Reply refusal(ErrorCode code, const std::string& problem)
 
 Service::Service(Plant& plant, TokenStore& tokens) : plant_(plant), tokens_(tokens) {}
 
-Reply Service::answer(ApiPath path, const std::string& contentType, const RequestBody& body,
+Reply Service::answer(ApiPath path, const std::string& content_type, const RequestBody& body,
                       const std::string& client)
 {
-    std::string problem = contentTypeProblem(contentType);
-    if (problem.empty()) {
+    std::string problem = contentTypeProblem(content_type);
+    if (problem.empty())
         problem = bodyProblem(path, body);
-    }
-    if (!problem.empty()) {
+    if (!problem.empty())
         return refusal(codeMalformed, problem);
-    }
-    if (path == ApiPath::Login) {
+    if (path == ApiPath::Login)
         return login(body, client);
-    }
     const std::string token = body.text("token");
-    if (!tokens_.isKnown(token)) {
+    if (!tokens_.isKnown(token))
         return refusal(codeUnknownToken, "token " + shortToken(token) + " is unknown or expired");
-    }
     switch (path) {
     case ApiPath::Items:
         return items(body.text("group_id"));
@@ -77,16 +73,15 @@ Reply Service::answer(ApiPath path, const std::string& contentType, const Reques
 Reply Service::login(const RequestBody& body, const std::string& client)
 {
     const auto& accounts = plant_.project().accounts;
-    const auto isPerson = [&body](const Account& account) {
+    const auto is_person = [&body](const Account& account) {
         return account.email == body.text("email") && account.password == body.text("password");
     };
-    const auto isAccount = [&body, &isPerson](const Account& account) {
-        return isPerson(account) && account.project == body.text("project");
+    const auto is_account = [&body, &is_person](const Account& account) {
+        return is_person(account) && account.project == body.text("project");
     };
-    if (std::none_of(accounts.begin(), accounts.end(), isPerson)) {
+    if (std::none_of(accounts.begin(), accounts.end(), is_person))
         return refusal(codeWrongAccount, "no account has this e-mail address and password");
-    }
-    if (std::none_of(accounts.begin(), accounts.end(), isAccount)) {
+    if (std::none_of(accounts.begin(), accounts.end(), is_account)) {
         return refusal(codeUnknownProject,
                        "the account has no project " + toText(Json(body.text("project"))));
     }
@@ -96,39 +91,36 @@ Reply Service::login(const RequestBody& body, const std::string& client)
 Reply Service::groups()
 {
     Json list = Json::array();
-    for (const Group& group : plant_.project().groups) {
+    for (const Group& group : plant_.project().groups)
         list.push_back(groupJson(group));
-    }
     const std::size_t count = list.size();
     return success({{"Number", count}, {"groups", std::move(list)}});
 }
 
-Reply Service::items(const std::string& groupId)
+Reply Service::items(const std::string& group_id)
 {
-    const Group* group = plant_.findGroup(groupId);
-    if (group == nullptr) {
-        return refusal(codeUnknownId, "there is no group " + toText(Json(shownText(groupId))));
-    }
+    const Group* group = plant_.findGroup(group_id);
+    if (group == nullptr)
+        return refusal(codeUnknownId, "there is no group " + toText(Json(shownText(group_id))));
     Json list = Json::array();
-    for (const ItemView& view : plant_.itemsOf(*group)) {
+    for (const ItemView& view : plant_.itemsOf(*group))
         list.push_back(itemJson(view));
-    }
     const std::size_t count = list.size();
     return success({{"Number", count}, {"dataitems", std::move(list)}});
 }
 
-Reply Service::value(const std::string& itemId)
+Reply Service::value(const std::string& item_id)
 {
-    const auto view = plant_.item(itemId);
-    return view ? success({{"value", view->value}}) : unknownItem(itemId);
+    const auto view = plant_.item(item_id);
+    return view ? success({{"value", view->value}}) : unknownItem(item_id);
 }
 
-Reply Service::write(const std::string& itemId, const Json& value)
+Reply Service::write(const std::string& item_id, const Json& value)
 {
-    const WriteResult result = plant_.write(itemId, value, Writer::Client);
+    const WriteResult result = plant_.write(item_id, value, Writer::Client);
     switch (result.outcome) {
     case WriteOutcome::UnknownItem:
-        return unknownItem(itemId);
+        return unknownItem(item_id);
     case WriteOutcome::ReadOnly:
         return refusal(codeReadOnly, result.problem);
     case WriteOutcome::BadValue:

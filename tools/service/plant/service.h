@@ -27,15 +27,15 @@ public:
     Service(Plant& plant, TokenStore& tokens);
 
     /// Answers one request; the client's address is kept with a token that it gets.
-    Reply answer(ApiPath path, const std::string& contentType, const RequestBody& body,
+    Reply answer(ApiPath path, const std::string& content_type, const RequestBody& body,
                  const std::string& client = {});
 
 private:
     Reply login(const RequestBody& body, const std::string& client);
     Reply groups();
-    Reply items(const std::string& groupId);
-    Reply value(const std::string& itemId);
-    Reply write(const std::string& itemId, const Json& value);
+    Reply items(const std::string& group_id);
+    Reply value(const std::string& item_id);
+    Reply write(const std::string& item_id, const Json& value);
 
     Plant& plant_;
     TokenStore& tokens_;

@@ -11,7 +11,7 @@ namespace tovik_service::plant {
 namespace {
 
 // A client that logs in again and again must not make the store grow without end.
-constexpr std::size_t mostTokens = 10000;
+constexpr std::size_t most_tokens = 10000;
 
 } // namespace
 
@@ -36,9 +36,8 @@ bool TokenStore::isKnown(const std::string& token)
     const std::lock_guard<std::mutex> lock(mutex_);
     dropOld();
     const auto found = entries_.find(token);
-    if (found == entries_.end()) {
+    if (found == entries_.end())
         return false;
-    }
     found->second.used = clock_();
     ++found->second.uses;
     return true;
@@ -82,10 +81,10 @@ std::vector<TokenStatus> TokenStore::list(std::size_t most)
 void TokenStore::dropOld()
 {
     const double now = clock_();
-    const auto isOver = [this, now](const std::string& token) {
+    const auto is_over = [this, now](const std::string& token) {
         return lifetime_ && now - entries_.at(token).made >= *lifetime_;
     };
-    while (!order_.empty() && (order_.size() > mostTokens || isOver(order_.front()))) {
+    while (!order_.empty() && (order_.size() > most_tokens || is_over(order_.front()))) {
         entries_.erase(order_.front());
         order_.pop_front();
     }

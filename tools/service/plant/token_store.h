@@ -24,7 +24,7 @@ struct TokenOwner
 /// A good token, for people.
 struct TokenStatus
 {
-    std::string shortToken; ///< the first characters
+    std::string short_token; ///< the first characters
     TokenOwner owner;
     double age = 0;  ///< seconds since the login
     double idle = 0; ///< seconds since the last request with it, or since the login

@@ -20,7 +20,7 @@ struct TypeRow
     int length;
 };
 
-constexpr std::array<TypeRow, 12> typeRows{{
+constexpr std::array<TypeRow, 12> type_rows{{
     {ValueType::Bit, "Bit", {0, 1}, 1},
     {ValueType::Bcd16, "16Bit-BCD", {0, 9999}, 16},
     {ValueType::Int16, "16Bit-INT", {-32768, 32767}, 16},
@@ -37,7 +37,7 @@ constexpr std::array<TypeRow, 12> typeRows{{
 
 const TypeRow& rowOf(ValueType type)
 {
-    return typeRows.at(static_cast<std::size_t>(type));
+    return type_rows.at(static_cast<std::size_t>(type));
 }
 
 bool isHex(ValueType type)
@@ -82,20 +82,16 @@ CheckedValue wrong(std::string problem)
 
 CheckedValue checkNumber(ValueType type, const Json& value)
 {
-    if (!value.is_number()) {
+    if (!value.is_number())
         return wrong("needs a number, not " + std::string(value.type_name()));
-    }
     const double number = value.get<double>();
     const NumberRange range = rowOf(type).range;
-    if (!(number >= range.low && number <= range.high)) {
+    if (!(number >= range.low && number <= range.high))
         return wrong("needs a number from " + rangeText(type));
-    }
-    if (type == ValueType::Float32) {
+    if (type == ValueType::Float32)
         return {Json(shortestFloat(number)), {}};
-    }
-    if (std::floor(number) != number) {
+    if (std::floor(number) != number)
         return wrong("needs a whole number");
-    }
     return {Json(static_cast<std::int64_t>(number)), {}};
 }
 
@@ -103,34 +99,29 @@ CheckedValue checkHex(ValueType type, const Json& value)
 {
     const std::string expected =
         "needs a string of 1 to " + std::to_string(hexDigits(type)) + " hexadecimal digits";
-    if (!value.is_string()) {
+    if (!value.is_string())
         return wrong(expected + ", not " + value.type_name());
-    }
     const auto& text = value.get_ref<const std::string&>();
-    const bool digitsOnly = text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-    if (text.empty() || text.size() > static_cast<std::size_t>(hexDigits(type)) || !digitsOnly) {
+    const bool digits_only = text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+    if (text.empty() || text.size() > static_cast<std::size_t>(hexDigits(type)) || !digits_only)
         return wrong(expected);
-    }
     return {Json(hexText(type, std::stoull(text, nullptr, 16))), {}};
 }
 
 CheckedValue checkText(ValueType type, int length, const Json& value)
 {
-    if (!value.is_string()) {
+    if (!value.is_string())
         return wrong("needs a string, not " + std::string(value.type_name()));
-    }
     const auto& text = value.get_ref<const std::string&>();
-    const auto isContinuation = [](char c) {
+    const auto is_continuation = [](char c) {
         return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
     };
-    const auto continuations = std::count_if(text.begin(), text.end(), isContinuation);
-    if (static_cast<std::ptrdiff_t>(text.size()) - continuations > length) {
+    const auto continuations = std::count_if(text.begin(), text.end(), is_continuation);
+    if (static_cast<std::ptrdiff_t>(text.size()) - continuations > length)
         return wrong("needs at most " + std::to_string(length) + " characters");
-    }
-    const auto isPrintable = [](char c) { return c >= 0x20 && c <= 0x7E; };
-    if (type == ValueType::AsciiString && !std::all_of(text.begin(), text.end(), isPrintable)) {
+    const auto is_printable = [](char c) { return c >= 0x20 && c <= 0x7E; };
+    if (type == ValueType::AsciiString && !std::all_of(text.begin(), text.end(), is_printable))
         return wrong("needs printable ASCII characters only");
-    }
     return {value, {}};
 }
 
@@ -143,10 +134,9 @@ std::string typeName(ValueType type)
 
 std::optional<ValueType> typeFromName(const std::string& name)
 {
-    for (const TypeRow& row : typeRows) {
-        if (name == row.name) {
+    for (const TypeRow& row : type_rows) {
+        if (name == row.name)
             return row.type;
-        }
     }
     return std::nullopt;
 }
@@ -154,9 +144,8 @@ std::optional<ValueType> typeFromName(const std::string& name)
 std::string allTypeNames()
 {
     std::string names;
-    for (const TypeRow& row : typeRows) {
+    for (const TypeRow& row : type_rows)
         names += (names.empty() ? "\"" : ", \"") + std::string(row.name) + "\"";
-    }
     return names;
 }
 
@@ -182,21 +171,17 @@ Json defaultValue(ValueType type)
 
 Json valueFromNumber(ValueType type, double number)
 {
-    if (isText(type)) {
+    if (isText(type))
         return Json("");
-    }
-    if (type == ValueType::Bit) {
+    if (type == ValueType::Bit)
         return Json(number >= 0.5);
-    }
     const NumberRange range = rowOf(type).range;
     const double clamped = std::clamp(number, range.low, range.high);
-    if (type == ValueType::Float32) {
+    if (type == ValueType::Float32)
         return Json(shortestFloat(clamped));
-    }
     const auto whole = static_cast<std::int64_t>(std::llround(clamped));
-    if (isHex(type)) {
+    if (isHex(type))
         return Json(hexText(type, static_cast<std::uint64_t>(whole)));
-    }
     return Json(whole);
 }
 
@@ -207,9 +192,8 @@ CheckedValue checkValue(ValueType type, int length, const Json& value)
                    ? CheckedValue{value, {}}
                    : wrong("needs true or false, not " + std::string(value.type_name()));
     }
-    if (isText(type)) {
+    if (isText(type))
         return checkText(type, length, value);
-    }
     return isHex(type) ? checkHex(type, value) : checkNumber(type, value);
 }
 

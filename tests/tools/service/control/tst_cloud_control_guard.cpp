@@ -21,12 +21,12 @@ private slots:
     void readsTokens();
 
 private:
-    static int status(const ControlGuard& guard, const ControlKnock& knock);
+    static int status(const ControlGuard& guard, const ControlRequest& request);
 };
 
-int TestCloudControlGuard::status(const ControlGuard& guard, const ControlKnock& knock)
+int TestCloudControlGuard::status(const ControlGuard& guard, const ControlRequest& request)
 {
-    const auto refusal = guard.refusal(knock);
+    const auto refusal = guard.refusal(request);
     return refusal ? refusal->status : 200;
 }
 
@@ -70,9 +70,9 @@ void TestCloudControlGuard::onThisComputer()
     QFETCH(QByteArray, host);
     QFETCH(QByteArray, origin);
     const ControlGuard guard({"127.66051", true, "", "127.1.2.3"});
-    const ControlKnock knock{method.toStdString(), "/faults", host.toStdString(),
-                             origin.toStdString(), ""};
-    QTEST(status(guard, knock), "status");
+    const ControlRequest request{method.toStdString(), "/faults", host.toStdString(),
+                                 origin.toStdString(), ""};
+    QTEST(status(guard, request), "status");
 }
 
 void TestCloudControlGuard::wantsTheToken_data()
@@ -109,9 +109,9 @@ void TestCloudControlGuard::wantsTheToken()
     QFETCH(QByteArray, authorization);
     for (const bool loopback : {false, true}) {
         const ControlGuard guard({"192.168.1.5", loopback, "0123456789abcdef", "192.168.1.5"});
-        const ControlKnock knock{method.toStdString(), path.toStdString(), "192.168.1.5:80", "",
-                                 authorization.toStdString()};
-        QTEST(status(guard, knock), "status");
+        const ControlRequest request{method.toStdString(), path.toStdString(), "192.168.1.5:80", "",
+                                     authorization.toStdString()};
+        QTEST(status(guard, request), "status");
     }
 }
 
@@ -151,11 +151,10 @@ void TestCloudControlGuard::readsTokens()
     file.write(content);
     file.close();
     const std::string name = file.fileName().toStdString();
-    if (good) {
+    if (good)
         QCOMPARE(readControlToken(name), std::string("0123456789abcdef"));
-    } else {
+    else
         QVERIFY_EXCEPTION_THROWN(readControlToken(name), std::invalid_argument);
-    }
     QVERIFY_EXCEPTION_THROWN(readControlToken(name + "x"), std::invalid_argument);
     QVERIFY_EXCEPTION_THROWN(readControlToken(folder.path().toStdString()), std::invalid_argument);
 }

@@ -24,9 +24,8 @@ namespace {
 Json kind(const std::string& name)
 {
     for (const Json& entry : faultKindsJson(true)) {
-        if (entry.at("name") == name) {
+        if (entry.at("name") == name)
             return entry;
-        }
     }
     return {};
 }
@@ -92,9 +91,8 @@ void TestCloudFaultKinds::tellsDefaults()
 void TestCloudFaultKinds::certificatesNeedTls()
 {
     int unusable = 0;
-    for (const Json& entry : faultKindsJson(false)) {
+    for (const Json& entry : faultKindsJson(false))
         unusable += entry.at("usable").get<bool>() ? 0 : 1;
-    }
     QCOMPARE(unusable, 2);
     QVERIFY(kind("expired").at("usable") == true);
 }

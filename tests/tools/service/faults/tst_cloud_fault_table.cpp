@@ -23,7 +23,7 @@ private slots:
 
 namespace {
 
-const RequestFacts valueOfA{ApiPath::Value, "a", "g"};
+const RequestFacts value_of_a{ApiPath::Value, "a", "g"};
 
 } // namespace
 
@@ -31,9 +31,9 @@ void TestCloudFaultTable::strikesCountTimes()
 {
     FaultTable table;
     table.add(parseFault("hang:count=2"));
-    QVERIFY(table.takeForRequest(valueOfA));
-    QVERIFY(table.takeForRequest(valueOfA));
-    QVERIFY(!table.takeForRequest(valueOfA));
+    QVERIFY(table.takeForRequest(value_of_a));
+    QVERIFY(table.takeForRequest(value_of_a));
+    QVERIFY(!table.takeForRequest(value_of_a));
     const FaultStatus status = table.list().at(0);
     QVERIFY(!status.active);
     QCOMPARE(status.applied, 2);
@@ -43,10 +43,10 @@ void TestCloudFaultTable::letsTheFirstPass()
 {
     FaultTable table;
     table.add(parseFault("hang:after=2,path=value"));
-    QVERIFY(!table.takeForRequest(valueOfA));
+    QVERIFY(!table.takeForRequest(value_of_a));
     QVERIFY(!table.takeForRequest({ApiPath::Login, "", ""}));
-    QVERIFY(!table.takeForRequest(valueOfA));
-    QVERIFY(table.takeForRequest(valueOfA));
+    QVERIFY(!table.takeForRequest(value_of_a));
+    QVERIFY(table.takeForRequest(value_of_a));
 }
 
 void TestCloudFaultTable::endsWithItsTime()
@@ -55,11 +55,11 @@ void TestCloudFaultTable::endsWithItsTime()
     FaultTable table([&now] { return now; });
     table.add(parseFault("hang:seconds=5"));
     now = 104.9;
-    const FaultPointer fault = table.takeForRequest(valueOfA);
+    const FaultPointer fault = table.takeForRequest(value_of_a);
     QVERIFY(fault && table.isInForce(*fault));
     now = 105;
     QVERIFY(!table.isInForce(*fault));
-    QVERIFY(!table.takeForRequest(valueOfA));
+    QVERIFY(!table.takeForRequest(value_of_a));
 }
 
 void TestCloudFaultTable::choosesRequests_data()
@@ -81,7 +81,7 @@ void TestCloudFaultTable::choosesRequests()
     QFETCH(bool, strikes);
     FaultTable table;
     table.add(parseFault(fault.toStdString()));
-    QCOMPARE(table.takeForRequest(valueOfA) != nullptr, strikes);
+    QCOMPARE(table.takeForRequest(value_of_a) != nullptr, strikes);
 }
 
 void TestCloudFaultTable::firstAddedWins()
@@ -89,21 +89,21 @@ void TestCloudFaultTable::firstAddedWins()
     FaultTable table;
     table.add(parseFault("empty:count=1"));
     table.add(parseFault("reset"));
-    QVERIFY(table.takeForRequest(valueOfA)->spec.kind() == FaultKind::Empty);
-    QVERIFY(table.takeForRequest(valueOfA)->spec.kind() == FaultKind::Reset);
+    QVERIFY(table.takeForRequest(value_of_a)->spec.kind() == FaultKind::Empty);
+    QVERIFY(table.takeForRequest(value_of_a)->spec.kind() == FaultKind::Reset);
 }
 
 void TestCloudFaultTable::removalEndsWhatIsGoingOn()
 {
     FaultTable table;
     const int id = table.add(parseFault("hang:count=1"));
-    const FaultPointer fault = table.takeForRequest(valueOfA);
+    const FaultPointer fault = table.takeForRequest(value_of_a);
     QVERIFY(table.isInForce(*fault));
     QVERIFY(table.remove(id));
     QVERIFY(!table.remove(id));
     QVERIFY(!table.isInForce(*fault));
     table.add(parseFault("hang"));
-    const FaultPointer other = table.takeForRequest(valueOfA);
+    const FaultPointer other = table.takeForRequest(value_of_a);
     table.clear();
     QVERIFY(!table.isInForce(*other));
     QVERIFY(table.list().empty());
@@ -116,7 +116,7 @@ void TestCloudFaultTable::refusesWhileActive()
     QVERIFY(!table.isRefusing());
     table.add(parseFault("refuse:seconds=1"));
     QVERIFY(table.isRefusing());
-    QVERIFY(!table.takeForRequest(valueOfA));
+    QVERIFY(!table.takeForRequest(value_of_a));
     now = 1;
     QVERIFY(!table.isRefusing());
 }
@@ -125,7 +125,7 @@ void TestCloudFaultTable::handshakesAreCountedApart()
 {
     FaultTable table;
     table.add(parseFault("expired:count=1,after=1"));
-    QVERIFY(!table.takeForRequest(valueOfA));
+    QVERIFY(!table.takeForRequest(value_of_a));
     QVERIFY(!table.takeForHandshake());
     QVERIFY(table.takeForHandshake());
     QVERIFY(!table.takeForHandshake());

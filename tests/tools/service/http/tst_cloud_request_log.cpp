@@ -30,9 +30,8 @@ RequestRecord record(const std::string& path)
 void TestCloudRequestLog::keepsTheLastThousand()
 {
     RequestLog log;
-    for (int i = 0; i < 1005; ++i) {
+    for (int i = 0; i < 1005; ++i)
         log.add(record("value"));
-    }
     QCOMPARE(log.since(0).size(), std::size_t(1000));
     QCOMPARE(log.since(0).front().number, std::uint64_t(6));
     QCOMPARE(log.since(1004).size(), std::size_t(1));
@@ -42,9 +41,8 @@ void TestCloudRequestLog::keepsTheLastThousand()
 void TestCloudRequestLog::countsByPath()
 {
     RequestLog log;
-    for (const char* path : {"value", "value", "login", "/a", "/b"}) {
+    for (const char* path : {"value", "value", "login", "/a", "/b"})
         log.add(record(path));
-    }
     const auto counts = log.counts();
     QCOMPARE(counts.at("value"), std::uint64_t(2));
     QCOMPARE(counts.at("login"), std::uint64_t(1));

@@ -93,9 +93,8 @@ void TestCloudGenerator::walkIsRepeatable()
     const auto first = makeGenerator(walk(7), ValueType::Float32);
     const auto second = makeGenerator(walk(7), ValueType::Float32);
     const auto other = makeGenerator(walk(8), ValueType::Float32);
-    for (int second5 = 0; second5 < 20; ++second5) {
+    for (int second5 = 0; second5 < 20; ++second5)
         first->valueAt(second5);
-    }
     QVERIFY(first->valueAt(20) == second->valueAt(20));
     QVERIFY(first->valueAt(20) != other->valueAt(20));
 }

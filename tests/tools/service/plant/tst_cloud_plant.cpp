@@ -111,10 +111,10 @@ void TestCloudPlant::updateTimeTellsTheLastChange()
 {
     Plant plant = this->plant();
     now_ = 1005;
-    QCOMPARE(int(plant.item("constant")->updateTime), 1000);
-    QCOMPARE(int(plant.item("moving")->updateTime), 1005);
+    QCOMPARE(int(plant.item("constant")->update_time), 1000);
+    QCOMPARE(int(plant.item("moving")->update_time), 1005);
     QVERIFY(plant.write("constant", 5, Writer::Client).outcome == WriteOutcome::Done);
-    QCOMPARE(int(plant.item("constant")->updateTime), 1005);
+    QCOMPARE(int(plant.item("constant")->update_time), 1005);
 }
 
 void TestCloudPlant::findsGroupsOfItems()

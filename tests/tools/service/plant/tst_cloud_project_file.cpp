@@ -50,11 +50,11 @@ void TestCloudProjectFile::readsAllMembers()
              "cloud_status": 2, "readonly": true,
              "value": {"generator": "random-walk", "min": -5, "max": 5, "seed": 9}}]}]})");
     const Group& group = project.groups.at(0);
-    QVERIFY(group.name == "Büro" && group.location == "L" && group.ddLocation == "D");
+    QVERIFY(group.name == "Büro" && group.location == "L" && group.dd_location == "D");
     QVERIFY(group.alert && !group.isWritable());
     const Item& item = group.items.at(0);
     QVERIFY(item.name == "Außen" && item.type == ValueType::Int16 && item.length == 3);
-    QVERIFY(item.alert && item.readOnly && item.cloudStatus == 2);
+    QVERIFY(item.alert && item.read_only && item.cloud_status == 2);
     QVERIFY(item.generator.kind == GeneratorKind::RandomWalk && item.generator.seed == 9);
     QCOMPARE(item.generator.start, 0.0);
 }
@@ -63,7 +63,7 @@ void TestCloudProjectFile::fillsInDefaults()
 {
     const Project project = parseProject(withItem(R"("type":"16Bit-HEX")"));
     const Item& item = project.groups.at(0).items.at(0);
-    QVERIFY(!item.alert && !item.readOnly && item.cloudStatus == 1 && item.length == 16);
+    QVERIFY(!item.alert && !item.read_only && item.cloud_status == 1 && item.length == 16);
     QVERIFY(item.generator.kind == GeneratorKind::Constant);
     QVERIFY(item.generator.values.at(0) == "0000");
     QVERIFY(project.groups.at(0).isWritable());

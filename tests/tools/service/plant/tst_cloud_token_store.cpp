@@ -63,9 +63,8 @@ void TestCloudTokenStore::allExpireOnDemand()
 void TestCloudTokenStore::doesNotGrowWithoutEnd()
 {
     TokenStore store({});
-    for (int i = 0; i < 10050; ++i) {
+    for (int i = 0; i < 10050; ++i)
         store.create();
-    }
     QCOMPARE(store.activeCount(), std::size_t(10000));
 }
 
@@ -81,7 +80,7 @@ void TestCloudTokenStore::tellsWhoHasWhich()
     now = 125;
     const auto list = store.list(10);
     QCOMPARE(list.size(), std::size_t(2));
-    QCOMPARE(list.at(0).shortToken, first.substr(0, 6) + "...");
+    QCOMPARE(list.at(0).short_token, first.substr(0, 6) + "...");
     QCOMPARE(list.at(0).owner.account, std::string("a@example.com"));
     QCOMPARE(list.at(0).owner.address, std::string("127.0.0.1:1"));
     QCOMPARE(list.at(0).uses, std::uint64_t(2));

@@ -3,7 +3,7 @@
 #   cmake -DBUILD_DIR=... -DSOURCE_DIR=... -DWORK_DIR=... -DLIBDIR=... -DCXX=... -DFLAGS=...
 #         -DGENERATOR=... -P test_standalone.cmake
 cmake_minimum_required(VERSION 3.25)
-include(${CMAKE_CURRENT_LIST_DIR}/../support/run.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/../../support/run.cmake)
 
 set(PREFIX ${WORK_DIR}/prefix)
 file(REMOVE_RECURSE ${WORK_DIR})

@@ -63,21 +63,30 @@ function(tovik_library_target target)
     VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
-# Tests link these objects, and so reach what the shared library hides.
-add_library(tovik_iot_objects OBJECT
-  ${TOVIK_SHARED_SOURCES} ${TOVIK_CLIENT_SOURCES} ${TOVIK_DRIVER_SOURCES})
-tovik_library_target(tovik_iot_objects)
+# Every source is compiled once, for the library, for hosts, for tovik-host and for tests, which link
+# the objects and so reach what the shared library hides.
+set(TOVIK_OBJECTS "")
+foreach(part IN ITEMS shared client driver)
+  string(TOUPPER TOVIK_${part}_SOURCES sources)
+  add_library(tovik_${part}_objects OBJECT ${${sources}})
+  tovik_library_target(tovik_${part}_objects)
+  tovik_precompile(tovik_${part}_objects library
+    <QMap> <QMutex> <QObject> <QSharedPointer> <QString> <QStringList> <QTcpSocket> <QVariant>)
+  list(APPEND TOVIK_OBJECTS $<TARGET_OBJECTS:tovik_${part}_objects>)
+endforeach()
 
-# Counted in these objects alone, which the tests link: tools and tests would only be slower for it.
+# Counted in the library's objects alone: tools and tests would only be slower for it.
 option(TOVIK_COVERAGE "Count the lines and branches of the library that run" OFF)
 if(TOVIK_COVERAGE)
-  target_compile_options(tovik_iot_objects PRIVATE --coverage -fprofile-update=atomic)
+  foreach(part IN ITEMS shared client driver)
+    target_compile_options(tovik_${part}_objects PRIVATE --coverage -fprofile-update=atomic)
+  endforeach()
   add_link_options(--coverage)
 endif()
 
 add_library(tovik_iot SHARED)
 add_library(Tovik::iot ALIAS tovik_iot)
-target_sources(tovik_iot PRIVATE $<TARGET_OBJECTS:tovik_iot_objects>)
+target_sources(tovik_iot PRIVATE ${TOVIK_OBJECTS})
 tovik_use_qt(tovik_iot)
 set_target_properties(tovik_iot PROPERTIES
   AUTOMOC OFF
@@ -92,10 +101,12 @@ target_link_options(tovik_iot PRIVATE
   LINKER:-z,defs LINKER:-z,nodelete)
 
 # What a host is built from: the tools and the system tests load the driver with dlopen.
-add_library(tovik_host_side STATIC ${TOVIK_SHARED_SOURCES})
-tovik_library_target(tovik_host_side)
+add_library(tovik_host_side STATIC $<TARGET_OBJECTS:tovik_shared_objects>)
 
 # The client alone, for tovik-host's look at a service: the same code that the driver runs.
-add_library(tovik_cloud_client STATIC EXCLUDE_FROM_ALL ${TOVIK_CLIENT_SOURCES})
-tovik_library_target(tovik_cloud_client)
+add_library(tovik_cloud_client STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:tovik_client_objects>)
+foreach(target IN ITEMS tovik_host_side tovik_cloud_client)
+  tovik_use_qt(${target})
+  set_target_properties(${target} PROPERTIES AUTOMOC OFF LINKER_LANGUAGE CXX)
+endforeach()
 target_link_libraries(tovik_cloud_client PUBLIC tovik_host_side)

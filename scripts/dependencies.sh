@@ -16,13 +16,15 @@ test_packages=(
 test_packages+=(chromium)
 command -v node >/dev/null && command -v npm >/dev/null || test_packages+=(nodejs npm)
 
+# What people type and read where the tools are installed.
+test_packages+=(bash-completion man-db mandoc)
+
 # To build the documentation site; the tests do that, too, and run the documents' commands.
 docs_packages=(doxygen python3)
 test_packages+=(curl systemd "${docs_packages[@]}")
 
 # To make the Debian packages, to look through them and to test them.
-package_packages=(
-  bash-completion debhelper debootstrap lintian man-db mandoc python3)
+package_packages=(debhelper debootstrap lintian python3)
 
 # To analyse the sources, and to count what the tests reach of them.
 analysis_packages=(clang-tidy-14 cppcheck)

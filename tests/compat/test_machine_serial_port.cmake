@@ -10,7 +10,7 @@ string(STRIP "${output}" include_dir)
 file(COPY ${CMAKE_CURRENT_LIST_DIR}/machine_serial_port/qextserialport.h DESTINATION ${include_dir})
 
 run("configure" ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR} -G ${GENERATOR}
-    -DCMAKE_BUILD_TYPE=Debug -DTOVIK_TOOLS=OFF -DTOVIK_TESTS=OFF
+    -DCMAKE_BUILD_TYPE=Debug -DTOVIK_TOOLS=OFF -DTOVIK_TESTS=OFF -DTOVIK_EXAMPLES=OFF -DTOVIK_PRECOMPILE=ON
     -DQEXTSERIALPORT_INCLUDE_DIR=${include_dir}
     -DQEXTSERIALPORT_LIBRARY=${LIBRARY})
 run("build" ${CMAKE_COMMAND} --build ${WORK_DIR} --target tovik_iot)

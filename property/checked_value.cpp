@@ -101,7 +101,7 @@ bool takeDateTime(Fields* fields)
     fields->next<QTime>();
     if (version < QDataStream::Qt_4_0)
         return true;
-    const int kind = fields->next<qint8>();
+    const qint8 kind = fields->next<qint8>();
     // All but Qt 5.0 tell local time with and without daylight saving, and where that is unknown.
     if (!has_zones && version != 13)
         return kind >= -1 && kind <= time_zone + 1;
@@ -135,20 +135,19 @@ bool takeExpression(Fields* fields, ExpressionAllowance* expressions)
     return syntax <= QRegExp::W3CXmlSchema11 && expressions->spend(pattern);
 }
 
-/// The largest number between the brace at \a position and its end; 1 if none is larger.
+/// The largest number behind the brace at \a position; 1 if none is larger.
 int largestCount(const QString& pattern, int position)
 {
     int largest = 1;
     int number = 0;
-    for (int i = position + 1; i < pattern.size(); ++i) {
-        const int digit = pattern.at(i).unicode() - '0';
-        if (digit < 0 || digit > 9) {
-            if (pattern.at(i) != QLatin1Char(','))
-                break;
+    while (++position < pattern.size()) {
+        const int character = pattern.at(position).unicode();
+        if (character >= '0' && character <= '9')
+            number = qMin(number * 10 + character - '0', 10000);
+        else if (character == ',')
             number = 0;
-            continue;
-        }
-        number = qMin(number * 10 + digit, 10000);
+        else
+            break;
         largest = qMax(largest, number);
     }
     return largest;
@@ -158,28 +157,24 @@ int largestCount(const QString& pattern, int position)
 
 bool ExpressionAllowance::spend(const QString& pattern)
 {
-    const qint64 most = 4000;
-    if (pattern.size() > most)
-        return false;
-    qint64 cost = pattern.size();
-    qint64 copies = 1;        // of the dearest atom
-    qint64 copies_of_all = 1; // through groups in one another
-    for (int i = 0; i < pattern.size() && copies_of_all <= most; ++i) {
+    const double most = 4000;
+    double cost = pattern.size();
+    double copies = 1;        // of the dearest atom
+    double copies_of_all = 1; // through groups in one another
+    for (int i = 0; i < pattern.size(); ++i) {
         const ushort character = pattern.at(i).unicode();
         if (character == '*' || character == '+' || character == '?' || character == '|' ||
             character == '(')
             cost += 20;
         if (character == '(' && pattern.midRef(i + 1, 1) == QLatin1String("?"))
             copies_of_all *= 2; // what is looked ahead for is compiled twice
-        if (character != '{')
-            continue;
-        if (i > 0 && pattern.at(i - 1) == QLatin1Char(')'))
+        if (character == '{' && i > 0 && pattern.at(i - 1) == QLatin1Char(')'))
             copies_of_all *= largestCount(pattern, i);
-        else
+        else if (character == '{')
             copies += largestCount(pattern, i);
     }
     cost = 16 + cost * copies * copies_of_all;
-    if (copies_of_all > most || cost > most || cost > left)
+    if (cost > most || cost > left)
         return false;
     left -= int(cost);
     return true;

@@ -72,13 +72,11 @@ void ReadList(QDataStream& stream, QList<T>* list, int smallest_record, QString 
     if (count > 0)
         RegisterConfigurationStreaming();
     RepeatedTexts texts;
-    for (quint32 i = 0; i < count; ++i) {
+    for (quint32 i = 0; i < count && (i == 0 || !stream.atEnd()); ++i) {
         list->append(T());
         T& element = list->last();
         ReadMembers(stream, &element, reading);
         texts.share(&(element.*repeated));
-        if (stream.atEnd())
-            break;
     }
 }
 

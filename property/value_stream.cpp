@@ -5,46 +5,15 @@
 
 namespace {
 
-/// How the values of a type are read.
-enum Form
+/// Whether values of the type are read. These are the types that Qt Core can stream, but for easing
+/// curves, JSON, CBOR and lists of byte arrays.
+bool isRead(int type)
 {
-    refused,
-    plain,
-    checked,
-    texts,
-    list,
-    map,
-    hash
-};
-
-/// Of the types that Qt Core can stream, all but easing curves, JSON, CBOR and lists of byte
-/// arrays.
-Form formOf(int type)
-{
-    switch (type) {
-    case QMetaType::QStringList:
-        return texts;
-    case QMetaType::QVariantList:
-        return list;
-    case QMetaType::QVariantMap:
-        return map;
-    case QMetaType::QVariantHash:
-        return hash;
-    case QMetaType::QBitArray:
-    case QMetaType::QDateTime:
-    case QMetaType::QUrl:
-    case QMetaType::QRegExp:
-        return checked;
-    default:
-        break;
-    }
-    const bool is_plain = (type >= QMetaType::Bool && type <= QMetaType::QRegExp) ||
-                          (type >= QMetaType::Long && type <= QMetaType::Float) ||
-                          // By name: Qt 4 does not have these, or not without its host's help.
-                          type == QMetaType::type("signed char") ||
-                          type == QMetaType::type("QUuid") ||
-                          type == QMetaType::type("QRegularExpression");
-    return is_plain ? plain : refused;
+    return (type >= QMetaType::Bool && type <= QMetaType::QVariantHash) ||
+           (type >= QMetaType::Long && type <= QMetaType::Float) ||
+           // By name: Qt 4 does not have these, or not without its host's help.
+           type == QMetaType::type("signed char") || type == QMetaType::type("QUuid") ||
+           type == QMetaType::type("QRegularExpression");
 }
 
 const int no_type = -1;
@@ -122,19 +91,21 @@ bool readElements(QDataStream& stream, QVariant* value, int depth, ExpressionAll
 
 /// What stands behind the type and the null flag. \a value is of the type, and empty.
 /// \return whether it is a value
-bool readContent(QDataStream& stream, QVariant* value, Form form, int depth,
-                 ExpressionAllowance* expressions)
+bool readContent(QDataStream& stream, QVariant* value, int depth, ExpressionAllowance* expressions)
 {
-    switch (form) {
-    case checked:
+    switch (value->userType()) {
+    case QMetaType::QBitArray:
+    case QMetaType::QDateTime:
+    case QMetaType::QUrl:
+    case QMetaType::QRegExp:
         return ReadChecked(stream, value, expressions);
-    case texts:
+    case QMetaType::QStringList:
         return readElements<QStringList>(stream, value, depth, expressions);
-    case list:
+    case QMetaType::QVariantList:
         return readElements<QVariantList>(stream, value, depth, expressions);
-    case map:
+    case QMetaType::QVariantMap:
         return readElements<QVariantMap>(stream, value, depth, expressions);
-    case hash:
+    case QMetaType::QVariantHash:
         return readElements<QVariantHash>(stream, value, depth, expressions);
     default:
         return QMetaType::load(stream, value->userType(), value->data());
@@ -152,14 +123,13 @@ void readValue(QDataStream& stream, QVariant* value, int depth, ExpressionAllowa
             stream >> nothing;
         return;
     }
-    const Form form = formOf(type);
-    const bool is_known = form != refused && depth <= deepest_value;
-    // The one constructor gives a variant that is null, the other one that is not.
-    if (is_known)
+    if (isRead(type) && depth <= deepest_value) {
+        // The one constructor gives a variant that is null, the other one that is not.
         *value = null_flag ? QVariant(QVariant::Type(type))
                            : QVariant(type, static_cast<const void*>(0));
-    if (is_known && readContent(stream, value, form, depth, expressions))
-        return;
+        if (readContent(stream, value, depth, expressions))
+            return;
+    }
     value->clear();
     stream.setStatus(QDataStream::ReadCorruptData);
 }

@@ -7,9 +7,9 @@ StreamBytes valueBytes()
     return StreamBytes(StreamFormat());
 }
 
-QByteArray taggedCount(int number, int count)
+QByteArray taggedCount(int type, int count)
 {
-    return valueBytes().number(number).flag(false).number(count).bytes();
+    return valueBytes().number(type).flag(false).number(count).bytes();
 }
 
 QVariant nestedList(int depth)

@@ -3,153 +3,11 @@
 #include "cloud/host_bytes.h"
 #include "cloud/json_number.h"
 #include "compat/text.h"
+#include "compat/twos_complement.h"
 
 #include <QVector>
 
 namespace {
-
-// The service's JSON to the cached variant.
-
-QVariant boolFromJson(const picojson::value& json)
-{
-    return QVariant(json.get<bool>());
-}
-
-QVariant shortFromJson(const picojson::value& json)
-{
-    const qint32 number = json_number::toInt32(json.get<double>());
-    return QVariant::fromValue<short>(host_bytes::signed16(quint32(number)));
-}
-
-QVariant unsignedShortFromJson(const picojson::value& json)
-{
-    const quint32 number = json_number::toUInt32(json.get<double>());
-    return QVariant::fromValue<unsigned short>(static_cast<quint16>(number & 0xFFFF));
-}
-
-QVariant intFromJson(const picojson::value& json)
-{
-    return QVariant(json_number::toInt32(json.get<double>()));
-}
-
-QVariant unsignedFromJson(const picojson::value& json)
-{
-    return QVariant(json_number::toUInt32(json.get<double>()));
-}
-
-QVariant floatFromJson(const picojson::value& json)
-{
-    return QVariant(json_number::toFloat(json.get<double>()));
-}
-
-QVariant textFromJson(const picojson::value& json)
-{
-    return QVariant(text::fromLatin1(json.get<std::string>()));
-}
-
-// A variant to the JSON of a write.
-
-picojson::value boolToJson(const QVariant& value)
-{
-    return picojson::value(value.toBool());
-}
-
-picojson::value intToJson(const QVariant& value)
-{
-    return picojson::value(double(value.toInt()));
-}
-
-picojson::value unsignedToJson(const QVariant& value)
-{
-    return picojson::value(double(value.toUInt()));
-}
-
-picojson::value floatToJson(const QVariant& value)
-{
-    return picojson::value(double(value.toFloat()));
-}
-
-picojson::value textToJson(const QVariant& value)
-{
-    return picojson::value(text::toLatin1(value.toString()));
-}
-
-// A cached variant to the host's bytes.
-
-QByteArray boolToHost(const QVariant& value, int)
-{
-    return host_bytes::fromNumber(value.toBool() ? 1 : 0, 1);
-}
-
-QByteArray int16ToHost(const QVariant& value, int)
-{
-    return host_bytes::fromNumber(quint32(value.toInt()), 2);
-}
-
-QByteArray unsigned16ToHost(const QVariant& value, int)
-{
-    return host_bytes::fromNumber(value.toUInt(), 2);
-}
-
-/// Reads the text as hexadecimal digits: what a HEX item means, and how a BCD item becomes BCD.
-QByteArray hex16ToHost(const QVariant& value, int)
-{
-    return host_bytes::fromNumber(value.toString().toUShort(0, 16), 2);
-}
-
-QByteArray hex32ToHost(const QVariant& value, int)
-{
-    return host_bytes::fromNumber(value.toString().toUInt(0, 16), 4);
-}
-
-QByteArray int32ToHost(const QVariant& value, int)
-{
-    return host_bytes::fromNumber(quint32(value.toInt()), 4);
-}
-
-QByteArray unsigned32ToHost(const QVariant& value, int)
-{
-    return host_bytes::fromNumber(value.toUInt(), 4);
-}
-
-QByteArray floatToHost(const QVariant& value, int)
-{
-    return host_bytes::fromFloat(value.toFloat());
-}
-
-QByteArray textToHost(const QVariant& value, int data_length)
-{
-    const QByteArray bytes = text::toHostBytes(value.toString());
-    // Qt takes a length far below zero for a very large one.
-    return data_length > bytes.size() ? bytes.leftJustified(data_length, '\0') : bytes;
-}
-
-// The host's bytes to the variant that is cached and written.
-
-QVariant boolFromHost(const QByteArray& bytes)
-{
-    return QVariant(host_bytes::toNumber(bytes, 1) != 0);
-}
-
-QVariant int16FromHost(const QByteArray& bytes)
-{
-    return QVariant(int(host_bytes::signed16(host_bytes::toNumber(bytes, 2))));
-}
-
-QVariant unsigned16FromHost(const QByteArray& bytes)
-{
-    return QVariant(int(host_bytes::toNumber(bytes, 2)));
-}
-
-QVariant int32FromHost(const QByteArray& bytes)
-{
-    return QVariant(host_bytes::signed32(host_bytes::toNumber(bytes, 4)));
-}
-
-QVariant unsigned32FromHost(const QByteArray& bytes)
-{
-    return QVariant(host_bytes::toNumber(bytes, 4));
-}
 
 /// The hexadecimal digits read as decimal ones: a digit above 9 gives 0.
 quint32 decimalOfBcd(quint32 bcd)
@@ -164,58 +22,158 @@ quint32 decimalOfBcd(quint32 bcd)
     return number;
 }
 
-QVariant bcd16FromHost(const QByteArray& bytes)
+/// The service's JSON to the cached variant.
+struct FromJson
 {
-    return QVariant(int(decimalOfBcd(host_bytes::toNumber(bytes, 2))));
-}
+    static QVariant flag(const picojson::value& json) { return QVariant(json.get<bool>()); }
+    static QVariant int16(const picojson::value& json)
+    {
+        const quint32 bits = quint32(json_number::toInt32(json.get<double>()));
+        return QVariant::fromValue<short>(twos_complement::signed16(bits));
+    }
+    static QVariant uint16(const picojson::value& json)
+    {
+        const quint32 bits = json_number::toUInt32(json.get<double>());
+        return QVariant::fromValue<unsigned short>(static_cast<quint16>(bits & 0xFFFF));
+    }
+    static QVariant int32(const picojson::value& json)
+    {
+        return QVariant(json_number::toInt32(json.get<double>()));
+    }
+    static QVariant uint32(const picojson::value& json)
+    {
+        return QVariant(json_number::toUInt32(json.get<double>()));
+    }
+    static QVariant real(const picojson::value& json)
+    {
+        return QVariant(json_number::toFloat(json.get<double>()));
+    }
+    static QVariant characters(const picojson::value& json)
+    {
+        return QVariant(text::fromLatin1(json.get<std::string>()));
+    }
+};
 
-QVariant bcd32FromHost(const QByteArray& bytes)
+/// A variant to the JSON of a write.
+struct ToJson
 {
-    return QVariant(decimalOfBcd(host_bytes::toNumber(bytes, 4)));
-}
+    static picojson::value flag(const QVariant& value) { return picojson::value(value.toBool()); }
+    static picojson::value signedNumber(const QVariant& value)
+    {
+        return picojson::value(double(value.toInt()));
+    }
+    static picojson::value unsignedNumber(const QVariant& value)
+    {
+        return picojson::value(double(value.toUInt()));
+    }
+    static picojson::value real(const QVariant& value)
+    {
+        return picojson::value(double(value.toFloat()));
+    }
+    static picojson::value characters(const QVariant& value)
+    {
+        return picojson::value(text::toLatin1(value.toString()));
+    }
+};
 
-QVariant hex16FromHost(const QByteArray& bytes)
+/// A cached variant to the host's bytes. The digits of a HEX item are hexadecimal ones; read so,
+/// those of a BCD item become BCD.
+struct ToHost
 {
-    return QVariant(QByteArray::number(host_bytes::toNumber(bytes, 2), 16));
-}
+    static QByteArray flag(const QVariant& value, int)
+    {
+        return host_bytes::fromNumber(value.toBool() ? 1 : 0, 1);
+    }
+    template <int size>
+    static QByteArray signedNumber(const QVariant& value, int)
+    {
+        return host_bytes::fromNumber(quint32(value.toInt()), size);
+    }
+    template <int size>
+    static QByteArray unsignedNumber(const QVariant& value, int)
+    {
+        return host_bytes::fromNumber(value.toUInt(), size);
+    }
+    static QByteArray digits16(const QVariant& value, int)
+    {
+        return host_bytes::fromNumber(value.toString().toUShort(0, 16), 2);
+    }
+    static QByteArray digits32(const QVariant& value, int)
+    {
+        return host_bytes::fromNumber(value.toString().toUInt(0, 16), 4);
+    }
+    static QByteArray real(const QVariant& value, int)
+    {
+        return host_bytes::fromFloat(value.toFloat());
+    }
+    static QByteArray characters(const QVariant& value, int data_length)
+    {
+        const QByteArray bytes = text::toHostBytes(value.toString());
+        // Qt takes a length far below zero for a very large one.
+        return data_length > bytes.size() ? bytes.leftJustified(data_length, '\0') : bytes;
+    }
+};
 
-QVariant hex32FromHost(const QByteArray& bytes)
+/// The host's bytes to the variant that is cached and written.
+struct FromHost
 {
-    return QVariant(QByteArray::number(host_bytes::toNumber(bytes, 4), 16));
-}
-
-QVariant floatFromHost(const QByteArray& bytes)
-{
-    return QVariant(host_bytes::toFloat(bytes));
-}
-
-QVariant textFromHost(const QByteArray& bytes)
-{
-    return QVariant(text::fromHostBytes(bytes));
-}
+    static QVariant flag(const QByteArray& ba)
+    {
+        return QVariant(host_bytes::toNumber(ba, 1) != 0);
+    }
+    static QVariant int16(const QByteArray& ba)
+    {
+        return QVariant(int(twos_complement::signed16(host_bytes::toNumber(ba, 2))));
+    }
+    static QVariant uint16(const QByteArray& ba)
+    {
+        return QVariant(int(host_bytes::toNumber(ba, 2)));
+    }
+    static QVariant int32(const QByteArray& ba)
+    {
+        return QVariant(twos_complement::signed32(host_bytes::toNumber(ba, 4)));
+    }
+    static QVariant uint32(const QByteArray& ba) { return QVariant(host_bytes::toNumber(ba, 4)); }
+    static QVariant bcd16(const QByteArray& ba)
+    {
+        return QVariant(int(decimalOfBcd(host_bytes::toNumber(ba, 2))));
+    }
+    static QVariant bcd32(const QByteArray& ba)
+    {
+        return QVariant(decimalOfBcd(host_bytes::toNumber(ba, 4)));
+    }
+    template <int size>
+    static QVariant hex(const QByteArray& ba)
+    {
+        return QVariant(QByteArray::number(host_bytes::toNumber(ba, size), 16));
+    }
+    static QVariant real(const QByteArray& ba) { return QVariant(host_bytes::toFloat(ba)); }
+    static QVariant characters(const QByteArray& ba) { return QVariant(text::fromHostBytes(ba)); }
+};
 
 const DataItemType types[] = {
-    {"Bit", 0, &picojson::value::is<bool>, boolFromJson, boolToJson, boolToHost, boolFromHost},
-    {"16Bit-BCD", 0, &picojson::value::is<double>, unsignedShortFromJson, unsignedToJson,
-     hex16ToHost, bcd16FromHost},
-    {"16Bit-INT", 0, &picojson::value::is<double>, shortFromJson, intToJson, int16ToHost,
-     int16FromHost},
-    {"16Bit-UINT", 0, &picojson::value::is<double>, unsignedShortFromJson, unsignedToJson,
-     unsigned16ToHost, unsigned16FromHost},
-    {"16Bit-HEX", 0, &picojson::value::is<std::string>, textFromJson, textToJson, hex16ToHost,
-     hex16FromHost},
-    {"32Bit-BCD", 0, &picojson::value::is<double>, unsignedFromJson, unsignedToJson, hex32ToHost,
-     bcd32FromHost},
-    {"32Bit-INT", 0, &picojson::value::is<double>, intFromJson, intToJson, int32ToHost,
-     int32FromHost},
-    {"32Bit-UINT", 0, &picojson::value::is<double>, unsignedFromJson, unsignedToJson,
-     unsigned32ToHost, unsigned32FromHost},
-    {"32Bit-HEX", 0, &picojson::value::is<std::string>, textFromJson, textToJson, hex32ToHost,
-     hex32FromHost},
-    {"32Bit-FLOAT", 0, &picojson::value::is<double>, floatFromJson, floatToJson, floatToHost,
-     floatFromHost},
-    {"String", "Ascii String", &picojson::value::is<std::string>, textFromJson, textToJson,
-     textToHost, textFromHost},
+    {"Bit", 0, &picojson::value::is<bool>, FromJson::flag, ToJson::flag, ToHost::flag,
+     FromHost::flag},
+    {"16Bit-BCD", 0, &picojson::value::is<double>, FromJson::uint16, ToJson::unsignedNumber,
+     ToHost::digits16, FromHost::bcd16},
+    {"16Bit-INT", 0, &picojson::value::is<double>, FromJson::int16, ToJson::signedNumber,
+     ToHost::signedNumber<2>, FromHost::int16},
+    {"16Bit-UINT", 0, &picojson::value::is<double>, FromJson::uint16, ToJson::unsignedNumber,
+     ToHost::unsignedNumber<2>, FromHost::uint16},
+    {"16Bit-HEX", 0, &picojson::value::is<std::string>, FromJson::characters, ToJson::characters,
+     ToHost::digits16, FromHost::hex<2>},
+    {"32Bit-BCD", 0, &picojson::value::is<double>, FromJson::uint32, ToJson::unsignedNumber,
+     ToHost::digits32, FromHost::bcd32},
+    {"32Bit-INT", 0, &picojson::value::is<double>, FromJson::int32, ToJson::signedNumber,
+     ToHost::signedNumber<4>, FromHost::int32},
+    {"32Bit-UINT", 0, &picojson::value::is<double>, FromJson::uint32, ToJson::unsignedNumber,
+     ToHost::unsignedNumber<4>, FromHost::uint32},
+    {"32Bit-HEX", 0, &picojson::value::is<std::string>, FromJson::characters, ToJson::characters,
+     ToHost::digits32, FromHost::hex<4>},
+    {"32Bit-FLOAT", 0, &picojson::value::is<double>, FromJson::real, ToJson::real, ToHost::real,
+     FromHost::real},
+    {"String", "Ascii String", &picojson::value::is<std::string>, FromJson::characters,
+     ToJson::characters, ToHost::characters, FromHost::characters},
 };
 
 const int type_count = int(sizeof types / sizeof types[0]);

@@ -1,31 +1,17 @@
 #include "cloud/driver_status.h"
 
+#include <QByteArray>
+
+#include <algorithm>
+
 namespace driver_status {
 
 int fromResult(int result)
 {
-    switch (result) {
-    case 1:
-        return 0x400F0001;
-    case 3:
-        return 0x400F0003;
-    case 4:
-        return 0x400F0004;
-    case 7:
-        return 0x400F0007;
-    case 8:
-        return 0x400F0008;
-    case 9:
-        return 0x400F0009;
-    case 15:
-        return 0x400F0015;
-    case 255:
-        return 0x400F0255;
-    case 256:
-        return 0x400F0256;
-    default:
+    static const int known[] = {1, 3, 4, 7, 8, 9, 15, 255, 256};
+    if (std::find(std::begin(known), std::end(known), result) == std::end(known))
         return 0;
-    }
+    return 0x400F0000 + QByteArray::number(result).toInt(0, 16);
 }
 
 } // namespace driver_status

@@ -28,7 +28,7 @@ set(TOVIK_CLIENT_SOURCES
   cloud/data_item_type.h cloud/data_item_type.cpp
   cloud/driver_metrics.h cloud/driver_metrics.cpp
   cloud/driver_status.h cloud/driver_status.cpp
-  cloud/host_bytes.h cloud/host_bytes.cpp
+  cloud/host_bytes.h
   cloud/json_number.h cloud/json_number.cpp
   cloud/monitor_data_item.h
   cloud/post.h cloud/post.cpp

@@ -3,6 +3,7 @@
 #include "fuzz/target.h"
 
 #include "cloud/host_bytes.h"
+#include "compat/twos_complement.h"
 
 #include <QList>
 
@@ -56,8 +57,8 @@ void checkNumber(quint32 number)
     if (!std::isnan(single))
         require(host_bytes::toFloat(host_bytes::fromFloat(single)) == single,
                 "a float comes back from its bytes");
-    require(quint32(host_bytes::signed32(number)) == number &&
-                quint16(host_bytes::signed16(number)) == quint16(number),
+    require(quint32(twos_complement::signed32(number)) == number &&
+                quint16(twos_complement::signed16(number)) == quint16(number),
             "signed numbers have the same bits");
 }
 

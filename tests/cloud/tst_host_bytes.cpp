@@ -1,4 +1,5 @@
 #include "cloud/host_bytes.h"
+#include "compat/twos_complement.h"
 
 #include <QTest>
 
@@ -84,12 +85,12 @@ void TestHostBytes::floats()
 
 void TestHostBytes::twosComplement()
 {
-    QCOMPARE(host_bytes::signed16(0x7FFF), qint16(32767));
-    QCOMPARE(host_bytes::signed16(0x8000), qint16(-32768));
-    QCOMPARE(host_bytes::signed16(0xFFFE), qint16(-2));
-    QCOMPARE(host_bytes::signed16(0x12340001), qint16(1));
-    QCOMPARE(host_bytes::signed32(0x80000000), std::numeric_limits<qint32>::min());
-    QCOMPARE(host_bytes::signed32(0xFFFFFFFF), -1);
+    QCOMPARE(twos_complement::signed16(0x7FFF), qint16(32767));
+    QCOMPARE(twos_complement::signed16(0x8000), qint16(-32768));
+    QCOMPARE(twos_complement::signed16(0xFFFE), qint16(-2));
+    QCOMPARE(twos_complement::signed16(0x12340001), qint16(1));
+    QCOMPARE(twos_complement::signed32(0x80000000), std::numeric_limits<qint32>::min());
+    QCOMPARE(twos_complement::signed32(0xFFFFFFFF), -1);
 }
 
 QTEST_APPLESS_MAIN(TestHostBytes)

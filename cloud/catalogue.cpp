@@ -2,10 +2,12 @@
 
 #include "cloud/data_item_type.h"
 #include "cloud/json_number.h"
-#include "cloud/service_message.h"
 #include "compat/text.h"
 
 #include <QDebug>
+
+using service::find;
+using service::Outcome;
 
 namespace catalogue {
 
@@ -15,46 +17,44 @@ namespace {
 struct ListNames
 {
     const char* member;
+    const char* word;
     const char* absent;
     const char* number_invalid;
+    const char* array_word;
     const char* not_array;
 };
 
 const ListNames group_list = {
-    "groups",
-    "[TOVIK IoT] GetGroupList Error: no Number/groups!",
-    "[TOVIK IoT] GetGroupList Error: group number invalid!",
-    "[TOVIK IoT] GetGroupList Error: groups is not array!",
+    "groups",       "GetGroupList",        "no Number/groups", "group number invalid",
+    "GetGroupList", "groups is not array",
 };
+// The word of the last message is another one; people search their logs for it.
 const ListNames dataitem_list = {
     "dataitems",
-    "[TOVIK IoT] GetDataitemList Error: no Number/dataitems!",
-    "[TOVIK IoT] GetDataitemList Error: dataitem number invalid!",
-    "[TOVIK IoT] GetDataitemList Respond Error: dataitems is not array!",
+    "GetDataitemList",
+    "no Number/dataitems",
+    "dataitem number invalid",
+    "GetDataitemList Respond",
+    "dataitems is not array",
 };
 
-int fail(const char* message)
-{
-    qDebug() << message;
-    return service::client_failure;
-}
-
 /// "Number" only says whether there is anything at all; the array's own length decides how much.
-int findList(const picojson::object& reply, const ListNames& names, const picojson::array** list)
+Outcome findList(const picojson::object& reply, const ListNames& names,
+                 const picojson::array** list)
 {
     *list = 0;
-    const picojson::value& number = service::find(reply, "Number");
-    const picojson::value& elements = service::find(reply, names.member);
+    const picojson::value& number = find(reply, "Number");
+    const picojson::value& elements = find(reply, names.member);
     if (number.is<picojson::null>() || elements.is<picojson::null>())
-        return fail(names.absent);
+        return service::fail(names.word, Outcome::member_missing, names.absent);
     if (!number.is<double>())
-        return fail(names.number_invalid);
+        return service::fail(names.word, Outcome::member_invalid, names.number_invalid);
     if (json_number::toInt32(number.get<double>()) < 1)
-        return service::success;
+        return Outcome();
     if (!elements.is<picojson::array>())
-        return fail(names.not_array);
+        return service::fail(names.array_word, Outcome::member_invalid, names.not_array);
     *list = &elements.get<picojson::array>();
-    return service::success;
+    return Outcome();
 }
 
 // A member that is missing or of another kind leaves the target as it is.
@@ -83,41 +83,13 @@ void copyInt(const picojson::value& json, int* target)
         *target = json_number::toInt32(json.get<double>());
 }
 
-/// Finds the members of an element in one pass. They must be asked for in ascending order of their
-/// names, which is how an object keeps them; looked up one by one they took as long as the rest of
-/// reading an item.
-class Members
+/// The members of an element; one that is no object raises what asking it for a member raises.
+const picojson::object& membersOf(const picojson::value& element)
 {
-public:
-    explicit Members(const picojson::value& element)
-        : next_(objectOf(element).begin()),
-          end_(objectOf(element).end())
-    {}
-
-    /// The member \a name, or null when it is missing.
-    const picojson::value& find(const char* name)
-    {
-        static const picojson::value missing;
-        while (next_ != end_) {
-            const int order = next_->first.compare(name);
-            if (order >= 0)
-                return order == 0 ? next_->second : missing;
-            ++next_;
-        }
-        return missing;
-    }
-
-private:
-    static const picojson::object& objectOf(const picojson::value& element)
-    {
-        if (!element.is<picojson::object>())
-            element.contains(std::string()); // raises what asking for a member raises
-        return element.get<picojson::object>();
-    }
-
-    picojson::object::const_iterator next_;
-    picojson::object::const_iterator end_;
-};
+    if (!element.is<picojson::object>())
+        element.contains(std::string());
+    return element.get<picojson::object>();
+}
 
 /// Sets type name and a value of 0 from the service's "type", and returns the type; null when it is
 /// an unknown one. A missing type leaves both as they are.
@@ -141,51 +113,50 @@ void copyValue(const picojson::value& json, const DataItemType& type,
 
 } // namespace
 
-int findGroups(const picojson::object& reply, const picojson::array** groups)
+Outcome findGroups(const picojson::object& reply, const picojson::array** groups)
 {
-    const int result = findList(reply, group_list, groups);
-    if (result == service::success && !*groups)
+    const Outcome outcome = findList(reply, group_list, groups);
+    if (outcome.result == service::success && !*groups)
         qDebug() << "[TOVIK IoT] Warning: no group!";
-    return result;
+    return outcome;
 }
 
-int findDataitems(const picojson::object& reply, const QString& group_name,
-                  const picojson::array** dataitems)
+Outcome findDataitems(const picojson::object& reply, const QString& group_name,
+                      const picojson::array** dataitems)
 {
-    const int result = findList(reply, dataitem_list, dataitems);
-    if (result == service::success && !*dataitems)
+    const Outcome outcome = findList(reply, dataitem_list, dataitems);
+    if (outcome.result == service::success && !*dataitems)
         qDebug() << "[TOVIK IoT] Warning: Group " << group_name << ": no dataitem!";
-    return result;
+    return outcome;
 }
 
 bool readGroup(const picojson::value& element, PropertyTovikIotGroup* group)
 {
-    Members members(element);
+    const picojson::object& members = membersOf(element);
     *group = PropertyTovikIotGroup();
-    copyBool(members.find("alert"), &group->alert);
-    copyLatin1(members.find("ddLocation"), &group->ddLocation);
-    copyLatin1(members.find("group_id"), &group->group_id);
-    copyLatin1(members.find("location"), &group->location);
-    copyUtf8(members.find("name"), &group->name);
-    copyLatin1(members.find("permission"), &group->permission);
+    copyLatin1(find(members, "group_id"), &group->group_id);
+    copyUtf8(find(members, "name"), &group->name);
+    copyLatin1(find(members, "location"), &group->location);
+    copyLatin1(find(members, "ddLocation"), &group->ddLocation);
+    copyBool(find(members, "alert"), &group->alert);
+    copyLatin1(find(members, "permission"), &group->permission);
     return !group->group_id.isEmpty() && !group->name.isEmpty();
 }
 
 bool readDataitem(const picojson::value& element, PropertyTovikIotDataItem* item)
 {
-    Members members(element);
+    const picojson::object& members = membersOf(element);
     item->Initial();
-    copyBool(members.find("alert"), &item->alert);
-    copyInt(members.find("cloud_status"), &item->cloud_status);
-    copyLatin1(members.find("dataitem_id"), &item->dataitem_id);
-    copyInt(members.find("length"), &item->length);
-    copyUtf8(members.find("name"), &item->name);
-    const DataItemType* type = copyType(members.find("type"), item);
-    copyInt(members.find("update_time"), &item->update_time);
-    if (!type)
-        return false;
-    copyValue(members.find("value"), *type, item);
-    return !item->name.isEmpty() && !item->dataitem_id.isEmpty();
+    copyUtf8(find(members, "name"), &item->name);
+    copyLatin1(find(members, "dataitem_id"), &item->dataitem_id);
+    const DataItemType* type = copyType(find(members, "type"), item);
+    copyInt(find(members, "length"), &item->length);
+    if (type)
+        copyValue(find(members, "value"), *type, item);
+    copyInt(find(members, "cloud_status"), &item->cloud_status);
+    copyBool(find(members, "alert"), &item->alert);
+    copyInt(find(members, "update_time"), &item->update_time);
+    return type && !item->name.isEmpty() && !item->dataitem_id.isEmpty();
 }
 
 } // namespace catalogue

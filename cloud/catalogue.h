@@ -1,9 +1,8 @@
 #ifndef CLOUD_CATALOGUE_H
 #define CLOUD_CATALOGUE_H
 
+#include "cloud/service_message.h"
 #include "property/property_tovik_iot.h"
-
-#include <picojson.h>
 
 /// \file
 /// The service's catalogue: replies of the group list and of a group's data-item list as records.
@@ -15,12 +14,12 @@ namespace catalogue {
 
 /// Finds the array of groups in a checked reply.
 /// \param groups receives the array, or null when the service reports no group.
-/// \return service::success or service::client_failure, both with their messages logged.
-int findGroups(const picojson::object& reply, const picojson::array** groups);
+/// \return success or a failure of the client, both with their messages logged.
+service::Outcome findGroups(const picojson::object& reply, const picojson::array** groups);
 
 /// Finds the array of data items in a checked reply; as findGroups(). \a group_name is for the log.
-int findDataitems(const picojson::object& reply, const QString& group_name,
-                  const picojson::array** dataitems);
+service::Outcome findDataitems(const picojson::object& reply, const QString& group_name,
+                               const picojson::array** dataitems);
 
 /// Reads one group, without its items. False: it has no id or no name and is to be dropped.
 bool readGroup(const picojson::value& element, PropertyTovikIotGroup* group);

@@ -6,7 +6,6 @@
 #include "interface/drv_ethernet.h"
 
 #include <QDebug>
-#include <QHash>
 #include <QMetaType>
 #include <QScopedPointer>
 #include <QThread>
@@ -15,14 +14,10 @@ DrvTovikIot::DrvTovikIot()
     : DrvInterface(0),
       link_(0),
       property_(0),
+      state_(0),
       cloud_(0),
       err_code_(0),
       err_count_(0),
-      err_handle_type_(1),
-      err_return_time_(1),
-      err_retry_count_(2),
-      err_return_time_en_(true),
-      err_restore_switch_bs_en_(true),
       closed_(false)
 {}
 
@@ -45,10 +40,10 @@ DrvTovikIot::~DrvTovikIot()
 {
     if (!closed_)
         return;
-    // The client's thread has ended, so nobody uses these any more. The configuration goes last:
-    // the client points to it.
+    // The client's thread has ended, so nobody uses these any more. Each points to those below it.
     delete cloud_;
-    QScopedPointer<PropertyTovikIot> property(property_);
+    delete state_;
+    const QScopedPointer<PropertyTovikIot> property(property_);
     delete thread_.data();
 }
 
@@ -56,67 +51,63 @@ void DrvTovikIot::SlotInitialConnect()
 {
     qDebug() << "[DrvTovikIot] Initial";
     closed_ = false;
-    readSettings();
+    readConfiguration();
     startClient();
-    connectClient();
+    wire(true);
     Q_EMIT EmitInitialLater();
 }
 
-void DrvTovikIot::readSettings()
+void DrvTovikIot::readConfiguration()
 {
     const QVariant stored = link_->GetDriverSpecificData(QLatin1String("tovik_iot"));
     property_ = new PropertyTovikIot(qvariant_cast<PropertyTovikIot>(stored));
     // The copy shares its list with the host's variant. It is made our own now, while there is
     // one thread: later the first write would do it under the client's eyes.
     property_->dataitems.detach();
-
-    err_handle_type_ =
-        link_->GetDriverSpecificData(QLatin1String("tovik_iot_err_handle_type")).toInt();
-    err_return_time_ =
-        link_->GetDriverSpecificData(QLatin1String("tovik_iot_err_return_time")).toInt();
-    err_retry_count_ =
-        link_->GetDriverSpecificData(QLatin1String("tovik_iot_err_retry_count")).toInt();
-    err_return_time_en_ =
-        link_->GetDriverSpecificData(QLatin1String("tovik_iot_err_return_time_en")).toBool();
-    err_restore_switch_bs_en_ =
-        link_->GetDriverSpecificData(QLatin1String("tovik_iot_err_restore_switch_bs_en")).toBool();
+    error_handling_ = ErrorHandling::of(link_);
 }
 
 void DrvTovikIot::startClient()
 {
-    cloud_ = new TovikIot(property_);
+    state_ = new DriverState(property_);
+    cloud_ = new TovikIot(property_, state_);
     cloud_->SetDrvLink(link_);
-    cloud_->SetDrvErrHandle(err_handle_type_, err_return_time_, err_retry_count_,
-                            err_return_time_en_, err_restore_switch_bs_en_);
+    cloud_->SetDrvErrHandle(error_handling_.type, error_handling_.return_time,
+                            error_handling_.retry_count, error_handling_.return_time_en,
+                            error_handling_.restore_switch_bs_en);
     thread_ = new QThread;
     cloud_->moveToThread(thread_);
     thread_->start();
 }
 
-void DrvTovikIot::connectClient()
+/// Connects driver, client and link, or disconnects them.
+void DrvTovikIot::wire(bool connected)
 {
-    connect(this, SIGNAL(EmitInitialLater()), cloud_, SLOT(SlotInitialLater()));
-    connect(this, SIGNAL(EmitWriteValue(int, QVariant)), cloud_,
-            SLOT(SlotWriteValue(int, QVariant)));
-    connect(cloud_, SIGNAL(EmitGetMonitor(QList<MonitorDataItem>)), this,
-            SLOT(SlotGetMonitor(QList<MonitorDataItem>)));
-    connect(cloud_, SIGNAL(EmitUpdateErrCode(int)), this, SLOT(SlotUpdateErrCode(int)));
-    connect(this, SIGNAL(EmitReconnect()), cloud_, SLOT(SlotReconnect()));
-    connect(link_, SIGNAL(EmitNotifyBeforeRelease()), this, SLOT(SlotCloseConnect()),
-            Qt::DirectConnection);
-}
-
-void DrvTovikIot::disconnectClient()
-{
-    disconnect(this, SIGNAL(EmitInitialLater()), cloud_, SLOT(SlotInitialLater()));
-    disconnect(this, SIGNAL(EmitWriteValue(int, QVariant)), cloud_,
-               SLOT(SlotWriteValue(int, QVariant)));
-    disconnect(cloud_, SIGNAL(EmitGetMonitor(QList<MonitorDataItem>)), this,
-               SLOT(SlotGetMonitor(QList<MonitorDataItem>)));
-    disconnect(cloud_, SIGNAL(EmitUpdateErrCode(int)), this, SLOT(SlotUpdateErrCode(int)));
-    disconnect(this, SIGNAL(EmitReconnect()), cloud_, SLOT(SlotReconnect()));
-    if (link_)
-        disconnect(link_, SIGNAL(EmitNotifyBeforeRelease()), this, SLOT(SlotCloseConnect()));
+    const struct
+    {
+        const QObject* sender;
+        const char* signal;
+        const QObject* receiver;
+        const char* slot;
+    } wires[] = {
+        {this, SIGNAL(EmitInitialLater()), cloud_, SLOT(SlotInitialLater())},
+        {this, SIGNAL(EmitWriteValue(int, QVariant)), cloud_, SLOT(SlotWriteValue(int, QVariant))},
+        {cloud_, SIGNAL(EmitGetMonitor(QList<MonitorDataItem>)), this,
+         SLOT(SlotGetMonitor(QList<MonitorDataItem>))},
+        {cloud_, SIGNAL(EmitUpdateErrCode(int)), this, SLOT(SlotUpdateErrCode(int))},
+        {this, SIGNAL(EmitReconnect()), cloud_, SLOT(SlotReconnect())},
+        {link_, SIGNAL(EmitNotifyBeforeRelease()), this, SLOT(SlotCloseConnect())},
+    };
+    for (const auto& wire : wires) {
+        if (!wire.sender) // the host has deleted the link already
+            continue;
+        if (!connected)
+            disconnect(wire.sender, wire.signal, wire.receiver, wire.slot);
+        else if (wire.sender == link_) // in the thread that is about to release the link
+            connect(wire.sender, wire.signal, wire.receiver, wire.slot, Qt::DirectConnection);
+        else
+            connect(wire.sender, wire.signal, wire.receiver, wire.slot);
+    }
 }
 
 void DrvTovikIot::SlotCloseConnect()
@@ -124,7 +115,7 @@ void DrvTovikIot::SlotCloseConnect()
     qDebug() << "[DrvTovikIot] Close";
     if (cloud_) {
         cloud_->Disconnect2Cloud();
-        disconnectClient();
+        wire(false);
     }
     if (link_ && link_->state() == QAbstractSocket::ConnectedState)
         link_->disconnectFromHost();
@@ -150,30 +141,17 @@ void DrvTovikIot::SlotUpdateErrCode(int result)
 
 void DrvTovikIot::SlotGetMonitor(QList<MonitorDataItem> update_list)
 {
-    QHash<QString, int> first_entry;
-    for (int i = update_list.size() - 1; i >= 0; --i)
-        first_entry.insert(update_list.at(i).dataitem_id, i);
-    for (int i = 0; i < property_->dataitems.size(); ++i) {
-        const int entry = first_entry.value(property_->dataitems.at(i).dataitem_id, -1);
-        if (entry >= 0)
-            cloud_->Items()->setValue(i, update_list.at(entry).value);
-    }
-}
-
-int DrvTovikIot::indexOf(const QString& name) const
-{
-    return cloud_->Items()->indexOf(name);
+    state_->takeValues(update_list);
 }
 
 void DrvTovikIot::SlotGetValuesByteArray(QString unit_name, QString link_name, int station_no,
                                          QSharedPointer<AddrData> addr)
 {
     Q_UNUSED(station_no)
-    const int index = indexOf(addr->address);
-    const DataItemType* type = index >= 0 ? cloud_->Items()->typeOf(index) : 0;
+    const int index = state_->indexOf(addr->address);
+    const DataItemType* type = index >= 0 ? state_->typeOf(index) : 0;
     const QByteArray ba =
-        type ? type->to_host(property_->dataitems.at(index).value, addr->data_length)
-             : QByteArray(1, '\0');
+        type ? type->to_host(state_->value(index), addr->data_length) : QByteArray(1, '\0');
     countError();
     Q_EMIT SigResponse(unit_name, link_name, ba, err_code_);
 }
@@ -188,11 +166,9 @@ void DrvTovikIot::countError()
     }
     ++err_count_;
     qDebug() << "[DrvTovikIot] SlotGetValuesByteArray: " << err_code_;
-    const bool on_switch =
-        err_handle_type_ == 1 && err_restore_switch_bs_en_ && !err_return_time_en_;
-    if (err_count_ <= 1 || (!on_switch && err_handle_type_ != 3))
+    if (err_count_ <= 1 || !error_handling_.reconnectsByReads())
         return;
-    qDebug() << "[DrvTovikIot] Retry by error handle type: " << err_handle_type_;
+    qDebug() << "[DrvTovikIot] Retry by error handle type: " << error_handling_.type;
     err_count_ = 0;
     err_code_ = 0;
     Q_EMIT EmitReconnect();
@@ -203,62 +179,22 @@ void DrvTovikIot::SlotSetValuesByteArray(QString unit_name, QString link_name, i
 {
     Q_UNUSED(station_no)
     const QByteArray answer(ba);
-    const int index = indexOf(addr->address);
+    const int index = state_->indexOf(addr->address);
     if (index >= 0) {
-        const DataItemType* type = cloud_->Items()->typeOf(index);
+        const DataItemType* type = state_->typeOf(index);
         const QVariant value = type ? type->from_host(answer) : QVariant();
-        cloud_->Items()->setValue(index, value);
+        state_->setValue(index, value);
         Q_EMIT EmitWriteValue(index, value);
     }
     Q_EMIT SigResponse(unit_name, link_name, answer, err_code_);
 }
 
-int DrvTovikIot::cycleCount() const
+DriverNumbers DrvTovikIot::numbers() const
 {
-    return metrics().cycleCount();
-}
-
-int DrvTovikIot::cycleMilliseconds() const
-{
-    return metrics().cycleMilliseconds();
-}
-
-int DrvTovikIot::longestCycleMilliseconds() const
-{
-    return metrics().longestCycleMilliseconds();
-}
-
-uint DrvTovikIot::readCount() const
-{
-    return metrics().readCount();
-}
-
-int DrvTovikIot::reconnectCount() const
-{
-    return metrics().reconnectCount();
-}
-
-int DrvTovikIot::lastError() const
-{
-    return metrics().lastError();
-}
-
-int DrvTovikIot::lastErrorAge() const
-{
-    return metrics().lastErrorAge();
+    return state_ ? state_->numbers() : DriverNumbers();
 }
 
 QVariantList DrvTovikIot::itemAges() const
 {
-    QVariantList ages;
-    for (int i = 0; i < metrics().itemCount(); ++i)
-        ages.append(metrics().itemAge(i));
-    return ages;
-}
-
-/// The client's numbers; without a client those of one that never did anything.
-const DriverMetrics& DrvTovikIot::metrics() const
-{
-    static const DriverMetrics nothing(0);
-    return cloud_ ? *cloud_->Metrics() : nothing;
+    return state_ ? state_->itemAges() : QVariantList();
 }

@@ -1,15 +1,15 @@
 #ifndef CLOUD_DRV_TOVIK_IOT_H
 #define CLOUD_DRV_TOVIK_IOT_H
 
+#include "cloud/driver_state.h"
+#include "cloud/error_handling.h"
 #include "cloud/monitor_data_item.h"
 #include "interface/drv_interface.h"
 
 #include <QPointer>
 #include <QVariant>
 
-class DriverMetrics;
 class DrvEthernet;
-class PropertyTovikIot;
 class QThread;
 class TovikIot;
 
@@ -33,18 +33,24 @@ class DrvTovikIot : public DrvInterface
     Q_PROPERTY(int cycle_milliseconds READ cycleMilliseconds)
     /// The longest one so far.
     Q_PROPERTY(int longest_cycle_milliseconds READ longestCycleMilliseconds)
-    /// Reads that the service has answered with a value; starts again at 0 behind 2^32 - 1.
+    /// Reads that the service has answered with a value; starts again at 0 after 2^32 - 1.
     Q_PROPERTY(uint read_count READ readCount)
     /// Connections (login and catalogue) that were made after the first one.
     Q_PROPERTY(int reconnect_count READ reconnectCount)
     /// Result of the latest operation that failed: 256, or the service's code; 0 while none has.
     Q_PROPERTY(int last_error READ lastError)
-    /// Milliseconds since that failure, exact to 100 ms.
+    /// Milliseconds since that failure.
     Q_PROPERTY(int last_error_age READ lastErrorAge)
     /// Of every served item, in the order of the configuration: milliseconds since the service
-    /// delivered the value that the driver has, exact to 100 ms; -1 while it never did. A value of
-    /// another type, which the driver does not take, does not count.
+    /// delivered the value that the driver has; -1 while it never did. A value of another type,
+    /// which the driver does not take, does not count.
     Q_PROPERTY(QVariantList item_ages READ itemAges)
+    /// Whether the client is connected: logged in, the catalogue loaded, and no failure since.
+    Q_PROPERTY(bool connected READ isConnected)
+    /// Writes that the service has taken.
+    Q_PROPERTY(uint write_count READ writeCount)
+    /// Writes that have failed, and may have reached the service all the same.
+    Q_PROPERTY(uint failed_write_count READ failedWriteCount)
 
 public:
     /// Without a link: serves nothing and contacts nobody.
@@ -53,13 +59,16 @@ public:
     explicit DrvTovikIot(DrvEthernet* link);
     ~DrvTovikIot();
 
-    int cycleCount() const;
-    int cycleMilliseconds() const;
-    int longestCycleMilliseconds() const;
-    uint readCount() const;
-    int reconnectCount() const;
-    int lastError() const;
-    int lastErrorAge() const;
+    bool isConnected() const { return numbers().connected; }
+    int cycleCount() const { return numbers().cycle_count; }
+    int cycleMilliseconds() const { return numbers().cycle_milliseconds; }
+    int longestCycleMilliseconds() const { return numbers().longest_cycle_milliseconds; }
+    uint readCount() const { return numbers().read_count; }
+    uint writeCount() const { return numbers().write_count; }
+    uint failedWriteCount() const { return numbers().failed_write_count; }
+    int reconnectCount() const { return numbers().reconnect_count; }
+    int lastError() const { return numbers().last_error; }
+    int lastErrorAge() const { return numbers().last_error_age; }
     QVariantList itemAges() const;
 
 Q_SIGNALS:
@@ -83,26 +92,21 @@ private Q_SLOTS:
 private:
     Q_DISABLE_COPY(DrvTovikIot)
 
-    void readSettings();
+    void readConfiguration();
     void startClient();
-    void connectClient();
-    void disconnectClient();
+    void wire(bool connected);
     void endThread();
-    int indexOf(const QString& name) const;
     void countError();
-    const DriverMetrics& metrics() const;
+    DriverNumbers numbers() const;
 
     QPointer<DrvEthernet> link_;
     PropertyTovikIot* property_;
+    DriverState* state_;
     TovikIot* cloud_;
     QPointer<QThread> thread_;
     int err_code_;
     int err_count_;
-    int err_handle_type_;
-    int err_return_time_;
-    int err_retry_count_;
-    bool err_return_time_en_;
-    bool err_restore_switch_bs_en_;
+    ErrorHandling error_handling_;
     bool closed_;
 };
 

@@ -1,6 +1,5 @@
 #include "cloud/post.h"
 
-#include "compat/text.h"
 #include "compat/whole_post.h"
 
 #include <QDebug>
@@ -34,10 +33,20 @@ void Post::wait()
     loop.exec();
 }
 
-QString Post::takeText()
+std::string Post::takeBytes()
 {
-    const QString text = text::fromLatin1UpToNul(reply_->readAll());
-    if (reply_->error() != QNetworkReply::NoError)
-        qDebug() << "[TOVIK IoT] Post Request Error: " << reply_->errorString();
-    return text;
+    const QByteArray body = reply_->readAll();
+    if (hasFailed())
+        qDebug() << "[TOVIK IoT] Post Request Error: " << problem();
+    return std::string(body.constData(), qstrnlen(body.constData(), uint(body.size())));
+}
+
+bool Post::hasFailed() const
+{
+    return reply_->error() != QNetworkReply::NoError;
+}
+
+QString Post::problem() const
+{
+    return reply_->errorString();
 }

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QString>
 
+#include <string>
+
 class QNetworkReply;
 
 /// One post of a JSON body, on its way from its making on. It has a connection of its own, takes
@@ -21,9 +23,13 @@ public:
 
     /// Runs an event loop until the reply has finished, or the thread is told to quit.
     void wait();
-    /// The reply's body up to its first NUL, as Latin-1 text; empty while there is none. Logs a
-    /// transport error; what arrived is returned all the same. To be called once.
-    QString takeText();
+    /// The reply's body up to its first NUL; empty while there is none. Logs a transport error;
+    /// what arrived is returned all the same. To be called once.
+    std::string takeBytes();
+    /// Whether the transport has failed; false as well while the reply has not finished.
+    bool hasFailed() const;
+    /// The transport error in Qt's words.
+    QString problem() const;
 
 Q_SIGNALS:
     /// The whole reply is there, or the transport has failed. Nobody deletes the post inside.

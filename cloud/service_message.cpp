@@ -9,37 +9,15 @@
 
 namespace service {
 
-const ReplyMessages login_messages = {
-    "[TOVIK IoT] Login Error: parsing JSON failed!",
-    "[TOVIK IoT] Login Error: no errorcode!",
-    "[TOVIK IoT] Login Error: errorcode invalid!",
-    "[TOVIK IoT] Login Error: ",
-};
-const ReplyMessages group_list_messages = {
-    "[TOVIK IoT] GetGroupList Error: parsing JSON failed!",
-    "[TOVIK IoT] GetGroupList Error: no errorcode!",
-    "[TOVIK IoT] GetGroupList Error: errorcode invalid!",
-    "[TOVIK IoT] GetGroupList Error: ",
-};
-const ReplyMessages dataitem_list_messages = {
-    "[TOVIK IoT] GetDataitemList Error: parsing JSON failed!",
-    "[TOVIK IoT] GetDataitemList Error: no errorcode!",
-    "[TOVIK IoT] GetDataitemList Error: errorcode invalid!",
-    "[TOVIK IoT] GetDataitemList Error: ",
-};
-const ReplyMessages read_messages = {
-    "[TOVIK IoT] ReadDataitemValue Error: parsing JSON failed!",
-    "[TOVIK IoT] ReadDataitemValue Error: no errorcode!",
-    "[TOVIK IoT] ReadDataitemValue Error: errorcode invalid!",
-    "[TOVIK IoT] ReadDataitemValue Error: ",
-};
-// The last message has another name than the others; people search their logs for it.
-const ReplyMessages write_messages = {
-    "[TOVIK IoT] WriteDataitemValue Error: parsing JSON failed!",
-    "[TOVIK IoT] WriteDataitemValue Error: no errorcode!",
-    "[TOVIK IoT] WriteDataitemValue Error: errorcode invalid!",
-    "[TOVIK IoT] SetDataitemValue Error: ",
-};
+const Operation login = {"Login", "Login", "/qlix_api/auth/login"};
+const Operation group_list = {"GetGroupList", "GetGroupList", "/qlix_api/imonitor/group/list"};
+const Operation dataitem_list = {"GetDataitemList", "GetDataitemList",
+                                 "/qlix_api/imonitor/group/dataitems"};
+const Operation read = {"ReadDataitemValue", "ReadDataitemValue",
+                        "/qlix_api/imonitor/dataitem/value"};
+// The word in front of a code is another one; people search their logs for it.
+const Operation write = {"WriteDataitemValue", "SetDataitemValue",
+                         "/qlix_api/imonitor/dataitem/setValue"};
 
 namespace {
 
@@ -93,27 +71,29 @@ QString requestBody(const picojson::object& members)
     return text::fromLatin1(body);
 }
 
-int checkReply(const QString& reply, const ReplyMessages& messages, picojson::object* members)
+Outcome fail(const char* word, Outcome::Reason reason, const char* problem)
+{
+    qDebug() << (QByteArray("[TOVIK IoT] ") + word + " Error: " + problem + '!').constData();
+    return Outcome(client_failure, reason,
+                   QString::fromLatin1("%1: %2").arg(QLatin1String(word), QLatin1String(problem)));
+}
+
+Outcome checkReply(const std::string& reply, const Operation& operation, picojson::object* members)
 {
     picojson::value value;
-    if (!parse(text::toLatin1(reply), &value)) {
-        qDebug() << messages.parsing_failed;
-        return client_failure;
-    }
+    if (!parse(reply, &value))
+        return fail(operation.word, Outcome::not_json, "parsing JSON failed");
     members->swap(value.get<picojson::object>());
     const picojson::value& errorcode = find(*members, "errorcode");
-    if (errorcode.is<picojson::null>()) {
-        qDebug() << messages.no_errorcode;
-        return client_failure;
-    }
-    if (!errorcode.is<double>()) {
-        qDebug() << messages.errorcode_invalid;
-        return client_failure;
-    }
+    if (errorcode.is<picojson::null>())
+        return fail(operation.word, Outcome::no_errorcode, "no errorcode");
+    if (!errorcode.is<double>())
+        return fail(operation.word, Outcome::errorcode_invalid, "errorcode invalid");
     const qint32 code = json_number::toInt32(errorcode.get<double>());
-    if (code != success)
-        qDebug() << messages.service_error << code;
-    return code;
+    if (code == success)
+        return Outcome();
+    qDebug() << (QByteArray("[TOVIK IoT] ") + operation.code_word + " Error: ").constData() << code;
+    return Outcome(code, Outcome::refused, QString());
 }
 
 const picojson::value& find(const picojson::object& members, const char* name)

@@ -5,6 +5,8 @@
 
 #include <picojson.h>
 
+#include <string>
+
 /// \file
 /// The bodies of requests and the checks that every reply goes through.
 ///
@@ -19,20 +21,54 @@ enum Result
     client_failure = 256 ///< The client itself found the reply wanting.
 };
 
-/// What an operation logs when a reply fails a check.
-struct ReplyMessages
+/// How an operation ended, and why.
+struct Outcome
 {
-    const char* parsing_failed;
-    const char* no_errorcode;
-    const char* errorcode_invalid;
-    const char* service_error; ///< The service's code follows it.
+    enum Reason
+    {
+        fine,
+        no_answer,         ///< The network failed; the detail is Qt's words for it.
+        not_json,          ///< The reply cannot be parsed, or nests too deep.
+        no_errorcode,      ///< It has no "errorcode".
+        errorcode_invalid, ///< Its "errorcode" is no number.
+        refused,           ///< The result is the service's own code.
+        member_missing,    ///< It lacks a member that the operation needs.
+        member_invalid,    ///< Such a member is of the wrong kind.
+        token_empty,       ///< A login without a token.
+        other_kind,        ///< Success, but the value, a thing of the detail, is not the type's.
+        unknown_type       ///< Success, but nobody knows the item's type.
+    };
+
+    Outcome() : result(success), reason(fine) {}
+    Outcome(int a_result, Reason a_reason, const QString& a_detail)
+        : result(a_result),
+          reason(a_reason),
+          detail(a_detail)
+    {}
+
+    int result; ///< success, client_failure, or the service's code.
+    Reason reason;
+    QString detail; ///< In words, without secrets: "Login: no errorcode". Empty for a service code.
 };
 
-extern const ReplyMessages login_messages;
-extern const ReplyMessages group_list_messages;
-extern const ReplyMessages dataitem_list_messages;
-extern const ReplyMessages read_messages;
-extern const ReplyMessages write_messages;
+/// One of the service's operations.
+struct Operation
+{
+    const char* word;      ///< What the log calls it.
+    const char* code_word; ///< What the log calls it in front of the service's code.
+    const char* path;      ///< Behind the service's address.
+};
+
+extern const Operation login;
+extern const Operation group_list;
+extern const Operation dataitem_list;
+extern const Operation read;
+extern const Operation write;
+
+/// Logs that \a problem was found in an operation's reply.
+/// \param word the operation's, or one of its own for a single message
+/// \return the outcome: client_failure, for \a reason
+Outcome fail(const char* word, Outcome::Reason reason, const char* problem);
 
 /// A text as a member of a request.
 picojson::value member(const QString& text);
@@ -41,12 +77,11 @@ picojson::value member(const QString& text);
 /// json_number::toWire().
 QString requestBody(const picojson::object& members);
 
-/// Parses \a reply and checks its "errorcode".
+/// Parses \a reply and checks its "errorcode"; what it finds wanting is logged.
 ///
-/// \param members receives the reply's members when the result is success.
-/// \return success, client_failure (with the operation's message logged), or the service's code
-///         (logged as well). Text behind the first complete JSON value is ignored.
-int checkReply(const QString& reply, const ReplyMessages& messages, picojson::object* members);
+/// \param members receives the reply's members when the result is success. Text behind the first
+///        complete JSON value is ignored.
+Outcome checkReply(const std::string& reply, const Operation& operation, picojson::object* members);
 
 /// The member \a name, or null when it is missing.
 const picojson::value& find(const picojson::object& members, const char* name);

@@ -1,14 +1,17 @@
 #ifndef CLOUD_TOVIK_IOT_H
 #define CLOUD_TOVIK_IOT_H
 
-#include "cloud/driver_metrics.h"
+#include "cloud/conversation.h"
+#include "cloud/driver_state.h"
+#include "cloud/error_handling.h"
 #include "cloud/monitor_data_item.h"
-#include "cloud/served_items.h"
 #include "cloud/write_queue.h"
 #include "property/property_tovik_iot.h"
 
 #include <QList>
 #include <QObject>
+#include <QQueue>
+#include <QScopedPointer>
 #include <QString>
 #include <QVariant>
 
@@ -16,8 +19,10 @@
 
 class QTcpSocket;
 class QTimer;
+class ReconnectTimer;
 
-/// The client: the conversation with the cloud service over HTTPS with JSON bodies.
+/// The client: the connection to the cloud service, its state, its timers and the order of things.
+/// What is said to the service, and how its replies are read, is the Conversation's business.
 ///
 /// Lives in a thread of its own. A request blocks that thread in a nested event loop until the
 /// reply has arrived; there is no time-out of the client's own. Timers and queued slots may run
@@ -33,7 +38,10 @@ class TovikIot : public QObject, private WriteQueue::Sender
 public:
     /// \param property the configuration, shared with the driver; not owned. The client reads it
     ///        and rebuilds its groups.
-    explicit TovikIot(PropertyTovikIot* property);
+    /// \param state what it shares with the driver besides; not owned. Null: a state of its own.
+    /// \param write_patience the WriteQueue's, in milliseconds
+    explicit TovikIot(PropertyTovikIot* property, DriverState* state = 0,
+                      int write_patience = WriteQueue::usual_patience);
     ~TovikIot();
 
     /// Keeps the host's link socket; the client does nothing with it. Not owned.
@@ -53,13 +61,11 @@ public:
     /// Starts the reconnect timer, if the error-handling settings want it and it is not running.
     void StartReconnect();
     /// Starts polling the served items every 1000 ms, and ends the polling of before; nothing when
-    /// there is none.
+    /// there is none. Makes a timer each time; the hundred before it stay below the client.
     void StartMonitor();
 
     /// Logs in and keeps the token. An empty token is a failure (256, no message).
     int Login(QString project, QString email, QString password);
-    /// The token of the latest login; empty before it. In the client's thread only.
-    QString Token() const;
     /// Replaces the configuration's groups by the service's, items included.
     int GetGroupList(QString token);
     /// Appends the service's items of \a group to it.
@@ -71,11 +77,6 @@ public:
     /// Posts \a body to \a url and returns the reply's body up to its first NUL, as Latin-1 text.
     /// A transport error is logged; what arrived (often nothing) is returned all the same.
     QString PostRequest(QString body, QString url);
-
-    /// The served items, as driver and client share them. Thread-safe.
-    ServedItems* Items();
-    /// What the client has counted so far. Thread-safe.
-    const DriverMetrics* Metrics() const;
 
 Q_SIGNALS:
     /// The values of one monitor cycle, in the order of the served items.
@@ -100,32 +101,29 @@ public Q_SLOTS:
 private:
     Q_DISABLE_COPY(TovikIot)
 
-    QString urlOf(const char* path) const;
-    QTimer* makeTimer(const char* slot);
+    template <typename Timer>
+    Timer* makeTimer(const char* slot);
+    void keepMonitorTimer(QTimer* timer);
     int attemptToConnect();
-    int readValue(const QString& token, PropertyTovikIotDataItem item, bool* taken);
-    Post* postWrite(int index, const QVariant& value);
-    void endWrite(const QString& text);
-    void loseConnection();
+    void connectionMade();
     void handleFailure(int result);
+    Post* postWrite(int index, const QVariant& value);
+    void endWrite(Post* post);
 
     PropertyTovikIot* property_;
     QString token_;
-    std::atomic<bool> connected_;
-    std::atomic<QTimer*> reconnect_timer_;
+    std::atomic<ReconnectTimer*> reconnect_timer_;
     std::atomic<QTimer*> monitor_timer_;
+    QQueue<QTimer*> earlier_monitor_timers_;
     QTcpSocket* link_;
     QList<MonitorDataItem> monitor_list_;
-    int err_handle_type_;
-    int err_return_time_;
-    int err_retry_count_;
-    bool err_return_time_en_;
-    bool err_restore_switch_bs_en_;
-    int reconnect_interval_;
+    ErrorHandling error_handling_;
     int attempts_; ///< Attempts to connect that are on their way, one inside the other.
-    ServedItems items_;
-    DriverMetrics metrics_;
-    WriteQueue writes_;
+    QScopedPointer<DriverState> own_state_;
+    DriverState* state_;
+    Conversation conversation_;
+    int write_patience_;
+    QScopedPointer<WriteQueue> writes_; ///< Made by the first write, in the client's thread.
 };
 
 #endif

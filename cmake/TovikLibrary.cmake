@@ -26,13 +26,15 @@ endif()
 set(TOVIK_CLIENT_SOURCES
   cloud/catalogue.h cloud/catalogue.cpp
   cloud/data_item_type.h cloud/data_item_type.cpp
-  cloud/driver_metrics.h cloud/driver_metrics.cpp
+  cloud/conversation.h cloud/conversation.cpp
+  cloud/driver_state.h cloud/driver_state.cpp
   cloud/driver_status.h cloud/driver_status.cpp
+  cloud/error_handling.h cloud/error_handling.cpp
   cloud/host_bytes.h
   cloud/json_number.h cloud/json_number.cpp
   cloud/monitor_data_item.h
   cloud/post.h cloud/post.cpp
-  cloud/served_items.h cloud/served_items.cpp
+  cloud/reconnect_timer.h cloud/reconnect_timer.cpp
   cloud/service_message.h cloud/service_message.cpp
   cloud/tovik_iot.h cloud/tovik_iot.cpp
   cloud/write_queue.h cloud/write_queue.cpp

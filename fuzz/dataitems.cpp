@@ -29,10 +29,10 @@ void checkItem(const PropertyTovikIotDataItem& item)
 void runDataitems(const QByteArray& input)
 {
     picojson::object members;
-    if (!takeReply(input, service::dataitem_list_messages, &members))
+    if (!takeReply(input, service::dataitem_list, &members))
         return;
     const picojson::array* items = nullptr;
-    const int result = catalogue::findDataitems(members, QString(), &items);
+    const int result = catalogue::findDataitems(members, QString(), &items).result;
     require(result == service::success || (result == service::client_failure && !items),
             "a list of items is found, or it is the client's failure");
     if (!items)

@@ -8,10 +8,10 @@ namespace fuzz {
 void runGroups(const QByteArray& input)
 {
     picojson::object members;
-    if (!takeReply(input, service::group_list_messages, &members))
+    if (!takeReply(input, service::group_list, &members))
         return;
     const picojson::array* groups = nullptr;
-    const int result = catalogue::findGroups(members, &groups);
+    const int result = catalogue::findGroups(members, &groups).result;
     require(result == service::success || (result == service::client_failure && !groups),
             "a list of groups is found, or it is the client's failure");
     if (!groups)

@@ -1,7 +1,6 @@
 #include "fuzz/json_reply.h"
 
 #include "cloud/json_number.h"
-#include "compat/text.h"
 #include "fuzz/target.h"
 
 #include <nlohmann/json.hpp>
@@ -45,18 +44,18 @@ void compareWithOtherParser(const QByteArray& reply, int result)
 
 } // namespace
 
-bool takeReply(const QByteArray& reply, const service::ReplyMessages& messages,
+bool takeReply(const QByteArray& reply, const service::Operation& operation,
                picojson::object* members)
 {
-    const QString text = QString::fromLatin1(reply.constData(), reply.size());
+    const std::string text = reply.toStdString();
     const QByteArray trimmed = reply.trimmed();
     int result = service::success;
     const bool mismatch =
-        raisesTypeMismatch([&] { result = service::checkReply(text, messages, members); });
+        raisesTypeMismatch([&] { result = service::checkReply(text, operation, members).result; });
     require(!mismatch || !trimmed.startsWith('{'), "only a reply that is no object raises");
     if (mismatch)
         return false;
-    if (!service::nestsTooDeep(text::toLatin1(text)))
+    if (!service::nestsTooDeep(text))
         compareWithOtherParser(reply, result);
     if (result != service::success)
         return false;

@@ -11,7 +11,7 @@ namespace fuzz {
 ///
 /// \return whether it was taken; then \a members are those of the reply. A reply that is JSON but
 ///         no object raises an exception, as it should; this catches it for just those.
-bool takeReply(const QByteArray& reply, const service::ReplyMessages& messages,
+bool takeReply(const QByteArray& reply, const service::Operation& operation,
                picojson::object* members);
 
 /// Whether \a body raises picojson's `std::runtime_error`, and nothing else.

@@ -33,8 +33,7 @@ void runReply(const QByteArray& input)
     Input next(input);
     const bool login = next.flag();
     picojson::object members;
-    if (!takeReply(next.rest(), login ? service::login_messages : service::write_messages,
-                   &members))
+    if (!takeReply(next.rest(), login ? service::login : service::write, &members))
         return;
     const picojson::value& token = service::find(members, "token");
     if (token.is<std::string>()) {

@@ -12,7 +12,7 @@ void runValue(const QByteArray& input)
     const DataItemType& type = typeAt(next.choice(type_count));
     const int data_length = next.byte() - 64;
     picojson::object members;
-    if (!takeReply(next.rest(), service::read_messages, &members))
+    if (!takeReply(next.rest(), service::read, &members))
         return;
     const picojson::value& value = service::find(members, "value");
     if (!(value.*type.is_expected)())

@@ -99,10 +99,10 @@ void TestCatalogue::listChecks()
         reply["groups"] = reply["dataitems"] = parsed(list);
     LogRecorder log;
     const picojson::array* found = nullptr;
-    QCOMPARE(catalogue::findGroups(reply, &found), result);
+    QCOMPARE(catalogue::findGroups(reply, &found).result, result);
     QCOMPARE(found ? int(found->size()) : -1, size);
     QCOMPARE(log.take(), group_line.isEmpty() ? QStringList() : QStringList(group_line));
-    QCOMPARE(catalogue::findDataitems(reply, latin1("Boiler"), &found), result);
+    QCOMPARE(catalogue::findDataitems(reply, latin1("Boiler"), &found).result, result);
     QCOMPARE(found ? int(found->size()) : -1, size);
     QCOMPARE(log.take(), item_line.isEmpty() ? QStringList() : QStringList(item_line));
 }

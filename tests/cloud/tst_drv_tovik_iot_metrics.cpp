@@ -59,7 +59,7 @@ void TestDrvTovikIotMetrics::listOfProperties()
     }
     const QString expected = QStringLiteral(
         "cycle_count cycle_milliseconds longest_cycle_milliseconds read_count reconnect_count "
-        "last_error last_error_age item_ages");
+        "last_error last_error_age item_ages connected write_count failed_write_count");
     QCOMPARE(names.join(QLatin1Char(' ')), expected);
 }
 

@@ -13,6 +13,19 @@ QString latin1(const char* text)
     return QString::fromLatin1(text);
 }
 
+std::string bytes(const QString& text)
+{
+    return text.toLatin1().toStdString();
+}
+
+/// "Login: no errorcode" of the line that says so.
+QString detailOf(const QString& line)
+{
+    QString detail = line.mid(latin1("[TOVIK IoT] ").size());
+    detail.chop(1);
+    return detail.replace(latin1(" Error: "), latin1(": "));
+}
+
 std::string nested(int depth, char open, char close)
 {
     std::string text;
@@ -74,33 +87,43 @@ void TestServiceMessage::check_data()
     QTest::addColumn<QString>("reply");
     QTest::addColumn<int>("result");
     QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("reason");
+    using service::Outcome;
     const QString parsing = latin1("[TOVIK IoT] Login Error: parsing JSON failed!");
     const QString absent = latin1("[TOVIK IoT] Login Error: no errorcode!");
     const QString invalid = latin1("[TOVIK IoT] Login Error: errorcode invalid!");
-    QTest::newRow("success") << latin1("{\"errorcode\":0}") << 0 << QString();
-    QTest::newRow("a fraction counts as zero") << latin1("{\"errorcode\":0.9}") << 0 << QString();
+    QTest::newRow("success") << latin1("{\"errorcode\":0}") << 0 << QString() << int(Outcome::fine);
+    QTest::newRow("a fraction counts as zero")
+        << latin1("{\"errorcode\":0.9}") << 0 << QString() << int(Outcome::fine);
     QTest::newRow("text behind the value is ignored")
-        << latin1("{\"errorcode\":0} and more") << 0 << QString();
+        << latin1("{\"errorcode\":0} and more") << 0 << QString() << int(Outcome::fine);
     QTest::newRow("the last of two keys counts")
-        << latin1("{\"errorcode\":5,\"errorcode\":0}") << 0 << QString();
-    QTest::newRow("empty") << QString() << 256 << parsing;
-    QTest::newRow("not JSON") << latin1("<html>") << 256 << parsing;
-    QTest::newRow("cut") << latin1("{\"errorcode\":0") << 256 << parsing;
-    QTest::newRow("number beyond a double") << latin1("{\"errorcode\":1e999}") << 256 << parsing;
+        << latin1("{\"errorcode\":5,\"errorcode\":0}") << 0 << QString() << int(Outcome::fine);
+    QTest::newRow("empty") << QString() << 256 << parsing << int(Outcome::not_json);
+    QTest::newRow("not JSON") << latin1("<html>") << 256 << parsing << int(Outcome::not_json);
+    QTest::newRow("cut") << latin1("{\"errorcode\":0") << 256 << parsing << int(Outcome::not_json);
+    QTest::newRow("number beyond a double")
+        << latin1("{\"errorcode\":1e999}") << 256 << parsing << int(Outcome::not_json);
     QTest::newRow("number beyond a double elsewhere")
-        << latin1("{\"errorcode\":0,\"x\":[-1e999]}") << 256 << parsing;
-    QTest::newRow("no errorcode") << latin1("{}") << 256 << absent;
-    QTest::newRow("null errorcode") << latin1("{\"errorcode\":null}") << 256 << absent;
-    QTest::newRow("text errorcode") << latin1("{\"errorcode\":\"0\"}") << 256 << invalid;
-    QTest::newRow("boolean errorcode") << latin1("{\"errorcode\":false}") << 256 << invalid;
-    QTest::newRow("array errorcode") << latin1("{\"errorcode\":[0]}") << 256 << invalid;
+        << latin1("{\"errorcode\":0,\"x\":[-1e999]}") << 256 << parsing << int(Outcome::not_json);
+    QTest::newRow("no errorcode") << latin1("{}") << 256 << absent << int(Outcome::no_errorcode);
+    QTest::newRow("null errorcode")
+        << latin1("{\"errorcode\":null}") << 256 << absent << int(Outcome::no_errorcode);
+    QTest::newRow("text errorcode")
+        << latin1("{\"errorcode\":\"0\"}") << 256 << invalid << int(Outcome::errorcode_invalid);
+    QTest::newRow("boolean errorcode")
+        << latin1("{\"errorcode\":false}") << 256 << invalid << int(Outcome::errorcode_invalid);
+    QTest::newRow("array errorcode")
+        << latin1("{\"errorcode\":[0]}") << 256 << invalid << int(Outcome::errorcode_invalid);
     QTest::newRow("the service's code")
-        << latin1("{\"errorcode\":3}") << 3 << latin1("[TOVIK IoT] Login Error:  3");
+        << latin1("{\"errorcode\":3}") << 3 << latin1("[TOVIK IoT] Login Error:  3")
+        << int(Outcome::refused);
     QTest::newRow("negative code is cut toward zero")
-        << latin1("{\"errorcode\":-1.7}") << -1 << latin1("[TOVIK IoT] Login Error:  -1");
+        << latin1("{\"errorcode\":-1.7}") << -1 << latin1("[TOVIK IoT] Login Error:  -1")
+        << int(Outcome::refused);
     QTest::newRow("code beyond 32 bits saturates")
         << latin1("{\"errorcode\":3e10}") << 2147483647
-        << latin1("[TOVIK IoT] Login Error:  2147483647");
+        << latin1("[TOVIK IoT] Login Error:  2147483647") << int(Outcome::refused);
 }
 
 void TestServiceMessage::check()
@@ -108,9 +131,13 @@ void TestServiceMessage::check()
     QFETCH(QString, reply);
     QFETCH(int, result);
     QFETCH(QString, line);
+    QFETCH(int, reason);
     LogRecorder log;
     picojson::object members;
-    QCOMPARE(service::checkReply(reply, service::login_messages, &members), result);
+    const service::Outcome outcome = service::checkReply(bytes(reply), service::login, &members);
+    QCOMPARE(outcome.result, result);
+    QCOMPARE(int(outcome.reason), reason);
+    QCOMPARE(outcome.detail, detailOf(result == 256 ? line : QString()));
     QCOMPARE(log.lines(), line.isEmpty() ? QStringList() : QStringList(line));
 }
 
@@ -118,26 +145,26 @@ void TestServiceMessage::everyOperationHasItsMessages()
 {
     struct Operation
     {
-        const service::ReplyMessages* messages;
+        const service::Operation* operation;
         const char* word;
         const char* code_word;
     };
     const Operation operations[] = {
-        {&service::login_messages, "Login", "Login"},
-        {&service::group_list_messages, "GetGroupList", "GetGroupList"},
-        {&service::dataitem_list_messages, "GetDataitemList", "GetDataitemList"},
-        {&service::read_messages, "ReadDataitemValue", "ReadDataitemValue"},
-        {&service::write_messages, "WriteDataitemValue", "SetDataitemValue"},
+        {&service::login, "Login", "Login"},
+        {&service::group_list, "GetGroupList", "GetGroupList"},
+        {&service::dataitem_list, "GetDataitemList", "GetDataitemList"},
+        {&service::read, "ReadDataitemValue", "ReadDataitemValue"},
+        {&service::write, "WriteDataitemValue", "SetDataitemValue"},
     };
     for (const Operation& operation : operations) {
         const QString start = latin1("[TOVIK IoT] %1 Error: ").arg(latin1(operation.word));
         const QString code = latin1("[TOVIK IoT] %1 Error: ").arg(latin1(operation.code_word));
         LogRecorder log;
         picojson::object members;
-        service::checkReply(QString(), *operation.messages, &members);
-        service::checkReply(latin1("{}"), *operation.messages, &members);
-        service::checkReply(latin1("{\"errorcode\":{}}"), *operation.messages, &members);
-        service::checkReply(latin1("{\"errorcode\":7}"), *operation.messages, &members);
+        service::checkReply(std::string(), *operation.operation, &members);
+        service::checkReply(std::string("{}"), *operation.operation, &members);
+        service::checkReply(std::string("{\"errorcode\":{}}"), *operation.operation, &members);
+        service::checkReply(std::string("{\"errorcode\":7}"), *operation.operation, &members);
         QCOMPARE(
             log.lines(),
             (QStringList{start + latin1("parsing JSON failed!"), start + latin1("no errorcode!"),
@@ -151,7 +178,7 @@ void TestServiceMessage::replyThatIsNoObjectRaises()
     for (const char* reply : replies) {
         picojson::object members;
         try {
-            service::checkReply(latin1(reply), service::login_messages, &members);
+            service::checkReply(reply, service::login, &members);
             QFAIL(reply);
         } catch (const std::runtime_error& error) {
             QCOMPARE(error.what(),
@@ -163,8 +190,9 @@ void TestServiceMessage::replyThatIsNoObjectRaises()
 void TestServiceMessage::membersAreHandedOut()
 {
     picojson::object members;
-    QCOMPARE(service::checkReply(latin1("{\"errorcode\":0,\"value\":\"\xE9\"}"),
-                                 service::read_messages, &members),
+    QCOMPARE(service::checkReply(std::string("{\"errorcode\":0,\"value\":\"\xE9\"}"), service::read,
+                                 &members)
+                 .result,
              0);
     QCOMPARE(service::find(members, "value").get<std::string>(), std::string("\xE9"));
     QVERIFY(service::find(members, "missing").is<picojson::null>());
@@ -208,11 +236,11 @@ void TestServiceMessage::deepRepliesFailTheParseStep()
     picojson::object members;
     const QString allowed = latin1("{\"errorcode\":0,\"x\":") +
                             QString::fromStdString(nested(99, '[', ']')) + latin1("}");
-    QCOMPARE(service::checkReply(allowed, service::login_messages, &members), 0);
+    QCOMPARE(service::checkReply(bytes(allowed), service::login, &members).result, 0);
     QVERIFY(log.lines().isEmpty());
     const QString deep = latin1("{\"errorcode\":0,\"x\":") +
                          QString::fromStdString(nested(50000, '{', '}')) + latin1("}");
-    QCOMPARE(service::checkReply(deep, service::login_messages, &members), 256);
+    QCOMPARE(service::checkReply(bytes(deep), service::login, &members).result, 256);
     QCOMPARE(log.take(), QStringList{latin1("[TOVIK IoT] Login Error: parsing JSON failed!")});
 }
 

@@ -27,7 +27,7 @@ private Q_SLOTS:
     void methodsInOrder();
     void driverMethodsInOrder();
     void logsHostAndProject();
-    void hasNoParentAndNoTimers();
+    void hasNoParentAndNoChildren();
     void linkIsOnlyKept();
 };
 
@@ -84,12 +84,12 @@ void TestTovikIot::logsHostAndProject()
                                              "Project:  \"Plant 1\"")});
 }
 
-void TestTovikIot::hasNoParentAndNoTimers()
+void TestTovikIot::hasNoParentAndNoChildren()
 {
     PropertyTovikIot property;
     const TovikIot client(&property);
     QVERIFY(!client.parent());
-    QVERIFY(client.findChildren<QTimer*>().isEmpty());
+    QVERIFY(client.findChildren<QObject*>().isEmpty());
 }
 
 void TestTovikIot::linkIsOnlyKept()

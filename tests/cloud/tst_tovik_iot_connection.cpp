@@ -2,6 +2,7 @@
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_service.h"
 
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
@@ -58,6 +59,11 @@ private Q_SLOTS:
     void disconnect();
     void disconnectFromAnotherThread();
     void everyMonitorStartMakesAFreshTimer();
+    void theLatestHundredMonitorTimersStay();
+    void aFailedWriteDisconnectsInFull_data();
+    void aFailedWriteDisconnectsInFull();
+    void aFailureTakesTheSettingsOfNow();
+    void onlyTimersAreBelowTheClient();
     void noMoreThanTwoAttemptsOverlap();
     void attemptsThatRaiseDoNotCount();
     void anOverlapLeavesOneMonitor();
@@ -407,6 +413,84 @@ void TestTovikIotConnection::everyMonitorStartMakesAFreshTimer()
     QVERIFY(!first->isActive());
     QVERIFY(second->isActive());
     QCOMPARE(client_->findChildren<QTimer*>().size(), 2);
+}
+
+/// A client whose connection fails in every cycle makes one a second, for years.
+void TestTovikIotConnection::theLatestHundredMonitorTimersStay()
+{
+    serveOneItem();
+    client_->SlotInitialLater();
+    client_->SetDrvErrHandle(4, 0, 0, false, false);
+    QList<QTimer*> monitors;
+    for (int i = 0; i < 1000; ++i) {
+        client_->StartMonitor();
+        monitors = client_->findChildren<QTimer*>().mid(1);
+        QCOMPARE(monitors.size(), qMin(i + 1, 101));
+        QVERIFY(monitors.last()->isActive());
+    }
+    for (int i = 0; i < 100; ++i)
+        QVERIFY(!monitors.at(i)->isActive());
+    QPointer<QTimer> oldest(monitors.first());
+    client_->StartMonitor();
+    QTRY_VERIFY(!oldest);
+}
+
+void TestTovikIotConnection::aFailedWriteDisconnectsInFull_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<bool>("is_wanted");
+    QTest::newRow("reconnecting by timer") << 0 << true;
+    QTest::newRow("reconnecting by the host's reads") << 3 << false;
+    QTest::newRow("no reconnecting") << 4 << false;
+}
+
+/// The timer runs when the write fails, as after a failed connect.
+void TestTovikIotConnection::aFailedWriteDisconnectsInFull()
+{
+    QFETCH(int, type);
+    QFETCH(bool, is_wanted);
+    serveOneItem();
+    service_->queue("{\"errorcode\":7}");
+    client_->SlotInitialLater();
+    QTimer* const timer = timerCalling("SlotReconnect");
+    QVERIFY(timer->isActive());
+    client_->SetDrvErrHandle(type, 5, 0, false, false);
+    bool was_active = true;
+    connect(client_.data(), &TovikIot::EmitUpdateErrCode, this,
+            [&] { was_active = timer->isActive(); });
+    service_->queue("{\"errorcode\":7}");
+    client_->SlotWriteValue(0, 1);
+    QVERIFY(!was_active);
+    QCOMPARE(timer->isActive(), is_wanted);
+}
+
+/// Settings that came while the timer ran: what the log says is what runs.
+void TestTovikIotConnection::aFailureTakesTheSettingsOfNow()
+{
+    serveOneItem();
+    service_->queue("{\"errorcode\":7}");
+    client_->SlotInitialLater();
+    client_->SetDrvErrHandle(1, 50, 0, true, false);
+    log_->take();
+    service_->queue("{\"errorcode\":7}");
+    client_->SlotWriteValue(0, 1);
+    QCOMPARE(log_->lines().last(), latin1("[TOVIK IoT] Reconnect by timer: 50000 ms"));
+    QCOMPARE(timerCalling("SlotReconnect")->interval(), 50000);
+    // What was waited for a second is not to be waited for again.
+    QTRY_VERIFY_WITH_TIMEOUT(log_->contains("[TOVIK IoT] Try Reconnect ... "), 20000);
+    QCOMPARE(timerCalling("SlotReconnect")->interval(), 50000);
+}
+
+/// After requests and writes, too.
+void TestTovikIotConnection::onlyTimersAreBelowTheClient()
+{
+    serveOneItem();
+    answerConnect();
+    client_->SlotInitialLater();
+    client_->SlotMonitorTimeOut();
+    client_->SlotWriteValue(0, 1);
+    for (const QObject* child : client_->findChildren<QObject*>())
+        QVERIFY2(qobject_cast<const QTimer*>(child), child->metaObject()->className());
 }
 
 /// Lets logins hang until two have come, and answers them with \a reply then.

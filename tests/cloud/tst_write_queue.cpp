@@ -1,13 +1,16 @@
 #include "cloud/post.h"
 #include "cloud/write_queue.h"
+#include "tests/support/log_recorder.h"
 #include "tests/support/scripted_service.h"
 
 #include <QPointer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 #include <stdexcept>
 
 namespace {
@@ -29,8 +32,9 @@ public:
         return posts.last();
     }
 
-    void endWrite(const QString& text) override
+    void endWrite(Post* post) override
     {
+        const QString text = QString::fromStdString(post->takeBytes());
         if (text == QLatin1String("[]"))
             throw std::runtime_error("no object");
         ended.append(text);
@@ -55,6 +59,8 @@ private Q_SLOTS:
     void aSecondOneIsNot();
     void noMoreThanSixteenAreOnTheirWay();
     void oneWithoutAnAnswerHoldsUpTheNextOnly();
+    void anOldAnswerDoesNotLetTheNextGo();
+    void whatWaitsEndsWithTheThread();
     void anErrorOfTheAwaitedOneLeavesAdd();
     void postsAreDeleted();
     void anErrorLeavesTheQueueUsable();
@@ -67,7 +73,7 @@ private:
 void TestWriteQueue::aWriteAloneIsWaitedFor()
 {
     Writer writer(service_.url());
-    WriteQueue queue(&writer, nullptr);
+    WriteQueue queue(&writer);
     service_.queue("first");
     queue.add(0, 0);
     QCOMPARE(writer.ended, QStringList{QStringLiteral("first")});
@@ -79,8 +85,7 @@ void TestWriteQueue::aWriteAloneIsWaitedFor()
 void TestWriteQueue::aSecondOneIsNot()
 {
     Writer writer(service_.url());
-    WriteQueue queue(&writer, nullptr);
-    queue.setPatience(endless_patience);
+    WriteQueue queue(&writer, endless_patience);
     service_.reset();
     int ended_when_added = -1;
     QTimer::singleShot(0, &queue, [&] {
@@ -96,8 +101,7 @@ void TestWriteQueue::aSecondOneIsNot()
 void TestWriteQueue::noMoreThanSixteenAreOnTheirWay()
 {
     Writer writer(service_.url());
-    WriteQueue queue(&writer, nullptr);
-    queue.setPatience(short_patience);
+    WriteQueue queue(&writer, short_patience);
     service_.reset();
     bool is_silent = true;
     service_.setHandler([&](const ScriptedRequest&) {
@@ -134,8 +138,7 @@ void TestWriteQueue::noMoreThanSixteenAreOnTheirWay()
 void TestWriteQueue::oneWithoutAnAnswerHoldsUpTheNextOnly()
 {
     Writer writer(service_.url());
-    WriteQueue queue(&writer, nullptr);
-    queue.setPatience(3000);
+    WriteQueue queue(&writer, 3000);
     service_.reset();
     service_.setHandler([](const ScriptedRequest& request) {
         return request.body == "1" ? ScriptedReply::hang() : ScriptedReply::json("{}");
@@ -150,11 +153,73 @@ void TestWriteQueue::oneWithoutAnAnswerHoldsUpTheNextOnly()
              (QList<QByteArray>{"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11"}));
 }
 
+/// The first write is left behind by the second; its late answer says nothing about the second, for
+/// which the third one waits.
+void TestWriteQueue::anOldAnswerDoesNotLetTheNextGo()
+{
+    Writer writer(service_.url());
+    WriteQueue queue(&writer, 1000);
+    service_.reset();
+    QTcpSocket* first = nullptr;
+    service_.setHandler([&](const ScriptedRequest& request) {
+        if (request.body == "0")
+            first = service_.findChildren<QTcpSocket*>().last();
+        if (request.body == "1") {
+            first->write(ScriptedReply::json("late").bytes);
+            first->disconnectFromHost();
+        }
+        return ScriptedReply::hang();
+    });
+    int posted_when_answered = 0;
+    QTimer look;
+    connect(&look, &QTimer::timeout, [&] {
+        if (!posted_when_answered && !writer.ended.isEmpty())
+            posted_when_answered = writer.posts.size();
+    });
+    look.start(1);
+    QTimer::singleShot(0, &queue, [&] {
+        queue.add(0, 1);
+        queue.add(0, 2);
+    });
+    queue.add(0, 0);
+    QTRY_COMPARE(writer.posts.size(), 3);
+    QCOMPARE(writer.ended, QStringList{QStringLiteral("late")});
+    QCOMPARE(posted_when_answered, 2);
+}
+
+/// Timers and connections cannot be given back from another thread.
+void TestWriteQueue::whatWaitsEndsWithTheThread()
+{
+    ScriptedService service;
+    service.setHandler([](const ScriptedRequest&) { return ScriptedReply::hang(); });
+    LogRecorder log;
+    Writer writer(service.url());
+    QThread thread;
+    QObject inside;
+    inside.moveToThread(&thread);
+    std::unique_ptr<WriteQueue> queue;
+    thread.start();
+    QTimer::singleShot(0, &inside, [&] {
+        queue.reset(new WriteQueue(&writer, endless_patience));
+        QTimer::singleShot(0, queue.get(), [&] { queue->add(0, 1); });
+        queue->add(0, 0);
+    });
+    const bool has_come = QTest::qWaitFor([&] { return !service.requests().isEmpty(); });
+    thread.quit();
+    QVERIFY(thread.wait(10000));
+    QVERIFY(has_come);
+    QVERIFY(!writer.posts.first());
+    queue.reset();
+    QVERIFY2(log.take().isEmpty(), "Qt complains of timers of another thread");
+    QCOMPARE(writer.posts.size(), 1);
+    QCOMPARE(writer.ended.size(), 1);
+}
+
 /// Not the event loop that runs inside, where nobody could catch it.
 void TestWriteQueue::anErrorOfTheAwaitedOneLeavesAdd()
 {
     Writer writer(service_.url());
-    WriteQueue queue(&writer, nullptr);
+    WriteQueue queue(&writer);
     service_.reset();
     service_.setHandler(nullptr);
     service_.queue("[]");
@@ -167,7 +232,7 @@ void TestWriteQueue::anErrorOfTheAwaitedOneLeavesAdd()
 void TestWriteQueue::postsAreDeleted()
 {
     Writer writer(service_.url());
-    WriteQueue queue(&writer, nullptr);
+    WriteQueue queue(&writer);
     service_.setHandler([](const ScriptedRequest&) { return ScriptedReply::json("{}"); });
     QTimer::singleShot(0, &queue, [&] {
         for (int i = 1; i < 5; ++i)
@@ -182,7 +247,7 @@ void TestWriteQueue::postsAreDeleted()
 void TestWriteQueue::anErrorLeavesTheQueueUsable()
 {
     Writer writer(service_.url());
-    WriteQueue queue(&writer, nullptr);
+    WriteQueue queue(&writer);
     QVERIFY_EXCEPTION_THROWN(queue.add(-1, 0), std::overflow_error);
     service_.queue("after");
     queue.add(0, 0);
@@ -197,8 +262,7 @@ void TestWriteQueue::whatWaitsGoesWithTheQueue()
         return request.body == "0" ? ScriptedReply::json("{}") : ScriptedReply::hang();
     });
     {
-        WriteQueue queue(&writer, nullptr);
-        queue.setPatience(endless_patience);
+        WriteQueue queue(&writer, endless_patience);
         QTimer::singleShot(0, &queue, [&] {
             for (int i = 1; i < 5; ++i)
                 queue.add(0, i);

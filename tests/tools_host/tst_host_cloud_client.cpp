@@ -81,9 +81,11 @@ void TestHostCloudClient::loadsWhatTheDriverLoads()
     // The same, as the driver does it in one operation.
     PropertyTovikIot property;
     property.host = service().url;
+    property.project = service().project;
+    property.email = service().email;
+    property.password = service().password;
     TovikIot driver(&property);
-    QCOMPARE(driver.Login(service().project, service().email, service().password), 0);
-    QCOMPARE(driver.GetGroupList(driver.Token()), 0);
+    QCOMPARE(driver.Connect2Cloud(), 0);
     QCOMPARE(client.groups().size(), property.groups.size());
     for (int i = 0; i < property.groups.size(); ++i) {
         PropertyTovikIotGroup mine = client.groups().at(i);

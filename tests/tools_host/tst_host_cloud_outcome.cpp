@@ -1,4 +1,4 @@
-#include "tools/host/cloud_outcome.h"
+#include "tools/host/cloud_client.h"
 
 #include <QtTest>
 
@@ -17,54 +17,43 @@ private Q_SLOTS:
 
 void TestHostCloudOutcome::judges_data()
 {
+    using Reason = service::Outcome::Reason;
     QTest::addColumn<int>("result");
-    QTest::addColumn<bool>("raised");
-    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<int>("cause");
+    QTest::addColumn<QString>("detail");
     QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("reason");
-    const QString not_json = QStringLiteral("[TOVIK IoT] Login Error: parsing JSON failed!");
-    QTest::newRow("success") << 0 << false << QStringList() << int(ClientOutcome::Done)
-                             << QString();
-    QTest::newRow("success in spite of an HTTP error")
-        << 0 << false << QStringList{QStringLiteral("[TOVIK IoT] Post Request Error:  \"x\"")}
-        << int(ClientOutcome::Done) << QString();
-    QTest::newRow("code of the service")
-        << 7 << false << QStringList{QStringLiteral("[TOVIK IoT] ReadDataitemValue Error:  7")}
-        << int(ClientOutcome::Failed)
-        << QStringLiteral("the service refused with its error code 7");
-    QTest::newRow("network")
-        << 256 << false
-        << QStringList{QStringLiteral("[TOVIK IoT] Post Request Error:  \"Connection refused\""),
-                       not_json}
-        << int(ClientOutcome::Failed) << QStringLiteral("Connection refused");
-    QTest::newRow("network, with quotes in the words")
-        << 256 << false
-        << QStringList{QStringLiteral("[TOVIK IoT] Post Request Error:  \"a \\\"b\\\" \\\\ c\"")}
-        << int(ClientOutcome::Failed) << QStringLiteral("a \"b\" \\ c");
-    QTest::newRow("no JSON") << 256 << false << QStringList{not_json}
-                             << int(ClientOutcome::BadReply)
-                             << QStringLiteral("the reply is not understood: Login: parsing JSON "
-                                               "failed");
-    QTest::newRow("empty token, of which no line tells")
-        << 256 << false << QStringList() << int(ClientOutcome::BadReply)
-        << QStringLiteral("the reply is not understood: the token is empty");
-    QTest::newRow("exception") << 0 << true << QStringList() << int(ClientOutcome::BadReply)
-                               << QStringLiteral("the reply, or an entry of the list in it, is no "
-                                                 "JSON object; such a reply ends a host that runs "
-                                                 "the driver");
+    const auto row = [](const char* name, int result, Reason cause, const char* detail,
+                        ClientOutcome::Kind kind, const char* reason) {
+        QTest::newRow(name) << result << int(cause) << QString::fromLatin1(detail) << int(kind)
+                            << QString::fromLatin1(reason);
+    };
+    row("success", 0, Reason::fine, "", ClientOutcome::Done, "");
+    row("value of another kind", 0, Reason::other_kind, "a list", ClientOutcome::Done,
+        "the value is a list, which is no Bit");
+    row("unknown type", 0, Reason::unknown_type, "", ClientOutcome::Done, "\"Bit\" is no type");
+    row("code of the service", 7, Reason::refused, "", ClientOutcome::Failed,
+        "the service refused with its error code 7");
+    row("network, with quotes in the words", 256, Reason::no_answer, "a \"b\" \\ c",
+        ClientOutcome::Failed, "a \"b\" \\ c");
+    row("no JSON", 256, Reason::not_json, "Login: parsing JSON failed", ClientOutcome::BadReply,
+        "the reply is not understood: Login: parsing JSON failed");
+    row("no errorcode", 256, Reason::no_errorcode, "Login: no errorcode", ClientOutcome::BadReply,
+        "the reply is not understood: Login: no errorcode");
+    row("empty token", 256, Reason::token_empty, "the token is empty", ClientOutcome::BadReply,
+        "the reply is not understood: the token is empty");
 }
 
 void TestHostCloudOutcome::judges()
 {
     QFETCH(int, result);
-    QFETCH(bool, raised);
-    QFETCH(QStringList, lines);
-    QFETCH(int, kind);
-    QFETCH(QString, reason);
-    const ClientOutcome outcome = judgeStep(result, raised, lines);
-    QCOMPARE(int(outcome.kind), kind);
-    QCOMPARE(outcome.reason, reason);
-    QCOMPARE(outcome.result, raised ? 256 : result);
+    QFETCH(int, cause);
+    QFETCH(QString, detail);
+    const service::Outcome asked(result, service::Outcome::Reason(cause), detail);
+    const ClientOutcome outcome = clientOutcome(asked, QStringLiteral("Bit"));
+    QTEST(int(outcome.kind), "kind");
+    QTEST(outcome.reason, "reason");
+    QCOMPARE(outcome.result, result);
 }
 
 void TestHostCloudOutcome::leavesOutUserAndPassword_data()

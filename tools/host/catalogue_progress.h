@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_CATALOGUE_PROGRESS_H
 #define TOOLS_HOST_CATALOGUE_PROGRESS_H
 
-#include "tools/host/cloud_steps.h"
+#include "tools/host/cloud_client.h"
 #include "tools/host/output.h"
 
 #include <QElapsedTimer>

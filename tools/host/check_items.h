@@ -2,7 +2,7 @@
 #define TOOLS_HOST_CHECK_ITEMS_H
 
 #include "tools/host/check_step.h"
-#include "tools/host/cloud_outcome.h"
+#include "tools/host/cloud_client.h"
 #include "tools/host/config.h"
 
 #include <QHash>

@@ -1,81 +1,100 @@
 #include "tools/host/cloud_client.h"
 
-#include "cloud/tovik_iot.h"
-
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
+#include <QUrl>
 
 #include <atomic>
 #include <stdexcept>
 
 namespace tovik_host {
 
-namespace {
-
-/// Where the lines of this thread's step go.
-thread_local QStringList* captured_lines = nullptr;
-std::atomic<QtMessageHandler> next_handler{nullptr};
-
-void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+ClientOutcome clientOutcome(const ::service::Outcome& outcome, const QString& type_name)
 {
-    if (captured_lines)
-        captured_lines->append(text);
-    if (const QtMessageHandler next = next_handler)
-        next(type, context, text);
+    ClientOutcome told;
+    told.result = outcome.result;
+    told.kind = ClientOutcome::BadReply;
+    told.reason = QStringLiteral("the reply is not understood: %1").arg(outcome.detail);
+    switch (outcome.reason) {
+    case ::service::Outcome::fine:
+        told.kind = ClientOutcome::Done;
+        told.reason.clear();
+        break;
+    case ::service::Outcome::unknown_type:
+        told.kind = ClientOutcome::Done;
+        told.reason = QStringLiteral("\"%1\" is no type").arg(type_name);
+        break;
+    case ::service::Outcome::other_kind:
+        told.kind = ClientOutcome::Done;
+        told.reason =
+            QStringLiteral("the value is %1, which is no %2").arg(outcome.detail, type_name);
+        break;
+    case ::service::Outcome::refused:
+        told.kind = ClientOutcome::Failed;
+        told.reason =
+            QStringLiteral("the service refused with its error code %1").arg(outcome.result);
+        break;
+    case ::service::Outcome::no_answer:
+        told.kind = ClientOutcome::Failed;
+        told.reason = outcome.detail;
+        break;
+    default:
+        break;
+    }
+    return told;
 }
 
-/// Listens to Qt's messages for the time of a step, and passes them on to whoever did before.
-class MessageTap
+QString withoutUserInfo(const QString& text, const QString& url)
 {
-public:
-    MessageTap() { next_handler = qInstallMessageHandler(handleMessage); }
-    ~MessageTap() { qInstallMessageHandler(next_handler); }
-    MessageTap(const MessageTap&) = delete;
-    MessageTap& operator=(const MessageTap&) = delete;
-};
-
-} // namespace
+    const QUrl parsed(url);
+    QString shown = text;
+    if (parsed.userInfo().isEmpty())
+        return shown;
+    for (const auto form : {QUrl::FullyEncoded, QUrl::PrettyDecoded, QUrl::FullyDecoded}) {
+        const QString user = parsed.userName(form);
+        shown.remove(user + QLatin1Char(':') + parsed.password(form) + QLatin1Char('@'));
+        shown.replace(QStringLiteral("//%1@").arg(user), QStringLiteral("//"));
+    }
+    return shown;
+}
 
 /// One step, as both threads see it. The client's thread writes, and the other one reads once
 /// `ended` is told or the thread is over.
 struct CloudClient::Step
 {
     QList<PropertyTovikIotGroup> groups;
-    QVariant value;
-    QString problem; ///< Of a step that is done all the same.
-    QStringList lines;
-    int result = 0;
+    PropertyTovikIotDataItem item;
+    ::service::Outcome outcome;
     bool raised = false;
     std::atomic<bool> ended{false};
     std::atomic<bool> given_up{false};
     std::atomic<int> signs_of_life{0};
 
-    void run(const std::function<int()>& work)
+    void run(const Work& work)
     {
         // Left over from a thread that ended before it came to it.
         if (given_up)
             return;
-        captured_lines = &lines;
         try {
-            result = work();
+            outcome = work();
         } catch (const std::runtime_error&) {
             // It must not leave through Qt's event loop.
             raised = true;
         }
-        captured_lines = nullptr;
         ended = true;
     }
 };
 
-CloudClient::CloudClient(const ServiceConfig& service) : service_(service)
+CloudClient::CloudClient(const ServiceConfig& service)
+    : service_(service),
+      conversation_(&property_)
 {
     property_.host = service.url;
     property_.project = service.project;
     property_.email = service.email;
     property_.password = service.password;
-    client_ = std::make_unique<TovikIot>(&property_);
-    client_->moveToThread(&thread_);
+    worker_.moveToThread(&thread_);
 }
 
 CloudClient::~CloudClient()
@@ -86,7 +105,7 @@ CloudClient::~CloudClient()
 ClientOutcome CloudClient::login(double timeout)
 {
     return run(std::make_shared<Step>(), timeout, [this] {
-        return client_->Login(property_.project, property_.email, property_.password);
+        return conversation_.login(property_.project, property_.email, property_.password, &token_);
     });
 }
 
@@ -106,7 +125,7 @@ CloudClient::loadCatalogue(double timeout,
         QMetaObject::invokeMethod(this, pass_on, Qt::QueuedConnection);
     };
     const ClientOutcome outcome = run(step, timeout, [this, step, tell] {
-        return cloud_steps::loadGroups(*client_, property_.host, tell, &step->groups);
+        return conversation_.groupList(token_, &step->groups, tell);
     });
     groups_ = step->groups;
     return outcome;
@@ -116,12 +135,12 @@ ClientOutcome CloudClient::readValue(const QString& id, const QString& type_name
                                      QVariant* value)
 {
     const StepPtr step = std::make_shared<Step>();
-    const ClientOutcome outcome = run(step, timeout, [this, step, id, type_name] {
-        return cloud_steps::readValue(*client_, property_.host, id, type_name, &step->value,
-                                      &step->problem);
-    });
-    if (step->value.isValid())
-        *value = step->value;
+    step->item.dataitem_id = id;
+    step->item.type = type_name;
+    step->item.value = *value;
+    const ClientOutcome outcome =
+        run(step, timeout, [this, step] { return conversation_.readValue(token_, &step->item); });
+    *value = step->item.value;
     return outcome;
 }
 
@@ -131,12 +150,10 @@ void CloudClient::interrupt()
     Q_EMIT stepOver();
 }
 
-ClientOutcome CloudClient::run(const StepPtr& step, double timeout,
-                               const std::function<int()>& work)
+ClientOutcome CloudClient::run(const StepPtr& step, double timeout, const Work& work)
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    const MessageTap tap;
     if (!interrupted_) {
         start(step, work);
         waitFor(step, timeout);
@@ -150,7 +167,7 @@ ClientOutcome CloudClient::run(const StepPtr& step, double timeout,
     return outcome;
 }
 
-void CloudClient::start(const StepPtr& step, const std::function<int()>& work)
+void CloudClient::start(const StepPtr& step, const Work& work)
 {
     if (!thread_.isRunning())
         thread_.start();
@@ -159,7 +176,7 @@ void CloudClient::start(const StepPtr& step, const std::function<int()>& work)
         // By way of this object, so that it comes behind the progress that was told before it.
         QMetaObject::invokeMethod(this, &CloudClient::stepOver, Qt::QueuedConnection);
     };
-    QMetaObject::invokeMethod(client_.get(), do_work, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&worker_, do_work, Qt::QueuedConnection);
 }
 
 void CloudClient::waitFor(const StepPtr& step, double timeout)
@@ -188,10 +205,13 @@ ClientOutcome CloudClient::judge(const Step& step, double timeout) const
 {
     ClientOutcome outcome;
     // A step that is given up ends as well, with the client's thread, and says nothing then.
-    if (!step.given_up) {
-        outcome = judgeStep(step.result, step.raised, step.lines);
-        if (outcome.kind == ClientOutcome::Done)
-            outcome.reason = step.problem;
+    if (!step.given_up && step.raised) {
+        outcome.kind = ClientOutcome::BadReply;
+        outcome.result = ::service::client_failure;
+        outcome.reason = QStringLiteral("the reply, or an entry of the list in it, is no JSON "
+                                        "object; such a reply ends a host that runs the driver");
+    } else if (!step.given_up) {
+        outcome = clientOutcome(step.outcome, step.item.type);
     } else if (interrupted_) {
         outcome.kind = ClientOutcome::Interrupted;
         outcome.reason = QStringLiteral("interrupted");

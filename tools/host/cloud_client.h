@@ -1,10 +1,9 @@
 #ifndef TOOLS_HOST_CLOUD_CLIENT_H
 #define TOOLS_HOST_CLOUD_CLIENT_H
 
-#include "tools/host/cloud_outcome.h"
-#include "tools/host/cloud_steps.h"
 #include "tools/host/config.h"
 
+#include "cloud/conversation.h"
 #include "property/property_tovik_iot.h"
 
 #include <QObject>
@@ -15,8 +14,38 @@
 
 namespace tovik_host {
 
-/// A conversation with the service: the driver's own client, in a thread of its own as in the
-/// driver, each step with a time limit.
+/// How one step of a conversation with the service ended.
+struct ClientOutcome
+{
+    enum Kind
+    {
+        Done,
+        Failed,     ///< The service refused, or could not be reached.
+        TimedOut,   ///< Given up after the time.
+        BadReply,   ///< A reply came and was not what the service's interface says.
+        Interrupted ///< CloudClient::interrupt() was called.
+    };
+
+    Kind kind = Done;
+    int result = 0;     ///< 0, 256 (found by the client), or the service's own code.
+    double seconds = 0; ///< How long the step took.
+    /// For the user, without secrets: the service's code, the network's words, or what was wrong
+    /// with the reply. Empty when all is well.
+    QString reason = QString();
+};
+
+/// \a outcome for the user. Does not know of times.
+/// \param type_name of the item that was read, if one was
+ClientOutcome clientOutcome(const ::service::Outcome& outcome,
+                            const QString& type_name = QString());
+
+/// \a text without user name and password of the address \a url, which Qt quotes in its messages.
+QString withoutUserInfo(const QString& text, const QString& url);
+
+using CatalogueProgress = Conversation::Progress;
+
+/// A conversation with the service: what the driver's client says and hears, in a thread of its own
+/// as in the driver, each step with a time limit.
 ///
 /// To be used from one thread with a QCoreApplication; a step runs that thread's event loop, so
 /// that signals are heard. A step that is given up leaves nothing running, and another one may
@@ -55,9 +84,11 @@ private:
     struct Step;
     using StepPtr = std::shared_ptr<Step>;
 
-    /// Runs \a work in the client's thread; it returns the client's result.
-    ClientOutcome run(const StepPtr& step, double timeout, const std::function<int()>& work);
-    void start(const StepPtr& step, const std::function<int()>& work);
+    using Work = std::function<::service::Outcome()>;
+
+    /// Runs \a work in the client's thread.
+    ClientOutcome run(const StepPtr& step, double timeout, const Work& work);
+    void start(const StepPtr& step, const Work& work);
     /// Until \a step has ended, has shown no sign of life for \a timeout, or is interrupted.
     void waitFor(const StepPtr& step, double timeout);
     ClientOutcome judge(const Step& step, double timeout) const;
@@ -65,8 +96,10 @@ private:
 
     ServiceConfig service_;
     PropertyTovikIot property_;
+    const Conversation conversation_;
     QThread thread_;
-    std::unique_ptr<TovikIot> client_;
+    QObject worker_; ///< In the thread.
+    QString token_;  ///< In the thread, too.
     QList<PropertyTovikIotGroup> groups_;
     bool interrupted_ = false;
 };

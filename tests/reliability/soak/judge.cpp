@@ -51,12 +51,13 @@ void judgeCount(const Rise& rise, double most, const char* what, const char* wha
     complainIf(rise.by() > 0, verdict, what_rose, rise.to, rise.from);
 }
 
-void judgeTimers(const Samples& samples, SoakVerdict* verdict)
+void judgeTimers(const Samples& samples, int kept, SoakVerdict* verdict)
 {
-    // The reconnect timer, and a monitor timer for each connection that was ever made.
+    // The reconnect timer, the monitor timer, and those of the connections before, as far as kept.
     for (const SoakSample& sample : samples) {
-        if (sample.timers > sample.reconnects + 2) {
-            complainIf(true, verdict, "timers of the client", sample.timers, sample.reconnects + 2);
+        const int most = std::min(sample.reconnects, kept) + 2;
+        if (sample.timers > most) {
+            complainIf(true, verdict, "timers of the client", sample.timers, most);
             return;
         }
     }
@@ -73,7 +74,7 @@ SoakVerdict judge(const Samples& all, const SoakCeilings& ceilings)
     std::copy_if(
         all.begin(), all.end(), std::back_inserter(samples),
         [&](const SoakSample& sample) { return sample.seconds >= verdict.warm_up_seconds; });
-    judgeTimers(samples, &verdict);
+    judgeTimers(samples, ceilings.kept_timers, &verdict);
     verdict.is_too_short = samples.size() < fewest_samples;
     if (verdict.is_too_short)
         return verdict;
@@ -87,7 +88,8 @@ SoakVerdict judge(const Samples& all, const SoakCeilings& ceilings)
     verdict.timers = riseOf(samples, [](const SoakSample& s) { return double(s.timers); });
     verdict.reconnects = samples.back().reconnects - samples.front().reconnects;
 
-    const double of_reconnects = verdict.reconnects * ceilings.kib_per_reconnect;
+    const double of_reconnects =
+        std::min(verdict.reconnects, ceilings.kept_timers) * ceilings.kib_per_reconnect;
     const double heap = of_reconnects + ceilings.heap_slack_kib;
     const double resident = of_reconnects + ceilings.resident_slack_kib;
     complainIf(verdict.heap_kib.by() > heap, &verdict, "rise of the heap in use, KiB",

@@ -22,8 +22,10 @@ struct SoakCeilings
     int threads = 24;
     /// Two for each request on its way, and those of the process itself.
     int descriptors = 64;
-    /// What stays of a reconnect by design is a QTimer with its two connections: 671 bytes.
+    /// What stays of a reconnect by design is a QTimer with its two connections, 671 bytes, of the
+    /// latest hundred reconnects.
     double kib_per_reconnect = 0.75;
+    int kept_timers = 100;
     /// Free blocks that lie between used ones come and go; a leak passes any constant in time.
     double heap_slack_kib = 256;
     double resident_slack_kib = 4096;

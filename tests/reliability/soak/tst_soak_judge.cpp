@@ -65,8 +65,8 @@ void TestSoakJudge::passes_data()
     });
     row("what a reconnect leaves by design", [](SoakSample* sample, int i) {
         sample->reconnects = i;
-        sample->timers = i + 2;
-        sample->facts.heap_kib += i / 2;
+        sample->timers = qMin(i, 100) + 2;
+        sample->facts.heap_kib += qMin(i, 300);
     });
 }
 
@@ -105,6 +105,14 @@ void TestSoakJudge::complains_data()
     });
     row("two timers for one reconnect", "timers of the client",
         [](SoakSample* sample, int) { sample->timers = 2 * sample->reconnects + 2; });
+    row("a timer of every reconnect", "timers of the client", [](SoakSample* sample, int i) {
+        sample->reconnects = i;
+        sample->timers = i + 2;
+    });
+    row("heap for every reconnect", "rise of the heap", [](SoakSample* sample, int i) {
+        sample->reconnects = 2 * i;
+        sample->facts.heap_kib += 3 * i / 2;
+    });
 }
 
 void TestSoakJudge::complains()

@@ -1,0 +1,58 @@
+#include "cloud/reconnect_timer.h"
+
+#include <QTimerEvent>
+
+ReconnectTimer::ReconnectTimer(QObject* parent) : QTimer(parent), due_(0), is_shooting_(false) {}
+
+int ReconnectTimer::remaining() const
+{
+    return int(qMax(qint64(0), due_ - since_start_.elapsed()));
+}
+
+void ReconnectTimer::bringForward(int milliseconds)
+{
+    if (!isActive() || milliseconds >= remaining())
+        return;
+    due_ = int(since_start_.elapsed()) + milliseconds;
+    early_.start(milliseconds, this);
+}
+
+void ReconnectTimer::start(int milliseconds)
+{
+    early_.stop();
+    due_ = milliseconds;
+    since_start_.start();
+    QTimer::start(milliseconds);
+}
+
+void ReconnectTimer::stop()
+{
+    early_.stop();
+    QTimer::stop();
+}
+
+void ReconnectTimer::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != early_.timerId()) {
+        shoot();
+        return;
+    }
+    early_.stop();
+    // Another object may have stopped it as the timer that it is for everybody else.
+    if (!isActive())
+        return;
+    start(interval());
+    shoot();
+}
+
+void ReconnectTimer::shoot()
+{
+    due_ = interval();
+    since_start_.start();
+    if (is_shooting_)
+        return;
+    is_shooting_ = true;
+    QTimerEvent shot(timerId());
+    QTimer::timerEvent(&shot);
+    is_shooting_ = false;
+}

@@ -1,0 +1,368 @@
+#include "cloud/driver_state.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+#include <QThread>
+
+#include <atomic>
+#include <limits>
+#include <memory>
+#include <thread>
+
+namespace {
+
+const int item_count = 20;
+
+/// A text of 40 equal characters: a torn copy shows as a mixture or as a freed text.
+QString text(int character)
+{
+    return QString(40, QChar('a' + character % 26));
+}
+
+bool isWhole(const QVariant& value)
+{
+    const QString read = value.toString();
+    return read == QString(read.size(), read.at(0)) && read.size() == 40;
+}
+
+QString id(int item)
+{
+    return QStringLiteral("id %1").arg(item);
+}
+
+MonitorDataItem entry(int item, const QVariant& value)
+{
+    return {id(item), value};
+}
+
+} // namespace
+
+/// What client and driver share: the served items, what is counted, and the ages of the values.
+class TestDriverState : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void copies();
+    void assigns();
+    void findsTheFirstOfAName();
+    void followsTheConfiguration();
+    void takesTheFirstEntryOfAnId();
+    void textsStayWholeWhileBothThreadsWork();
+
+    void startsWithNothing();
+    void keepsLatestAndLongestCycle_data();
+    void keepsLatestAndLongestCycle();
+    void countsReads();
+    void countsWrites();
+    void countsConnectionsAfterTheFirst();
+    void keepsTheLatestError();
+    void isReadWhileItIsCounted();
+
+    void agesOnlyWhatTheDriverHas();
+    void aValueThatWaitedIsAsOldAsItsRead();
+    void aReadOfTheNextCycleMakesNoValueYounger();
+    void aCycleThatWasNotSentLeavesNoTrace();
+    void valuesThatNobodyReadHaveNoAge();
+    void itemsWithoutAnEntryGrowOlder();
+
+private:
+    int age(int item) const { return state_->itemAges().at(item).toInt(); }
+    void read(std::initializer_list<bool> taken);
+
+    PropertyTovikIot property_;
+    std::unique_ptr<DriverState> state_;
+};
+
+void TestDriverState::init()
+{
+    property_ = PropertyTovikIot();
+    for (int i = 0; i < item_count; ++i) {
+        PropertyTovikIotDataItem item;
+        item.name = QString::number(i);
+        item.dataitem_id = id(i);
+        item.value = text(i);
+        property_.dataitems.append(item);
+    }
+    state_.reset(new DriverState(&property_));
+}
+
+void TestDriverState::copies()
+{
+    QCOMPARE(state_->size(), item_count);
+    for (int i = 0; i < item_count; ++i)
+        QVERIFY(state_->copy(i) == property_.dataitems.at(i));
+}
+
+void TestDriverState::assigns()
+{
+    state_->setValue(3, QVariant(5));
+    QCOMPARE(property_.dataitems.at(3).value, QVariant(5));
+    QCOMPARE(state_->value(3), QVariant(5));
+    QCOMPARE(state_->value(2), QVariant(text(2)));
+    state_->setValue(3, QVariant());
+    QVERIFY(!property_.dataitems.at(3).value.isValid());
+}
+
+void TestDriverState::findsTheFirstOfAName()
+{
+    property_.dataitems[7].name = QStringLiteral("3");
+    property_.dataitems[8].type = QStringLiteral("odd");
+    const DriverState state(&property_);
+    QCOMPARE(state.indexOf(QStringLiteral("3")), 3);
+    QCOMPARE(state.indexOf(QStringLiteral("7")), -1);
+    QVERIFY(state.typeOf(7));
+    QVERIFY(!state.typeOf(8));
+}
+
+void TestDriverState::followsTheConfiguration()
+{
+    property_.dataitems.removeLast();
+    QCOMPARE(state_->size(), item_count - 1);
+}
+
+void TestDriverState::takesTheFirstEntryOfAnId()
+{
+    property_.dataitems[5].dataitem_id = id(4);
+    state_->takeValues({entry(4, 1), entry(2, 2), entry(4, 3), entry(99, 4)});
+    QCOMPARE(state_->value(4), QVariant(1));
+    QCOMPARE(state_->value(5), QVariant(1));
+    QCOMPARE(state_->value(2), QVariant(2));
+    QCOMPARE(state_->value(3), QVariant(text(3)));
+}
+
+/// The overlap of the driver's assignments and the client's copies. Without the lock it corrupts
+/// the heap within a fraction of this time.
+void TestDriverState::textsStayWholeWhileBothThreadsWork()
+{
+    std::atomic<bool> done(false);
+    std::atomic<bool> torn(false);
+    std::atomic<int> copied(0);
+    std::thread client([&] {
+        while (!done) {
+            for (int i = 0; i < item_count; ++i) {
+                if (!isWhole(state_->copy(i).value))
+                    torn = true;
+            }
+            ++copied;
+        }
+    });
+    QElapsedTimer timer;
+    timer.start();
+    int assigned = 0;
+    while (timer.elapsed() < 3000 || copied < 1000) {
+        QList<MonitorDataItem> values;
+        for (int i = 0; i < item_count; ++i)
+            values.append(entry(i, text(i + assigned)));
+        for (int i = 0; i < item_count; ++i)
+            state_->setValue(i, text(i + assigned + 1));
+        state_->takeValues(values);
+        ++assigned;
+    }
+    done = true;
+    client.join();
+    QVERIFY(!torn);
+    QVERIFY(assigned > 0);
+}
+
+void TestDriverState::startsWithNothing()
+{
+    const DriverNumbers numbers = state_->numbers();
+    QVERIFY(!numbers.connected);
+    QCOMPARE(numbers.cycle_count, 0);
+    QCOMPARE(numbers.cycle_milliseconds, -1);
+    QCOMPARE(numbers.longest_cycle_milliseconds, -1);
+    QCOMPARE(numbers.read_count, 0u);
+    QCOMPARE(numbers.write_count, 0u);
+    QCOMPARE(numbers.failed_write_count, 0u);
+    QCOMPARE(numbers.reconnect_count, 0);
+    QCOMPARE(numbers.last_error, 0);
+    QCOMPARE(numbers.last_error_age, -1);
+    QCOMPARE(state_->itemAges().size(), item_count);
+    QCOMPARE(age(0), -1);
+    QCOMPARE(age(item_count - 1), -1);
+}
+
+void TestDriverState::keepsLatestAndLongestCycle_data()
+{
+    QTest::addColumn<QList<qint64>>("cycles");
+    QTest::addColumn<int>("latest");
+    QTest::addColumn<int>("longest");
+    const int greatest = std::numeric_limits<int>::max();
+    QTest::newRow("a cycle of no time is one") << QList<qint64>{0} << 0 << 0;
+    QTest::newRow("longest first") << QList<qint64>{90, 20} << 20 << 90;
+    QTest::newRow("longest last") << QList<qint64>{20, 90} << 90 << 90;
+    QTest::newRow("longer than an int holds")
+        << QList<qint64>{qint64(greatest) + 5} << greatest << greatest;
+}
+
+void TestDriverState::keepsLatestAndLongestCycle()
+{
+    QFETCH(QList<qint64>, cycles);
+    for (const qint64 cycle : cycles)
+        state_->cycleDone(cycle);
+    QCOMPARE(state_->numbers().cycle_count, cycles.size());
+    QTEST(state_->numbers().cycle_milliseconds, "latest");
+    QTEST(state_->numbers().longest_cycle_milliseconds, "longest");
+}
+
+void TestDriverState::countsReads()
+{
+    read({true, false, true});
+    QCOMPARE(state_->numbers().read_count, 3u);
+    QCOMPARE(state_->numbers().cycle_count, 0);
+}
+
+void TestDriverState::countsWrites()
+{
+    state_->writeDone(true);
+    state_->writeDone(false);
+    state_->writeDone(true);
+    QCOMPARE(state_->numbers().write_count, 2u);
+    QCOMPARE(state_->numbers().failed_write_count, 1u);
+}
+
+void TestDriverState::countsConnectionsAfterTheFirst()
+{
+    state_->connected();
+    QCOMPARE(state_->numbers().reconnect_count, 0);
+    QVERIFY(state_->isConnected());
+    state_->disconnected();
+    QVERIFY(!state_->numbers().connected);
+    state_->connected();
+    state_->connected();
+    QCOMPARE(state_->numbers().reconnect_count, 2);
+    QVERIFY(state_->numbers().connected);
+}
+
+void TestDriverState::keepsTheLatestError()
+{
+    state_->failed(7);
+    state_->failed(256);
+    state_->connected();
+    read({true});
+    QCOMPARE(state_->numbers().last_error, 256);
+    QVERIFY(state_->numbers().last_error_age >= 0);
+    QTRY_VERIFY(state_->numbers().last_error_age >= 100);
+}
+
+/// No age is ever below zero, and no count goes back.
+void TestDriverState::isReadWhileItIsCounted()
+{
+    const int rounds = 200000;
+    read({true});
+    state_->valuesSent();
+    state_->takeValues({entry(0, 1)});
+    std::atomic<bool> is_over(false);
+    std::thread client([this, &is_over] {
+        for (int i = 0; i < rounds; ++i) {
+            read({true});
+            state_->valuesSent();
+            state_->cycleDone(i);
+            state_->failed(1 + i % 9);
+            state_->takeValues({entry(0, i)});
+        }
+        is_over = true;
+    });
+    uint reads = 0;
+    bool is_sound = true;
+    while (!is_over) {
+        const DriverNumbers now = state_->numbers();
+        is_sound = is_sound && age(0) >= 0 && now.read_count >= reads && now.last_error_age >= -1 &&
+                   now.last_error < 10;
+        reads = now.read_count;
+    }
+    client.join();
+    QVERIFY(is_sound);
+    QCOMPARE(state_->numbers().read_count, uint(rounds) + 1);
+    QCOMPARE(state_->numbers().cycle_count, rounds);
+    QCOMPARE(state_->numbers().longest_cycle_milliseconds, rounds - 1);
+}
+
+/// A cycle that has read as many items.
+void TestDriverState::read(std::initializer_list<bool> taken)
+{
+    state_->cycleBegun();
+    for (const bool is_taken : taken)
+        state_->valueRead(is_taken);
+}
+
+void TestDriverState::agesOnlyWhatTheDriverHas()
+{
+    QElapsedTimer elapsed;
+    elapsed.start();
+    read({true, false});
+    state_->valuesSent();
+    QCOMPARE(age(0), -1);
+    state_->takeValues({entry(0, 1), entry(1, 1)});
+    QVERIFY(age(0) >= 0);
+    QVERIFY(age(0) <= elapsed.elapsed());
+    // Of another type than the item's.
+    QCOMPARE(age(1), -1);
+    QCOMPARE(age(2), -1);
+}
+
+/// A host whose thread is busy takes a value late: it is old then, and looks it.
+void TestDriverState::aValueThatWaitedIsAsOldAsItsRead()
+{
+    read({true});
+    state_->valuesSent();
+    QElapsedTimer waited;
+    waited.start();
+    QThread::msleep(50);
+    const qint64 before = waited.elapsed();
+    state_->takeValues({entry(0, 1)});
+    QVERIFY(age(0) >= before);
+}
+
+/// The client is in its next cycle while the values of the one before are still on their way.
+void TestDriverState::aReadOfTheNextCycleMakesNoValueYounger()
+{
+    read({true});
+    state_->valuesSent();
+    QElapsedTimer waited;
+    waited.start();
+    QThread::msleep(50);
+    const qint64 before = waited.elapsed();
+    read({true});
+    state_->valuesSent();
+    state_->takeValues({entry(0, 1)});
+    QVERIFY(age(0) >= before);
+    const int older = age(0);
+    state_->takeValues({entry(0, 2)});
+    QVERIFY(age(0) <= older);
+}
+
+void TestDriverState::aCycleThatWasNotSentLeavesNoTrace()
+{
+    read({false});
+    read({true});
+    state_->valuesSent();
+    state_->takeValues({entry(0, 1)});
+    QVERIFY(age(0) >= 0);
+}
+
+void TestDriverState::valuesThatNobodyReadHaveNoAge()
+{
+    state_->takeValues({entry(0, 1)});
+    QCOMPARE(state_->value(0), QVariant(1));
+    QCOMPARE(age(0), -1);
+}
+
+void TestDriverState::itemsWithoutAnEntryGrowOlder()
+{
+    read({true, true});
+    state_->valuesSent();
+    state_->takeValues({entry(0, 1), entry(1, 1)});
+    QTRY_VERIFY(age(0) >= 20);
+    const int older = age(0);
+    read({true});
+    state_->valuesSent();
+    state_->takeValues({entry(1, 2)});
+    QVERIFY(age(0) >= older);
+    QVERIFY(age(1) < age(0));
+}
+
+QTEST_GUILESS_MAIN(TestDriverState)
+#include "tst_driver_state.moc"

@@ -1,0 +1,168 @@
+#include "cloud/reconnect_timer.h"
+#include "tests/support/log_recorder.h"
+
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+#include <memory>
+
+namespace {
+
+const int endless = 3600 * 1000;
+
+} // namespace
+
+/// Starting anew without losing what has been waited.
+class TestReconnectTimer : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void repeats();
+    void aShotThatIsBroughtForwardComesEarly();
+    void theInterval_data();
+    void theInterval();
+    void aLaterMomentChangesNothing();
+    void stoppedItIsNotBroughtForward();
+    void stopped_data();
+    void stopped();
+    void noShotInsideAShot();
+    void stopsWithItsThread();
+};
+
+void TestReconnectTimer::repeats()
+{
+    ReconnectTimer timer(nullptr);
+    QSignalSpy shots(&timer, SIGNAL(timeout()));
+    timer.start(20);
+    QVERIFY(timer.remaining() <= 20);
+    QTRY_VERIFY(shots.size() >= 3);
+}
+
+void TestReconnectTimer::aShotThatIsBroughtForwardComesEarly()
+{
+    ReconnectTimer timer(nullptr);
+    QSignalSpy shots(&timer, SIGNAL(timeout()));
+    timer.start(endless);
+    QVERIFY(timer.remaining() > endless / 2);
+    timer.bringForward(20);
+    QVERIFY(timer.remaining() <= 20);
+    QTRY_COMPARE(shots.size(), 1);
+    // The next one comes after a whole interval again.
+    QVERIFY(timer.isActive());
+    QVERIFY(timer.remaining() > endless / 2);
+}
+
+void TestReconnectTimer::theInterval_data()
+{
+    QTest::addColumn<int>("interval");
+    QTest::newRow("of no time") << 0;
+    QTest::newRow("below zero, which never shoots") << -5000;
+}
+
+void TestReconnectTimer::theInterval()
+{
+    QFETCH(int, interval);
+    LogRecorder log; // Qt complains of an interval below zero
+    ReconnectTimer timer(nullptr);
+    QSignalSpy shots(&timer, SIGNAL(timeout()));
+    timer.start(interval);
+    QCOMPARE(timer.interval(), interval);
+    QCOMPARE(timer.remaining(), 0);
+    timer.bringForward(0);
+    QTest::qWait(20);
+    QCOMPARE(shots.isEmpty(), interval < 0);
+}
+
+void TestReconnectTimer::aLaterMomentChangesNothing()
+{
+    ReconnectTimer timer(nullptr);
+    QSignalSpy shots(&timer, SIGNAL(timeout()));
+    timer.start(20);
+    timer.bringForward(endless);
+    QVERIFY(timer.remaining() <= 20);
+    QTRY_VERIFY(!shots.isEmpty());
+}
+
+void TestReconnectTimer::stoppedItIsNotBroughtForward()
+{
+    ReconnectTimer timer(nullptr);
+    QSignalSpy shots(&timer, SIGNAL(timeout()));
+    timer.bringForward(0);
+    QTest::qWait(20);
+    QVERIFY(shots.isEmpty());
+}
+
+void TestReconnectTimer::stopped_data()
+{
+    QTest::addColumn<bool>("as_any_timer");
+    QTest::newRow("by its own slot") << false;
+    QTest::newRow("as the timer that it is for others") << true;
+}
+
+void TestReconnectTimer::stopped()
+{
+    QFETCH(bool, as_any_timer);
+    ReconnectTimer timer(nullptr);
+    QSignalSpy shots(&timer, SIGNAL(timeout()));
+    timer.start(endless);
+    timer.bringForward(1);
+    if (as_any_timer)
+        static_cast<QTimer&>(timer).stop();
+    else
+        QMetaObject::invokeMethod(&timer, "stop");
+    QVERIFY(!timer.isActive());
+    QTest::qWait(30);
+    QVERIFY(shots.isEmpty());
+    QVERIFY(!timer.isActive());
+}
+
+/// Started anew inside its slot, it would otherwise call that slot again inside itself.
+void TestReconnectTimer::noShotInsideAShot()
+{
+    ReconnectTimer timer(nullptr);
+    int inside = 0;
+    int deepest = 0;
+    int shots = 0;
+    connect(&timer, &QTimer::timeout, &timer, [&] {
+        ++shots;
+        deepest = qMax(deepest, ++inside);
+        timer.stop();
+        timer.start(10);
+        timer.bringForward(1);
+        QTest::qWait(40);
+        --inside;
+    });
+    timer.start(1);
+    QTRY_VERIFY(shots >= 2);
+    timer.stop();
+    QCOMPARE(deepest, 1);
+}
+
+/// A timer that runs still cannot be deleted from another thread without a complaint of Qt's.
+void TestReconnectTimer::stopsWithItsThread()
+{
+    LogRecorder log;
+    QThread thread;
+    std::unique_ptr<ReconnectTimer> timer(new ReconnectTimer(nullptr));
+    timer->moveToThread(&thread);
+    connect(&thread, SIGNAL(finished()), timer.get(), SLOT(stop()));
+    thread.start();
+    QMetaObject::invokeMethod(
+        timer.get(),
+        [&] {
+            timer->start(endless);
+            timer->bringForward(endless / 2);
+        },
+        Qt::BlockingQueuedConnection);
+    thread.quit();
+    QVERIFY(thread.wait(10000));
+    QVERIFY(!timer->isActive());
+    timer.reset();
+    QVERIFY(log.take().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestReconnectTimer)
+#include "tst_reconnect_timer.moc"

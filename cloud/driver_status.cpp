@@ -3,6 +3,7 @@
 #include <QByteArray>
 
 #include <algorithm>
+#include <iterator>
 
 namespace driver_status {
 

@@ -9,8 +9,10 @@
 /// The result codes of drivers on the framework, and words for them.
 ///
 /// A driver library may bring words for codes of its own: it defines drv_result_codes(), which a
-/// host finds by `dlsym` as it finds the entry points. \code const result_code::Words*
-/// drv_result_codes()
+/// host finds by `dlsym` as it finds the entry points.
+///
+/// \code
+/// const result_code::Words* drv_result_codes()
 /// {
 ///     static const result_code::Words words[] = {
 ///         {0x4F000001, 0x4F000001, "no such register"},

@@ -1,8 +1,7 @@
 #!/usr/bin/env python3
 """Draws the plots of docs/performance.md from the table that scripts/bench has written.
 
-Usage: plots.py RESULTS.json FOLDER. Writes SVG files without a date, so that the same results give
-the same files.
+Usage: plots.py RESULTS.json FOLDER. Writes PNG files; the same results give the same files.
 """
 import json
 import pathlib
@@ -11,9 +10,11 @@ import sys
 import matplotlib
 
 matplotlib.use("Agg")
-matplotlib.rcParams.update({"svg.hashsalt": "tovik", "font.size": 9, "axes.grid": True,
-                            "grid.alpha": 0.3, "axes.axisbelow": True})
+matplotlib.rcParams.update({"font.size": 9, "axes.grid": True, "grid.alpha": 0.3,
+                            "axes.axisbelow": True, "savefig.dpi": 110})
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "scripts"))
 from matplotlib import pyplot  # noqa: E402
+from small_png import shrink  # noqa: E402
 
 OURS = "#1f6f8b"
 PEER = "#c8873a"
@@ -22,9 +23,11 @@ WIDTH = 7.0
 
 def save(figure, folder, name):
     figure.tight_layout()
-    figure.savefig(folder / f"{name}.svg", metadata={"Date": None})
+    file = folder / f"{name}.png"
+    figure.savefig(file)
+    shrink(file)
     pyplot.close(figure)
-    print(f"  {folder / name}.svg")
+    print(f"  {file}")
 
 
 def select(rows, group, *parts):

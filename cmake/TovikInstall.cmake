@@ -82,6 +82,6 @@ endif()
 # The guides refer to each other and to their images by relative paths, and to README.md above them.
 install(DIRECTORY docs
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation FILES_MATCHING
-        PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN "doxygen" EXCLUDE)
+        PATTERN "*.md" PATTERN "*.png" PATTERN "doxygen" EXCLUDE)
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)

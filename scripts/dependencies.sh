@@ -32,7 +32,7 @@ coverage_packages=(gcovr)
 
 # To run the benchmarks and to draw their plots.
 bench_packages=(
-  binutils iproute2 libbenchmark-dev libcurl4-openssl-dev libmodbus-dev python3-matplotlib
+  binutils iproute2 libbenchmark-dev libcurl4-openssl-dev libmodbus-dev python3-matplotlib python3-pil
   util-linux)
 
 # To look for races: what tells the thread sanitizer of Qt's synchronisation reads Qt's own headers.

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Draws the plot of a soak from what the program wrote with --output.
 
-Usage: plot.py RUN.jsonl FILE.svg. Writes no date, so that the same run gives the same file.
+Usage: plot.py RUN.jsonl FILE.png. The same run gives the same file.
 """
 import json
 import pathlib
@@ -10,9 +10,11 @@ import sys
 import matplotlib
 
 matplotlib.use("Agg")
-matplotlib.rcParams.update({"svg.hashsalt": "tovik", "font.size": 9, "axes.grid": True,
-                            "grid.alpha": 0.3, "axes.axisbelow": True})
+matplotlib.rcParams.update({"font.size": 9, "axes.grid": True, "grid.alpha": 0.3,
+                            "axes.axisbelow": True, "savefig.dpi": 110})
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[3] / "scripts"))
 from matplotlib import pyplot  # noqa: E402
+from small_png import shrink  # noqa: E402
 
 OURS = "#1f6f8b"
 PEER = "#c8873a"
@@ -65,7 +67,8 @@ def main():
             axes.axvspan(begin, end, color=OUTAGE, alpha=0.15, linewidth=0)
         axes.legend(loc="upper left", ncol=2, fontsize=8)
     figure.tight_layout()
-    figure.savefig(sys.argv[2], metadata={"Date": None})
+    figure.savefig(sys.argv[2], format="png")
+    shrink(sys.argv[2])
     print(f"  {sys.argv[2]}")
     return 0
 

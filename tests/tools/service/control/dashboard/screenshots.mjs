@@ -1,5 +1,6 @@
 // Makes the pictures of the dashboard for the README, with two minutes of a plant at work:
 //   TOVIK_CLOUD=... TOVIK_PLANT=... TOVIK_CHROMIUM=... node screenshots.mjs FOLDER
+// Then scripts/small_png.py makes them as small as those that are there.
 import assert from 'node:assert/strict';
 import { join } from 'node:path';
 import { Browser, Cloud } from './support.mjs';

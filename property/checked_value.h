@@ -17,11 +17,11 @@ struct ExpressionAllowance
 };
 
 /// Reads what stands behind the type and the null flag of a bit array, a date-time, a URL or a
-/// `QRegExp`, as far as Qt's reader can be given it; the bytes are taken either way.
+/// `QRegExp`, as far as Qt's reader can be given it.
 ///
 /// Qt's reader makes room for whatever count of bits it reads; it opens the file of any time zone
-/// that it is told, and ends the process with zones and kinds of time that there are not; it takes
-/// minutes for the host of a long URL; expressions use up stack, memory and time.
+/// that it is told, and ends the process with zones and kinds of time that there are not; its time
+/// for a URL grows with the square of the host's length; expressions use up stack, memory and time.
 /// \param value is of the type, and empty
 /// \return false when \a value cannot be had from the bytes
 bool ReadChecked(QDataStream& stream, QVariant* value, ExpressionAllowance* expressions);

@@ -1,6 +1,6 @@
 # Run by tovik_embed_dashboard: writes the FILES as raw string literals into the C++ source OUTPUT.
 set(rows "")
-set(source "#include \"tools/service/control/dashboard_files.h\"\n\nnamespace tovik_service::control {\n\nnamespace {\n")
+set(source "#include \"tools/service/control/dashboard.h\"\n\nnamespace tovik_service::control {\n\nnamespace {\n")
 file(WRITE ${OUTPUT}.new "${source}")
 set(number 0)
 foreach(file IN LISTS FILES)

@@ -1,6 +1,5 @@
 #include "tools/service/options.h"
 
-#include "tools/service/control/control_api.h"
 #include "tools/service/control/control_guard.h"
 #include "tools/service/faults/fault.h"
 
@@ -35,78 +34,60 @@ CLI::Validator notEmpty()
 
 void addNetworkOptions(CLI::App& app, Options& options)
 {
-    const std::string group = "Network";
+    app.option_defaults()->group("Network");
     app.add_option("--host", options.host, "Address to serve on")
-        ->group(group)
         ->type_name("HOST")
         ->capture_default_str();
     app.add_option("--port", options.port, "Port of the service, 0 for a free one")
-        ->group(group)
         ->type_name("PORT")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
     app.add_option("--url-file", options.url_file, "Write the URL of the service to this file")
-        ->group(group)
         ->type_name("FILE")
         ->check(notEmpty());
 }
 
 void addControlOptions(CLI::App& app, Options& options)
 {
-    const std::string group = "Control API and dashboard";
+    app.option_defaults()->group("Control API and dashboard");
     app.add_option("--control-host", options.control_host,
                    "Address for control; beyond this computer every request needs a token")
-        ->group(group)
         ->type_name("HOST")
         ->capture_default_str();
     app.add_option("--control-port", options.control_port, "Port for control, 0 for a free one")
-        ->group(group)
         ->type_name("PORT")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
     app.add_option("--control-token-file", options.control_token_file,
                    "Every control request needs the token in this file (a new one, which is "
                    "printed, if the address is not of this computer alone)")
-        ->group(group)
         ->type_name("FILE")
         ->check(notEmpty());
     app.add_option("--control-file", options.control_file,
                    "Write the URL of the control API to this file")
-        ->group(group)
         ->type_name("FILE")
         ->check(notEmpty());
 }
 
 void addTlsOptions(CLI::App& app, Options& options)
 {
-    const std::string group = "TLS";
-    auto* http = app.add_flag("--http", options.plain_http, "Plain HTTP without TLS")->group(group);
+    app.option_defaults()->group("TLS");
+    auto* http = app.add_flag("--http", options.plain_http, "Plain HTTP without TLS");
     app.add_option("--tls", options.tls_version, "Only this TLS version: 1.2 or 1.3")
-        ->group(group)
         ->check(CLI::IsMember({"1.2", "1.3"}))
         ->excludes(http);
     app.add_option("--key-type", options.key_type, "Key of the self-made certificates: rsa or p256")
-        ->group(group)
         ->check(CLI::IsMember({"rsa", "p256"}))
         ->capture_default_str()
         ->excludes(http);
     auto* certificate = app.add_option("--cert", options.certificate_file,
                                        "Certificate chain to show instead, PEM; needs --key");
     auto* key = app.add_option("--key", options.key_file, "Key of that certificate, PEM");
-    certificate->group(group)
-        ->type_name("PEM")
-        ->check(CLI::ExistingFile)
-        ->excludes(http)
-        ->needs(key);
-    key->group(group)
-        ->type_name("PEM")
-        ->check(CLI::ExistingFile)
-        ->excludes(http)
-        ->needs(certificate);
+    certificate->type_name("PEM")->check(CLI::ExistingFile)->excludes(http)->needs(key);
+    key->type_name("PEM")->check(CLI::ExistingFile)->excludes(http)->needs(certificate);
     app.add_option("--save-cert", options.save_certificate_file,
                    "Write all certificates that can be shown to this PEM file, for clients that "
                    "shall trust them")
-        ->group(group)
         ->type_name("FILE")
         ->check(notEmpty())
         ->excludes(http);
@@ -114,19 +95,16 @@ void addTlsOptions(CLI::App& app, Options& options)
 
 void addBehaviourOptions(CLI::App& app, Options& options)
 {
-    const std::string group = "Behaviour";
+    app.option_defaults()->group("Behaviour");
     app.add_option("--token-lifetime", options.token_lifetime,
                    "Tokens expire after SECONDS (never)")
-        ->group(group)
         ->type_name("SECONDS")
         ->check(CLI::PositiveNumber);
     app.add_option("--write-hold", options.write_hold,
                    "Moving items go on SECONDS after a write (never)")
-        ->group(group)
         ->type_name("SECONDS")
         ->check(CLI::PositiveNumber);
     app.add_option("--fault", options.faults, "A fault from the start, see below; repeatable")
-        ->group(group)
         ->type_name("SPEC")
         ->allow_extra_args(false)
         ->check(CLI::Validator([](std::string& text) { return faultProblem(text); }, ""));
@@ -134,12 +112,11 @@ void addBehaviourOptions(CLI::App& app, Options& options)
 
 void addLogOptions(CLI::App& app, Options& options)
 {
-    const std::string group = "Log";
+    app.option_defaults()->group("Log");
     app.add_option("--log", options.log_file, "Log to this file instead of stderr")
-        ->group(group)
         ->type_name("FILE")
         ->check(notEmpty());
-    app.add_flag("--verbose", options.verbose, "Log every request")->group(group);
+    app.add_flag("--verbose", options.verbose, "Log every request");
 }
 
 /// Completes the options, or says why they cannot be used.
@@ -155,7 +132,7 @@ std::string findProblem(Options& options)
         }
     }
     for (const std::string& text : options.faults) {
-        std::string problem = control::tlsProblem(faults::parseFault(text), !options.plain_http);
+        std::string problem = faults::tlsProblem(faults::parseFault(text), !options.plain_http);
         if (!problem.empty())
             return problem;
     }

@@ -1,8 +1,7 @@
 #include "tools/service/control/control_api.h"
 
 #include "tools/service/control/control_views.h"
-#include "tools/service/control/dashboard_routes.h"
-#include "tools/service/control/fault_kinds.h"
+#include "tools/service/control/dashboard.h"
 #include "tools/service/plant/clock.h"
 
 #include <cstdlib>
@@ -58,14 +57,6 @@ plant::Json requestsJson(const http::RequestLog& requests, std::uint64_t number)
 }
 
 } // namespace
-
-std::string tlsProblem(const faults::FaultSpec& fault, bool has_tls)
-{
-    if (has_tls || fault.definition->stage != faults::FaultStage::Handshake)
-        return {};
-    return std::string("fault \"") + fault.definition->name +
-           "\" is about certificates, but the service runs without TLS (--http)";
-}
 
 ControlApi::ControlApi(ControlTargets targets)
     : targets_(std::move(targets)),
@@ -221,7 +212,7 @@ plant::Json ControlApi::addFault(const Request& request)
     if (!text.is_string())
         throw BadRequest("member \"fault\" needs a string such as \"delay:ms=500,count=3\"");
     const faults::FaultSpec spec = faults::parseFault(text.get<std::string>());
-    const std::string problem = tlsProblem(spec, targets_.has_tls);
+    const std::string problem = faults::tlsProblem(spec, targets_.has_tls);
     if (!problem.empty())
         throw BadRequest(problem);
     const int id = targets_.faults.add(spec);

@@ -60,9 +60,6 @@ private:
     http::HttpEngine engine_;
 };
 
-/// Why a fault cannot be used without TLS, or nothing.
-std::string tlsProblem(const faults::FaultSpec& fault, bool has_tls);
-
 } // namespace tovik_service::control
 
 #endif

@@ -20,6 +20,10 @@ plant::Json valuesJson(plant::Plant& plant);
 /// The faults, with how often each has struck.
 plant::Json faultsJson(const faults::FaultTable& faults);
 
+/// All kinds of faults with their keys and the keys' defaults, for a form to choose from. Those of
+/// the certificate are not usable without TLS.
+plant::Json faultKindsJson(bool has_tls);
+
 /// The clients that were heard of last, with the beginnings of their tokens.
 plant::Json clientsJson(plant::TokenStore& tokens);
 

@@ -1,8 +1,133 @@
 #include "tools/service/faults/fault.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <set>
 #include <sstream>
 
 namespace tovik_service::faults {
+
+namespace {
+
+constexpr int most_milliseconds = 3600000;
+constexpr int most_count = 1000000000;
+
+[[noreturn]] void fail(const std::string& text, const std::string& problem)
+{
+    throw FaultError("fault \"" + text + "\": " + problem);
+}
+
+const FaultDefinition& definitionOf(const std::string& text, const std::string& name)
+{
+    std::string known;
+    for (const FaultDefinition& definition : faultDefinitions()) {
+        if (name == definition.name)
+            return definition;
+        known += (known.empty() ? "" : ", ") + std::string(definition.name);
+    }
+    fail(text, "unknown name \"" + name + "\"; use one of " + known);
+}
+
+double number(const std::string& text, const std::string& key, const std::string& value)
+{
+    char* end = nullptr;
+    const double result = std::strtod(value.c_str(), &end);
+    if (value.empty() || *end != '\0' || !std::isfinite(result))
+        fail(text, key + "= needs a number, not \"" + value + "\"");
+    return result;
+}
+
+int integer(const std::string& text, const std::string& key, const std::string& value, int low,
+            int high)
+{
+    const double result = number(text, key, value);
+    if (std::floor(result) != result || result < low || result > high) {
+        fail(text, key + "= needs a whole number from " + std::to_string(low) + " to " +
+                       std::to_string(high) + ", not \"" + value + "\"");
+    }
+    return static_cast<int>(result);
+}
+
+bool takesKey(const FaultDefinition& definition, const std::string& key)
+{
+    if (key == definition.parameter || key == "seconds")
+        return true;
+    if (key == "count" || key == "after")
+        return definition.stage != FaultStage::Port;
+    return (key == "path" || key == "item" || key == "group") &&
+           definition.stage == FaultStage::Request;
+}
+
+void setPath(FaultSpec& spec, const std::string& value)
+{
+    spec.path = plant::apiPathFromName(value);
+    if (!spec.path && value != "all") {
+        fail(spec.text,
+             "path= needs login, groups, items, value, write or all, not \"" + value + "\"");
+    }
+}
+
+void setText(FaultSpec& spec, const std::string& key, const std::string& value)
+{
+    if (value.empty())
+        fail(spec.text, key + "= needs a value");
+    (key == "item" ? spec.item : key == "group" ? spec.group : spec.member) = value;
+}
+
+void setKey(FaultSpec& spec, const std::string& key, const std::string& value)
+{
+    static const std::set<std::string> text_keys{"item", "group", "member"};
+    if (text_keys.count(key) > 0) {
+        setText(spec, key, value);
+    } else if (key == "path") {
+        setPath(spec, value);
+    } else if (key == "count") {
+        spec.count = integer(spec.text, key, value, 1, most_count);
+    } else if (key == "after") {
+        spec.after = integer(spec.text, key, value, 0, most_count);
+    } else if (key == "ms") {
+        spec.ms = integer(spec.text, key, value, 0, most_milliseconds);
+    } else if (key == "code") {
+        spec.code = integer(spec.text, key, value, -most_count, most_count);
+    } else if (key == "status") {
+        spec.status = integer(spec.text, key, value, 400, 599);
+    } else {
+        spec.seconds = number(spec.text, key, value);
+        if (*spec.seconds <= 0)
+            fail(spec.text, "seconds= needs more than 0");
+    }
+}
+
+void setDefaults(FaultSpec& spec)
+{
+    spec.ms = spec.kind() == FaultKind::Drip ? 20 : 1000;
+    spec.code = 255;
+    spec.status = 500;
+    if (spec.kind() == FaultKind::TokenExpiry)
+        spec.count = 1;
+}
+
+void readKeys(FaultSpec& spec, const std::string& list)
+{
+    std::set<std::string> seen;
+    for (std::size_t from = 0; from <= list.size();) {
+        const std::size_t comma = std::min(list.find(',', from), list.size());
+        const std::string part = list.substr(from, comma - from);
+        const std::size_t equals = part.find('=');
+        if (equals == std::string::npos)
+            fail(spec.text, "\"" + part + "\" is not of the form key=value");
+        const std::string key = part.substr(0, equals);
+        if (!takesKey(*spec.definition, key))
+            fail(spec.text, std::string(spec.definition->name) + " takes no key \"" + key + "\"");
+        if (!seen.insert(key).second)
+            fail(spec.text, "key \"" + key + "\" comes twice");
+        setKey(spec, key, part.substr(equals + 1));
+        from = comma + 1;
+    }
+}
+
+} // namespace
 
 const std::vector<FaultDefinition>& faultDefinitions()
 {
@@ -53,6 +178,44 @@ std::string faultHelp()
             "refuse takes only seconds=; wrong-host and expired take only count=, seconds= and "
             "after=.\n";
     return text.str();
+}
+
+std::vector<std::string> faultKeys(const FaultDefinition& definition)
+{
+    std::vector<std::string> keys;
+    for (const char* key :
+         {definition.parameter, "path", "item", "group", "count", "seconds", "after"}) {
+        if (*key != '\0' && takesKey(definition, key))
+            keys.emplace_back(key);
+    }
+    return keys;
+}
+
+FaultSpec parseFault(const std::string& text)
+{
+    const std::size_t colon = text.find(':');
+    FaultSpec spec;
+    spec.text = text;
+    spec.definition = &definitionOf(text, text.substr(0, colon));
+    setDefaults(spec);
+    if (colon != std::string::npos)
+        readKeys(spec, text.substr(colon + 1));
+    const bool names_items =
+        !spec.path || spec.path == plant::ApiPath::Value || spec.path == plant::ApiPath::Write;
+    if (!spec.item.empty() && !names_items)
+        fail(text, "item= works with path=value, write or all only");
+    const bool names_groups = names_items || spec.path == plant::ApiPath::Items;
+    if (!spec.group.empty() && !names_groups)
+        fail(text, "group= works with path=items, value, write or all only");
+    return spec;
+}
+
+std::string tlsProblem(const FaultSpec& fault, bool has_tls)
+{
+    if (has_tls || fault.definition->stage != FaultStage::Handshake)
+        return {};
+    return std::string("fault \"") + fault.definition->name +
+           "\" is about certificates, but the service runs without TLS (--http)";
 }
 
 } // namespace tovik_service::faults

@@ -89,6 +89,9 @@ std::string faultHelp();
 /// Reads NAME[:key=value,...]; throws FaultError.
 FaultSpec parseFault(const std::string& text);
 
+/// Why a fault cannot be used without TLS, or nothing.
+std::string tlsProblem(const FaultSpec& fault, bool has_tls);
+
 } // namespace tovik_service::faults
 
 #endif

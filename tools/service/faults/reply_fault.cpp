@@ -34,19 +34,6 @@ plant::Json otherType(const plant::Json& value)
     return value.is_string() ? plant::Json::array({1}) : plant::Json("wrong");
 }
 
-std::string withoutMember(plant::Json json, const std::string& member)
-{
-    changeMember(json, member, [&member](plant::Json& object) { object.erase(member); });
-    return plant::toText(json);
-}
-
-std::string withMistypedMember(plant::Json json, const std::string& member)
-{
-    changeMember(json, member,
-                 [&member](plant::Json& object) { object[member] = otherType(object[member]); });
-    return plant::toText(json);
-}
-
 } // namespace
 
 bool replacesService(FaultKind kind)
@@ -63,31 +50,31 @@ HttpReply replacementReply(const FaultSpec& fault)
     return {fault.status, empty ? "" : "The service is out of order.\n", "text/plain"};
 }
 
-HttpReply spoiltReply(const FaultSpec& fault, const plant::Json& json)
+HttpReply spoiltReply(const FaultSpec& fault, plant::Json json)
 {
-    HttpReply reply;
-    reply.body = plant::toText(json);
+    const std::string& member = fault.member;
     switch (fault.kind()) {
-    case FaultKind::Empty:
-        reply.body.clear();
-        break;
-    case FaultKind::Truncated:
-        reply.body.resize(reply.body.size() / 2);
-        break;
     case FaultKind::NotJson:
         return {200, html_page, "text/html"};
     case FaultKind::NotObject:
-        reply.body = plant::toText(plant::Json::array({json}));
+        json = plant::Json::array({json});
         break;
     case FaultKind::Missing:
-        reply.body = withoutMember(json, fault.member);
+        changeMember(json, member, [&member](plant::Json& object) { object.erase(member); });
         break;
     case FaultKind::Mistyped:
-        reply.body = withMistypedMember(json, fault.member);
+        changeMember(json, member, [&member](plant::Json& object) {
+            object[member] = otherType(object[member]);
+        });
         break;
     default:
         break;
     }
+    HttpReply reply;
+    if (fault.kind() != FaultKind::Empty)
+        reply.body = plant::toText(json);
+    if (fault.kind() == FaultKind::Truncated)
+        reply.body.resize(reply.body.size() / 2);
     return reply;
 }
 

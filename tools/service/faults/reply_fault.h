@@ -2,7 +2,7 @@
 #define TOOLS_SERVICE_FAULTS_REPLY_FAULT_H
 
 #include "tools/service/faults/fault.h"
-#include "tools/service/plant/service.h"
+#include "tools/service/plant/json.h"
 
 #include <string>
 
@@ -23,7 +23,7 @@ bool replacesService(FaultKind kind);
 HttpReply replacementReply(const FaultSpec& fault);
 
 /// The service's reply with the fault worked into it; faults of the wire leave it alone.
-HttpReply spoiltReply(const FaultSpec& fault, const plant::Json& json);
+HttpReply spoiltReply(const FaultSpec& fault, plant::Json json);
 
 } // namespace tovik_service::faults
 

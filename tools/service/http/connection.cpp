@@ -35,12 +35,18 @@ void acknowledgeAtOnce(int descriptor)
     ::setsockopt(descriptor, IPPROTO_TCP, TCP_QUICKACK, &on, sizeof(on));
 }
 
-void readAddress(const sockaddr_storage& address, socklen_t size, std::string& ip, int& port)
+/// Asks ::getpeername or ::getsockname.
+template <typename Ask>
+void readAddress(Ask ask, int descriptor, std::string& ip, int& port)
 {
+    sockaddr_storage address{};
+    socklen_t size = sizeof(address);
     std::array<char, NI_MAXHOST> host{};
     std::array<char, NI_MAXSERV> service{};
-    if (::getnameinfo(reinterpret_cast<const sockaddr*>(&address), size, host.data(), host.size(),
-                      service.data(), service.size(), NI_NUMERICHOST | NI_NUMERICSERV) == 0) {
+    auto* bytes = reinterpret_cast<sockaddr*>(&address);
+    if (ask(descriptor, bytes, &size) == 0 &&
+        ::getnameinfo(bytes, size, host.data(), host.size(), service.data(), service.size(),
+                      NI_NUMERICHOST | NI_NUMERICSERV) == 0) {
         ip = host.data();
         port = std::stoi(service.data());
     }
@@ -154,18 +160,12 @@ std::string Connection::clientAddress() const
 
 void Connection::get_remote_ip_and_port(std::string& ip, int& port) const
 {
-    sockaddr_storage address{};
-    socklen_t size = sizeof(address);
-    if (::getpeername(socket_.get(), reinterpret_cast<sockaddr*>(&address), &size) == 0)
-        readAddress(address, size, ip, port);
+    readAddress(::getpeername, socket_.get(), ip, port);
 }
 
 void Connection::get_local_ip_and_port(std::string& ip, int& port) const
 {
-    sockaddr_storage address{};
-    socklen_t size = sizeof(address);
-    if (::getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&address), &size) == 0)
-        readAddress(address, size, ip, port);
+    readAddress(::getsockname, socket_.get(), ip, port);
 }
 
 ssize_t Connection::receive(char* data, std::size_t size)

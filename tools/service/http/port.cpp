@@ -42,16 +42,13 @@ AddressList resolve(const std::string& host, int port)
     return {list, &::freeaddrinfo};
 }
 
-int portOf(const sockaddr_storage& address)
+/// The address as one of its family, sockaddr_in or sockaddr_in6.
+template <typename Family>
+Family as(const sockaddr_storage& address)
 {
-    if (address.ss_family == AF_INET6) {
-        sockaddr_in6 full{};
-        std::memcpy(&full, &address, sizeof(full));
-        return ntohs(full.sin6_port);
-    }
-    sockaddr_in full{};
-    std::memcpy(&full, &address, sizeof(full));
-    return ntohs(full.sin_port);
+    Family family{};
+    std::memcpy(&family, &address, sizeof(family));
+    return family;
 }
 
 } // namespace
@@ -66,7 +63,8 @@ Port::Port(const std::string& host, int number) : host_(host), number_(number)
     reservation_ = boundSocket();
     socklen_t size = sizeof(address_);
     ::getsockname(reservation_.get(), reinterpret_cast<sockaddr*>(&address_), &size);
-    number_ = portOf(address_);
+    number_ = ntohs(address_.ss_family == AF_INET6 ? as<sockaddr_in6>(address_).sin6_port
+                                                   : as<sockaddr_in>(address_).sin_port);
 }
 
 void Port::open()
@@ -103,13 +101,10 @@ FileDescriptor Port::accept()
 bool Port::isLoopback() const
 {
     if (address_.ss_family == AF_INET6) {
-        sockaddr_in6 full{};
-        std::memcpy(&full, &address_, sizeof(full));
-        return IN6_IS_ADDR_LOOPBACK(&full.sin6_addr);
+        const auto address = as<sockaddr_in6>(address_);
+        return IN6_IS_ADDR_LOOPBACK(&address.sin6_addr);
     }
-    sockaddr_in full{};
-    std::memcpy(&full, &address_, sizeof(full));
-    return (ntohl(full.sin_addr.s_addr) >> 24U) == IN_LOOPBACKNET;
+    return (ntohl(as<sockaddr_in>(address_).sin_addr.s_addr) >> 24U) == IN_LOOPBACKNET;
 }
 
 std::string Port::address() const

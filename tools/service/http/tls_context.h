@@ -1,15 +1,34 @@
 #ifndef TOOLS_SERVICE_HTTP_TLS_CONTEXT_H
 #define TOOLS_SERVICE_HTTP_TLS_CONTEXT_H
 
-#include "tools/service/http/certificate.h"
-
+#include <openssl/evp.h>
 #include <openssl/ssl.h>
+#include <openssl/x509.h>
 
 #include <functional>
 #include <memory>
 #include <string>
 
 namespace tovik_service::http {
+
+/// Frees OpenSSL objects.
+struct OpensslDeleter
+{
+    void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
+    void operator()(X509* certificate) const { X509_free(certificate); }
+    void operator()(SSL* session) const { SSL_free(session); }
+    void operator()(SSL_CTX* context) const { SSL_CTX_free(context); }
+};
+
+using KeyPointer = std::unique_ptr<EVP_PKEY, OpensslDeleter>;
+using CertificatePointer = std::unique_ptr<X509, OpensslDeleter>;
+
+/// The kinds of keys that the service makes for itself.
+enum class KeyType
+{
+    Rsa2048,
+    P256
+};
 
 /// The certificates that a handshake can show.
 enum class CertificateChoice
@@ -34,11 +53,7 @@ struct TlsSettings
 class TlsContext
 {
 public:
-    struct SessionDeleter
-    {
-        void operator()(SSL* session) const { SSL_free(session); }
-    };
-    using SessionPointer = std::unique_ptr<SSL, SessionDeleter>;
+    using SessionPointer = std::unique_ptr<SSL, OpensslDeleter>;
 
     /// Throws std::runtime_error.
     explicit TlsContext(TlsSettings settings);
@@ -50,23 +65,21 @@ public:
     std::string certificatesPem() const;
 
 private:
-    struct ContextDeleter
-    {
-        void operator()(SSL_CTX* context) const { SSL_CTX_free(context); }
-    };
-
     static int chooseCertificate(SSL* session, void* self);
     void restrictVersions();
     void loadFiles();
     void makeOwn();
 
     TlsSettings settings_;
-    std::unique_ptr<SSL_CTX, ContextDeleter> context_;
+    std::unique_ptr<SSL_CTX, OpensslDeleter> context_;
     KeyPointer own_key_;
     CertificatePointer good_;
     CertificatePointer wrong_host_;
     CertificatePointer expired_;
 };
+
+/// The oldest waiting OpenSSL error in words.
+std::string opensslError();
 
 } // namespace tovik_service::http
 

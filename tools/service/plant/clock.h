@@ -1,6 +1,7 @@
 #ifndef TOOLS_SERVICE_PLANT_CLOCK_H
 #define TOOLS_SERVICE_PLANT_CLOCK_H
 
+#include <chrono>
 #include <functional>
 
 namespace tovik_service::plant {
@@ -9,10 +10,18 @@ namespace tovik_service::plant {
 using Clock = std::function<double()>;
 
 /// Seconds since 1970.
-double unixSeconds();
+inline double unixSeconds()
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(now).count();
+}
 
 /// Seconds since some fixed moment; never jumps.
-double steadySeconds();
+inline double steadySeconds()
+{
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(now).count();
+}
 
 } // namespace tovik_service::plant
 

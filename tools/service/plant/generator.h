@@ -1,7 +1,7 @@
 #ifndef TOOLS_SERVICE_PLANT_GENERATOR_H
 #define TOOLS_SERVICE_PLANT_GENERATOR_H
 
-#include "tools/service/plant/json.h"
+#include "tools/service/plant/json_reader.h"
 #include "tools/service/plant/value_type.h"
 
 #include <cstdint>
@@ -49,8 +49,9 @@ public:
 /// The kind with this name, such as "random-walk".
 std::optional<GeneratorKind> generatorKindFromName(const std::string& name);
 
-/// All names, separated by commas, for messages.
-std::string allGeneratorNames();
+/// Reads the member "value" of an item: a plain value, or an object with a generator.
+GeneratorSettings parseGenerator(const JsonReader& item, ValueType type, int length,
+                                 const std::string& item_id);
 
 /// Builds the generator for an item of this type.
 std::unique_ptr<Generator> makeGenerator(const GeneratorSettings& settings, ValueType type);

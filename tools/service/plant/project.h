@@ -58,10 +58,6 @@ Project parseProject(const std::string& text);
 /// Reads a project file; the text of the ProjectError begins with the file name.
 Project loadProject(const std::string& file);
 
-/// Reads the member "value" of an item: a plain value, or an object with a generator.
-GeneratorSettings parseGenerator(const JsonReader& item, ValueType type, int length,
-                                 const std::string& item_id);
-
 } // namespace tovik_service::plant
 
 #endif

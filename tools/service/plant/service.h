@@ -2,7 +2,6 @@
 #define TOOLS_SERVICE_PLANT_SERVICE_H
 
 #include "tools/service/plant/api_path.h"
-#include "tools/service/plant/error_code.h"
 #include "tools/service/plant/plant.h"
 #include "tools/service/plant/request_body.h"
 #include "tools/service/plant/token_store.h"
@@ -10,6 +9,20 @@
 #include <string>
 
 namespace tovik_service::plant {
+
+/// The meanings that this service gives to the error codes of its replies.
+enum ErrorCode : int
+{
+    codeSuccess = 0,
+    codeWrongAccount = 1,
+    codeUnknownProject = 3,
+    codeUnknownToken = 4,
+    codeUnknownId = 7,
+    codeReadOnly = 8,
+    codeBadValue = 9,
+    codeMalformed = 15,
+    codeInternal = 255
+};
 
 /// What the service answers, and for the log why it refused.
 struct Reply

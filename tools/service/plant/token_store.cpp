@@ -1,9 +1,11 @@
 #include "tools/service/plant/token_store.h"
 
-#include "tools/service/plant/random_token.h"
 #include "tools/service/plant/request_body.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <random>
 #include <utility>
 
 namespace tovik_service::plant {
@@ -14,6 +16,18 @@ namespace {
 constexpr std::size_t most_tokens = 10000;
 
 } // namespace
+
+std::string randomToken()
+{
+    std::random_device device;
+    std::string token;
+    for (int i = 0; i < 4; ++i) {
+        std::array<char, 9> part{};
+        std::snprintf(part.data(), part.size(), "%08x", static_cast<unsigned>(device()));
+        token += part.data();
+    }
+    return token;
+}
 
 TokenStore::TokenStore(std::optional<double> lifetime, Clock clock)
     : lifetime_(lifetime),

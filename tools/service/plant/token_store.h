@@ -14,6 +14,9 @@
 
 namespace tovik_service::plant {
 
+/// 128 random bits as 32 hexadecimal digits.
+std::string randomToken();
+
 /// Who logged in: what the log of the clients shows.
 struct TokenOwner
 {

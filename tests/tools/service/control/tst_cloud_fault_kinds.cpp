@@ -1,4 +1,4 @@
-#include "tools/service/control/fault_kinds.h"
+#include "tools/service/control/control_views.h"
 
 #include "tools/service/faults/fault.h"
 

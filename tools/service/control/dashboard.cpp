@@ -1,6 +1,6 @@
-#include "tools/service/control/dashboard_routes.h"
+#include "tools/service/control/dashboard.h"
 
-#include "tools/service/control/dashboard_files.h"
+#include "tools/service/http/http_engine.h"
 
 #include <array>
 #include <string>

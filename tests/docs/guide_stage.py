@@ -108,8 +108,10 @@ class Stage:
                 (self.folder / entry.name).symlink_to(entry)
 
     def place_programs(self):
-        """The programs of this build, where the documents have those of the release build."""
+        """The programs of this build, where the documents have those of the release build or the demo."""
         release = self.folder / "build/release"
+        release.mkdir(parents=True)
+        (self.folder / "build/demo").symlink_to("release")
         for name in ["tools/service/tovik-cloud", "libtovik_iot.so.1",
                      "examples/modbus/libmodbus_drv.so.1"]:
             (release / name).parent.mkdir(parents=True, exist_ok=True)

@@ -1,8 +1,8 @@
 #include "tools/host/catalogue_command.h"
 
-#include "tools/host/catalogue_file.h"
-#include "tools/host/catalogue_text.h"
-#include "tools/host/exit_code.h"
+#include "tools/host/service/catalogue_file.h"
+#include "tools/host/service/catalogue_text.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <unistd.h>
 

@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_CATALOGUE_COMMAND_H
 #define TOOLS_HOST_CATALOGUE_COMMAND_H
 
-#include "tools/host/service_place.h"
+#include "tools/host/service/service_place.h"
 
 namespace tovik_host {
 

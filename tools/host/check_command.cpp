@@ -1,6 +1,6 @@
 #include "tools/host/check_command.h"
 
-#include "tools/host/check.h"
+#include "tools/host/check/check.h"
 #include "tools/host/command_options.h"
 
 #include <memory>

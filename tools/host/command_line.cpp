@@ -2,14 +2,14 @@
 
 #include "tools/host/check_command.h"
 #include "tools/host/command_options.h"
+#include "tools/host/config/device_limits.h"
 #include "tools/host/device_commands.h"
-#include "tools/host/device_config.h"
-#include "tools/host/device_limits.h"
-#include "tools/host/exit_code.h"
+#include "tools/host/driver/device_config.h"
 #include "tools/host/read.h"
 #include "tools/host/service_commands.h"
 #include "tools/host/stored_commands.h"
-#include "tools/host/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/usage_error.h"
 #include "tools/host/watch.h"
 #include "tools/host/write.h"
 

@@ -1,6 +1,6 @@
 #include "tools/host/command_options.h"
 
-#include "tools/host/device_limits.h"
+#include "tools/host/config/device_limits.h"
 
 #include <cmath>
 

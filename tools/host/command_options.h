@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_COMMAND_OPTIONS_H
 #define TOOLS_HOST_COMMAND_OPTIONS_H
 
-#include "tools/host/options.h"
+#include "tools/host/config/options.h"
 
 #include <CLI/CLI.hpp>
 

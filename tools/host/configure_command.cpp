@@ -1,14 +1,14 @@
 #include "tools/host/configure_command.h"
 
-#include "tools/host/catalogue_file.h"
-#include "tools/host/configure_dialogue.h"
-#include "tools/host/configure_file.h"
-#include "tools/host/configure_names.h"
-#include "tools/host/exit_code.h"
-#include "tools/host/line_input.h"
-#include "tools/host/output.h"
-#include "tools/host/text_width.h"
-#include "tools/host/usage_error.h"
+#include "tools/host/config/configure_file.h"
+#include "tools/host/service/catalogue_file.h"
+#include "tools/host/service/configure_dialogue.h"
+#include "tools/host/service/configure_names.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/line_input.h"
+#include "tools/host/terminal/output.h"
+#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/usage_error.h"
 
 #include <QFileInfo>
 

@@ -1,8 +1,8 @@
 #ifndef TOOLS_HOST_CONFIGURE_COMMAND_H
 #define TOOLS_HOST_CONFIGURE_COMMAND_H
 
-#include "tools/host/configure_choice.h"
-#include "tools/host/service_place.h"
+#include "tools/host/service/configure_choice.h"
+#include "tools/host/service/service_place.h"
 
 #include <QString>
 

@@ -1,10 +1,10 @@
 #include "tools/host/device_commands.h"
 
-#include "tools/host/device_host.h"
-#include "tools/host/device_place.h"
-#include "tools/host/exit_code.h"
-#include "tools/host/json_text.h"
-#include "tools/host/usage_error.h"
+#include "tools/host/driver/answer_json.h"
+#include "tools/host/driver/device_host.h"
+#include "tools/host/driver/device_place.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/usage_error.h"
 
 namespace tovik_host {
 

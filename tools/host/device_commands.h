@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_DEVICE_COMMANDS_H
 #define TOOLS_HOST_DEVICE_COMMANDS_H
 
-#include "tools/host/options.h"
+#include "tools/host/config/options.h"
 
 namespace tovik_host {
 

@@ -1,11 +1,11 @@
 #include "tools/host/device_commands.h"
-#include "tools/host/device_host.h"
-#include "tools/host/device_place.h"
-#include "tools/host/exit_code.h"
-#include "tools/host/hex_bytes.h"
-#include "tools/host/json_text.h"
-#include "tools/host/status_text.h"
-#include "tools/host/usage_error.h"
+#include "tools/host/driver/device_host.h"
+#include "tools/host/driver/device_place.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/usage_error.h"
+#include "tools/host/value/hex_bytes.h"
+#include "tools/host/value/json_text.h"
+#include "tools/host/value/status_text.h"
 
 namespace tovik_host {
 

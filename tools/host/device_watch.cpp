@@ -1,11 +1,11 @@
 #include "tools/host/device_commands.h"
-#include "tools/host/device_host.h"
-#include "tools/host/device_place.h"
-#include "tools/host/exit_code.h"
-#include "tools/host/make_watch_view.h"
-#include "tools/host/status_text.h"
-#include "tools/host/usage_error.h"
-#include "tools/host/waiter.h"
+#include "tools/host/driver/device_host.h"
+#include "tools/host/driver/device_place.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/waiter.h"
+#include "tools/host/value/status_text.h"
+#include "tools/host/watch/make_watch_view.h"
 
 #include <QElapsedTimer>
 #include <QTimer>

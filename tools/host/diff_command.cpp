@@ -1,10 +1,10 @@
 #include "tools/host/diff_command.h"
 
-#include "tools/host/catalogue_file.h"
-#include "tools/host/config_file.h"
-#include "tools/host/diff_items.h"
-#include "tools/host/exit_code.h"
-#include "tools/host/json_text.h"
+#include "tools/host/config/config_file.h"
+#include "tools/host/service/catalogue_file.h"
+#include "tools/host/service/diff_items.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/value/json_text.h"
 
 #include <QUrl>
 

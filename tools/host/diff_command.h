@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_DIFF_COMMAND_H
 #define TOOLS_HOST_DIFF_COMMAND_H
 
-#include "tools/host/service_place.h"
+#include "tools/host/service/service_place.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,11 +1,11 @@
 #include "tools/host/read.h"
 
-#include "tools/host/exit_code.h"
-#include "tools/host/first_values.h"
-#include "tools/host/json_text.h"
-#include "tools/host/status_text.h"
-#include "tools/host/text_width.h"
-#include "tools/host/workplace.h"
+#include "tools/host/driver/answer_json.h"
+#include "tools/host/driver/first_values.h"
+#include "tools/host/driver/workplace.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/text_width.h"
+#include "tools/host/value/status_text.h"
 
 namespace tovik_host {
 

@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_READ_H
 #define TOOLS_HOST_READ_H
 
-#include "tools/host/options.h"
+#include "tools/host/config/options.h"
 
 namespace tovik_host {
 

@@ -1,8 +1,8 @@
 #include "tools/host/stored_config.h"
 
-#include "tools/host/config_file.h"
-#include "tools/host/member_reader.h"
-#include "tools/host/text_width.h"
+#include "tools/host/config/config_file.h"
+#include "tools/host/config/member_reader.h"
+#include "tools/host/terminal/text_width.h"
 
 namespace tovik_host {
 

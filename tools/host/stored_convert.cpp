@@ -1,14 +1,14 @@
 #include "tools/host/stored_convert.h"
 
-#include "tools/host/exit_code.h"
-#include "tools/host/output.h"
 #include "tools/host/stored_detection.h"
 #include "tools/host/stored_file.h"
 #include "tools/host/stored_json.h"
 #include "tools/host/stored_view.h"
 #include "tools/host/stored_writer.h"
-#include "tools/host/text_width.h"
-#include "tools/host/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/output.h"
+#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/usage_error.h"
 
 #include <cerrno>
 #include <unistd.h>

@@ -1,10 +1,10 @@
 #include "tools/host/stored_file.h"
 
-#include "tools/host/output.h"
 #include "tools/host/stored_config.h"
 #include "tools/host/stored_json.h"
-#include "tools/host/text_width.h"
-#include "tools/host/usage_error.h"
+#include "tools/host/terminal/output.h"
+#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/usage_error.h"
 
 #include <QFile>
 #include <QUrl>

@@ -1,10 +1,10 @@
 #ifndef TOOLS_HOST_STORED_JSON_H
 #define TOOLS_HOST_STORED_JSON_H
 
-#include "tools/host/json_text.h"
-#include "tools/host/member_reader.h"
+#include "tools/host/config/member_reader.h"
 #include "tools/host/stored_format.h"
 #include "tools/host/stored_record.h"
+#include "tools/host/value/json_text.h"
 
 /// \file
 /// The record as JSON that loses nothing: docs/configuration.md, "The record as JSON".

@@ -1,7 +1,7 @@
 #include "tools/host/stored_reader.h"
 
 #include "tools/host/stored_bytes.h"
-#include "tools/host/text_width.h"
+#include "tools/host/terminal/text_width.h"
 
 namespace tovik_host {
 

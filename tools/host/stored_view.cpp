@@ -1,7 +1,7 @@
 #include "tools/host/stored_view.h"
 
 #include "tools/host/stored_json.h"
-#include "tools/host/text_width.h"
+#include "tools/host/terminal/text_width.h"
 
 #include <QVector>
 

@@ -1,8 +1,8 @@
 #include "tools/host/watch.h"
 
-#include "tools/host/exit_code.h"
-#include "tools/host/make_watch_view.h"
-#include "tools/host/workplace.h"
+#include "tools/host/driver/workplace.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/watch/make_watch_view.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>

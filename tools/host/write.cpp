@@ -1,11 +1,11 @@
 #include "tools/host/write.h"
 
-#include "tools/host/confirm.h"
-#include "tools/host/exit_code.h"
-#include "tools/host/sending.h"
-#include "tools/host/text_width.h"
-#include "tools/host/usage_error.h"
-#include "tools/host/workplace.h"
+#include "tools/host/driver/confirm.h"
+#include "tools/host/driver/sending.h"
+#include "tools/host/driver/workplace.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/usage_error.h"
 
 namespace tovik_host {
 

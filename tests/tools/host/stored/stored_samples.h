@@ -1,0 +1,41 @@
+#ifndef TESTS_TOOLS_HOST_STORED_STORED_SAMPLES_H
+#define TESTS_TOOLS_HOST_STORED_STORED_SAMPLES_H
+
+#include "property/property_tovik_iot.h"
+#include "tools/host/stored_format.h"
+#include "tools/host/stored_json.h"
+#include "tools/host/stored_record.h"
+
+#include <QByteArray>
+#include <QVariant>
+
+/// The record as `QDataStream` and the library's operators write it.
+QByteArray writtenByQt(const PropertyTovikIot& record, const tovik_host::StoredFormat& format);
+/// The record as they read it; only for bytes that are good.
+PropertyTovikIot readByQt(const QByteArray& bytes, const tovik_host::StoredFormat& format);
+
+/// The library's record with the same members. Values must be of the types that the driver keeps.
+PropertyTovikIot propertyOf(const tovik_host::StoredRecord& record);
+
+/// A record with one served item of each value.
+PropertyTovikIot recordWith(const QList<QVariant>& values);
+/// A value of every type that can be read, null ones and extreme ones among them.
+QList<QVariant> allValues();
+/// Those of them that the driver keeps.
+QList<QVariant> driverValues();
+/// Texts that are hard to keep: null, empty, zeros, control characters, half a character.
+QStringList hardTexts();
+
+/// A column `format` with all versions, forms and orders, and both precisions where it matters.
+void addStoredFormatRows();
+/// The same for one version of each layout.
+void addStoredLayoutRows();
+
+/// The text as a file that is called "file".
+tovik_host::JsonFile jsonFile(const QByteArray& text);
+/// The record as convert writes it, without a format.
+QByteArray jsonTextOf(const tovik_host::StoredRecord& record);
+
+Q_DECLARE_METATYPE(tovik_host::StoredFormat)
+
+#endif

@@ -1,0 +1,211 @@
+#include "tests/property/records.h"
+#include "tests/tools/host/stored/stored_samples.h"
+#include "tools/host/stored_detection.h"
+#include "tools/host/stored_writer.h"
+
+#include <QtTest>
+
+Q_DECLARE_METATYPE(tovik_host::StoredForm)
+
+using namespace tovik_host;
+
+class TestHostStoredDetection : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findsTheFormat_data() { addStoredFormatRows(); }
+    void findsTheFormat();
+    void takesWhatDoesNotMatter_data();
+    void takesWhatDoesNotMatter();
+    void asksWhereResultsDiffer();
+    void listensToHints();
+    void tellsOtherVariants();
+    void tellsVariantsByTheirBeginning();
+    void readsNamesOfVersions_data();
+    void readsNamesOfVersions();
+    void saysVersionsInWords_data();
+    void saysVersionsInWords();
+};
+
+// A record that has a value of each kind can be told in every format.
+void TestHostStoredDetection::findsTheFormat()
+{
+    QFETCH(StoredFormat, format);
+    const PropertyTovikIot record = recordWith({QVariant(), QVariant::fromValue(0.5f), 0.25, true});
+    const QByteArray bytes = writtenByQt(record, format);
+    const DetectedStream detected = detectStored(bytes, FormatHints());
+    QCOMPARE(detected.ambiguity, QString());
+    QVERIFY(detected.reading.clean());
+    QCOMPARE(detected.format.form, format.form);
+    QCOMPARE(detected.format.big_endian, format.big_endian);
+    QVERIFY(detected.versions.contains(format.version));
+    QCOMPARE(detected.format.single_precision, format.single_precision);
+    for (int version = detected.versions.first; version <= detected.versions.last; ++version) {
+        StoredFormat other = detected.format;
+        other.version = version;
+        QCOMPARE(writtenByQt(record, other).toHex(), bytes.toHex());
+    }
+}
+
+void TestHostStoredDetection::takesWhatDoesNotMatter_data()
+{
+    QTest::addColumn<QList<QVariant>>("values");
+    QTest::addColumn<int>("version");
+    QTest::addColumn<StoredForm>("form");
+    QTest::addColumn<QString>("versions");
+    const QList<QVariant> plain = {true, 5, QStringLiteral("x")};
+    const QList<QVariant> none;
+    QTest::newRow("no items") << none << 12 << StoredForm::record << QStringLiteral("7-19");
+    QTest::newRow("no items, variant")
+        << none << 12 << StoredForm::variant << QStringLiteral("8-12");
+    QTest::newRow("no items, oldest variant")
+        << none << 7 << StoredForm::variant << QStringLiteral("7");
+    QTest::newRow("types that stayed")
+        << plain << 12 << StoredForm::record << QStringLiteral("8-19");
+    QTest::newRow("types that stayed, Qt 5")
+        << plain << 17 << StoredForm::variant << QStringLiteral("13-19");
+    QTest::newRow("no value") << QList<QVariant>{QVariant()} << 9 << StoredForm::record
+                              << QStringLiteral("8-12");
+    QTest::newRow("float, old") << QList<QVariant>{0.5f} << 9 << StoredForm::record
+                                << QStringLiteral("8-11");
+    QTest::newRow("float, Qt 4.8")
+        << QList<QVariant>{0.5f} << 12 << StoredForm::record << QStringLiteral("12");
+}
+
+void TestHostStoredDetection::takesWhatDoesNotMatter()
+{
+    QFETCH(QList<QVariant>, values);
+    QFETCH(int, version);
+    QFETCH(StoredForm, form);
+    QFETCH(QString, versions);
+    const QByteArray bytes = writtenByQt(recordWith(values), {form, version, true, false});
+    const DetectedStream detected = detectStored(bytes, FormatHints());
+    QVERIFY(detected.reading.clean());
+    QCOMPARE(rangeText(detected.versions), versions);
+    QVERIFY(!detected.format.single_precision);
+}
+
+void TestHostStoredDetection::asksWhereResultsDiffer()
+{
+    StoredRecord record;
+    record.host = QLatin1String("");
+    record.project = record.email = record.password = record.host;
+    const StoredFormat format = {StoredForm::record, 12, true, false};
+    // Nothing but zeros: both orders give the same.
+    DetectedStream detected = detectStored(writeStored(record, format).bytes, FormatHints());
+    QVERIFY(detected.ambiguity.isEmpty());
+    QVERIFY(detected.format.big_endian);
+    record.aux_value = 1;
+    const QByteArray bytes = writeStored(record, format).bytes;
+    detected = detectStored(bytes, FormatHints());
+    QVERIFY2(detected.ambiguity.contains(QLatin1String("--byte-order big")) &&
+                 detected.ambiguity.contains(QLatin1String("--byte-order little")),
+             qPrintable(detected.ambiguity));
+    FormatHints hints;
+    hints.big_endian = false;
+    detected = detectStored(bytes, hints);
+    QVERIFY(detected.ambiguity.isEmpty());
+    QCOMPARE(detected.reading.record.aux_value, 0x01000000);
+}
+
+void TestHostStoredDetection::listensToHints()
+{
+    const QByteArray bytes = writtenByQt(recordWith({QVariant::fromValue<short>(1)}),
+                                         {StoredForm::record, 12, true, false});
+    FormatHints hints;
+    hints.versions = VersionRange{19, 19};
+    const DetectedStream detected = detectStored(bytes, hints);
+    QVERIFY(!detected.reading.clean());
+    QCOMPARE(rangeText(detected.versions), QStringLiteral("19"));
+    QCOMPARE(detected.reading.problems.first().member, QStringLiteral("dataitems[0].value"));
+}
+
+void TestHostStoredDetection::tellsOtherVariants()
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setVersion(QDataStream::Qt_4_8);
+    stream << quint32(127) << qint8(0) << QByteArray("Other", 6) << quint32(0);
+    const DetectedStream detected = detectStored(bytes, FormatHints());
+    QCOMPARE(detected.reading.problems.size(), 1);
+    const StoredProblem problem = detected.reading.problems.first();
+    QCOMPARE(problem.offset, 5);
+    QVERIFY2(problem.text.startsWith(QLatin1String("a variant of the type \"Other")),
+             qPrintable(problem.text));
+}
+
+// The first bytes of this one are also the flag and the first text of a record.
+void TestHostStoredDetection::tellsVariantsByTheirBeginning()
+{
+    const QByteArray whole = writtenByQt(filledRoot(1, 1), {StoredForm::variant, 19, false, false});
+    for (int size = 4; size < 60; ++size) {
+        const DetectedStream detected = detectStored(whole.left(size), FormatHints());
+        QCOMPARE(detected.format.form, StoredForm::variant);
+        QVERIFY(!detected.format.big_endian);
+        QVERIFY(detected.versions.contains(19));
+    }
+    QByteArray other = whole;
+    other[9] = 'x'; // of the type's name
+    const DetectedStream detected = detectStored(other, FormatHints());
+    QCOMPARE(detected.format.form, StoredForm::variant);
+    QCOMPARE(detected.reading.problems.first().offset, 5);
+}
+
+void TestHostStoredDetection::readsNamesOfVersions_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("version");
+    const auto row = [](const char* text, int version) {
+        QTest::newRow(text) << QString::fromLatin1(text) << version;
+    };
+    row("7", 7);
+    row("12", 12);
+    row("19", newestVersion());
+    row("Qt_4_0", 7);
+    row("Qt_4_8", 12);
+    row("4.8", 12);
+    row("Qt 5.6", 17);
+    row("5.12", 18);
+    row("Qt_5_15", QDataStream::Qt_5_15);
+    row("6", 0);
+    row("20", 0);
+    row("-12", 0);
+    row("", 0);
+    row("Qt_4_10", 0);
+    row("Qt_6_0", 0);
+    row("Qt_4", 0);
+}
+
+void TestHostStoredDetection::readsNamesOfVersions()
+{
+    QFETCH(QString, text);
+    QFETCH(int, version);
+    QCOMPARE(versionOf(text).value_or(0), version);
+}
+
+void TestHostStoredDetection::saysVersionsInWords_data()
+{
+    QTest::addColumn<QString>("range");
+    QTest::addColumn<QString>("words");
+    const auto row = [](const char* range, const char* words) {
+        QTest::newRow(range) << QString::fromLatin1(range) << QString::fromLatin1(words);
+    };
+    row("12", "12 (Qt 4.6 to 4.8)");
+    row("13", "13 (Qt 5.0)");
+    row("8-11", "8 to 11 (Qt 4.2 to 4.5)");
+    row("7-19", "7 to 19 (Qt 4.0 to 5.15)");
+}
+
+void TestHostStoredDetection::saysVersionsInWords()
+{
+    QFETCH(QString, range);
+    QFETCH(QString, words);
+    const std::optional<VersionRange> versions = rangeOf(range);
+    QVERIFY(versions);
+    QCOMPARE(rangeInWords(*versions), words);
+    QCOMPARE(rangeText(*versions), range);
+}
+
+QTEST_GUILESS_MAIN(TestHostStoredDetection)
+#include "tst_host_stored_detection.moc"

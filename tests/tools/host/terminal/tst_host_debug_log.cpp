@@ -1,0 +1,91 @@
+#include "tools/host/terminal/debug_log.h"
+#include "tools/host/terminal/usage_error.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <thread>
+#include <vector>
+
+using namespace tovik_host;
+
+class TestHostDebugLog : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void catchesLinesOfAllThreads();
+    void countsRepeatedLines();
+    void keepsTheLatestLines();
+    void writesAFile();
+    void refusesAFileThatCannotBe();
+};
+
+void TestHostDebugLog::catchesLinesOfAllThreads()
+{
+    DebugLog log;
+    QStringList arrived;
+    connect(
+        &log, &DebugLog::lineArrived, this, [&arrived](const QString& line) { arrived << line; },
+        Qt::QueuedConnection);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([i] {
+            for (int j = 0; j < 20; ++j)
+                qDebug("line %d of thread %d", j, i);
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    QTRY_COMPARE(arrived.size(), 80);
+    QCOMPARE(log.lastLines(1000).size(), 80);
+    QVERIFY(arrived.contains(QStringLiteral("line 19 of thread 3")));
+}
+
+void TestHostDebugLog::countsRepeatedLines()
+{
+    DebugLog log;
+    for (const char* line : {"a", "a", "b", "a"})
+        qDebug("%s", line);
+    QCOMPARE(log.lastLines(5), QStringList({QStringLiteral("a  (2 times)"), QStringLiteral("b"),
+                                            QStringLiteral("a")}));
+}
+
+void TestHostDebugLog::keepsTheLatestLines()
+{
+    DebugLog log;
+    for (int i = 0; i < 500; ++i)
+        qDebug("%d", i);
+    QCOMPARE(log.lastLines(2), QStringList({QStringLiteral("498"), QStringLiteral("499")}));
+    QVERIFY(log.lastLines(1000).size() < 500);
+}
+
+void TestHostDebugLog::writesAFile()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("log"));
+    {
+        DebugLog log;
+        log.writeToFile(path);
+        qDebug("Gr\u00fc\u00dfe");
+    }
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString line = QString::fromUtf8(file.readAll());
+    QVERIFY2(
+        QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3} "
+                                          "Gr\u00fc\u00dfe\n$"))
+            .match(line)
+            .hasMatch(),
+        qPrintable(line));
+}
+
+void TestHostDebugLog::refusesAFileThatCannotBe()
+{
+    DebugLog log;
+    QVERIFY_EXCEPTION_THROWN(log.writeToFile(QStringLiteral("/no/such/folder/log")), UsageError);
+}
+
+QTEST_GUILESS_MAIN(TestHostDebugLog)
+#include "tst_host_debug_log.moc"

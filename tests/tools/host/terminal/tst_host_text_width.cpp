@@ -1,0 +1,55 @@
+#include "tools/host/terminal/text_width.h"
+
+#include <QtTest>
+
+using namespace tovik_host;
+
+class TestHostTextWidth : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fits_data();
+    void fits();
+    void hidesControlCharacters();
+};
+
+void TestHostTextWidth::fits_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("width");
+    QTest::addColumn<QString>("in_five");
+    const auto row = [](const char* name, const char* text, int width, const char* in_five) {
+        QTest::newRow(name) << QString::fromUtf8(text) << width << QString::fromUtf8(in_five);
+    };
+    row("empty", "", 0, "     ");
+    row("short", "ab", 2, "ab   ");
+    row("exact", "abcde", 5, "abcde");
+    row("long", "abcdef", 6, "abcd…");
+    row("umlauts", "äöüßé!", 6, "äöüß…");
+    row("combining mark", "e\u0301abcd", 5, "e\u0301abcd");
+    row("wide characters", "東京駅", 6, "東京…");
+    row("wide character on the edge", "a東京駅", 7, "a東… ");
+    row("beyond the first plane", "😀😀😀", 6, "😀😀…");
+}
+
+void TestHostTextWidth::fits()
+{
+    QFETCH(QString, text);
+    QFETCH(int, width);
+    QFETCH(QString, in_five);
+    QCOMPARE(displayWidth(text), width);
+    QCOMPARE(fitted(text, 5), in_five);
+    QCOMPARE(displayWidth(fitted(text, 5)), 5);
+    QCOMPARE(clipped(text, 0), QString());
+}
+
+void TestHostTextWidth::hidesControlCharacters()
+{
+    QCOMPARE(printable(QStringLiteral("a\033[2J\nb\u009bc")),
+             QStringLiteral("a\u00b7[2J\u00b7b\u00b7c"));
+    QCOMPARE(printable(QStringLiteral("Gr\u00fc\u00dfe")), QStringLiteral("Gr\u00fc\u00dfe"));
+}
+
+QTEST_APPLESS_MAIN(TestHostTextWidth)
+#include "tst_host_text_width.moc"

@@ -1,0 +1,162 @@
+#include "tests/tools/host/host_process.h"
+
+#include <QRegularExpression>
+#include <QtTest>
+
+#include <csignal>
+
+class TestHostProgramWatch : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void printsALineForEveryChange();
+    void printsJsonForEveryChange();
+    void keepsDebugLinesOffTheOutput();
+    void handsOverTheErrorHandling();
+    void endsOnSignal_data();
+    void endsOnSignal();
+    void endsWhenNobodyReads();
+    void saysThatTheDriverIsMute();
+};
+
+namespace {
+
+const QStringList watch = {QStringLiteral("watch"), QStringLiteral("--interval"),
+                           QStringLiteral("20")};
+
+/// The lines without their times, which are checked for their form.
+QStringList withoutTimes(const QStringList& lines)
+{
+    static const QRegularExpression time(
+        QStringLiteral("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}  "));
+    QStringList rest;
+    for (const QString& line : lines)
+        rest << (time.match(line).hasMatch() ? line.mid(25) : QStringLiteral("no time: ") + line);
+    return rest;
+}
+
+} // namespace
+
+void TestHostProgramWatch::printsALineForEveryChange()
+{
+    HostProcess host;
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500/0500/0600"),
+                 QStringLiteral("16Bit-INT"));
+    host.addItem(QStringLiteral("T\u00fcr"), QStringLiteral("hex:1b5bfc"),
+                 QStringLiteral("String"));
+    host.addItem(QStringLiteral("Z"), QStringLiteral("bad"), QStringLiteral("Bit"));
+    host.start(watch);
+    QVERIFY(host.waitForOutput(QStringLiteral("A = 6")));
+    host.sendSignal(SIGINT);
+    QCOMPARE(host.wait(), 0);
+    const QStringList lines = withoutTimes(host.outputLines());
+    QCOMPARE(lines.first(),
+             QStringLiteral("driver 7.8.9 watches project plant at https://127.0.0.1:1"));
+    QCOMPARE(lines.at(1), QStringLiteral("A = 0  [00 00]  ok"));
+    QVERIFY(lines.contains(QStringLiteral("A = 5  [05 00]  0x400F0007")));
+    QVERIFY(lines.contains(QStringLiteral("T\u00fcr = \u00b7[\u00fc  [1b 5b fc]  0x400F0007")));
+    QVERIFY(lines.contains(QStringLiteral("status: service error 7 (0x400F0007)")));
+    QCOMPARE(lines.last(), QStringLiteral("end"));
+}
+
+void TestHostProgramWatch::printsJsonForEveryChange()
+{
+    HostProcess host;
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    host.addItem(QStringLiteral("T"), QStringLiteral("hex:fc"), QStringLiteral("String"));
+    host.addItem(QStringLiteral("Z"), QStringLiteral("bad"), QStringLiteral("Bit"));
+    host.start(watch + QStringList{QStringLiteral("--json")});
+    QVERIFY(host.waitForOutput(QStringLiteral("0x400F0007\",\"status_text\":\"service error 7\"}\n"
+                                              "{\"event\":\"status\"")));
+    host.sendSignal(SIGTERM);
+    QCOMPARE(host.wait(), 0);
+    const QVector<nlohmann::json> lines = host.outputJson();
+    QCOMPARE(lines.size(), 8);
+    QCOMPARE(lines.at(0).at("event").get<std::string>(), std::string("start"));
+    QCOMPARE(lines.at(0).at("driver_version").get<std::string>(), std::string("7.8.9"));
+    QCOMPARE(lines.at(1).at("value").get<int>(), 0);
+    QCOMPARE(lines.at(4).at("event").get<std::string>(), std::string("value"));
+    QCOMPARE(lines.at(4).at("value").get<int>(), 5);
+    QCOMPARE(lines.at(5).at("value").get<std::string>(), std::string("\u00fc"));
+    QCOMPARE(lines.at(6).at("event").get<std::string>(), std::string("status"));
+    QCOMPARE(lines.at(6).at("status").get<std::string>(), std::string("0x400F0007"));
+    QCOMPARE(lines.at(7).at("event").get<std::string>(), std::string("end"));
+    for (const nlohmann::json& line : lines)
+        QCOMPARE(line.at("time").get<std::string>().size(), std::size_t(24));
+}
+
+void TestHostProgramWatch::keepsDebugLinesOffTheOutput()
+{
+    HostProcess host;
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    const auto runUntilValue = [&host](const QStringList& options) {
+        host.start(watch + options);
+        const bool came = host.waitForOutput(QStringLiteral("A = 5"));
+        host.sendSignal(SIGTERM);
+        return came && host.wait() == 0;
+    };
+    QVERIFY(runUntilValue({}));
+    QVERIFY(!host.output().contains(QLatin1String("[TOVIK IoT]")));
+    QCOMPARE(host.errors(), QString());
+    QVERIFY(runUntilValue({QStringLiteral("--verbose")}));
+    QVERIFY(!host.output().contains(QLatin1String("[TOVIK IoT]")));
+    QVERIFY(host.errors().contains(QLatin1String("[TOVIK IoT] Connected to Cloud Success!\n")));
+    QVERIFY(runUntilValue({QStringLiteral("--log"), host.logFile()}));
+    QCOMPARE(host.errors(), QString());
+    QVERIFY(host.log().contains(QLatin1String(" [TOVIK IoT] Connected to Cloud Success!\n")));
+    QVERIFY(host.log().contains(QLatin1String("[Fake] deleted after release\n")));
+}
+
+void TestHostProgramWatch::handsOverTheErrorHandling()
+{
+    HostProcess host;
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    host.run(watch + QStringList{QStringLiteral("--seconds"), QStringLiteral("0.1"),
+                                 QStringLiteral("--log"), host.logFile()});
+    QVERIFY(host.log().contains(QLatin1String("error handling 6 settings, type 0")));
+}
+
+void TestHostProgramWatch::endsOnSignal_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("interrupt") << SIGINT;
+    QTest::newRow("termination") << SIGTERM;
+    QTest::newRow("hang-up") << SIGHUP;
+}
+
+void TestHostProgramWatch::endsOnSignal()
+{
+    QFETCH(int, number);
+    HostProcess host;
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    host.start(watch + QStringList{QStringLiteral("--log"), host.logFile()});
+    QVERIFY(host.waitForOutput(QStringLiteral("A = 5")));
+    host.sendSignal(number);
+    QCOMPARE(host.wait(), 0);
+    QVERIFY(host.log().contains(QLatin1String("[Fake] deleted after release")));
+}
+
+void TestHostProgramWatch::endsWhenNobodyReads()
+{
+    HostProcess host;
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500/0600"), QStringLiteral("16Bit-INT"));
+    host.startInShell(QStringLiteral("(\"$@\"; echo code $? >&2) | head -n 3"),
+                      watch + QStringList{QStringLiteral("--log"), host.logFile()});
+    QCOMPARE(host.wait(), 0);
+    QCOMPARE(host.outputLines().size(), 3);
+    QCOMPARE(host.errors(), QStringLiteral("code 0\n"));
+    QVERIFY(host.log().contains(QLatin1String("[Fake] deleted after release")));
+}
+
+void TestHostProgramWatch::saysThatTheDriverIsMute()
+{
+    HostProcess host(QStringLiteral("mute"));
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    QCOMPARE(host.run(watch + QStringList{QStringLiteral("--seconds"), QStringLiteral("0.2")}), 0);
+    QCOMPARE(withoutTimes(host.outputLines()).mid(1),
+             QStringList({QStringLiteral("A: the driver does not answer"), QStringLiteral("end")}));
+}
+
+QTEST_GUILESS_MAIN(TestHostProgramWatch)
+#include "tst_host_program_watch.moc"

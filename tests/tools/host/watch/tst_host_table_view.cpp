@@ -1,0 +1,179 @@
+#include "tools/host/terminal/text_width.h"
+#include "tools/host/watch/table_view.h"
+
+#include <QtTest>
+
+using namespace tovik_host;
+
+class TestHostTableView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void drawsAllThatFits();
+    void marksTrouble();
+    void namesTheLinkOfADevice();
+    void neverExceedsItsSize_data();
+    void neverExceedsItsSize();
+    void dropsColumnsThatSayLeast();
+    void saysHowManyItemsAreCut();
+    void givesTheLogWhatIsLeft();
+    void writesAges_data();
+    void writesAges();
+};
+
+namespace {
+
+const QDateTime start(QDate(2024, 5, 1), QTime(12, 0));
+const WatchSubject subject = {QStringLiteral("lib.so"), QStringLiteral("1.2.3"),
+                              QStringLiteral("https://cloud.example"), QStringLiteral("plant")};
+
+ItemConfig item(const char* name, const char* type)
+{
+    return {QString::fromUtf8(name), QStringLiteral("id"), findItemType(QLatin1String(type)), 0};
+}
+
+/// Three items with answers of three kinds.
+WatchModel sample()
+{
+    WatchModel model(
+        {item("Pump.Speed", "16Bit-BCD"), item("Außen", "String"), item("Bad", "16Bit-INT")},
+        start);
+    model.take(0, {true, QByteArray::fromHex("3412"), 0}, start.addSecs(55));
+    model.take(1, {true, QByteArray("Gr\xfc\xdf\x1b[2J"), 0}, start);
+    model.take(2, {true, QByteArray(1, '\0'), 0x400F0003}, start);
+    model.endRound(start.addSecs(30));
+    return model;
+}
+
+QStringList texts(const QVector<ScreenLine>& screen)
+{
+    QStringList lines;
+    for (const ScreenLine& line : screen)
+        lines << line.text;
+    return lines;
+}
+
+QVector<ScreenLine> draw(int columns, int rows, const QStringList& log = {})
+{
+    return drawTable(subject, sample(), log, start.addSecs(60), {columns, rows});
+}
+
+} // namespace
+
+void TestHostTableView::drawsAllThatFits()
+{
+    const QStringList expected = {
+        QStringLiteral("Service  https://cloud.example   project plant"),
+        QStringLiteral("Driver   1.2.3"),
+        QStringLiteral("Status   service error 3 (0x400F0003), since 12:00:30 (30 s)"),
+        QString(),
+        QStringLiteral(
+            "ITEM        TYPE       VALUE     BYTES                    STATUS      CHANGED"),
+        QStringLiteral("Pump.Speed  16Bit-BCD  1234      34 12                    ok          5 s"),
+        QStringLiteral(
+            "Au\u00dfen       String     Gr\u00fc\u00df\u00b7[2J  47 72 fc df 1b 5b 32 4a  "
+            "ok          1 min"),
+        QStringLiteral("Bad         16Bit-INT  \u2014         00                       0x400F0003  "
+                       "1 min"),
+        QString(),
+        QStringLiteral("LOG OF THE DRIVER"),
+        QStringLiteral("one"),
+        QStringLiteral("two"),
+    };
+    QCOMPARE(texts(draw(100, 30, {QStringLiteral("one"), QStringLiteral("two")})), expected);
+}
+
+void TestHostTableView::marksTrouble()
+{
+    const QVector<ScreenLine> screen = draw(100, 30);
+    QCOMPARE(screen.at(2).style, LineStyle::trouble);
+    QCOMPARE(screen.at(4).style, LineStyle::heading);
+    QCOMPARE(screen.at(5).style, LineStyle::plain);
+    QCOMPARE(screen.at(7).style, LineStyle::trouble);
+}
+
+void TestHostTableView::namesTheLinkOfADevice()
+{
+    const WatchSubject device = {QStringLiteral("lib.so"), QStringLiteral("1.2.3"), QString(),
+                                 QString(), QStringLiteral("tcp:[::1]:502")};
+    WatchModel model({item("4x1", "16Bit-INT")}, start);
+    model.take(0, {true, QByteArray(), 0x400CFFFF, false, StatusOf::device}, start);
+    model.endRound(start);
+    const QStringList lines = texts(drawTable(device, model, {}, start, {100, 30}));
+    QCOMPARE(lines.at(0), QStringLiteral("Device   tcp:[::1]:502"));
+    QVERIFY2(lines.at(2).startsWith(QLatin1String("Status   offline: no link to the device, or not "
+                                                  "supported (0x400CFFFF), since 12:00:00")),
+             qPrintable(lines.at(2)));
+    QCOMPARE(lines.at(5), QStringLiteral("4x1   16Bit-INT  \u2014             0x400CFFFF  0 s"));
+}
+
+void TestHostTableView::neverExceedsItsSize_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<int>("rows");
+    for (const int columns : {1, 5, 10, 20, 33, 40, 60, 80, 200}) {
+        for (const int rows : {6, 7, 8, 9, 12, 50})
+            QTest::addRow("%d columns, %d rows", columns, rows) << columns << rows;
+    }
+}
+
+void TestHostTableView::neverExceedsItsSize()
+{
+    QFETCH(int, columns);
+    QFETCH(int, rows);
+    const QVector<ScreenLine> screen =
+        draw(columns, rows, {QStringLiteral("a line of the log"), QStringLiteral("b")});
+    QVERIFY(screen.size() <= rows);
+    for (const ScreenLine& line : screen)
+        QVERIFY2(displayWidth(line.text) <= columns, qPrintable(line.text));
+}
+
+void TestHostTableView::dropsColumnsThatSayLeast()
+{
+    QCOMPARE(draw(65, 30).at(4).text,
+             QStringLiteral("ITEM        TYPE       VALUE     BYTES        STATUS      CHANGED"));
+    QCOMPARE(draw(64, 30).at(4).text,
+             QStringLiteral("ITEM        TYPE       VALUE     STATUS      CHANGED"));
+    QCOMPARE(draw(45, 30).at(4).text, QStringLiteral("ITEM        VALUE     STATUS      CHANGED"));
+    QCOMPARE(draw(34, 30).at(4).text, QStringLiteral("ITEM        VALUE     STATUS"));
+    QCOMPARE(draw(24, 30).at(5).text, QStringLiteral("Pump.\u2026  1234     ok"));
+}
+
+void TestHostTableView::saysHowManyItemsAreCut()
+{
+    const QStringList lines = texts(draw(80, 7));
+    QCOMPARE(lines.size(), 7);
+    QVERIFY(lines.at(5).startsWith(QLatin1String("Pump.Speed")));
+    QCOMPARE(lines.at(6), QStringLiteral("\u2026 2 more items"));
+}
+
+void TestHostTableView::givesTheLogWhatIsLeft()
+{
+    const QStringList log = {QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")};
+    QCOMPARE(texts(draw(80, 12, log)).mid(9),
+             QStringList({QStringLiteral("LOG OF THE DRIVER"), QStringLiteral("two"),
+                          QStringLiteral("three")}));
+    QCOMPARE(draw(80, 10, log).size(), 8);
+}
+
+void TestHostTableView::writesAges_data()
+{
+    QTest::addColumn<qint64>("seconds");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("clock set back") << qint64(-5) << QStringLiteral("0 s");
+    QTest::newRow("seconds") << qint64(59) << QStringLiteral("59 s");
+    QTest::newRow("minutes") << qint64(119) << QStringLiteral("1 min");
+    QTest::newRow("hours") << qint64(7200) << QStringLiteral("2 h");
+    QTest::newRow("days") << qint64(200000) << QStringLiteral("2 d");
+}
+
+void TestHostTableView::writesAges()
+{
+    QFETCH(qint64, seconds);
+    QFETCH(QString, text);
+    QCOMPARE(ageText(seconds), text);
+}
+
+QTEST_APPLESS_MAIN(TestHostTableView)
+#include "tst_host_table_view.moc"

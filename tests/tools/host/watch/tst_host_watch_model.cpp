@@ -1,0 +1,100 @@
+#include "tools/host/watch/watch_model.h"
+
+#include <QtTest>
+
+using namespace tovik_host;
+
+class TestHostWatchModel : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void firstAnswerIsAChange();
+    void sameBytesAreNoChange();
+    void missingAnswerIsAChange();
+    void failureIsAChange();
+    void statusIsFirstErrorOfRound();
+};
+
+namespace {
+
+const QDateTime start(QDate(2024, 5, 1), QTime(12, 0));
+
+ItemConfig item(const char* name)
+{
+    return {QLatin1String(name), QStringLiteral("id"), findItemType(QStringLiteral("16Bit-INT")),
+            0};
+}
+
+Answer answer(const char* hex, int status = 0)
+{
+    return {true, QByteArray::fromHex(hex), status};
+}
+
+} // namespace
+
+void TestHostWatchModel::firstAnswerIsAChange()
+{
+    WatchModel model({item("a")}, start);
+    QVERIFY(model.take(0, answer("0500"), start.addSecs(1)));
+    QCOMPARE(model.items().at(0).value, std::optional<QString>(QStringLiteral("5")));
+    QCOMPARE(model.items().at(0).changed_at, start.addSecs(1));
+}
+
+void TestHostWatchModel::sameBytesAreNoChange()
+{
+    WatchModel model({item("a")}, start);
+    model.take(0, answer("0500"), start.addSecs(1));
+    QVERIFY(!model.take(0, answer("0500", 0x400F0007), start.addSecs(2)));
+    QCOMPARE(model.items().at(0).answer.status, 0x400F0007);
+    QCOMPARE(model.items().at(0).changed_at, start.addSecs(1));
+    QVERIFY(model.take(0, answer("0600"), start.addSecs(3)));
+    QCOMPARE(model.items().at(0).changed_at, start.addSecs(3));
+}
+
+void TestHostWatchModel::missingAnswerIsAChange()
+{
+    WatchModel model({item("a")}, start);
+    QVERIFY(model.take(0, Answer(), start));
+    QVERIFY(!model.items().at(0).value);
+    QVERIFY(!model.take(0, Answer(), start));
+    QVERIFY(model.take(0, answer("0500"), start));
+    QVERIFY(model.take(0, Answer(), start));
+    QVERIFY(!model.items().at(0).value);
+}
+
+void TestHostWatchModel::failureIsAChange()
+{
+    ItemConfig text = item("a");
+    text.type = findItemType(QStringLiteral("String"));
+    WatchModel model({text}, start);
+    const Answer failed = {true, QByteArray(), 0x400A0000, false, StatusOf::device};
+    QVERIFY(model.take(0, answer(""), start));
+    QVERIFY(model.items().at(0).value);
+    QVERIFY(model.take(0, failed, start));
+    QVERIFY(!model.items().at(0).value);
+    QVERIFY(!model.take(0, failed, start));
+    QCOMPARE(model.statusOf(), StatusOf::device);
+}
+
+void TestHostWatchModel::statusIsFirstErrorOfRound()
+{
+    WatchModel model({item("a"), item("b"), item("c")}, start);
+    const auto round = [&model](int a, int b, int c) {
+        model.take(0, answer("0000", a), start);
+        model.take(1, answer("0000", b), start);
+        model.take(2, answer("0000", c), start);
+        return model.endRound(start.addSecs(a + b + c));
+    };
+    QVERIFY(!round(0, 0, 0));
+    QVERIFY(round(0, 7, 9));
+    QCOMPARE(model.status(), 7);
+    QCOMPARE(model.statusSince(), start.addSecs(16));
+    QVERIFY(!round(7, 0, 7));
+    QCOMPARE(model.statusSince(), start.addSecs(16));
+    QVERIFY(round(0, 0, 0));
+    QCOMPARE(model.status(), 0);
+}
+
+QTEST_APPLESS_MAIN(TestHostWatchModel)
+#include "tst_host_watch_model.moc"

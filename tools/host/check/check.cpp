@@ -1,0 +1,217 @@
+#include "tools/host/check/check.h"
+
+#include "tools/host/check/check_items.h"
+#include "tools/host/check/check_verdict.h"
+#include "tools/host/check/check_way.h"
+#include "tools/host/check/probe.h"
+#include "tools/host/driver/workplace.h"
+#include "tools/host/service/cloud_client.h"
+#include "tools/host/terminal/debug_log.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/usage_error.h"
+
+#include <memory>
+
+#include <fnmatch.h>
+#include <unistd.h>
+
+namespace tovik_host {
+
+namespace {
+
+/// Time-outs in a row after which the other items are left alone.
+const int most_timeouts = 3;
+
+/// The items whose names match one of \a patterns, in their order. Throws UsageError when a pattern
+/// matches none.
+QVector<ItemConfig> matchingItems(const QVector<ItemConfig>& items, const QStringList& patterns)
+{
+    QVector<bool> is_wanted(items.size(), patterns.isEmpty());
+    for (const QString& pattern : patterns) {
+        bool is_met = false;
+        for (int i = 0; i < items.size(); ++i) {
+            const bool matches = ::fnmatch(pattern.toUtf8().constData(),
+                                           items.at(i).name.toUtf8().constData(), 0) == 0;
+            is_wanted[i] = is_wanted.at(i) || matches;
+            is_met = is_met || matches;
+        }
+        if (!is_met)
+            throw UsageError(QStringLiteral("--items: no item matches \"%1\"").arg(pattern));
+    }
+    QVector<ItemConfig> wanted;
+    for (int i = 0; i < items.size(); ++i) {
+        if (is_wanted.at(i))
+            wanted << items.at(i);
+    }
+    return wanted;
+}
+
+/// One run: takes the steps one after the other and shows each as it comes.
+class Walk
+{
+public:
+    Walk(const CommonOptions& common, const CheckOptions& options)
+        : config_(hostConfig(common)),
+          url_(config_.service.url),
+          items_(matchingItems(config_.items, options.items)),
+          out_(STDOUT_FILENO),
+          timeout_(options.timeout),
+          as_json_(common.json)
+    {
+        if (!common.log.isEmpty())
+            log_.writeToFile(common.log);
+        if (common.verbose)
+            log_.echo();
+    }
+
+    int run()
+    {
+        show(judgeErrorHandling(config_.error_handling));
+        if (reachService() && converse())
+            readItems();
+        showNotTried();
+        const bool is_interrupted = unix_signals_.endRequested();
+        const Verdict verdict = judgeAll(steps_, is_interrupted);
+        for (const QString& line : verdictLines(verdict, as_json_))
+            out_.line(line);
+        return verdict.is_well ? exitDone : exitRefused;
+    }
+
+private:
+    /// Shows \a step and keeps it. False: it is one that nothing comes behind.
+    bool show(const CheckStep& step)
+    {
+        steps_ << step;
+        out_.line(stepLine(step, as_json_));
+        return step.judgement != Judgement::failure && !unix_signals_.endRequested();
+    }
+
+    bool isEncrypted() const { return url_.scheme() == QLatin1String("https"); }
+
+    bool reachService();
+    bool greet(const QString& address, const QNetworkProxy& proxy);
+    bool converse();
+    void readItems();
+    void readItem(ItemFinding* finding);
+    void showNotTried();
+
+    DebugLog log_;
+    UnixSignals unix_signals_;
+    HostConfig config_;
+    QUrl url_;
+    QVector<ItemConfig> items_;
+    Output out_;
+    double timeout_;
+    bool as_json_;
+    CheckSteps steps_;
+    std::unique_ptr<CloudClient> client_;
+};
+
+/// The way up to the first words with the service, or with the proxy before it.
+bool Walk::reachService()
+{
+    if (isEncrypted() && !show(judgeSslLibrary(probeSslLibrary())))
+        return false;
+    const QNetworkProxy proxy = proxyFor(url_);
+    const ProxyFacts via = proxyFacts(proxy);
+    if (via.isInForce())
+        show(judgeProxy(via));
+    const Probe probe(unix_signals_, timeout_);
+    const NameFacts name = probe.lookUp(via.isInForce() ? via.host : url_.host());
+    if (!show(judgeName(name, timeout_)))
+        return false;
+    QVector<ConnectFacts> connections;
+    QString address;
+    for (const QString& one : name.addresses) {
+        connections << probe.connect(one, via.isInForce() ? via.port : portOf(url_));
+        if (address.isEmpty() && connections.last().end == ProbeEnd::done)
+            address = one;
+    }
+    for (const CheckStep& step : judgeConnections(connections, timeout_))
+        show(step);
+    if (address.isEmpty() || unix_signals_.endRequested())
+        return false;
+    return greet(via.isInForce() ? url_.host() : address, proxy);
+}
+
+/// The first words with the service at \a address.
+bool Walk::greet(const QString& address, const QNetworkProxy& proxy)
+{
+    const Probe probe(unix_signals_, timeout_);
+    if (isEncrypted()) {
+        const TlsFacts facts = probe.shakeHands(url_, address, proxy);
+        if (!show(judgeHandshake(facts, timeout_)))
+            return false;
+        if (facts.has_certificate)
+            show(judgeCertificate(facts.certificate, QDateTime::currentDateTime()));
+        return true;
+    }
+    // Behind a proxy it is the proxy that would answer.
+    return proxy.type() != QNetworkProxy::NoProxy ||
+           show(judgePlainHttp(probe.speakHttp(url_, address), timeout_));
+}
+
+bool Walk::converse()
+{
+    client_ = std::make_unique<CloudClient>(config_.service);
+    QObject::connect(&unix_signals_, &UnixSignals::endAsked, client_.get(),
+                     &CloudClient::interrupt);
+    if (!show(judgeConversation("login", client_->login(timeout_))))
+        return false;
+    const ClientOutcome outcome = client_->loadCatalogue(timeout_);
+    return show(judgeCatalogue(outcome, client_->groups()));
+}
+
+void Walk::readItems()
+{
+    const CatalogueItems catalogue = itemsOf(client_->groups());
+    QVector<ItemFinding> findings;
+    int timeouts = 0;
+    bool is_complete = items_.size() == config_.items.size();
+    for (const ItemConfig& item : items_) {
+        ItemFinding finding = lookUpItem(item, catalogue);
+        if (timeouts < most_timeouts && !unix_signals_.endRequested())
+            readItem(&finding);
+        timeouts = finding.outcome.kind == ClientOutcome::TimedOut ? timeouts + 1 : 0;
+        is_complete = is_complete && finding.is_read;
+        findings << finding;
+        show(judgeItem(finding));
+    }
+    if (!findings.isEmpty() && !unix_signals_.endRequested())
+        show(judgeCycle(findings, is_complete));
+}
+
+void Walk::readItem(ItemFinding* finding)
+{
+    finding->is_read = true;
+    finding->outcome = client_->readValue(
+        finding->item.id, QString::fromLatin1(finding->item.type->name), timeout_, &finding->value);
+}
+
+/// What the way would have had behind its last step.
+void Walk::showNotTried()
+{
+    QStringList names = {QStringLiteral("name"), QStringLiteral("connect"),
+                         isEncrypted() ? QStringLiteral("tls") : QStringLiteral("http"),
+                         QStringLiteral("login"), QStringLiteral("catalogue")};
+    for (const CheckStep& step : steps_)
+        names.removeAll(step.name);
+    if (names.isEmpty())
+        return;
+    for (const QString& name : names)
+        show(makeStep(name.toLatin1().constData(), Judgement::not_tried, QString()));
+    for (const ItemConfig& item : items_) {
+        ItemFinding finding;
+        finding.item = item;
+        show(judgeItem(finding));
+    }
+}
+
+} // namespace
+
+int runCheck(const CommonOptions& common, const CheckOptions& options)
+{
+    return Walk(common, options).run();
+}
+
+} // namespace tovik_host

@@ -1,0 +1,215 @@
+#include "tools/host/check/check_items.h"
+
+#include "tools/host/terminal/near_name.h"
+#include "tools/host/value/status_text.h"
+
+#include "cloud/driver_status.h"
+#include "property/property_tovik_iot_group.h"
+
+namespace tovik_host {
+
+namespace {
+
+QString quoted(const QString& text)
+{
+    return QStringLiteral("\"%1\"").arg(text);
+}
+
+/// A single has no more digits than these.
+QString valueText(const QVariant& value)
+{
+    const bool is_single = value.userType() == QMetaType::Float;
+    return is_single ? QString::number(value.toDouble(), 'g', 7) : value.toString();
+}
+
+/// Codes of the simulated service; a real one may mean other things by them.
+QString simulatedMeaning(int code)
+{
+    switch (code) {
+    case 1:
+        return QStringLiteral("no account has this e-mail address and password");
+    case 3:
+        return QStringLiteral("the account does not have this project");
+    case 4:
+        return QStringLiteral("the token is unknown or has expired");
+    case 7:
+        return QStringLiteral("there is no such group or data item");
+    case 15:
+        return QStringLiteral("the request is malformed");
+    default:
+        return QString();
+    }
+}
+
+QString refusalText(int code)
+{
+    QString text = QStringLiteral("service error %1").arg(code);
+    const QString meaning = simulatedMeaning(code);
+    if (!meaning.isEmpty())
+        text += QStringLiteral(" (by it tovik-cloud means: %1)").arg(meaning);
+    return text + QStringLiteral("; %1").arg(hostStatusText(code));
+}
+
+QString failureText(const ClientOutcome& outcome)
+{
+    const bool is_refusal = outcome.kind == ClientOutcome::Failed && outcome.result != 256;
+    return is_refusal ? refusalText(outcome.result) : outcome.reason;
+}
+
+QString failureAdvice(const ClientOutcome& outcome)
+{
+    switch (outcome.kind) {
+    case ClientOutcome::TimedOut:
+        return QStringLiteral("look at the service; the driver waits without a time-out");
+    case ClientOutcome::BadReply:
+        return QStringLiteral("see whether the address is that of the service's API, and not of a "
+                              "web page or a proxy");
+    case ClientOutcome::Failed:
+        return outcome.result == 256
+                   ? QStringLiteral("look at the service and the way to it")
+                   : QStringLiteral("ask the service what its code %1 means").arg(outcome.result);
+    default:
+        return QString();
+    }
+}
+
+/// Reads of items, where the service's answers are about the item.
+QString itemAdvice(const ItemFinding& finding)
+{
+    if (finding.is_known || finding.outcome.kind != ClientOutcome::Failed)
+        return failureAdvice(finding.outcome);
+    return finding.suggestion.isEmpty()
+               ? QStringLiteral("correct the id, or remove the item")
+               : QStringLiteral("correct the id: %1").arg(finding.suggestion);
+}
+
+void judgeReadValue(const ItemFinding& finding, CheckStep* step)
+{
+    const QString type = QString::fromLatin1(finding.item.type->name);
+    const bool is_other_type = finding.is_known && finding.catalogue_type != type;
+    if (!finding.outcome.reason.isEmpty()) {
+        step->judgement = Judgement::failure;
+        step->text = finding.outcome.reason +
+                     QStringLiteral("; the host keeps the item's first value, with status 0");
+        step->advice = is_other_type
+                           ? QStringLiteral("set the item's type to %1").arg(finding.catalogue_type)
+                           : QStringLiteral("compare the item's type with what the service sends");
+        return;
+    }
+    step->text = valueText(finding.value);
+    if (is_other_type) {
+        step->judgement = Judgement::warning;
+        step->text += QStringLiteral("; of type %1 in the catalogue and %2 here")
+                          .arg(finding.catalogue_type, type);
+        step->advice =
+            QStringLiteral("set the item's type to %1, unless the host wants other bytes")
+                .arg(finding.catalogue_type);
+    } else if (!finding.is_known) {
+        step->judgement = Judgement::warning;
+        step->text += QStringLiteral("; the service has it, and not in its catalogue");
+        step->advice = QStringLiteral("ask the service why");
+    }
+}
+
+} // namespace
+
+QString hostStatusText(int result)
+{
+    const int status = driver_status::fromResult(result);
+    if (status == 0) {
+        return QStringLiteral(
+            "the driver has no status for it: the host sees 0, as if all were well");
+    }
+    return QStringLiteral("the host gets status %1").arg(statusCode(status));
+}
+
+CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups)
+{
+    CatalogueItems items;
+    for (const PropertyTovikIotGroup& group : groups) {
+        for (const PropertyTovikIotDataItem& item : group.dataitems)
+            items.insert(item.dataitem_id, {item.dataitem_id, item.name, item.type, group.name});
+    }
+    return items;
+}
+
+ItemFinding lookUpItem(const ItemConfig& item, const CatalogueItems& catalogue)
+{
+    ItemFinding finding;
+    finding.item = item;
+    const auto found = catalogue.constFind(item.id);
+    finding.is_known = found != catalogue.constEnd();
+    if (finding.is_known) {
+        finding.catalogue_type = found->type;
+        return finding;
+    }
+    int best = -1;
+    for (const CatalogueEntry& other : catalogue) {
+        // Somebody may have written the name where the id belongs.
+        const bool is_name = other.name == item.id;
+        if (!is_name && !isNear(item.id, other.id))
+            continue;
+        const int distance = is_name ? 0 : editDistance(item.id, other.id);
+        if (best >= 0 && (distance > best || (distance == best && !is_name)))
+            continue;
+        best = distance;
+        finding.suggestion = QStringLiteral("the catalogue has %1 (%2, %3)")
+                                 .arg(quoted(other.id), other.name, other.type);
+    }
+    return finding;
+}
+
+CheckStep judgeConversation(const char* name, const ClientOutcome& outcome)
+{
+    CheckStep step = makeStep(name, Judgement::ok, QStringLiteral("accepted"));
+    step.seconds = outcome.seconds;
+    if (outcome.kind != ClientOutcome::Done) {
+        step.judgement = Judgement::failure;
+        step.text = failureText(outcome);
+        step.advice = failureAdvice(outcome);
+        step.facts["result"] = outcome.result;
+    }
+    return step;
+}
+
+CheckStep judgeCatalogue(const ClientOutcome& outcome, const QList<PropertyTovikIotGroup>& groups)
+{
+    CheckStep step = judgeConversation("catalogue", outcome);
+    int items = 0;
+    for (const PropertyTovikIotGroup& group : groups)
+        items += group.dataitems.size();
+    if (step.judgement == Judgement::ok)
+        step.text = QStringLiteral("%1 groups, %2 items").arg(groups.size()).arg(items);
+    step.facts["groups"] = groups.size();
+    step.facts["items"] = items;
+    return step;
+}
+
+CheckStep judgeItem(const ItemFinding& finding)
+{
+    CheckStep step = makeStep("item", Judgement::ok, QString());
+    step.subject = finding.item.name;
+    step.facts["id"] = finding.item.id.toStdString();
+    step.facts["type"] = finding.item.type->name;
+    if (!finding.is_read) {
+        step.judgement = Judgement::not_tried;
+        return step;
+    }
+    step.facts["in_catalogue"] = finding.is_known;
+    if (finding.is_known)
+        step.facts["catalogue_type"] = finding.catalogue_type.toStdString();
+    step.seconds = finding.outcome.seconds;
+    if (finding.outcome.kind == ClientOutcome::Done) {
+        judgeReadValue(finding, &step);
+        return step;
+    }
+    step.judgement = Judgement::failure;
+    step.text = failureText(finding.outcome);
+    if (!finding.is_known)
+        step.text += QStringLiteral("; the catalogue has no item %1").arg(quoted(finding.item.id));
+    step.advice = itemAdvice(finding);
+    step.facts["result"] = finding.outcome.result;
+    return step;
+}
+
+} // namespace tovik_host

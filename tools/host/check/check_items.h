@@ -1,0 +1,63 @@
+#ifndef TOOLS_HOST_CHECK_CHECK_ITEMS_H
+#define TOOLS_HOST_CHECK_CHECK_ITEMS_H
+
+#include "tools/host/check/check_step.h"
+#include "tools/host/config/config.h"
+#include "tools/host/service/cloud_client.h"
+
+#include <QHash>
+#include <QList>
+#include <QVariant>
+#include <QVector>
+
+class PropertyTovikIotGroup;
+
+/// \file
+/// What the service's answers mean for the values of a host. Facts in, judged steps out.
+namespace tovik_host {
+
+/// What the check needs to know of an item of the service's catalogue.
+struct CatalogueEntry
+{
+    QString id;
+    QString name;
+    QString type; ///< The driver's name for it.
+    QString group;
+};
+
+/// All items of a catalogue, by their ids.
+using CatalogueItems = QHash<QString, CatalogueEntry>;
+CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups);
+
+/// What was found out about one served item.
+struct ItemFinding
+{
+    ItemConfig item;
+    bool is_read = false;   ///< Whether it was asked for at all.
+    ClientOutcome outcome;  ///< Of the read; Done with a reason: of another JSON type.
+    QVariant value;         ///< Invalid: none, or none of the item's type.
+    bool is_known = false;  ///< The catalogue has the item.
+    QString catalogue_type; ///< Its type there.
+    QString suggestion;     ///< In words, what else may be meant by an id that is not known.
+};
+
+/// What the catalogue says about \a item, before it is read.
+ItemFinding lookUpItem(const ItemConfig& item, const CatalogueItems& catalogue);
+
+/// A login, or the loading of the catalogue, that has failed or not.
+/// \param name of the step
+CheckStep judgeConversation(const char* name, const ClientOutcome& outcome);
+CheckStep judgeCatalogue(const ClientOutcome& outcome, const QList<PropertyTovikIotGroup>& groups);
+/// One served item: whether it is known, of which type it is, and what a read gave.
+CheckStep judgeItem(const ItemFinding& finding);
+/// What the driver's cycle comes to, given its items in the order of the configuration: how long it
+/// takes, how old values get, and which item ends it before its end.
+/// \param is_complete whether all served items are there
+CheckStep judgeCycle(const QVector<ItemFinding>& findings, bool is_complete);
+
+/// The status that a host gets for a client's \a result, in words: "the host gets status ...".
+QString hostStatusText(int result);
+
+} // namespace tovik_host
+
+#endif

@@ -1,0 +1,152 @@
+#include "tools/host/check/check_verdict.h"
+
+#include "tools/host/terminal/text_width.h"
+#include "tools/host/value/json_text.h"
+
+#include <cmath>
+
+namespace tovik_host {
+
+namespace {
+
+const char* markOf(Judgement judgement)
+{
+    switch (judgement) {
+    case Judgement::ok:
+        return "ok";
+    case Judgement::warning:
+        return "warn";
+    case Judgement::failure:
+        return "FAIL";
+    case Judgement::not_tried:
+        break;
+    }
+    return "--";
+}
+
+QString placeOf(const CheckStep& step)
+{
+    return step.subject.isEmpty() ? step.name : step.name + QLatin1Char(' ') + step.subject;
+}
+
+int countOf(const CheckSteps& steps, Judgement judgement)
+{
+    int count = 0;
+    for (const CheckStep& step : steps)
+        count += step.judgement == judgement ? 1 : 0;
+    return count;
+}
+
+/// How many values arrive all the same, by the step that looks at the whole cycle.
+int arriving(const CheckSteps& steps)
+{
+    for (const CheckStep& step : steps) {
+        if (step.facts.contains("arriving"))
+            return step.facts.at("arriving").get<int>();
+    }
+    return 0;
+}
+
+QString countText(int count, const char* one, const char* more)
+{
+    return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? one : more));
+}
+
+QString summaryOf(const CheckSteps& steps)
+{
+    const int warnings = countOf(steps, Judgement::warning);
+    if (countOf(steps, Judgement::failure) > 0) {
+        return arriving(steps) > 0 ? QStringLiteral("not every value arrives")
+                                   : QStringLiteral("no value arrives");
+    }
+    if (warnings == 0)
+        return QStringLiteral("all is well, every value arrives");
+    return QStringLiteral("every value arrives, with %1")
+        .arg(countText(warnings, "warning", "warnings"));
+}
+
+} // namespace
+
+Verdict judgeAll(const CheckSteps& steps, bool is_interrupted)
+{
+    Verdict verdict;
+    for (const Judgement wanted : {Judgement::failure, Judgement::warning}) {
+        for (const CheckStep& step : steps) {
+            if (step.judgement == wanted)
+                verdict.causes << Cause{
+                    QStringLiteral("%1: %2").arg(placeOf(step),
+                                                 step.cause.isEmpty() ? step.text : step.cause),
+                    step.advice};
+        }
+    }
+    if (is_interrupted) {
+        verdict.is_well = false;
+        verdict.summary = QStringLiteral("interrupted, nothing is proved");
+        return verdict;
+    }
+    verdict.is_well = countOf(steps, Judgement::failure) == 0;
+    verdict.summary = summaryOf(steps);
+    return verdict;
+}
+
+QString stepLine(const CheckStep& step, bool as_json)
+{
+    const QString text =
+        step.judgement == Judgement::not_tried ? QStringLiteral("not tried") : step.text;
+    if (!as_json) {
+        QString line = QStringLiteral("%1  %2  ")
+                           .arg(QLatin1String(markOf(step.judgement)), -4)
+                           .arg(step.name, -11);
+        if (!step.subject.isEmpty())
+            line += step.subject + QStringLiteral(": ");
+        line += text;
+        if (step.seconds)
+            line += QStringLiteral("  (%1 ms)").arg(std::lround(*step.seconds * 1000));
+        return printable(line);
+    }
+    OrderedJson line;
+    line["event"] = "step";
+    line["step"] = step.name.toStdString();
+    if (!step.subject.isEmpty())
+        line["subject"] = step.subject.toStdString();
+    line["judgement"] = step.judgement == Judgement::not_tried
+                            ? "not tried"
+                            : QString::fromLatin1(markOf(step.judgement)).toLower().toStdString();
+    line["text"] = text.toStdString();
+    if (!step.advice.isEmpty())
+        line["advice"] = step.advice.toStdString();
+    if (step.seconds)
+        line["seconds"] = *step.seconds;
+    if (!step.facts.empty())
+        line["facts"] = step.facts;
+    return jsonLine(line);
+}
+
+QStringList verdictLines(const Verdict& verdict, bool as_json)
+{
+    if (as_json) {
+        OrderedJson line;
+        line["event"] = "verdict";
+        line["well"] = verdict.is_well;
+        line["text"] = verdict.summary.toStdString();
+        line["causes"] = OrderedJson::array();
+        for (const Cause& cause : verdict.causes) {
+            OrderedJson one;
+            one["found"] = cause.found.toStdString();
+            if (!cause.advice.isEmpty())
+                one["advice"] = cause.advice.toStdString();
+            line["causes"].push_back(one);
+        }
+        return {jsonLine(line)};
+    }
+    QStringList lines = {
+        QString(), printable(QStringLiteral("Verdict: ") + verdict.summary + QLatin1Char('.'))};
+    for (const Cause& cause : verdict.causes) {
+        lines << printable(QStringLiteral("  - ") + cause.found);
+        if (!cause.advice.isEmpty())
+            lines << printable(QStringLiteral("    What to do: ") + cause.advice);
+    }
+    return lines;
+}
+
+} // namespace tovik_host

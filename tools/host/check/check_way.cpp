@@ -1,0 +1,186 @@
+#include "tools/host/check/check_way.h"
+
+namespace tovik_host {
+
+namespace {
+
+const char* const end_names[] = {"done",      "refused", "unreachable",
+                                 "timed out", "failed",  "interrupted"};
+
+/// OpenSSL's version number of the form 0xMNNFFPPS: what libraries of one name have in common.
+long seriesOf(long version)
+{
+    const long major = version >> 28;
+    return major >= 3 ? major : version >> 20;
+}
+
+/// Such as "libssl.so.3".
+QString libraryName(long version)
+{
+    const long major = version >> 28;
+    if (major >= 3)
+        return QStringLiteral("libssl.so.%1").arg(major);
+    return QStringLiteral("libssl.so.%1.%2").arg(major).arg((version >> 20) & 0xFF);
+}
+
+QString proxyText(const ProxyFacts& facts)
+{
+    return QStringLiteral("%1:%2").arg(facts.host).arg(facts.port);
+}
+
+QString withReason(const QString& text, const QString& reason)
+{
+    return reason.isEmpty() ? text : QStringLiteral("%1: %2").arg(text, reason);
+}
+
+QString waitedText(double timeout)
+{
+    return QStringLiteral("no answer within %1 s").arg(timeout);
+}
+
+QString connectText(const ConnectFacts& facts, double timeout)
+{
+    switch (facts.end) {
+    case ProbeEnd::done:
+        return QStringLiteral("connected");
+    case ProbeEnd::refused:
+        return QStringLiteral("refused: nobody listens on this port, or a firewall says no");
+    case ProbeEnd::unreachable:
+        return withReason(QStringLiteral("no way to this address"), facts.reason);
+    case ProbeEnd::timed_out:
+        return waitedText(timeout);
+    case ProbeEnd::interrupted:
+        return QStringLiteral("interrupted");
+    case ProbeEnd::failed:
+        break;
+    }
+    return withReason(QStringLiteral("failed"), facts.reason);
+}
+
+QString connectAdvice(ProbeEnd end)
+{
+    switch (end) {
+    case ProbeEnd::refused:
+        return QStringLiteral("see whether the service runs, and on this port");
+    case ProbeEnd::unreachable:
+        return QStringLiteral("look at this machine's network: cable, address, route");
+    case ProbeEnd::timed_out:
+        return QStringLiteral("look for a firewall that swallows packets, or a machine that is "
+                              "off; the driver waits as long as the system tries");
+    default:
+        return QStringLiteral("look at the network between here and the service");
+    }
+}
+
+} // namespace
+
+CheckStep judgeErrorHandling(const ErrorHandling& handling)
+{
+    const int type = handling.type;
+    if (type == 0 || type == 2)
+        return makeStep("settings", Judgement::ok, QStringLiteral("reconnects every second"));
+    if (type == 1 && handling.return_time_enabled) {
+        return makeStep("settings", Judgement::ok,
+                        QStringLiteral("reconnects every %1 s").arg(handling.return_time));
+    }
+    if (type == 3 || (type == 1 && handling.restore_switch_enabled)) {
+        return makeStep("settings", Judgement::ok,
+                        QStringLiteral("reconnects when the host reads: every second read in an "
+                                       "error tries once"));
+    }
+    return makeStep("settings", Judgement::warning,
+                    QStringLiteral("never reconnects: after the first error no value comes until "
+                                   "the host is started anew"),
+                    QStringLiteral("set error_handling.return_time_enabled, or another type"));
+}
+
+CheckStep judgeSslLibrary(const SslLibraryFacts& facts)
+{
+    CheckStep step;
+    const QString advice =
+        QStringLiteral("install %1 of the series that Qt was built for (%2), with its libcrypto, "
+                       "where the loader finds it")
+            .arg(libraryName(facts.built_for), facts.built_for_text);
+    if (!facts.is_supported) {
+        step = makeStep("openssl", Judgement::failure,
+                        QStringLiteral("Qt finds no OpenSSL that fits: there is no https"), advice);
+    } else if (seriesOf(facts.built_for) != seriesOf(facts.running)) {
+        step = makeStep("openssl", Judgement::warning,
+                        QStringLiteral("%1 is in use, and Qt was built for %2")
+                            .arg(facts.running_text, facts.built_for_text),
+                        advice);
+    } else {
+        step = makeStep("openssl", Judgement::ok,
+                        QStringLiteral("%1 (Qt was built for %2)")
+                            .arg(facts.running_text, facts.built_for_text));
+    }
+    step.facts["built_for"] = facts.built_for_text.toStdString();
+    step.facts["running"] = facts.running_text.toStdString();
+    return step;
+}
+
+CheckStep judgeProxy(const ProxyFacts& facts)
+{
+    CheckStep step = makeStep(
+        "proxy", Judgement::warning,
+        QStringLiteral("the driver goes through the %1 proxy %2")
+            .arg(facts.is_http ? QStringLiteral("HTTP") : QStringLiteral("SOCKS"),
+                 proxyText(facts)),
+        QStringLiteral("if that is not meant: Qt takes the proxy from the host's environment "
+                       "(https_proxy, http_proxy, all_proxy; no_proxy names exceptions)"));
+    step.facts["proxy"] = proxyText(facts).toStdString();
+    return step;
+}
+
+CheckStep judgeName(const NameFacts& facts, double timeout)
+{
+    CheckStep step;
+    if (facts.is_address) {
+        step = makeStep("name", Judgement::ok, QStringLiteral("is an address, nothing to look up"));
+    } else if (facts.end == ProbeEnd::done) {
+        step = makeStep("name", Judgement::ok, facts.addresses.join(QStringLiteral(", ")));
+    } else if (facts.end == ProbeEnd::interrupted) {
+        step = makeStep("name", Judgement::failure, QStringLiteral("interrupted"));
+    } else if (facts.end == ProbeEnd::timed_out) {
+        step =
+            makeStep("name", Judgement::failure, waitedText(timeout),
+                     QStringLiteral("look at this machine's name service: resolv.conf, network"));
+    } else {
+        step = makeStep("name", Judgement::failure,
+                        withReason(QStringLiteral("is not found"), facts.reason),
+                        QStringLiteral("correct the address of the service, or this machine's name "
+                                       "service"));
+    }
+    step.subject = facts.host;
+    if (!facts.is_address)
+        step.seconds = facts.seconds;
+    step.facts["addresses"] = nlohmann::ordered_json::array();
+    for (const QString& address : facts.addresses)
+        step.facts["addresses"].push_back(address.toStdString());
+    return step;
+}
+
+CheckSteps judgeConnections(const QVector<ConnectFacts>& facts, double timeout)
+{
+    bool is_any_connected = false;
+    for (const ConnectFacts& one : facts)
+        is_any_connected = is_any_connected || one.end == ProbeEnd::done;
+    CheckSteps steps;
+    for (const ConnectFacts& one : facts) {
+        CheckStep step = makeStep("connect", Judgement::ok, connectText(one, timeout));
+        if (one.end != ProbeEnd::done) {
+            step.judgement = is_any_connected ? Judgement::warning : Judgement::failure;
+            if (one.end != ProbeEnd::interrupted)
+                step.advice = connectAdvice(one.end);
+        }
+        step.subject = QStringLiteral("%1 port %2").arg(one.address).arg(one.port);
+        step.seconds = one.seconds;
+        step.facts["address"] = one.address.toStdString();
+        step.facts["port"] = one.port;
+        step.facts["end"] = end_names[int(one.end)];
+        steps << step;
+    }
+    return steps;
+}
+
+} // namespace tovik_host

@@ -1,0 +1,82 @@
+#ifndef TOOLS_HOST_CONFIG_OPTIONS_H
+#define TOOLS_HOST_CONFIG_OPTIONS_H
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace tovik_host {
+
+/// The link to a device and its settings, as far as they are given; times in milliseconds.
+struct LinkOptions
+{
+    std::optional<QString> address;
+    std::optional<QString> unit;
+    std::optional<int> request_delay;
+    std::optional<int> response_timeout;
+    std::optional<int> retries;
+    std::optional<int> link_param_a;
+    std::optional<int> link_param_b;
+};
+
+/// What a request says beside its address, as far as it is given.
+struct RequestOptions
+{
+    std::optional<QString> type;
+    std::optional<int> length;
+    std::optional<int> station;
+    std::optional<int> field1;
+    std::optional<int> extra1;
+    std::optional<int> extra2;
+};
+
+/// What every command takes.
+struct CommonOptions
+{
+    QString config;   ///< The configuration file.
+    QString library;  ///< The driver library; empty: where it usually is.
+    QString url;      ///< Replaces the configuration's address; empty: does not.
+    QString url_file; ///< A file whose first line does the same.
+    bool json = false;
+    bool verbose = false; ///< The driver's debug lines go to the standard error.
+    QString log;          ///< The driver's debug lines go to this file; empty: to none.
+    LinkOptions link;
+    RequestOptions request;
+    double link_timeout = 10;    ///< Seconds that opening the link may take.
+    QStringList device_options;  ///< The given options that only a device has, as written.
+    QStringList service_options; ///< The given options that only a service has.
+};
+
+struct WatchOptions
+{
+    QStringList items;  ///< Of a device only.
+    double seconds = 0; ///< 0: until a signal.
+    int interval = 500; ///< Milliseconds between the rounds of reads.
+    double metrics = 0; ///< Seconds between reports of the driver's numbers; 0: none.
+};
+
+struct ReadOptions
+{
+    QStringList items;
+    bool quiet = false;
+    double timeout = 10;
+};
+
+struct WriteOptions
+{
+    QString item;
+    QString value;
+    double confirm = 0; ///< 0: is not confirmed.
+    double timeout = 10;
+};
+
+struct RawOptions
+{
+    QStringList bytes; ///< Hexadecimal digits.
+    bool force = false;
+};
+
+} // namespace tovik_host
+
+#endif

@@ -1,0 +1,49 @@
+#ifndef TOOLS_HOST_CONFIG_SERVICE_ACCOUNT_H
+#define TOOLS_HOST_CONFIG_SERVICE_ACCOUNT_H
+
+#include "tools/host/config/config.h"
+
+#include <QString>
+
+namespace tovik_host {
+
+/// What the command line says about the service and the account.
+struct AccountOptions
+{
+    QString config; ///< A configuration to take all of it from; empty: none.
+    QString url;
+    QString url_file; ///< A file whose first line is the address.
+    QString project;
+    QString email;
+    QString password_file; ///< A file whose first line is the password.
+    QString password_env;  ///< A variable of the environment that holds it.
+};
+
+/// An account, and where its password comes from, for a configuration that shall not hold it.
+struct Account
+{
+    ServiceConfig service;
+    QString password_file; ///< Absolute; empty: from no file.
+    QString password_env;  ///< Empty: from no variable.
+    bool has_password = false;
+};
+
+/// The variable of the environment that is looked into when nothing says where the password is.
+QString defaultPasswordVariable();
+
+/// The account of a configuration file, without a password that is in another file or in the
+/// environment. Throws UsageError.
+Account accountOfConfig(const QString& path);
+
+/// \a account as far as the options do not say otherwise; the configuration that they name comes
+/// between the two. Looks for the password, without asking anybody. Throws UsageError for what
+/// cannot be read or is not valid, and not for what is missing.
+/// \param needs_password otherwise what a configuration says of the password's place is only noted
+Account resolveAccount(const AccountOptions& options, Account account, bool needs_password = true);
+
+/// Throws UsageError that says what to add, unless address, project and e-mail address are known.
+void requireAccount(const Account& account);
+
+} // namespace tovik_host
+
+#endif

@@ -1,0 +1,159 @@
+#include "tools/host/driver/device_config.h"
+
+#include "tools/host/config/device_file.h"
+#include "tools/host/terminal/usage_error.h"
+
+namespace tovik_host {
+
+namespace {
+
+QString defaultUnit()
+{
+    return QStringLiteral("tovik-host");
+}
+
+/// The item that `ADDRESS` or `ADDRESS=TYPE` means.
+ItemConfig itemOf(const QString& text, const RequestOptions& options)
+{
+    const int equals = text.lastIndexOf(QLatin1Char('='));
+    ItemConfig item;
+    item.name = equals < 0 ? text : text.left(equals);
+    if (item.name.isEmpty())
+        throw UsageError(QStringLiteral("\"%1\": the address is empty").arg(text));
+    item.request.address = item.name;
+    item.type = equals < 0 ? &itemType(options.type.value_or(QStringLiteral("16Bit-UINT")),
+                                       QStringLiteral("--type"))
+                           : &itemType(text.mid(equals + 1),
+                                       QStringLiteral("\"%1\": behind \"=\"").arg(text));
+    if (item.type->size == 0) {
+        if (!options.length) {
+            throw UsageError(
+                QStringLiteral("%1: a String needs its length: --length BYTES").arg(item.name));
+        }
+        item.length = *options.length;
+    }
+    item.request.station = options.station.value_or(item.request.station);
+    item.request.field1 = options.field1.value_or(item.request.field1);
+    item.request.extra1 = options.extra1.value_or(item.request.extra1);
+    item.request.extra2 = options.extra2.value_or(item.request.extra2);
+    return item;
+}
+
+QVector<ItemConfig> itemsOf(const QStringList& addresses, const RequestOptions& options)
+{
+    QVector<ItemConfig> items;
+    bool has_text = false;
+    for (const QString& address : addresses) {
+        items << itemOf(address, options);
+        has_text = has_text || items.last().type->size == 0;
+    }
+    if (options.length && !has_text && !items.isEmpty()) {
+        throw UsageError(QStringLiteral("--length is for texts: give --type String with it; the "
+                                        "other types have lengths of their own"));
+    }
+    return items;
+}
+
+QVector<ItemConfig> itemsNamed(const QStringList& names, const QVector<ItemConfig>& all,
+                               const QString& path)
+{
+    if (names.isEmpty())
+        return all;
+    QVector<ItemConfig> items;
+    for (const QString& name : names) {
+        const ItemConfig* item = findItem(all, name);
+        if (!item) {
+            throw UsageError(QStringLiteral("%1 has no item \"%2\"; with --config items are named, "
+                                            "without it they are addressed")
+                                 .arg(path, name));
+        }
+        items << *item;
+    }
+    return items;
+}
+
+/// The first that is given.
+template <typename Value>
+Value chosen(const std::optional<Value>& option, const std::optional<Value>& file, Value fallback)
+{
+    return option.value_or(file.value_or(fallback));
+}
+
+LinkSettings settingsOf(const LinkOptions& options, const LinkOptions& file)
+{
+    LinkSettings settings;
+    settings.request_delay =
+        chosen(options.request_delay, file.request_delay, settings.request_delay);
+    settings.response_timeout =
+        chosen(options.response_timeout, file.response_timeout, settings.response_timeout);
+    settings.retries = chosen(options.retries, file.retries, settings.retries);
+    settings.link_param_a = chosen(options.link_param_a, file.link_param_a, settings.link_param_a);
+    settings.link_param_b = chosen(options.link_param_b, file.link_param_b, settings.link_param_b);
+    return settings;
+}
+
+LinkAddress linkOf(const CommonOptions& common, const DeviceFile& file)
+{
+    if (common.link.address)
+        return parseLink(*common.link.address, QStringLiteral("--link"));
+    if (file.link.address)
+        return parseLink(*file.link.address, file.link_place);
+    throw UsageError(QStringLiteral("%1: \"link\" has no \"address\", and there is no --link")
+                         .arg(common.config));
+}
+
+} // namespace
+
+void LinkSettings::fill(DrvBase* link) const
+{
+    link->link_name = QStringLiteral("link");
+    link->request_delay = request_delay;
+    link->response_timeout = response_timeout;
+    link->retry_count = retries;
+    link->link_param_a = link_param_a;
+    link->link_param_b = link_param_b;
+}
+
+bool isForDevice(const CommonOptions& common)
+{
+    return common.link.address || (!common.config.isEmpty() && namesLink(common.config));
+}
+
+void refuseDeviceOptions(const CommonOptions& common)
+{
+    if (common.device_options.isEmpty())
+        return;
+    throw UsageError(QStringLiteral("%1 is for a device on a link, and there is none: add --link "
+                                    "tcp:HOST:PORT or --link serial:DEVICE")
+                         .arg(common.device_options.first()));
+}
+
+DeviceConfig deviceConfig(const CommonOptions& common, const QStringList& addresses,
+                          QStringList* warnings)
+{
+    if (!common.service_options.isEmpty()) {
+        throw UsageError(QStringLiteral("%1 is for a cloud driver and its service; a device on a "
+                                        "link has none: leave it out")
+                             .arg(common.service_options.first()));
+    }
+    if (common.library.isEmpty()) {
+        throw UsageError(QStringLiteral("a device on a link needs its driver: name the library "
+                                        "with --library, such as --library ./libmodbus_drv.so.1"));
+    }
+    DeviceFile file;
+    DeviceConfig config;
+    if (common.config.isEmpty()) {
+        config.items = itemsOf(addresses, common.request);
+    } else {
+        file = loadDeviceFile(common.config, common.request);
+        *warnings << file.warnings;
+        config.items = itemsNamed(addresses, file.items, common.config);
+    }
+    config.link = linkOf(common, file);
+    config.settings = settingsOf(common.link, file.link);
+    config.unit = chosen(common.link.unit, file.link.unit, defaultUnit());
+    config.open_milliseconds = int(common.link_timeout * 1000);
+    return config;
+}
+
+} // namespace tovik_host

@@ -1,0 +1,120 @@
+#include "tools/host/driver/device_host.h"
+
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/output.h"
+
+#include <QEventLoop>
+
+#include <cstdlib>
+#include <exception>
+#include <unistd.h>
+
+namespace tovik_host {
+
+namespace {
+
+/// Two signals that come together are one wish.
+const int second_wish = 1000;
+
+} // namespace
+
+DeviceHost::DeviceHost(const Plugin& plugin, const DeviceConfig& config,
+                       const UnixSignals& unix_signals)
+    : session_(new DeviceSession(plugin, config))
+{
+    connect(&unix_signals, &UnixSignals::endAsked, this, &DeviceHost::onEndAsked);
+    session_->moveToThread(&thread_);
+    worker_.moveToThread(&thread_);
+    thread_.start();
+}
+
+DeviceHost::~DeviceHost()
+{
+    DeviceSession* session = session_.release();
+    run([session] { delete session; });
+    thread_.quit();
+    thread_.wait();
+}
+
+void DeviceHost::run(const std::function<void()>& job)
+{
+    QEventLoop loop;
+    std::exception_ptr failure;
+    QMetaObject::invokeMethod(
+        &worker_,
+        [&] {
+            try {
+                job();
+            } catch (...) {
+                failure = std::current_exception();
+            }
+            QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+        },
+        Qt::QueuedConnection);
+    loop.exec();
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+QString DeviceHost::open()
+{
+    QString problem;
+    run([&] { problem = session_->open(); });
+    return problem;
+}
+
+DeviceAnswer DeviceHost::read(const ItemConfig& item)
+{
+    DeviceAnswer answer;
+    run([&] { answer = session_->read(item); });
+    return answer;
+}
+
+DeviceAnswer DeviceHost::readAgain(const ItemConfig& item)
+{
+    DeviceAnswer answer;
+    run([&] { answer = session_->readAgain(item); });
+    return answer;
+}
+
+DeviceAnswer DeviceHost::write(const ItemConfig& item, const QByteArray& bytes)
+{
+    DeviceAnswer answer;
+    run([&] { answer = session_->write(item, bytes); });
+    return answer;
+}
+
+DeviceAnswer DeviceHost::sendRaw(const QByteArray& request)
+{
+    DeviceAnswer answer;
+    run([&] { answer = session_->sendRaw(request); });
+    return answer;
+}
+
+bool DeviceHost::supportsRaw()
+{
+    bool supported = false;
+    run([&] { supported = session_->supportsRaw(); });
+    return supported;
+}
+
+void DeviceHost::stop()
+{
+    if (session_)
+        session_->stop();
+}
+
+void DeviceHost::onEndAsked()
+{
+    if (since_end_asked_.isValid() && since_end_asked_.hasExpired(second_wish)) {
+        Output(STDERR_FILENO)
+            .line(QStringLiteral("tovik-host: the driver does not come back from its request; "
+                                 "ended without releasing it"));
+        std::_Exit(exitRefused);
+    }
+    if (!since_end_asked_.isValid())
+        since_end_asked_.start();
+    stop();
+}
+
+} // namespace tovik_host

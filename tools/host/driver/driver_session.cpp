@@ -1,0 +1,113 @@
+#include "tools/host/driver/driver_session.h"
+
+#include "tools/host/terminal/usage_error.h"
+
+#include "interface/addr_data.h"
+#include "property/property_tovik_iot.h"
+
+#include <QSharedPointer>
+#include <QVariant>
+
+namespace tovik_host {
+
+namespace {
+
+const int station = 1;
+
+QString unitName()
+{
+    return QStringLiteral("tovik-host");
+}
+
+QString linkName()
+{
+    return QStringLiteral("link");
+}
+
+PropertyTovikIot driverProperty(const ServiceConfig& service, const QVector<ServedItem>& items)
+{
+    PropertyTovikIot property;
+    property.host = service.url;
+    property.project = service.project;
+    property.email = service.email;
+    property.password = service.password;
+    for (const ServedItem& served : items) {
+        PropertyTovikIotDataItem item;
+        item.name = served.item.name;
+        item.dataitem_id = served.item.id;
+        item.type = QString::fromLatin1(served.item.type->name);
+        if (served.initial_value)
+            item.value = *served.initial_value;
+        property.dataitems << item;
+    }
+    return property;
+}
+
+void fillErrorHandling(QMap<QString, QVariant>& settings, const ErrorHandling& handling)
+{
+    settings[QStringLiteral("tovik_iot_err_handle_type")] = handling.type;
+    settings[QStringLiteral("tovik_iot_err_return_time")] = handling.return_time;
+    settings[QStringLiteral("tovik_iot_err_retry_count")] = handling.retry_count;
+    settings[QStringLiteral("tovik_iot_err_return_time_en")] = handling.return_time_enabled;
+    settings[QStringLiteral("tovik_iot_err_restore_switch_bs_en")] =
+        handling.restore_switch_enabled;
+}
+
+QSharedPointer<AddrData> addressOf(const QString& name, int data_length)
+{
+    const QSharedPointer<AddrData> address(new AddrData);
+    address->address = name;
+    address->data_length = data_length;
+    return address;
+}
+
+} // namespace
+
+DriverSession::DriverSession(const Plugin& plugin, const HostConfig& config,
+                             const QVector<ServedItem>& items)
+    : link_(new DrvEthernet)
+{
+    qRegisterMetaType<QSharedPointer<AddrData>>("QSharedPointer<AddrData>");
+    link_->link_name = linkName();
+    link_->driver_specific_data[QStringLiteral("tovik_iot")] =
+        QVariant::fromValue(driverProperty(config.service, items));
+    fillErrorHandling(link_->driver_specific_data, config.error_handling);
+    driver_.reset(plugin.createDriver(nullptr, nullptr, link_.data()));
+    if (!driver_)
+        throw UsageError(QStringLiteral("the library \"%1\" makes no driver").arg(plugin.path()));
+    // By text, as the driver may be compiled from other sources than this program.
+    connect(driver_.data(), SIGNAL(SigResponse(QString, QString, QByteArray, int)), this,
+            SLOT(onResponse(QString, QString, QByteArray, int)));
+}
+
+DriverSession::~DriverSession()
+{
+    if (driver_)
+        Q_EMIT link_->EmitNotifyBeforeRelease();
+    driver_.reset();
+}
+
+Answer DriverSession::read(const QString& name, int data_length)
+{
+    answer_ = Answer();
+    Q_EMIT driver_->SigGetValuesByteArray(unitName(), linkName(), station,
+                                          addressOf(name, data_length));
+    return answer_;
+}
+
+Answer DriverSession::write(const QString& name, const QByteArray& bytes)
+{
+    answer_ = Answer();
+    Q_EMIT driver_->SigSetValuesByteArray(unitName(), linkName(), station, bytes,
+                                          addressOf(name, bytes.size()));
+    return answer_;
+}
+
+void DriverSession::onResponse(QString, QString, QByteArray bytes, int status)
+{
+    answer_.arrived = true;
+    answer_.bytes = bytes;
+    answer_.status = status;
+}
+
+} // namespace tovik_host

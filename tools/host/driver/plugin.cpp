@@ -1,0 +1,89 @@
+#include "tools/host/driver/plugin.h"
+
+#include "tools/host/terminal/usage_error.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <dlfcn.h>
+
+#include <array>
+
+namespace tovik_host {
+
+namespace {
+
+QString loaderError()
+{
+    const char* text = dlerror(); // NOLINT(concurrency-mt-unsafe): one per thread
+    return text ? QString::fromLocal8Bit(text) : QStringLiteral("no reason given");
+}
+
+/// The entry point \a name as a function of type Function.
+template <typename Function>
+Function entryPoint(void* library, const char* name, const QString& path)
+{
+    dlerror(); // NOLINT(concurrency-mt-unsafe): as above
+    void* address = dlsym(library, name);
+    if (!address) {
+        throw UsageError(QStringLiteral("\"%1\" is not a driver plug-in: it has no entry point "
+                                        "\"%2\" (%3). Name the driver library with --library.")
+                             .arg(path, QLatin1String(name), loaderError()));
+    }
+    return reinterpret_cast<Function>(address);
+}
+
+} // namespace
+
+Plugin::Plugin(const QString& path) : path_(path)
+{
+    void* library = dlopen(path.toLocal8Bit().constData(), RTLD_NOW | RTLD_LOCAL);
+    if (!library) {
+        throw UsageError(QStringLiteral("cannot load the driver library: %1. Build or install it, "
+                                        "or name it with --library.")
+                             .arg(loaderError()));
+    }
+    factory_ = entryPoint<Factory>(library, "create_drvlib", path);
+    version_ = entryPoint<Version>(library, "drv_version", path);
+    const auto result_codes =
+        reinterpret_cast<decltype(&drv_result_codes)>(dlsym(library, "drv_result_codes"));
+    result_codes_ = result_codes ? result_codes() : nullptr;
+}
+
+Plugin Plugin::loadFirst(const QStringList& candidates)
+{
+    for (const QString& candidate : candidates) {
+        if (QFileInfo(candidate).isFile())
+            return Plugin(candidate);
+    }
+    return Plugin(candidates.last());
+}
+
+QStringList Plugin::candidates(const QString& program_folder)
+{
+    const QString name = QStringLiteral("libtovik_iot.so.1");
+    const QDir folder(program_folder);
+    const std::array<QString, 3> relative = {QStringLiteral(TOVIK_HOST_LIBRARY_FOLDER),
+                                             QStringLiteral("../lib"), QStringLiteral("../..")};
+    QStringList paths;
+    for (const QString& place : relative)
+        paths << QDir::cleanPath(folder.absoluteFilePath(place) + QLatin1Char('/') + name);
+    paths.removeDuplicates();
+    return paths << name;
+}
+
+QString Plugin::versionText() const
+{
+    const quint32 version = version_();
+    return QStringLiteral("%1.%2.%3")
+        .arg(version >> 16)
+        .arg((version >> 8) & 0xFF)
+        .arg(version & 0xFF);
+}
+
+DrvInterface* Plugin::createDriver(QString* name, DrvSerial* serial, DrvEthernet* ethernet) const
+{
+    return factory_(name, serial, ethernet);
+}
+
+} // namespace tovik_host

@@ -1,0 +1,20 @@
+#ifndef TOOLS_HOST_DRIVER_SENDING_H
+#define TOOLS_HOST_DRIVER_SENDING_H
+
+#include "tools/host/driver/workplace.h"
+
+#include <QByteArray>
+
+namespace tovik_host {
+
+/// Raises a write of \a bytes and runs the driver until it says that the service has the value.
+///
+/// The driver's answer to a write comes at once and says nothing about the service, so its debug
+/// lines tell: when it has connected, and whether the value was sent.
+/// \return what went wrong; empty when nothing did.
+QString sendValue(Workplace& place, const ItemConfig& item, const QByteArray& bytes,
+                  int milliseconds);
+
+} // namespace tovik_host
+
+#endif

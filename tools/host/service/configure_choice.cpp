@@ -1,0 +1,182 @@
+#include "tools/host/service/configure_choice.h"
+
+#include "tools/host/terminal/usage_error.h"
+#include "tools/host/value/host_value.h"
+
+#include <algorithm>
+
+namespace tovik_host {
+
+namespace {
+
+/// Qt's wildcards stop at slashes, as in paths of files; in names a slash is a character like
+/// others.
+QString withoutSlashes(QString text)
+{
+    return text.replace(QLatin1Char('/'), QChar(0xE000));
+}
+
+QRegularExpression wildcard(const QString& pattern)
+{
+    QRegularExpression expression(
+        QRegularExpression::wildcardToRegularExpression(withoutSlashes(pattern)));
+    if (!expression.isValid())
+        throw UsageError(QStringLiteral("the pattern \"%1\" is not valid: a \"[\" has no \"]\", or "
+                                        "a range in brackets runs backwards; \"[[]\" stands for "
+                                        "the character \"[\"")
+                             .arg(pattern));
+    return expression;
+}
+
+/// Where the slashes are that may be between group and item; within brackets they are characters.
+QVector<int> slashesIn(const QString& pattern)
+{
+    QVector<int> slashes;
+    for (int i = 0; i < pattern.size(); ++i) {
+        if (pattern.at(i) == QLatin1Char('/')) {
+            slashes << i;
+        } else if (pattern.at(i) == QLatin1Char('[')) {
+            // A bracket that comes first, or behind "!", does not close.
+            const int first = i + (pattern.midRef(i + 1, 1) == QLatin1String("!") ? 2 : 1);
+            const int end = pattern.indexOf(QLatin1Char(']'), first + 1);
+            i = end < 0 ? i : end;
+        }
+    }
+    return slashes;
+}
+
+void refuseEmpty(const QString& pattern)
+{
+    if (pattern.isEmpty())
+        throw UsageError(QStringLiteral("a pattern must not be empty"));
+}
+
+bool isMatch(const QRegularExpression& expression, const QString& text)
+{
+    return expression.match(withoutSlashes(text)).hasMatch();
+}
+
+/// Some of the user's words, and which of them have met an item.
+template <class Word>
+struct Words
+{
+    QVector<Word> words;
+    QVector<bool> met;
+
+    void add(const Word& word)
+    {
+        words << word;
+        met << false;
+    }
+
+    template <class Test>
+    bool meet(Test test)
+    {
+        bool any = false;
+        for (int i = 0; i < words.size(); ++i) {
+            if (!test(words.at(i)))
+                continue;
+            met[i] = true;
+            any = true;
+        }
+        return any;
+    }
+};
+
+QString typeNamed(const QString& name)
+{
+    if (!findItemType(name)) {
+        throw UsageError(QStringLiteral("--type: \"%1\" is no type; the types are: %2")
+                             .arg(name, allItemTypeNames()));
+    }
+    return name;
+}
+
+} // namespace
+
+QVector<OfferedItem> offeredItems(const Catalogue& catalogue)
+{
+    QVector<OfferedItem> offered;
+    offered.reserve(catalogue.itemCount());
+    for (const CatalogueGroup& group : catalogue.groups) {
+        for (const CatalogueItem& item : group.items)
+            offered << OfferedItem{item, group.id, group.name};
+    }
+    return offered;
+}
+
+ItemPattern::ItemPattern(const QString& text, const QVector<OfferedItem>& offered) : text_(text)
+{
+    refuseEmpty(text);
+    is_exact_ = std::any_of(offered.begin(), offered.end(),
+                            [this](const OfferedItem& item) { return isCalled(item); });
+    if (is_exact_)
+        return;
+    whole_ = wildcard(text);
+    for (const int slash : slashesIn(text))
+        splits_.append({wildcard(text.left(slash)), wildcard(text.mid(slash + 1))});
+}
+
+bool ItemPattern::isCalled(const OfferedItem& item) const
+{
+    return text_ == item.item.name || text_ == item.item.id || text_ == item.path();
+}
+
+bool ItemPattern::matches(const OfferedItem& item) const
+{
+    if (is_exact_)
+        return isCalled(item);
+    if (isMatch(whole_, item.item.name))
+        return true;
+    return std::any_of(splits_.begin(), splits_.end(), [&item](const auto& split) {
+        return isMatch(split.first, item.group) && isMatch(split.second, item.item.name);
+    });
+}
+
+void checkFilter(const ItemFilter& filter)
+{
+    for (const QString& text : filter.patterns + filter.excluded)
+        refuseEmpty(text);
+    for (const QString& name : filter.types)
+        typeNamed(name);
+}
+
+FilteredItems filterItems(const QVector<OfferedItem>& offered, const ItemFilter& filter)
+{
+    Words<ItemPattern> patterns;
+    Words<ItemPattern> excluded;
+    Words<QString> types;
+    for (const QString& text : filter.patterns)
+        patterns.add(ItemPattern(text, offered));
+    for (const QString& text : filter.excluded)
+        excluded.add(ItemPattern(text, offered));
+    for (const QString& name : filter.types)
+        types.add(typeNamed(name));
+
+    FilteredItems result;
+    for (const OfferedItem& item : offered) {
+        const auto matches = [&item](const ItemPattern& pattern) { return pattern.matches(item); };
+        // All are asked, so that none that would match is complained about.
+        const bool is_wanted = patterns.meet(matches);
+        const bool is_excluded = excluded.meet(matches);
+        const bool is_of_type =
+            types.meet([&item](const QString& type) { return type == item.item.type; });
+        if ((is_wanted || patterns.words.isEmpty()) && !is_excluded &&
+            (is_of_type || types.words.isEmpty()))
+            result.items << item;
+    }
+    const auto report = [&result](const auto& words, const QString& start, auto text_of) {
+        for (int i = 0; i < words.words.size(); ++i) {
+            if (!words.met.at(i))
+                result.without_match
+                    << start + QStringLiteral("\"%1\"").arg(text_of(words.words.at(i)));
+        }
+    };
+    const auto text_of_pattern = [](const ItemPattern& pattern) { return pattern.text(); };
+    report(patterns, QString(), text_of_pattern);
+    report(excluded, QStringLiteral("--exclude "), text_of_pattern);
+    report(types, QStringLiteral("--type "), [](const QString& type) { return type; });
+    return result;
+}
+
+} // namespace tovik_host

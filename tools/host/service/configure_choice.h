@@ -1,0 +1,78 @@
+#ifndef TOOLS_HOST_SERVICE_CONFIGURE_CHOICE_H
+#define TOOLS_HOST_SERVICE_CONFIGURE_CHOICE_H
+
+#include "tools/host/service/catalogue_data.h"
+
+#include <QRegularExpression>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <utility>
+
+namespace tovik_host {
+
+/// An item of a catalogue together with its group.
+struct OfferedItem
+{
+    CatalogueItem item;
+    QString group_id;
+    QString group; ///< The group's name.
+
+    QString path() const { return group + QLatin1Char('/') + item.name; }
+};
+
+/// All items of a catalogue, in its order.
+QVector<OfferedItem> offeredItems(const Catalogue& catalogue);
+
+/// A pattern for items: `GROUP/ITEM` is compared with both names, anything else with the item's
+/// name. An id stands for itself, without wildcards, as ids often begin with the name of the group.
+/// `*` stands for any characters, `?` for one, `[...]` for one of several; names that contain
+/// slashes themselves match as they are written. What is the whole name, path or id of an item
+/// among those offered stands for it alone, whatever it would be as a pattern.
+class ItemPattern
+{
+public:
+    /// Throws UsageError when \a text is empty, or neither a pattern nor what an item of \a offered
+    /// is called.
+    ItemPattern(const QString& text, const QVector<OfferedItem>& offered);
+
+    bool matches(const OfferedItem& item) const;
+    QString text() const { return text_; }
+
+private:
+    bool isCalled(const OfferedItem& item) const;
+
+    QString text_;
+    bool is_exact_;
+    QRegularExpression whole_;
+    /// The pattern, taken apart at each of its slashes outside brackets.
+    QVector<std::pair<QRegularExpression, QRegularExpression>> splits_;
+};
+
+/// Which items are wanted.
+struct ItemFilter
+{
+    QStringList patterns; ///< An item must match one; empty: all do.
+    QStringList excluded; ///< An item must match none.
+    QStringList types;    ///< An item must be of one; empty: all are.
+};
+
+/// The items that a filter lets through.
+struct FilteredItems
+{
+    QVector<OfferedItem> items;
+    /// Patterns and types, as the user wrote them, to which no item of the catalogue belongs.
+    QStringList without_match;
+};
+
+/// Throws UsageError for an empty pattern and for what is no type: what can be known of a filter
+/// without a catalogue.
+void checkFilter(const ItemFilter& filter);
+
+/// Throws UsageError for what is no pattern and no type.
+FilteredItems filterItems(const QVector<OfferedItem>& offered, const ItemFilter& filter);
+
+} // namespace tovik_host
+
+#endif

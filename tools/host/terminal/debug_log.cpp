@@ -1,0 +1,97 @@
+#include "tools/host/terminal/debug_log.h"
+
+#include "tools/host/terminal/usage_error.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QMutexLocker>
+
+#include <atomic>
+#include <cerrno>
+
+namespace tovik_host {
+
+namespace {
+
+const int kept_lines = 100;
+
+std::atomic<DebugLog*> current_log{nullptr};
+
+void handleMessage(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    DebugLog* log = current_log;
+    if (log)
+        log->take(text);
+    // The process ends with this message: nobody else will show it.
+    if (type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", text.toUtf8().constData());
+}
+
+} // namespace
+
+DebugLog::DebugLog()
+{
+    current_log = this;
+    qInstallMessageHandler(handleMessage);
+}
+
+DebugLog::~DebugLog()
+{
+    qInstallMessageHandler(nullptr);
+    current_log = nullptr;
+    if (file_)
+        std::fclose(file_);
+}
+
+void DebugLog::writeToFile(const QString& path)
+{
+    std::FILE* file = std::fopen(QFile::encodeName(path).constData(), "a");
+    if (!file) {
+        throw UsageError(
+            QStringLiteral("cannot write the log \"%1\": %2").arg(path, qt_error_string(errno)));
+    }
+    const QMutexLocker locker(&lock_);
+    file_ = file;
+}
+
+void DebugLog::echo()
+{
+    const QMutexLocker locker(&lock_);
+    echoes_ = true;
+}
+
+QStringList DebugLog::lastLines(int count) const
+{
+    const QMutexLocker locker(&lock_);
+    QStringList shown;
+    for (const KeptLine& line : lines_.mid(qMax(0, lines_.size() - count))) {
+        const QString times =
+            line.count > 1 ? QStringLiteral("  (%1 times)").arg(line.count) : QString();
+        shown << line.text + times;
+    }
+    return shown;
+}
+
+void DebugLog::take(const QString& line)
+{
+    {
+        const QMutexLocker locker(&lock_);
+        if (!lines_.isEmpty() && lines_.last().text == line)
+            ++lines_.last().count;
+        else
+            lines_ << KeptLine{line, 1};
+        if (lines_.size() > kept_lines)
+            lines_.removeFirst();
+        const QByteArray bytes = line.toUtf8();
+        if (file_) {
+            const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
+            std::fprintf(file_, "%s %s\n", time.toUtf8().constData(), bytes.constData());
+            std::fflush(file_);
+        }
+        if (echoes_)
+            std::fprintf(stderr, "%s\n", bytes.constData());
+    }
+    Q_EMIT lineArrived(line);
+}
+
+} // namespace tovik_host

@@ -1,0 +1,55 @@
+#ifndef TOOLS_HOST_TERMINAL_DEBUG_LOG_H
+#define TOOLS_HOST_TERMINAL_DEBUG_LOG_H
+
+#include <QMutex>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <cstdio>
+
+namespace tovik_host {
+
+/// Catches the debug lines of the driver library, which come through Qt and from any thread, and
+/// keeps them off the program's own output. One may exist at a time.
+class DebugLog : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Takes over Qt's messages.
+    DebugLog();
+    /// Gives Qt's messages back.
+    ~DebugLog() override;
+
+    /// Appends every further line, with its time, to the file \a path. Throws UsageError.
+    void writeToFile(const QString& path);
+    /// Writes every further line to the standard error as well.
+    void echo();
+    /// The latest lines, oldest first; a line that came several times in a row stands there once,
+    /// with their number.
+    QStringList lastLines(int count) const;
+    /// Keeps one line. Thread-safe.
+    void take(const QString& line);
+
+Q_SIGNALS:
+    /// A line came; emitted in the thread that wrote it. Connect with Qt::QueuedConnection.
+    void lineArrived(const QString& line);
+
+private:
+    struct KeptLine
+    {
+        QString text;
+        int count;
+    };
+
+    mutable QMutex lock_;
+    QVector<KeptLine> lines_;
+    std::FILE* file_ = nullptr;
+    bool echoes_ = false;
+};
+
+} // namespace tovik_host
+
+#endif

@@ -1,0 +1,45 @@
+#ifndef TOOLS_HOST_TERMINAL_OUTPUT_H
+#define TOOLS_HOST_TERMINAL_OUTPUT_H
+
+#include <QByteArray>
+#include <QString>
+
+namespace tovik_host {
+
+/// Keeps the standard descriptors that the program was started without from being given to
+/// something else; writing to them fails then.
+void reserveStandardDescriptors();
+
+/// Writes text as UTF-8 to a file descriptor at once, whatever conventions Qt and the locale have.
+class Output
+{
+public:
+    /// \param descriptor not closed by this class.
+    explicit Output(int descriptor) : descriptor_(descriptor) {}
+
+    /// Writes \a text as it is.
+    void write(const QString& text);
+    /// Writes \a text and a line break.
+    void line(const QString& text);
+    /// Whether the reader has gone; all further writing is in vain.
+    bool broken() const;
+    /// Why writing failed, as errno says it; 0 when all has been written.
+    int error() const { return error_; }
+
+private:
+    int descriptor_;
+    int error_ = 0;
+};
+
+/// Throws UsageError when \a path may not be written: when it exists and \a may_replace is not set,
+/// and always when it is no regular file.
+void checkOutputFile(const QString& path, bool may_replace);
+
+/// Writes \a bytes to \a path: to a file beside it first, which takes its place once it is
+/// complete. \param is_secret nobody but the owner may read it, though others might read what it
+/// replaces Throws UsageError; the file is then as it was.
+void saveFile(const QString& path, const QByteArray& bytes, bool is_secret);
+
+} // namespace tovik_host
+
+#endif

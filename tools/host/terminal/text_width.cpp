@@ -1,0 +1,77 @@
+#include "tools/host/terminal/text_width.h"
+
+#include <QChar>
+#include <QVector>
+
+namespace tovik_host {
+
+namespace {
+
+struct Range
+{
+    uint first;
+    uint last;
+};
+
+const Range wide_ranges[] = {
+    {0x1100, 0x115F}, {0x2E80, 0x303E}, {0x3041, 0xA4CF}, {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},
+    {0xFE30, 0xFE6F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}, {0x1F300, 0x1FAFF}, {0x20000, 0x3FFFD}};
+
+int widthOf(uint code)
+{
+    const QChar::Category category = QChar::category(code);
+    const bool no_width = category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing ||
+                          category == QChar::Other_Format;
+    if (no_width && code != 0xAD)
+        return 0;
+    for (const Range& range : wide_ranges) {
+        if (code >= range.first && code <= range.last)
+            return 2;
+    }
+    return 1;
+}
+
+} // namespace
+
+QString printable(const QString& text)
+{
+    QString shown = text;
+    for (QChar& character : shown) {
+        const bool breaks =
+            character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
+        if (character.category() == QChar::Other_Control || breaks)
+            character = QChar(0x00B7);
+    }
+    return shown;
+}
+
+int displayWidth(const QString& text)
+{
+    int width = 0;
+    for (const uint code : text.toUcs4())
+        width += widthOf(code);
+    return width;
+}
+
+QString clipped(const QString& text, int columns)
+{
+    if (displayWidth(text) <= columns)
+        return text;
+    QString kept;
+    int width = 0;
+    for (const uint code : text.toUcs4()) {
+        width += widthOf(code);
+        if (width > columns - 1)
+            break;
+        kept += QString::fromUcs4(&code, 1);
+    }
+    return columns > 0 ? kept + QChar(0x2026) : QString();
+}
+
+QString fitted(const QString& text, int columns)
+{
+    const QString kept = clipped(text, columns);
+    return kept + QString(qMax(0, columns - displayWidth(kept)), QLatin1Char(' '));
+}
+
+} // namespace tovik_host

@@ -1,0 +1,22 @@
+#ifndef TOOLS_HOST_TERMINAL_TEXT_WIDTH_H
+#define TOOLS_HOST_TERMINAL_TEXT_WIDTH_H
+
+#include <QString>
+
+/// \file
+/// Text in columns of a terminal.
+namespace tovik_host {
+
+/// \a text with a visible mark in place of every control character: what a service says must not
+/// steer the user's terminal.
+QString printable(const QString& text);
+/// Columns that \a text takes: none for a combining mark, two for a wide East Asian character.
+int displayWidth(const QString& text);
+/// \a text cut to \a columns, with an ellipsis in the last one if anything was cut.
+QString clipped(const QString& text, int columns);
+/// \a text cut or filled with spaces to exactly \a columns.
+QString fitted(const QString& text, int columns);
+
+} // namespace tovik_host
+
+#endif

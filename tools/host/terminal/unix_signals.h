@@ -1,0 +1,44 @@
+#ifndef TOOLS_HOST_TERMINAL_UNIX_SIGNALS_H
+#define TOOLS_HOST_TERMINAL_UNIX_SIGNALS_H
+
+#include <QObject>
+
+#include <array>
+
+class QSocketNotifier;
+
+namespace tovik_host {
+
+/// Brings the process's signals into the event loop. One may exist at a time.
+class UnixSignals : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Starts to catch interrupt, termination, hang-up and the terminal's change of size, and to
+    /// ignore a reader that has gone.
+    UnixSignals();
+    /// Gives the signals their default meaning back.
+    ~UnixSignals() override;
+
+    /// Whether the program was asked to end.
+    bool endRequested() const { return end_requested_; }
+
+Q_SIGNALS:
+    /// The program was asked to end.
+    void endAsked();
+    /// The terminal has a new size.
+    void terminalResized();
+
+private Q_SLOTS:
+    void onReadable();
+
+private:
+    std::array<int, 2> pipe_ = {-1, -1};
+    QSocketNotifier* notifier_ = nullptr;
+    bool end_requested_ = false;
+};
+
+} // namespace tovik_host
+
+#endif

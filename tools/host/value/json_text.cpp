@@ -1,0 +1,31 @@
+#include "tools/host/value/json_text.h"
+
+#include <cmath>
+
+namespace tovik_host {
+
+OrderedJson jsonValue(const ItemType& type, const std::optional<QString>& value)
+{
+    if (!value)
+        return nullptr;
+    if (!type.is_number)
+        return value->toStdString();
+    bool is_whole = false;
+    const qint64 whole = value->toLongLong(&is_whole);
+    if (is_whole)
+        return whole;
+    const double number = value->toDouble();
+    return std::isfinite(number) ? OrderedJson(number) : OrderedJson(nullptr);
+}
+
+std::string jsonTime(const QDateTime& time)
+{
+    return time.toUTC().toString(Qt::ISODateWithMs).toStdString();
+}
+
+QString jsonLine(const OrderedJson& line)
+{
+    return QString::fromStdString(line.dump(-1, ' ', false, OrderedJson::error_handler_t::replace));
+}
+
+} // namespace tovik_host

@@ -1,0 +1,62 @@
+#ifndef TOOLS_HOST_VALUE_STATUS_TEXT_H
+#define TOOLS_HOST_VALUE_STATUS_TEXT_H
+
+#include "framework/result_code.h"
+
+#include <QString>
+
+namespace tovik_host {
+
+/// Whose status it is: the same number says different things.
+class StatusOf
+{
+public:
+    static const StatusOf service; ///< Of a cloud driver.
+    static const StatusOf device;  ///< Of a driver on the framework, without words of its own.
+
+    /// Of a driver on the framework that has \a words of its own, or null.
+    static constexpr StatusOf deviceWith(const result_code::Words* words)
+    {
+        return StatusOf(true, words);
+    }
+
+    bool isDevice() const { return is_device_; }
+    /// What a device's status says; empty if neither the driver nor the framework has words for it.
+    QString wordsFor(int status) const { return result_code::textOf(status, words_); }
+
+    bool operator==(const StatusOf& other) const
+    {
+        return is_device_ == other.is_device_ && words_ == other.words_;
+    }
+
+private:
+    constexpr StatusOf(bool is_device, const result_code::Words* words)
+        : is_device_(is_device),
+          words_(words)
+    {}
+
+    bool is_device_;
+    const result_code::Words* words_;
+};
+
+inline constexpr StatusOf StatusOf::service{false, nullptr};
+inline constexpr StatusOf StatusOf::device{true, nullptr};
+
+/// What the tool reports for a link that is not open.
+const int offline_status = result_code::not_supported;
+
+/// The status of an answer in words: "ok", "service error 3", or what else it says.
+QString statusText(int status, StatusOf whose = StatusOf::service);
+/// The status as the host sees it: "0", or eight hexadecimal digits behind "0x".
+QString statusCode(int status);
+/// Words and code together, for messages; the code is left out where the words have it already, and
+/// behind "ok".
+QString statusTextWithCode(int status, StatusOf whose);
+/// Whether the service itself has refused something: neither success nor a failure on the way.
+bool isServiceError(int status);
+/// A failed operation's result, as the client gives it, in words.
+QString resultText(int result);
+
+} // namespace tovik_host
+
+#endif

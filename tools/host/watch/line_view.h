@@ -1,0 +1,31 @@
+#ifndef TOOLS_HOST_WATCH_LINE_VIEW_H
+#define TOOLS_HOST_WATCH_LINE_VIEW_H
+
+#include "tools/host/terminal/output.h"
+#include "tools/host/watch/watch_view.h"
+
+namespace tovik_host {
+
+/// Shows a watch as lines of text: one for every change.
+class LineView : public WatchView
+{
+public:
+    /// \param output must outlive the view.
+    explicit LineView(Output& output) : output_(output) {}
+
+    void start(const WatchSubject& subject, const QDateTime& now) override;
+    void valueChanged(const ItemState& state) override;
+    void statusChanged(const WatchModel& model) override;
+    void roundDone(const WatchModel& model, const QDateTime& now) override;
+    void numbersDue(const WatchModel& model, const QDateTime& now) override;
+    void end(const QDateTime& now) override;
+
+private:
+    void line(const QDateTime& time, const QString& text);
+
+    Output& output_;
+};
+
+} // namespace tovik_host
+
+#endif

@@ -1,0 +1,203 @@
+#include "tools/host/watch/table_view.h"
+
+#include "tools/host/terminal/text_width.h"
+#include "tools/host/value/status_text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tovik_host {
+
+namespace {
+
+const std::size_t column_count = 6;
+using Row = std::array<QString, column_count>;
+using Widths = std::array<int, column_count>;
+
+const int gap = 2;
+const int narrowest = 4;
+/// A column of this width still says something.
+const int comfortable = 11;
+/// On a lower screen the items need the line of the driver's numbers.
+const int rows_for_numbers = 8;
+
+const std::size_t type_column = 1;
+const std::size_t bytes_column = 3;
+const std::size_t age_column = 5;
+
+/// \param has_ages whether the driver tells when the service delivered a value; else the last
+///        column is the time since the bytes changed.
+Row columnNames(bool has_ages)
+{
+    return {QStringLiteral("ITEM"),   QStringLiteral("TYPE"),
+            QStringLiteral("VALUE"),  QStringLiteral("BYTES"),
+            QStringLiteral("STATUS"), has_ages ? QStringLiteral("AGE") : QStringLiteral("CHANGED")};
+}
+
+QString ageColumn(const WatchModel& model, int index, const QDateTime& now)
+{
+    if (!model.numbers().tells_ages)
+        return ageText(model.items().at(index).changed_at.secsTo(now));
+    const std::optional<int> age = model.ageOf(index);
+    if (!age)
+        return QStringLiteral("never");
+    const bool is_young = *age < 10000;
+    return is_young ? QStringLiteral("%1 s").arg(*age / 1000.0, 0, 'f', 1) : ageText(*age / 1000);
+}
+
+Row rowOf(const WatchModel& model, int index, const QDateTime& now)
+{
+    const ItemState& state = model.items().at(index);
+    const QString dash(QChar(0x2014));
+    const QString status = !state.answer.arrived      ? QStringLiteral("no answer")
+                           : state.answer.status == 0 ? QStringLiteral("ok")
+                                                      : statusCode(state.answer.status);
+    return {printable(state.item.name),
+            QString::fromLatin1(state.item.type->name),
+            printable(state.value.value_or(dash)),
+            hexText(state.answer.bytes),
+            status,
+            ageColumn(model, index, now)};
+}
+
+Widths naturalWidths(const QVector<Row>& rows)
+{
+    Widths widths = {};
+    for (const Row& row : rows) {
+        for (std::size_t i = 0; i < column_count; ++i)
+            widths[i] = qMax(widths[i], displayWidth(row[i]));
+    }
+    return widths;
+}
+
+int totalWidth(const Widths& widths)
+{
+    int total = -gap;
+    for (const int width : widths)
+        total += width > 0 ? width + gap : 0;
+    return total;
+}
+
+/// Makes the table fit: first columns go that say least, then the widest ones are narrowed. A
+/// column of no width is not shown.
+Widths fittingWidths(Widths widths, int columns)
+{
+    for (const std::size_t dispensable : {bytes_column, type_column, age_column}) {
+        Widths narrowed = widths;
+        for (int& width : narrowed)
+            width = qMin(width, comfortable);
+        if (totalWidth(narrowed) <= columns)
+            break;
+        widths[dispensable] = 0;
+    }
+    while (totalWidth(widths) > columns) {
+        int& widest = *std::max_element(widths.begin(), widths.end());
+        if (widest <= narrowest)
+            break;
+        --widest;
+    }
+    return widths;
+}
+
+QString joined(const Row& row, const Widths& widths, int columns)
+{
+    QString line;
+    for (std::size_t i = 0; i < column_count; ++i) {
+        if (widths[i] > 0)
+            line += fitted(row[i], widths[i]) + QString(gap, QLatin1Char(' '));
+    }
+    while (line.endsWith(QLatin1Char(' ')))
+        line.chop(1);
+    return clipped(line, columns);
+}
+
+void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const WatchModel& model,
+               const QDateTime& now, ScreenSize size)
+{
+    const auto add = [&](const QString& text, LineStyle style) {
+        screen << ScreenLine{clipped(printable(text), size.columns), style};
+    };
+    add(subject.link.isEmpty()
+            ? QStringLiteral("Service  %1   project %2").arg(subject.url, subject.project)
+            : QStringLiteral("Device   %1").arg(subject.link),
+        LineStyle::plain);
+    add(QStringLiteral("Driver   %1").arg(subject.driver_version), LineStyle::plain);
+    const QString since = QStringLiteral(", since %1 (%2)")
+                              .arg(model.statusSince().toString(QStringLiteral("HH:mm:ss")),
+                                   ageText(model.statusSince().secsTo(now)));
+    add(QStringLiteral("Status   ") + statusTextWithCode(model.status(), model.statusOf()) + since,
+        model.status() == 0 ? LineStyle::plain : LineStyle::trouble);
+    const QString numbers = numbersText(model.numbers(), model.readsPerSecond(), now);
+    if (!numbers.isEmpty() && size.rows >= rows_for_numbers)
+        add(QStringLiteral("Metrics  ") + numbers, LineStyle::plain);
+    add(QString(), LineStyle::plain);
+}
+
+void addItems(QVector<ScreenLine>& screen, const WatchModel& model, const QDateTime& now,
+              ScreenSize size)
+{
+    QVector<Row> rows = {columnNames(model.numbers().tells_ages)};
+    for (int i = 0; i < model.items().size(); ++i)
+        rows << rowOf(model, i, now);
+    const Widths widths = fittingWidths(naturalWidths(rows), size.columns);
+    const int room = qMax(2, size.rows - screen.size());
+    const bool all_fit = rows.size() <= room;
+    const int shown = all_fit ? rows.size() : room - 1;
+    for (int i = 0; i < shown; ++i) {
+        const bool trouble = i > 0 && (!model.items().at(i - 1).answer.arrived ||
+                                       model.items().at(i - 1).answer.status != 0);
+        const LineStyle style = i == 0    ? LineStyle::heading
+                                : trouble ? LineStyle::trouble
+                                          : LineStyle::plain;
+        screen << ScreenLine{joined(rows.at(i), widths, size.columns), style};
+    }
+    if (!all_fit) {
+        const QString rest =
+            QStringLiteral("%1 %2 more items").arg(QChar(0x2026)).arg(rows.size() - shown);
+        screen << ScreenLine{clipped(rest, size.columns), LineStyle::log};
+    }
+}
+
+void addLog(QVector<ScreenLine>& screen, const QStringList& log, ScreenSize size)
+{
+    const int room = size.rows - screen.size() - 2;
+    if (log.isEmpty() || room < 1)
+        return;
+    screen << ScreenLine{QString(), LineStyle::plain};
+    screen << ScreenLine{clipped(QStringLiteral("LOG OF THE DRIVER"), size.columns),
+                         LineStyle::heading};
+    for (const QString& line : log.mid(qMax(0, log.size() - room)))
+        screen << ScreenLine{clipped(printable(line), size.columns), LineStyle::log};
+}
+
+} // namespace
+
+QVector<ScreenLine> drawTable(const WatchSubject& subject, const WatchModel& model,
+                              const QStringList& log, const QDateTime& now, ScreenSize size)
+{
+    QVector<ScreenLine> screen;
+    addHeader(screen, subject, model, now, size);
+    addItems(screen, model, now, size);
+    addLog(screen, log, size);
+    return screen;
+}
+
+QString ageText(qint64 seconds)
+{
+    struct Unit
+    {
+        qint64 seconds;
+        const char* name;
+    };
+    static const Unit units[] = {{86400, "d"}, {3600, "h"}, {60, "min"}};
+    for (const Unit& unit : units) {
+        if (seconds >= unit.seconds) {
+            return QStringLiteral("%1 %2")
+                .arg(seconds / unit.seconds)
+                .arg(QLatin1String(unit.name));
+        }
+    }
+    return QStringLiteral("%1 s").arg(qMax(qint64(0), seconds));
+}
+
+} // namespace tovik_host

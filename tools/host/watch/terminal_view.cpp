@@ -1,0 +1,92 @@
+#include "tools/host/watch/terminal_view.h"
+
+#include <sys/ioctl.h>
+
+namespace tovik_host {
+
+namespace {
+
+const int log_lines = 5;
+
+ScreenSize terminalSize(int descriptor)
+{
+    winsize size = {};
+    if (ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0)
+        return {80, 24};
+    return {size.ws_col, size.ws_row};
+}
+
+QLatin1String styleStart(LineStyle style)
+{
+    switch (style) {
+    case LineStyle::heading:
+        return QLatin1String("\033[1m");
+    case LineStyle::trouble:
+        return QLatin1String("\033[31m");
+    case LineStyle::log:
+        return QLatin1String("\033[2m");
+    case LineStyle::plain:
+        break;
+    }
+    return QLatin1String("");
+}
+
+} // namespace
+
+TerminalView::TerminalView(int descriptor, Output& output, const DebugLog& log, bool shows_log)
+    : descriptor_(descriptor),
+      output_(output),
+      log_(log),
+      shows_log_(shows_log),
+      has_colours_(qEnvironmentVariableIsEmpty("NO_COLOR"))
+{}
+
+void TerminalView::start(const WatchSubject& subject, const QDateTime&)
+{
+    subject_ = subject;
+}
+
+void TerminalView::valueChanged(const ItemState&) {}
+
+void TerminalView::statusChanged(const WatchModel&) {}
+
+void TerminalView::roundDone(const WatchModel& model, const QDateTime& now)
+{
+    ScreenSize size = terminalSize(descriptor_);
+    // The cursor rests on the line below the table.
+    size.rows -= 1;
+    const QStringList log = shows_log_ ? log_.lastLines(log_lines) : QStringList();
+    const QVector<ScreenLine> screen = drawTable(subject_, model, log, now, size);
+
+    // The cursor is hidden while it wanders only: however the program ends, it is there again.
+    QString frame = QStringLiteral("\033[?25l");
+    if (from_empty_screen_)
+        frame += QStringLiteral("\033[H\033[J");
+    else if (drawn_lines_ > 0)
+        frame += QStringLiteral("\033[%1A").arg(drawn_lines_);
+    for (const ScreenLine& line : screen) {
+        const QLatin1String style = styleStart(line.style);
+        const bool styled = has_colours_ && style.size() > 0;
+        frame += styled ? style + line.text + QLatin1String("\033[0m") : line.text;
+        frame += QStringLiteral("\033[K\r\n");
+    }
+    frame += QStringLiteral("\033[J\033[?25h");
+    output_.write(frame);
+    drawn_lines_ = screen.size();
+    from_empty_screen_ = false;
+}
+
+void TerminalView::numbersDue(const WatchModel&, const QDateTime&) {}
+
+void TerminalView::end(const QDateTime&)
+{
+    // The terminal itself has echoed the key that ended the program.
+    output_.write(QStringLiteral("\r\033[K"));
+}
+
+void TerminalView::resized()
+{
+    from_empty_screen_ = true;
+}
+
+} // namespace tovik_host

@@ -1,0 +1,43 @@
+#ifndef TOOLS_HOST_WATCH_TERMINAL_VIEW_H
+#define TOOLS_HOST_WATCH_TERMINAL_VIEW_H
+
+#include "tools/host/terminal/debug_log.h"
+#include "tools/host/terminal/output.h"
+#include "tools/host/watch/table_view.h"
+
+namespace tovik_host {
+
+/// Shows a watch on a terminal: a table that is redrawn in place, with the driver's log below.
+class TerminalView : public WatchView
+{
+public:
+    /// \param descriptor the terminal's, for its size.
+    /// \param output, log must outlive the view.
+    /// \param shows_log false: the log goes elsewhere, and is not shown.
+    TerminalView(int descriptor, Output& output, const DebugLog& log, bool shows_log);
+
+    void start(const WatchSubject& subject, const QDateTime& now) override;
+    void valueChanged(const ItemState& state) override;
+    void statusChanged(const WatchModel& model) override;
+    void roundDone(const WatchModel& model, const QDateTime& now) override;
+    void numbersDue(const WatchModel& model, const QDateTime& now) override;
+    void end(const QDateTime& now) override;
+
+    /// The next drawing starts on an emptied screen: what the old size left there is no longer
+    /// where it was drawn.
+    void resized();
+
+private:
+    int descriptor_;
+    Output& output_;
+    const DebugLog& log_;
+    bool shows_log_;
+    bool has_colours_;
+    WatchSubject subject_;
+    int drawn_lines_ = 0;
+    bool from_empty_screen_ = false;
+};
+
+} // namespace tovik_host
+
+#endif

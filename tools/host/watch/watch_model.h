@@ -1,0 +1,61 @@
+#ifndef TOOLS_HOST_WATCH_WATCH_MODEL_H
+#define TOOLS_HOST_WATCH_WATCH_MODEL_H
+
+#include "tools/host/config/config.h"
+#include "tools/host/driver/driver_session.h"
+#include "tools/host/value/metrics.h"
+
+#include <QDateTime>
+#include <QVector>
+
+#include <optional>
+
+namespace tovik_host {
+
+/// What is known of one watched item.
+struct ItemState
+{
+    ItemConfig item;
+    Answer answer;                ///< The latest one.
+    std::optional<QString> value; ///< The answer's bytes as text, if they are a value of the type.
+    QDateTime changed_at;         ///< When the bytes changed last.
+};
+
+/// The watched items and the driver's status, as the rounds of reads show them.
+class WatchModel
+{
+public:
+    WatchModel(const QVector<ItemConfig>& items, const QDateTime& now);
+
+    /// Takes the answer for the item at \a index. True: its bytes are new.
+    bool take(int index, const Answer& answer, const QDateTime& now);
+    /// Ends a round: the driver's status is the first one of the round that is not 0. True: it is
+    /// another one than before.
+    bool endRound(const QDateTime& now);
+    /// Takes the driver's numbers at a moment, in milliseconds of a steady clock.
+    void takeNumbers(const DriverNumbers& numbers, qint64 moment);
+
+    const QVector<ItemState>& items() const { return items_; }
+    int status() const { return status_; }
+    StatusOf statusOf() const { return status_of_; }
+    const QDateTime& statusSince() const { return status_since_; }
+    const DriverNumbers& numbers() const { return numbers_; }
+    std::optional<double> readsPerSecond() const { return read_rate_.perSecond(); }
+    /// Milliseconds since the service delivered the value of the item at \a index; nothing: it
+    /// never did, or the driver does not tell.
+    std::optional<int> ageOf(int index) const { return numbers_.ages.value(index); }
+
+private:
+    QVector<ItemState> items_;
+    QVector<bool> has_value_;
+    int status_ = 0;
+    int round_status_ = 0;
+    StatusOf status_of_ = StatusOf::service;
+    QDateTime status_since_;
+    DriverNumbers numbers_;
+    ReadRate read_rate_;
+};
+
+} // namespace tovik_host
+
+#endif

@@ -1,0 +1,38 @@
+#ifndef TOOLS_HOST_WATCH_WATCH_VIEW_H
+#define TOOLS_HOST_WATCH_WATCH_VIEW_H
+
+#include "tools/host/watch/watch_model.h"
+
+#include <QString>
+
+namespace tovik_host {
+
+/// What a watch is about; the same from its start to its end.
+struct WatchSubject
+{
+    QString library;        ///< The file of the driver library.
+    QString driver_version; ///< "major.minor.patch".
+    QString url;            ///< Of the service, without any password.
+    QString project;
+    QString link = QString(); ///< To a device, which has neither service nor project.
+};
+
+/// A way to show a watch.
+class WatchView
+{
+public:
+    virtual ~WatchView() = default;
+
+    virtual void start(const WatchSubject& subject, const QDateTime& now) = 0;
+    virtual void valueChanged(const ItemState& state) = 0;
+    virtual void statusChanged(const WatchModel& model) = 0;
+    /// All items have been read, or a while has passed.
+    virtual void roundDone(const WatchModel& model, const QDateTime& now) = 0;
+    /// The time between two reports of the driver's numbers is over.
+    virtual void numbersDue(const WatchModel& model, const QDateTime& now) = 0;
+    virtual void end(const QDateTime& now) = 0;
+};
+
+} // namespace tovik_host
+
+#endif

@@ -7,25 +7,12 @@
 
 #include <cstdio>
 
-namespace {
-
-/// The commands rely on the driver's debug lines, which an environment may have switched off; of
-/// several rules the last one counts.
-void enableDebugLines()
-{
-    const char variable[] = "QT_LOGGING_RULES";
-    qputenv(variable, qgetenv(variable) + ";default.debug=true");
-}
-
-} // namespace
-
 int main(int argc, char** argv)
 {
     tovik_host::reserveStandardDescriptors();
     const tovik_host::ParsedCommandLine parsed = tovik_host::parseCommandLine(argc, argv);
     if (!parsed.run)
         return parsed.exit_code;
-    enableDebugLines();
     const QCoreApplication application(argc, argv);
     try {
         return parsed.run();

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void refusesValues_data();
     void refusesValues();
     void takesNegativeNumbers();
+    void needsNoDebugLines();
     void endsOnSignal();
 };
 
@@ -50,6 +51,8 @@ void TestHostProgramWrite::saysHowFarItCame_data()
         "tovik-host: A: no connection: service error 1 (0x400F0001)");
     row("not reachable", "unreachable", "hex:0500", {}, 1,
         "tovik-host: A: no connection: service not reachable");
+    row("a library that tells nothing", "older", "hex:0500", {}, 1,
+        "tovik-host: A: this library does not tell what becomes of a write");
     row("no word at all", "slow", "hex:0500", {}, 1, "tovik-host: A: no connection");
 }
 
@@ -109,6 +112,18 @@ void TestHostProgramWrite::takesNegativeNumbers()
     QCOMPARE(host.output(), QStringLiteral("A = -12  sent\n"));
     QCOMPARE(host.run({QStringLiteral("write"), QStringLiteral("F"), QStringLiteral("-2.5")}), 0);
     QCOMPARE(host.output(), QStringLiteral("F = -2.5  sent\n"));
+}
+
+/// An environment may have switched them off.
+void TestHostProgramWrite::needsNoDebugLines()
+{
+    qputenv("QT_LOGGING_RULES", "*.debug=false");
+    HostProcess host;
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    const int code = host.run({QStringLiteral("write"), QStringLiteral("A"), QStringLiteral("6")});
+    qunsetenv("QT_LOGGING_RULES");
+    QCOMPARE(code, 0);
+    QCOMPARE(host.output(), QStringLiteral("A = 6  sent\n"));
 }
 
 void TestHostProgramWrite::endsOnSignal()

@@ -10,40 +10,19 @@ namespace tovik_host {
 
 namespace {
 
-/// What the driver's debug lines have told so far.
-struct Progress
-{
-    bool connected = false;
-    bool sent = false;
-    bool failed = false;
-
-    void take(const QString& line)
-    {
-        connected =
-            connected || line.contains(QLatin1String("[TOVIK IoT] Connected to Cloud Success!"));
-        sent = sent || line.contains(QLatin1String("[TOVIK IoT] Write value done!"));
-        failed = failed || line.contains(QLatin1String("[TOVIK IoT] Write value fail!"));
-    }
-};
-
-/// Follows the status for the connection: one that is 0 again after an error means a connection,
-/// of which no debug line tells.
+/// Follows the driver until it is connected, or it is known that it will not be.
 class Connection
 {
 public:
-    bool isDecided(DriverSession& session, const ItemConfig& item, const Progress& progress)
+    bool isDecided(DriverSession& session, const ItemConfig& item)
     {
         status = session.read(item.name, item.length).status;
-        had_error_ = had_error_ || status != 0;
-        made = progress.connected || (had_error_ && status == 0);
+        made = session.numbers().connected.value_or(false);
         return made || isServiceError(status);
     }
 
     bool made = false;
     int status = 0;
-
-private:
-    bool had_error_ = false;
 };
 
 QString withStatus(const QString& problem, int status)
@@ -53,7 +32,7 @@ QString withStatus(const QString& problem, int status)
     return QStringLiteral("%1: %2 (%3)").arg(problem, statusText(status), statusCode(status));
 }
 
-/// The status follows the driver's debug line a moment later.
+/// The status follows the driver's count of failed writes a moment later.
 int statusOfFailure(Workplace& place, DriverSession& session, const ItemConfig& item)
 {
     int status = 0;
@@ -90,29 +69,34 @@ QString sendValue(Workplace& place, const ItemConfig& item, const QByteArray& by
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    Progress progress;
-    QObject context;
-    QObject::connect(
-        &place.log, &DebugLog::lineArrived, &context,
-        [&](const QString& line) { progress.take(line); }, Qt::QueuedConnection);
     HostConfig config = place.config;
     config.error_handling = ErrorHandling();
     DriverSession session(place.plugin, config, {ServedItem{item, std::nullopt}});
 
+    if (!session.numbers().write_count)
+        return QStringLiteral("this library does not tell what becomes of a write");
+
     Connection connection;
     Waited waited = waitUntil(place.unix_signals, milliseconds,
-                              [&] { return connection.isDecided(session, item, progress); });
+                              [&] { return connection.isDecided(session, item); });
     if (!connection.made)
         return unfinished(waited, withStatus(QStringLiteral("no connection"), connection.status));
 
+    const DriverNumbers before = session.numbers();
+    DriverNumbers now = before;
     session.write(item.name, bytes);
-    waited = waitUntil(place.unix_signals, milliseconds - int(elapsed.elapsed()),
-                       [&] { return progress.sent || progress.failed; });
+    waited = waitUntil(place.unix_signals, milliseconds - int(elapsed.elapsed()), [&] {
+        now = session.numbers();
+        return now.write_count != before.write_count ||
+               now.failed_write_count != before.failed_write_count;
+    });
     if (waited != Waited::met) {
         return unfinished(waited, QStringLiteral("no answer to the write in time; the service may "
                                                  "have taken the value"));
     }
-    return progress.failed ? failureText(statusOfFailure(place, session, item)) : QString();
+    return now.write_count != before.write_count
+               ? QString()
+               : failureText(statusOfFailure(place, session, item));
 }
 
 } // namespace tovik_host

@@ -9,9 +9,9 @@ namespace tovik_host {
 
 /// Raises a write of \a bytes and runs the driver until it says that the service has the value.
 ///
-/// The driver's answer to a write comes at once and says nothing about the service, so its debug
-/// lines tell: when it has connected, and whether the value was sent.
-/// \return what went wrong; empty when nothing did.
+/// The driver's answer to a write comes at once and says nothing about the service; its numbers
+/// tell whether it is connected, and whether the value was sent. \return what went wrong; empty
+/// when nothing did.
 QString sendValue(Workplace& place, const ItemConfig& item, const QByteArray& bytes,
                   int milliseconds);
 

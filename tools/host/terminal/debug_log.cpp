@@ -74,24 +74,21 @@ QStringList DebugLog::lastLines(int count) const
 
 void DebugLog::take(const QString& line)
 {
-    {
-        const QMutexLocker locker(&lock_);
-        if (!lines_.isEmpty() && lines_.last().text == line)
-            ++lines_.last().count;
-        else
-            lines_ << KeptLine{line, 1};
-        if (lines_.size() > kept_lines)
-            lines_.removeFirst();
-        const QByteArray bytes = line.toUtf8();
-        if (file_) {
-            const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
-            std::fprintf(file_, "%s %s\n", time.toUtf8().constData(), bytes.constData());
-            std::fflush(file_);
-        }
-        if (echoes_)
-            std::fprintf(stderr, "%s\n", bytes.constData());
+    const QMutexLocker locker(&lock_);
+    if (!lines_.isEmpty() && lines_.last().text == line)
+        ++lines_.last().count;
+    else
+        lines_ << KeptLine{line, 1};
+    if (lines_.size() > kept_lines)
+        lines_.removeFirst();
+    const QByteArray bytes = line.toUtf8();
+    if (file_) {
+        const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
+        std::fprintf(file_, "%s %s\n", time.toUtf8().constData(), bytes.constData());
+        std::fflush(file_);
     }
-    Q_EMIT lineArrived(line);
+    if (echoes_)
+        std::fprintf(stderr, "%s\n", bytes.constData());
 }
 
 } // namespace tovik_host

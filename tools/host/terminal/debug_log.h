@@ -2,7 +2,6 @@
 #define TOOLS_HOST_TERMINAL_DEBUG_LOG_H
 
 #include <QMutex>
-#include <QObject>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -13,15 +12,14 @@ namespace tovik_host {
 
 /// Catches the debug lines of the driver library, which come through Qt and from any thread, and
 /// keeps them off the program's own output. One may exist at a time.
-class DebugLog : public QObject
+class DebugLog
 {
-    Q_OBJECT
-
 public:
     /// Takes over Qt's messages.
     DebugLog();
     /// Gives Qt's messages back.
-    ~DebugLog() override;
+    ~DebugLog();
+    Q_DISABLE_COPY(DebugLog)
 
     /// Appends every further line, with its time, to the file \a path. Throws UsageError.
     void writeToFile(const QString& path);
@@ -32,10 +30,6 @@ public:
     QStringList lastLines(int count) const;
     /// Keeps one line. Thread-safe.
     void take(const QString& line);
-
-Q_SIGNALS:
-    /// A line came; emitted in the thread that wrote it. Connect with Qt::QueuedConnection.
-    void lineArrived(const QString& line);
 
 private:
     struct KeptLine

@@ -68,7 +68,12 @@ DriverNumbers readNumbers(const QObject& driver)
     numbers.cycle = timeOf(driver.property("cycle_milliseconds"));
     numbers.longest_cycle = timeOf(driver.property("longest_cycle_milliseconds"));
     numbers.read_count = countOf<uint>(driver, "read_count");
+    numbers.write_count = countOf<uint>(driver, "write_count");
+    numbers.failed_write_count = countOf<uint>(driver, "failed_write_count");
     numbers.reconnect_count = countOf<int>(driver, "reconnect_count");
+    const QVariant connected = driver.property("connected");
+    if (connected.type() == QVariant::Bool)
+        numbers.connected = connected.toBool();
     numbers.last_error = countOf<int>(driver, "last_error");
     numbers.last_error_age = timeOf(driver.property("last_error_age"));
     const QVariant ages = driver.property("item_ages");

@@ -21,7 +21,10 @@ struct DriverNumbers
     std::optional<int> cycle;         ///< Duration of the latest whole cycle.
     std::optional<int> longest_cycle; ///< Of the longest one.
     std::optional<uint> read_count;
+    std::optional<uint> write_count;        ///< Writes that the service has taken.
+    std::optional<uint> failed_write_count; ///< Writes that failed.
     std::optional<int> reconnect_count;
+    std::optional<bool> connected; ///< To the service, and without a failure since.
     std::optional<int> last_error; ///< The client's result; 0: there was none.
     std::optional<int> last_error_age;
     /// Whether the driver tells ages of values at all, and those of the served items in their

@@ -68,6 +68,9 @@ FakeDriver::FakeDriver(DrvEthernet* link)
     connect(&connect_timer_, &QTimer::timeout, this, &FakeDriver::connectOnce);
     connect(&cycle_timer_, &QTimer::timeout, this, &FakeDriver::cycle);
     connect_timer_.start(connect_milliseconds);
+    tell("connected", false);
+    tell("write_count", write_count_);
+    tell("failed_write_count", failed_write_count_);
     qDebug() << "[Fake] error handling" << link->driver_specific_data.size() << "settings, type"
              << link->GetDriverSpecificData(QStringLiteral("tovik_iot_err_handle_type")).toInt();
 }
@@ -75,6 +78,13 @@ FakeDriver::FakeDriver(DrvEthernet* link)
 FakeDriver::~FakeDriver()
 {
     qDebug() << (released_ ? "[Fake] deleted after release" : "[Fake] deleted without release");
+}
+
+/// As the real driver tells it, by a property.
+void FakeDriver::tell(const char* property, const QVariant& value)
+{
+    if (property_.project != QLatin1String("older"))
+        setProperty(property, value);
 }
 
 void FakeDriver::connectOnce()
@@ -90,6 +100,7 @@ void FakeDriver::connectOnce()
     if (slow || status_ != 0)
         return;
     connect_timer_.stop();
+    tell("connected", true);
     cycle_timer_.start(cycle_milliseconds);
     // A connection after an error is not announced.
     if (attempts_ == 1)
@@ -142,22 +153,20 @@ void FakeDriver::finishWrite(const QString& id, const QByteArray& bytes)
 {
     if (id.startsWith(QLatin1String("lost:")))
         return;
-    if (id.startsWith(QLatin1String("ro:"))) {
+    const bool is_refused = id.startsWith(QLatin1String("ro:"));
+    const bool is_garbled = id.startsWith(QLatin1String("garbled:"));
+    if (is_refused || is_garbled || id.startsWith(QLatin1String("oddcode:"))) {
+        tell("failed_write_count", ++failed_write_count_);
         say("[TOVIK IoT] Write value fail!");
-        QTimer::singleShot(50, this, [this] { status_ = status_8; });
-        return;
-    }
-    if (id.startsWith(QLatin1String("garbled:"))) {
-        say("[TOVIK IoT] Write value fail!");
-        QTimer::singleShot(50, this, [this] { status_ = 0x400F0256; });
-        return;
-    }
-    if (id.startsWith(QLatin1String("oddcode:"))) {
-        say("[TOVIK IoT] Write value fail!");
+        if (is_refused || is_garbled) {
+            const int status = is_refused ? status_8 : status_256;
+            QTimer::singleShot(50, this, [this, status] { status_ = status; });
+        }
         return;
     }
     if (!id.startsWith(QLatin1String("forgets:")))
         writtenValues()[id] = bytes;
+    tell("write_count", ++write_count_);
     say("[TOVIK IoT] Write value done!");
 }
 

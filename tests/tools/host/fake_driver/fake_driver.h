@@ -18,6 +18,7 @@
 ///   "unreachable"  the service cannot be reached
 ///   "late"         the service cannot be reached at first; then the driver connects
 ///   "mute"         no request is answered
+///   "older"        the driver tells neither of its connection nor of writes
 ///
 /// An item's id says what the service has for it; cycles walk along the values:
 ///   "hex:4600/4700"  these bytes
@@ -51,6 +52,7 @@ private:
         QByteArray cached;
     };
 
+    void tell(const char* property, const QVariant& value);
     void finishWrite(const QString& id, const QByteArray& bytes);
 
     PropertyTovikIot property_;
@@ -61,6 +63,8 @@ private:
     int attempts_ = 0;
     int cycles_ = 0;
     bool released_ = false;
+    uint write_count_ = 0;
+    uint failed_write_count_ = 0;
 };
 
 #endif

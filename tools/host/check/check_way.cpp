@@ -1,5 +1,7 @@
 #include "tools/host/check/check_way.h"
 
+#include "cloud/error_handling.h"
+
 namespace tovik_host {
 
 namespace {
@@ -74,16 +76,20 @@ QString connectAdvice(ProbeEnd end)
 
 } // namespace
 
-CheckStep judgeErrorHandling(const ErrorHandling& handling)
+CheckStep judgeErrorHandling(const ErrorHandling& settings)
 {
-    const int type = handling.type;
-    if (type == 0 || type == 2)
-        return makeStep("settings", Judgement::ok, QStringLiteral("reconnects every second"));
-    if (type == 1 && handling.return_time_enabled) {
-        return makeStep("settings", Judgement::ok,
-                        QStringLiteral("reconnects every %1 s").arg(handling.return_time));
+    // As the driver asks them.
+    ::ErrorHandling handling;
+    handling.type = settings.type;
+    handling.return_time_en = settings.return_time_enabled;
+    handling.restore_switch_bs_en = settings.restore_switch_enabled;
+    if (handling.reconnectsByTimer()) {
+        const QString every =
+            settings.type == 1 ? QStringLiteral("reconnects every %1 s").arg(settings.return_time)
+                               : QStringLiteral("reconnects every second");
+        return makeStep("settings", Judgement::ok, every);
     }
-    if (type == 3 || (type == 1 && handling.restore_switch_enabled)) {
+    if (handling.reconnectsByReads()) {
         return makeStep("settings", Judgement::ok,
                         QStringLiteral("reconnects when the host reads: every second read in an "
                                        "error tries once"));

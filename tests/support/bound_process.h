@@ -3,25 +3,22 @@
 
 #include <QProcess>
 
-#ifdef Q_OS_LINUX
-#include <csignal>
-#include <sys/prctl.h>
-#endif
-
-/// A process that goes with the one that started it, however that ends. To be started by the main
-/// thread: on Linux it ends with the thread that started it.
+/// A program that a test starts, and that goes with it, however the test ends. To be started by the
+/// main thread: on Linux it ends with the thread that started it.
 class BoundProcess : public QProcess
 {
 public:
     using QProcess::QProcess;
+    /// Ends it by force if it still runs.
+    ~BoundProcess() override;
+
+    /// Waits for its end, with all the time that a busy machine may take.
+    /// \return the exit code, or -1 if it does not end, or not by itself
+    int waitForExitCode();
+    void sendSignal(int number);
 
 protected:
-    void setupChildProcess() override
-    {
-#ifdef Q_OS_LINUX
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-#endif
-    }
+    void setupChildProcess() override;
 };
 
 #endif

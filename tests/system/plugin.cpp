@@ -1,7 +1,7 @@
 #include "tests/system/plugin.h"
 
 #include "interface/drvlib.h"
-#include "tests/tools/service/cloud_process.h"
+#include "tests/support/cloud_process.h"
 
 #include <dlfcn.h>
 

@@ -1,6 +1,6 @@
+#include "tests/support/cloud_process.h"
 #include "tests/support/log_recorder.h"
 #include "tests/system/plugin.h"
-#include "tests/tools/service/cloud_process.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

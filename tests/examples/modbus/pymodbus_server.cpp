@@ -32,8 +32,5 @@ PymodbusServer::PymodbusServer(modbus::Transport transport, const QString& port_
 PymodbusServer::~PymodbusServer()
 {
     process_.closeWriteChannel();
-    if (!process_.waitForFinished(patience)) {
-        process_.kill();
-        process_.waitForFinished(patience);
-    }
+    process_.waitForFinished(patience);
 }

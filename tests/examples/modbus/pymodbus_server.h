@@ -2,8 +2,9 @@
 #define TESTS_EXAMPLES_MODBUS_PYMODBUS_SERVER_H
 
 #include "examples/modbus/modbus_request.h"
+#include "tests/support/bound_process.h"
 
-#include <QProcess>
+#include <QString>
 
 /// The device of the interoperability tests on pymodbus, as a child process: on a free port of the
 /// loopback interface, or on a serial port.
@@ -18,7 +19,7 @@ public:
 private:
     Q_DISABLE_COPY(PymodbusServer)
 
-    QProcess process_;
+    BoundProcess process_;
     int port_ = 0;
 };
 

@@ -4,8 +4,8 @@
 // measured.
 #include "tests/reliability/bursts/write_log.h"
 #include "tests/reliability/process_facts.h"
+#include "tests/support/cloud_process.h"
 #include "tests/system/plugin.h"
-#include "tests/tools/service/cloud_process.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -3,8 +3,8 @@
 
 #include "tests/reliability/soak/fault_plan.h"
 #include "tests/reliability/soak/judge.h"
+#include "tests/support/cloud_process.h"
 #include "tests/system/plugin.h"
-#include "tests/tools/service/cloud_process.h"
 
 #include <QElapsedTimer>
 #include <QObject>

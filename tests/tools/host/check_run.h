@@ -1,8 +1,8 @@
 #ifndef TESTS_TOOLS_HOST_CHECK_RUN_H
 #define TESTS_TOOLS_HOST_CHECK_RUN_H
 
-#include "tests/tools/host/host_process.h"
-#include "tests/tools/service/cloud_process.h"
+#include "tests/support/cloud_process.h"
+#include "tests/support/host_process.h"
 
 /// One run of the command "check" against the simulated service, with two items that are well.
 class CheckRun

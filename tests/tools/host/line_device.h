@@ -1,7 +1,7 @@
 #ifndef TESTS_TOOLS_HOST_LINE_DEVICE_H
 #define TESTS_TOOLS_HOST_LINE_DEVICE_H
 
-#include "tests/compat/pty.h"
+#include "tests/support/pty.h"
 
 #include <QList>
 #include <QMap>

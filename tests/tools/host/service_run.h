@@ -1,7 +1,7 @@
 #ifndef TESTS_TOOLS_HOST_SERVICE_RUN_H
 #define TESTS_TOOLS_HOST_SERVICE_RUN_H
 
-#include "tests/tools/host/host_process.h"
+#include "tests/support/host_process.h"
 
 #include <QString>
 #include <QStringList>

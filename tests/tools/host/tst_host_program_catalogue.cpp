@@ -1,5 +1,5 @@
+#include "tests/support/cloud_process.h"
 #include "tests/tools/host/service_run.h"
-#include "tests/tools/service/cloud_process.h"
 
 #include <QtTest>
 

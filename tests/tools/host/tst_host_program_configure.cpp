@@ -1,6 +1,6 @@
-#include "tests/compat/pty.h"
+#include "tests/support/cloud_process.h"
+#include "tests/support/pty.h"
 #include "tests/tools/host/service_run.h"
-#include "tests/tools/service/cloud_process.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
-#include "tests/tools/host/host_process.h"
-#include "tests/tools/service/cloud_process.h"
+#include "tests/support/cloud_process.h"
+#include "tests/support/host_process.h"
 
 #include <QFile>
 #include <QtTest>

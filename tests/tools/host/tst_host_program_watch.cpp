@@ -1,4 +1,4 @@
-#include "tests/tools/host/host_process.h"
+#include "tests/support/host_process.h"
 
 #include <QRegularExpression>
 #include <QtTest>

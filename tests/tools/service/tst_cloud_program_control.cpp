@@ -1,4 +1,4 @@
-#include "tests/tools/service/cloud_process.h"
+#include "tests/support/cloud_process.h"
 #include "tests/tools/service/raw_client.h"
 
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "tests/tools/host/host_process.h"
+#include "tests/support/host_process.h"
 #include "tests/tools/host/line_device.h"
 #include "tools/host/driver/device_host.h"
 #include "tools/host/terminal/debug_log.h"

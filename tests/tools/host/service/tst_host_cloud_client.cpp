@@ -1,4 +1,4 @@
-#include "tests/tools/service/cloud_process.h"
+#include "tests/support/cloud_process.h"
 #include "tools/host/service/cloud_client.h"
 
 #include "cloud/tovik_iot.h"

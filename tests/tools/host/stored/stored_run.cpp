@@ -1,6 +1,6 @@
 #include "tests/tools/host/stored/stored_run.h"
 
-#include "tests/tools/host/host_process.h"
+#include "tests/support/host_process.h"
 
 #include <QFile>
 

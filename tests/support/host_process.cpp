@@ -1,9 +1,7 @@
-#include "tests/tools/host/host_process.h"
+#include "tests/support/host_process.h"
 
 #include <QElapsedTimer>
 #include <QFile>
-
-#include <csignal>
 
 namespace {
 
@@ -18,14 +16,6 @@ HostProcess::HostProcess(const QString& project)
                           {"email", "operator@example.com"},
                           {"password", "secret"}};
     config_["items"] = nlohmann::json::array();
-}
-
-HostProcess::~HostProcess()
-{
-    if (process_.state() == QProcess::NotRunning)
-        return;
-    process_.kill();
-    process_.waitForFinished();
 }
 
 QString HostProcess::program()
@@ -111,9 +101,7 @@ void HostProcess::startBare(const QStringList& arguments)
 
 int HostProcess::wait()
 {
-    if (process_.state() != QProcess::NotRunning && !process_.waitForFinished(longest_wait))
-        return -1;
-    return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+    return process_.waitForExitCode();
 }
 
 int HostProcess::run(const QStringList& arguments)
@@ -136,7 +124,7 @@ bool HostProcess::waitForOutput(const QString& text)
 
 void HostProcess::sendSignal(int number)
 {
-    ::kill(static_cast<pid_t>(process_.processId()), number);
+    process_.sendSignal(number);
 }
 
 QString HostProcess::output()

@@ -1,5 +1,5 @@
-#ifndef TESTS_TOOLS_SERVICE_CLOUD_PROCESS_H
-#define TESTS_TOOLS_SERVICE_CLOUD_PROCESS_H
+#ifndef TESTS_SUPPORT_CLOUD_PROCESS_H
+#define TESTS_SUPPORT_CLOUD_PROCESS_H
 
 #include "tests/support/bound_process.h"
 
@@ -27,7 +27,6 @@ class CloudProcess
 {
 public:
     CloudProcess();
-    ~CloudProcess();
     CloudProcess(const CloudProcess&) = delete;
     CloudProcess& operator=(const CloudProcess&) = delete;
 

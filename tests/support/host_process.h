@@ -1,9 +1,10 @@
-#ifndef TESTS_TOOLS_HOST_HOST_PROCESS_H
-#define TESTS_TOOLS_HOST_HOST_PROCESS_H
+#ifndef TESTS_SUPPORT_HOST_PROCESS_H
+#define TESTS_SUPPORT_HOST_PROCESS_H
+
+#include "tests/support/bound_process.h"
 
 #include <nlohmann/json.hpp>
 
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -15,7 +16,6 @@ class HostProcess
 public:
     /// The account and the project of the configuration; the items come with addItem().
     explicit HostProcess(const QString& project = QStringLiteral("plant"));
-    ~HostProcess();
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
 
@@ -63,7 +63,7 @@ private:
     QStringList withConfig(const QStringList& arguments) const;
 
     QTemporaryDir folder_;
-    QProcess process_;
+    BoundProcess process_;
     nlohmann::json config_;
     QString driver_ = fakeDriver();
     QByteArray output_;

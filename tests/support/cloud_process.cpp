@@ -1,6 +1,6 @@
 #include <httplib.h>
 
-#include "tests/tools/service/cloud_process.h"
+#include "tests/support/cloud_process.h"
 
 #include <QRegularExpression>
 
@@ -40,14 +40,6 @@ CloudProcess::CloudProcess()
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-CloudProcess::~CloudProcess()
-{
-    if (process_.state() != QProcess::NotRunning) {
-        process_.kill();
-        process_.waitForFinished(patience);
-    }
-}
-
 QString CloudProcess::program()
 {
     return QStringLiteral(TOVIK_CLOUD_PROGRAM);
@@ -83,9 +75,8 @@ bool CloudProcess::startProject(const QString& project, const QStringList& optio
 
 int CloudProcess::stop(int signal)
 {
-    ::kill(static_cast<pid_t>(process_.processId()), signal);
-    const bool finished = process_.waitForFinished(patience);
-    return finished && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+    process_.sendSignal(signal);
+    return process_.waitForExitCode();
 }
 
 std::string CloudProcess::log()

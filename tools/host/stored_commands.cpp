@@ -1,7 +1,9 @@
 #include "tools/host/stored_commands.h"
 
 #include "tools/host/command_options.h"
-#include "tools/host/stored_convert.h"
+#include "tools/host/stored/convert.h"
+
+#include <memory>
 
 namespace tovik_host {
 
@@ -36,143 +38,103 @@ const char show_text[] =
     "\n"
     "Exit codes: 0 done; 1 the stream is damaged; 2 usage or file is wrong.";
 
-const char stream_group[] = "Stream";
+using Target = std::shared_ptr<stored::Options>;
 
-/// The options as they are written.
-struct StoredWords
+/// One of two words: whether it is \a word_of_true goes to \a choice.
+CLI::Option* addWord(CLI::App* command, const char* name, const char* description,
+                     std::vector<std::string> words, const std::string& word_of_true,
+                     std::optional<bool>* choice)
 {
-    std::string input;
-    std::string output;
-    std::string from;
-    std::string to;
-    std::string form;
-    std::string version;
-    std::string order;
-    std::string precision;
-    bool force = false;
-    bool salvage = false;
-    bool json = false;
-    bool show_password = false;
-};
+    return command
+        ->add_option_function<std::string>(
+            name, [=](const std::string& word) { *choice = word == word_of_true; }, description)
+        ->check(CLI::IsMember(std::move(words)));
+}
 
-using Words = std::shared_ptr<StoredWords>;
-
-/// Whether a word is the first one of two; nothing when it is not given.
-std::optional<bool> choice(const std::string& word, const char* first)
+CLI::Option* addPath(CLI::App* command, const char* name, const char* description, QString* path)
 {
-    return word.empty() ? std::nullopt : std::optional<bool>(word == first);
+    const auto set = [=](const std::string& word) { *path = text(word); };
+    return command->add_option_function<std::string>(name, set, description)
+        ->type_name("")
+        ->required();
 }
 
 std::string checkVersion(const std::string& word)
 {
-    if (versionOf(text(word)))
+    if (stored::versionOf(text(word)))
         return std::string();
-    return QStringLiteral(
-               "\"%1\" is no stream version: give a number from %2 to %3, or a release of "
-               "Qt such as Qt_4_8")
-        .arg(text(word))
-        .arg(oldest_version)
-        .arg(newestVersion())
-        .toStdString();
+    return "\"" + word + "\" is no stream version: give a number from " +
+           std::to_string(stored::oldest_version) + " to " +
+           std::to_string(stored::newestVersion()) + ", or a release of Qt such as Qt_4_8";
 }
 
-void addInput(CLI::App* command, const Words& words)
+void addInput(CLI::App* command, const Target& options)
 {
-    command->add_option("IN", words->input, "The file to read; - for the standard input")
-        ->type_name("")
-        ->required();
-    command->add_option("--from", words->from, "What IN is: json or stream (default: looks)")
-        ->type_name("KIND")
-        ->check(CLI::IsMember({"json", "stream"}));
+    addPath(command, "IN", "The file to read; - for the standard input", &options->input);
+    addWord(command, "--from", "What IN is: json or stream (default: looks)", {"json", "stream"},
+            "json", &options->from_json)
+        ->type_name("KIND");
 }
 
-void addFormat(CLI::App* command, const Words& words)
+void addFormat(CLI::App* command, const Target& options)
 {
-    command
-        ->add_option("--stream-version", words->version,
-                     "7 to 19, or a release of Qt: 12 or Qt_4_8, Qt_5_15")
-        ->type_name("VERSION")
-        ->check(CLI::Validator(checkVersion, "", "stream version"))
-        ->group(stream_group);
-    command->add_option("--form", words->form, "record (bare) or variant (in a QVariant)")
-        ->type_name("FORM")
-        ->check(CLI::IsMember({"record", "variant"}))
-        ->group(stream_group);
-    command->add_option("--byte-order", words->order, "big (usual) or little")
-        ->type_name("ORDER")
-        ->check(CLI::IsMember({"big", "little"}))
-        ->group(stream_group);
-    command
-        ->add_option("--float-precision", words->precision,
-                     "double (usual) or single: size of floating numbers from version 12 on")
-        ->type_name("PRECISION")
-        ->check(CLI::IsMember({"double", "single"}))
-        ->group(stream_group);
-}
-
-FormatHints formatOf(const StoredWords& words)
-{
-    FormatHints hints;
-    if (!words.form.empty())
-        hints.form = words.form == "variant" ? StoredForm::variant : StoredForm::record;
-    if (!words.version.empty()) {
-        const int version = *versionOf(text(words.version));
-        hints.versions = VersionRange{version, version};
-    }
-    hints.big_endian = choice(words.order, "big");
-    hints.single_precision = choice(words.precision, "single");
-    return hints;
+    stored::Hints* const format = &options->format;
+    const auto set_version = [=](const std::string& word) {
+        const int version = *stored::versionOf(text(word));
+        format->versions = stored::Versions{version, version};
+    };
+    CLI::Option* const added[] = {
+        command
+            ->add_option_function<std::string>("--stream-version", set_version,
+                                               "7 to 19, or a release of Qt: 12 or Qt_4_8, Qt_5_15")
+            ->type_name("VERSION")
+            ->check(CLI::Validator(checkVersion, "", "stream version")),
+        addWord(command, "--form", "record (bare) or variant (in a QVariant)",
+                {"record", "variant"}, "variant", &format->is_variant)
+            ->type_name("FORM"),
+        addWord(command, "--byte-order", "big (usual) or little", {"big", "little"}, "big",
+                &format->big_endian)
+            ->type_name("ORDER"),
+        addWord(command, "--float-precision",
+                "double (usual) or single: size of floating numbers from version 12 on",
+                {"double", "single"}, "single", &format->single_precision)
+            ->type_name("PRECISION")};
+    for (CLI::Option* option : added)
+        option->group("Stream");
 }
 
 } // namespace
 
 void addConvert(CLI::App& app, std::function<int()>& run)
 {
-    CLI::App* command =
+    CLI::App* const command =
         app.add_subcommand("convert", "Turn a stored configuration into JSON, and back");
-    const Words words = std::make_shared<StoredWords>();
+    const Target options = std::make_shared<stored::Options>();
     command->footer(convert_text);
-    addInput(command, words);
-    command->add_option("OUT", words->output, "The file to write; - for the standard output")
-        ->type_name("")
-        ->required();
-    command
-        ->add_option("--to", words->to,
-                     "What OUT is: json or stream (default: json if OUT ends with .json, or if it "
-                     "is - and IN "
-                     "is a stream; stream if IN is JSON)")
-        ->type_name("KIND")
-        ->check(CLI::IsMember({"json", "stream"}));
-    command->add_flag("--force", words->force, "Replace OUT if it exists");
-    command->add_flag("--salvage", words->salvage, "Of a damaged stream, write what can be read");
-    addFormat(command, words);
-    command->callback([words, &run] {
-        const ConvertOptions options = {text(words->input),
-                                        text(words->output),
-                                        choice(words->from, "json"),
-                                        choice(words->to, "json"),
-                                        formatOf(*words),
-                                        words->force,
-                                        words->salvage};
-        run = [options] { return runConvert(options); };
-    });
+    addInput(command, options);
+    addPath(command, "OUT", "The file to write; - for the standard output", &options->output);
+    addWord(command, "--to",
+            "What OUT is: json or stream (default: json if OUT ends with .json, or if it is - and "
+            "IN is a stream; stream if IN is JSON)",
+            {"json", "stream"}, "json", &options->to_json)
+        ->type_name("KIND");
+    command->add_flag("--force", options->force, "Replace OUT if it exists");
+    command->add_flag("--salvage", options->salvage, "Of a damaged stream, write what can be read");
+    addFormat(command, options);
+    command->callback([options, &run] { run = [options] { return stored::convert(*options); }; });
 }
 
 void addShow(CLI::App& app, std::function<int()>& run)
 {
-    CLI::App* command = app.add_subcommand("show", "Show a stored configuration");
-    const Words words = std::make_shared<StoredWords>();
+    CLI::App* const command = app.add_subcommand("show", "Show a stored configuration");
+    const Target options = std::make_shared<stored::Options>();
     command->footer(show_text);
-    addInput(command, words);
-    command->add_flag("--json", words->json, "As JSON, as convert writes it, with the problems");
-    command->add_flag("--show-password", words->show_password,
+    addInput(command, options);
+    command->add_flag("--json", options->json, "As JSON, as convert writes it, with the problems");
+    command->add_flag("--show-password", options->show_password,
                       "Show the password, too, and all texts of a damaged stream");
-    addFormat(command, words);
-    command->callback([words, &run] {
-        const ShowOptions options = {text(words->input), choice(words->from, "json"),
-                                     formatOf(*words), words->json, words->show_password};
-        run = [options] { return runShow(options); };
-    });
+    addFormat(command, options);
+    command->callback([options, &run] { run = [options] { return stored::show(*options); }; });
 }
 
 } // namespace tovik_host

@@ -2,26 +2,22 @@
 #define TESTS_TOOLS_HOST_STORED_STORED_SAMPLES_H
 
 #include "property/property_tovik_iot.h"
-#include "tools/host/stored_format.h"
-#include "tools/host/stored_json.h"
-#include "tools/host/stored_record.h"
+#include "tools/host/stored/format.h"
+#include "tools/host/stored/json.h"
 
 #include <QByteArray>
 #include <QVariant>
 
 /// The record as `QDataStream` and the library's operators write it.
-QByteArray writtenByQt(const PropertyTovikIot& record, const tovik_host::StoredFormat& format);
+QByteArray writtenByQt(const PropertyTovikIot& record, const tovik_host::stored::Format& format);
 /// The record as they read it; only for bytes that are good.
-PropertyTovikIot readByQt(const QByteArray& bytes, const tovik_host::StoredFormat& format);
-
-/// The library's record with the same members. Values must be of the types that the driver keeps.
-PropertyTovikIot propertyOf(const tovik_host::StoredRecord& record);
+PropertyTovikIot readByQt(const QByteArray& bytes, const tovik_host::stored::Format& format);
 
 /// A record with one served item of each value.
 PropertyTovikIot recordWith(const QList<QVariant>& values);
-/// A value of every type that can be read, null ones and extreme ones among them.
+/// Those, and values of other types that can be read, null ones and extreme ones among them.
 QList<QVariant> allValues();
-/// Those of them that the driver keeps.
+/// Values as the driver keeps them.
 QList<QVariant> driverValues();
 /// Texts that are hard to keep: null, empty, zeros, control characters, half a character.
 QStringList hardTexts();
@@ -34,8 +30,8 @@ void addStoredLayoutRows();
 /// The text as a file that is called "file".
 tovik_host::JsonFile jsonFile(const QByteArray& text);
 /// The record as convert writes it, without a format.
-QByteArray jsonTextOf(const tovik_host::StoredRecord& record);
+QByteArray jsonTextOf(const tovik_host::stored::Record& record);
 
-Q_DECLARE_METATYPE(tovik_host::StoredFormat)
+Q_DECLARE_METATYPE(tovik_host::stored::Format)
 
 #endif

@@ -7,11 +7,11 @@
 
 #include <sys/stat.h>
 
-using namespace tovik_host;
+using namespace tovik_host::stored;
 
 namespace {
 
-const StoredFormat qt4_variant = {StoredForm::variant, 12, true, false};
+const Format qt4_variant = {true, 12, true, false};
 const QFile::Permissions owner_only =
     QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
 

@@ -1,13 +1,10 @@
 #include "tests/property/records.h"
 #include "tests/tools/host/stored/stored_samples.h"
-#include "tools/host/stored_detection.h"
-#include "tools/host/stored_writer.h"
+#include "tools/host/stored/detection.h"
 
 #include <QtTest>
 
-Q_DECLARE_METATYPE(tovik_host::StoredForm)
-
-using namespace tovik_host;
+using namespace tovik_host::stored;
 
 class TestHostStoredDetection : public QObject
 {
@@ -31,18 +28,18 @@ private Q_SLOTS:
 // A record that has a value of each kind can be told in every format.
 void TestHostStoredDetection::findsTheFormat()
 {
-    QFETCH(StoredFormat, format);
+    QFETCH(Format, format);
     const PropertyTovikIot record = recordWith({QVariant(), QVariant::fromValue(0.5f), 0.25, true});
     const QByteArray bytes = writtenByQt(record, format);
-    const DetectedStream detected = detectStored(bytes, FormatHints());
+    const Detected detected = detect(bytes, Hints());
     QCOMPARE(detected.ambiguity, QString());
-    QVERIFY(detected.reading.clean());
-    QCOMPARE(detected.format.form, format.form);
+    QVERIFY(detected.reading.problems.isEmpty());
+    QCOMPARE(detected.format.is_variant, format.is_variant);
     QCOMPARE(detected.format.big_endian, format.big_endian);
     QVERIFY(detected.versions.contains(format.version));
     QCOMPARE(detected.format.single_precision, format.single_precision);
     for (int version = detected.versions.first; version <= detected.versions.last; ++version) {
-        StoredFormat other = detected.format;
+        Format other = detected.format;
         other.version = version;
         QCOMPARE(writtenByQt(record, other).toHex(), bytes.toHex());
     }
@@ -52,71 +49,65 @@ void TestHostStoredDetection::takesWhatDoesNotMatter_data()
 {
     QTest::addColumn<QList<QVariant>>("values");
     QTest::addColumn<int>("version");
-    QTest::addColumn<StoredForm>("form");
+    QTest::addColumn<bool>("is_variant");
     QTest::addColumn<QString>("versions");
     const QList<QVariant> plain = {true, 5, QStringLiteral("x")};
     const QList<QVariant> none;
-    QTest::newRow("no items") << none << 12 << StoredForm::record << QStringLiteral("7-19");
-    QTest::newRow("no items, variant")
-        << none << 12 << StoredForm::variant << QStringLiteral("8-12");
-    QTest::newRow("no items, oldest variant")
-        << none << 7 << StoredForm::variant << QStringLiteral("7");
-    QTest::newRow("types that stayed")
-        << plain << 12 << StoredForm::record << QStringLiteral("8-19");
-    QTest::newRow("types that stayed, Qt 5")
-        << plain << 17 << StoredForm::variant << QStringLiteral("13-19");
-    QTest::newRow("no value") << QList<QVariant>{QVariant()} << 9 << StoredForm::record
+    QTest::newRow("no items") << none << 12 << false << QStringLiteral("7-19");
+    QTest::newRow("no items, variant") << none << 12 << true << QStringLiteral("8-12");
+    QTest::newRow("no items, oldest variant") << none << 7 << true << QStringLiteral("7");
+    QTest::newRow("types that stayed") << plain << 12 << false << QStringLiteral("8-19");
+    QTest::newRow("types that stayed, Qt 5") << plain << 17 << true << QStringLiteral("13-19");
+    QTest::newRow("no value") << QList<QVariant>{QVariant()} << 9 << false
                               << QStringLiteral("8-12");
-    QTest::newRow("float, old") << QList<QVariant>{0.5f} << 9 << StoredForm::record
-                                << QStringLiteral("8-11");
-    QTest::newRow("float, Qt 4.8")
-        << QList<QVariant>{0.5f} << 12 << StoredForm::record << QStringLiteral("12");
+    QTest::newRow("float, old") << QList<QVariant>{0.5f} << 9 << false << QStringLiteral("8-11");
+    QTest::newRow("float, Qt 4.8") << QList<QVariant>{0.5f} << 12 << false << QStringLiteral("12");
 }
 
 void TestHostStoredDetection::takesWhatDoesNotMatter()
 {
     QFETCH(QList<QVariant>, values);
     QFETCH(int, version);
-    QFETCH(StoredForm, form);
+    QFETCH(bool, is_variant);
     QFETCH(QString, versions);
-    const QByteArray bytes = writtenByQt(recordWith(values), {form, version, true, false});
-    const DetectedStream detected = detectStored(bytes, FormatHints());
-    QVERIFY(detected.reading.clean());
+    const QByteArray bytes = writtenByQt(recordWith(values), {is_variant, version, true, false});
+    const Detected detected = detect(bytes, Hints());
+    QVERIFY(detected.reading.problems.isEmpty());
     QCOMPARE(rangeText(detected.versions), versions);
     QVERIFY(!detected.format.single_precision);
 }
 
 void TestHostStoredDetection::asksWhereResultsDiffer()
 {
-    StoredRecord record;
+    PropertyTovikIot record;
     record.host = QLatin1String("");
     record.project = record.email = record.password = record.host;
-    const StoredFormat format = {StoredForm::record, 12, true, false};
+    const Format format = {false, 12, true, false};
     // Nothing but zeros: both orders give the same.
-    DetectedStream detected = detectStored(writeStored(record, format).bytes, FormatHints());
+    Detected detected = detect(written(record, format), Hints());
     QVERIFY(detected.ambiguity.isEmpty());
     QVERIFY(detected.format.big_endian);
     record.aux_value = 1;
-    const QByteArray bytes = writeStored(record, format).bytes;
-    detected = detectStored(bytes, FormatHints());
+    const QByteArray bytes = written(record, format);
+    detected = detect(bytes, Hints());
     QVERIFY2(detected.ambiguity.contains(QLatin1String("--byte-order big")) &&
                  detected.ambiguity.contains(QLatin1String("--byte-order little")),
              qPrintable(detected.ambiguity));
-    FormatHints hints;
+    Hints hints;
     hints.big_endian = false;
-    detected = detectStored(bytes, hints);
+    detected = detect(bytes, hints);
     QVERIFY(detected.ambiguity.isEmpty());
-    QCOMPARE(detected.reading.record.aux_value, 0x01000000);
+    QCOMPARE(detected.reading.record.property.aux_value, 0x01000000);
 }
 
 void TestHostStoredDetection::listensToHints()
 {
-    const QByteArray bytes = writtenByQt(recordWith({QVariant::fromValue<short>(1)}),
-                                         {StoredForm::record, 12, true, false});
-    FormatHints hints;
-    hints.versions = VersionRange{19, 19};
-    const DetectedStream detected = detectStored(bytes, hints);
-    QVERIFY(!detected.reading.clean());
+    const QByteArray bytes =
+        writtenByQt(recordWith({QVariant::fromValue<short>(1)}), {false, 12, true, false});
+    Hints hints;
+    hints.versions = Versions{19, 19};
+    const Detected detected = detect(bytes, hints);
+    QVERIFY(!detected.reading.problems.isEmpty());
     QCOMPARE(rangeText(detected.versions), QStringLiteral("19"));
     QCOMPARE(detected.reading.problems.first().member, QStringLiteral("dataitems[0].value"));
 }
@@ -127,9 +118,9 @@ void TestHostStoredDetection::tellsOtherVariants()
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_4_8);
     stream << quint32(127) << qint8(0) << QByteArray("Other", 6) << quint32(0);
-    const DetectedStream detected = detectStored(bytes, FormatHints());
+    const Detected detected = detect(bytes, Hints());
     QCOMPARE(detected.reading.problems.size(), 1);
-    const StoredProblem problem = detected.reading.problems.first();
+    const Problem problem = detected.reading.problems.first();
     QCOMPARE(problem.offset, 5);
     QVERIFY2(problem.text.startsWith(QLatin1String("a variant of the type \"Other")),
              qPrintable(problem.text));
@@ -138,17 +129,17 @@ void TestHostStoredDetection::tellsOtherVariants()
 // The first bytes of this one are also the flag and the first text of a record.
 void TestHostStoredDetection::tellsVariantsByTheirBeginning()
 {
-    const QByteArray whole = writtenByQt(filledRoot(1, 1), {StoredForm::variant, 19, false, false});
+    const QByteArray whole = writtenByQt(filledRoot(1, 1), {true, 19, false, false});
     for (int size = 4; size < 60; ++size) {
-        const DetectedStream detected = detectStored(whole.left(size), FormatHints());
-        QCOMPARE(detected.format.form, StoredForm::variant);
+        const Detected detected = detect(whole.left(size), Hints());
+        QVERIFY(detected.format.is_variant);
         QVERIFY(!detected.format.big_endian);
         QVERIFY(detected.versions.contains(19));
     }
     QByteArray other = whole;
     other[9] = 'x'; // of the type's name
-    const DetectedStream detected = detectStored(other, FormatHints());
-    QCOMPARE(detected.format.form, StoredForm::variant);
+    const Detected detected = detect(other, Hints());
+    QVERIFY(detected.format.is_variant);
     QCOMPARE(detected.reading.problems.first().offset, 5);
 }
 
@@ -201,7 +192,7 @@ void TestHostStoredDetection::saysVersionsInWords()
 {
     QFETCH(QString, range);
     QFETCH(QString, words);
-    const std::optional<VersionRange> versions = rangeOf(range);
+    const std::optional<Versions> versions = rangeOf(range);
     QVERIFY(versions);
     QCOMPARE(rangeInWords(*versions), words);
     QCOMPARE(rangeText(*versions), range);

@@ -1,10 +1,9 @@
 #include "tests/tools/host/stored/stored_samples.h"
-#include "tools/host/stored_detection.h"
-#include "tools/host/stored_writer.h"
+#include "tools/host/stored/detection.h"
 
 #include <QtTest>
 
-using namespace tovik_host;
+using namespace tovik_host::stored;
 
 namespace {
 
@@ -60,23 +59,24 @@ void TestHostStoredExample::bytesAreThoseOfTheRecord()
 {
     const QList<QByteArray> blocks = blocksUnder("### An example");
     QCOMPARE(blocks.size(), 2);
-    const JsonFile json = jsonFile(blocks.at(0));
-    const StoredRecord record = recordFromJson(json);
-    const FormatHints hints = formatFromJson(json);
-    const QVector<StoredFormat> formats = possibleFormats(hints);
-    QCOMPARE(formats.size(), 2); // the JSON does not say that the precision is the usual one
-    const StoredFormat format = formats.first();
+    const tovik_host::JsonFile json = jsonFile(blocks.at(0));
+    const PropertyTovikIot record = recordFromJson(json);
+    const Hints hints = formatFromJson(json);
+    const std::vector<Format> formats = possibleFormats(hints);
+    QCOMPARE(formats.size(),
+             std::size_t(2)); // the JSON does not say that the precision is the usual one
+    const Format format = formats.front();
     const QByteArray bytes = bytesOf(blocks.at(1));
-    QCOMPARE(bytes.toHex(), writeStored(record, format).bytes.toHex());
-    QCOMPARE(bytes.toHex(), writtenByQt(propertyOf(record), format).toHex());
-    const DetectedStream detected = detectStored(bytes, FormatHints());
-    FormatHints found = hints;
+    QCOMPARE(bytes.toHex(), written(record, format).toHex());
+    QCOMPARE(bytes.toHex(), writtenByQt(record, format).toHex());
+    const Detected detected = detect(bytes, Hints());
+    Hints found = hints;
     found.versions = detected.versions;
     found.big_endian = detected.format.big_endian;
-    OrderedJson again = OrderedJson::object();
+    tovik_host::OrderedJson again = tovik_host::OrderedJson::object();
     again["stream"] = formatToJson(found);
-    again["tovik_iot"] = recordToJson(detected.reading.record, HiddenTexts::none);
-    QCOMPARE(storedJsonText(again), blocks.at(0));
+    again["tovik_iot"] = recordToJson(detected.reading.record);
+    QCOMPARE(fileText(again), blocks.at(0));
 }
 
 QTEST_GUILESS_MAIN(TestHostStoredExample)

@@ -1,16 +1,18 @@
 #include "tests/property/records.h"
 #include "tests/tools/host/stored/stored_samples.h"
-#include "tools/host/stored_reader.h"
-#include "tools/host/stored_writer.h"
+#include "tools/host/stored/stream.h"
 #include "tools/host/terminal/usage_error.h"
 
 #include <QtTest>
 
-using namespace tovik_host;
+#include <cmath>
+#include <limits>
+
+using namespace tovik_host::stored;
 
 namespace {
 
-const StoredFormat usual = {StoredForm::record, 12, true, false};
+const Format usual = {false, 12, true, false};
 
 /// A file whose one served item has this object as its value, on line 3.
 QByteArray withValue(const char* value)
@@ -22,10 +24,10 @@ QByteArray withValue(const char* value)
 QString errorOf(const QByteArray& text)
 {
     try {
-        const JsonFile file = jsonFile(text);
+        const tovik_host::JsonFile file = jsonFile(text);
         recordFromJson(file);
         formatFromJson(file);
-    } catch (const UsageError& error) {
+    } catch (const tovik_host::UsageError& error) {
         return error.message();
     }
     return QString();
@@ -43,8 +45,9 @@ private Q_SLOTS:
     void hardTextsStay_data();
     void hardTextsStay();
     void numbersOfUsersBecomeFloats();
-    void repeatedKeysStayInOrder();
-    void hidesThePassword();
+    void hasWordsForValuesOfItems_data();
+    void hasWordsForValuesOfItems();
+    void refusesHiddenTexts();
     void namesThePlaceOfErrors_data();
     void namesThePlaceOfErrors();
     void readsTheFormat();
@@ -52,14 +55,13 @@ private Q_SLOTS:
 
 void TestHostStoredJson::hasEveryMember()
 {
-    StoredRecord record;
+    PropertyTovikIot record;
     record.host = QStringLiteral("https://h");
-    record.groups.resize(1);
-    record.groups[0].dataitems.resize(1);
-    StoredItem& item = record.groups[0].dataitems[0];
+    record.groups << PropertyTovikIotGroup();
+    record.groups[0].dataitems << PropertyTovikIotDataItem();
+    PropertyTovikIotDataItem& item = record.groups[0].dataitems[0];
     item.name = QStringLiteral("A");
-    item.value = StoredValue(*findValueType(QStringLiteral("ushort")));
-    item.value.bits = 5;
+    item.value = QVariant::fromValue<ushort>(5);
     const std::string item_json = R"({"name":"A","dataitem_id":null,"type":"16Bit-INT","length":1,)"
                                   R"("value":{"type":"ushort","value":5},"cloud_status":0,)"
                                   R"("alert":false,"update_time":0,"marked":false})";
@@ -68,19 +70,18 @@ void TestHostStoredJson::hasEveryMember()
         R"("password":null,"groups":[{"group_id":null,"name":null,"location":null,)"
         R"("ddLocation":null,"alert":false,"permission":"RW","marked":false,"dataitems":[)" +
         item_json + R"(]}],"dataitems":[]})";
-    QCOMPARE(QString::fromStdString(recordToJson(record, HiddenTexts::none).dump()),
-             QString::fromStdString(json));
+    QCOMPARE(QString::fromStdString(recordToJson({record}).dump()), QString::fromStdString(json));
 }
 
 void TestHostStoredJson::defaultsAreTheRecords()
 {
-    const StoredRecord record =
+    const PropertyTovikIot record =
         recordFromJson(jsonFile("{\"tovik_iot\": {\"groups\": [{}], \"dataitems\": [{}]}}"));
     PropertyTovikIot expected;
     expected.groups << PropertyTovikIotGroup();
     expected.dataitems << PropertyTovikIotDataItem();
-    QCOMPARE(describe(propertyOf(record)), describe(expected));
-    QCOMPARE(writeStored(record, usual).bytes.toHex(), writtenByQt(expected, usual).toHex());
+    QCOMPARE(describe(record), describe(expected));
+    QCOMPARE(written(record, usual).toHex(), writtenByQt(expected, usual).toHex());
 }
 
 void TestHostStoredJson::hardTextsStay_data()
@@ -97,56 +98,72 @@ void TestHostStoredJson::hardTextsStay_data()
         "\"\xef\xbb\xbf"
         "a\"");
     row("pair", QString::fromUtf8("\xf0\x9f\x98\x80"), "\"\xf0\x9f\x98\x80\"");
-    row("half a pair", QString(QChar(0xD83D)) + QLatin1Char('A'), "{\"utf16\":\"d83d0041\"}");
+    row("half a pair", QString(QChar(0xD83D)) + QLatin1Char('A'),
+        R"({"type":"QString","stream":"AAAACgAAAAAE2D0AQQ=="})");
     row("pair the wrong way round", QString(QChar(0xDE00)) + QChar(0xD83D),
-        "{\"utf16\":\"de00d83d\"}");
+        R"({"type":"QString","stream":"AAAACgAAAAAE3gDYPQ=="})");
 }
 
 void TestHostStoredJson::hardTextsStay()
 {
     QFETCH(QString, text);
     QFETCH(QString, json);
-    QCOMPARE(QString::fromStdString(textToJson(text).dump()), json);
-    const StoredRecord record =
+    const PropertyTovikIot record =
         recordFromJson(jsonFile("{\"tovik_iot\": {\"project\": " + json.toUtf8() + "}}"));
     QCOMPARE(record.project, text);
     QCOMPARE(record.project.isNull(), text.isNull());
+    QCOMPARE(QString::fromStdString(recordToJson({record}).at("project").dump()), json);
 }
 
 void TestHostStoredJson::numbersOfUsersBecomeFloats()
 {
-    const StoredRecord record =
+    const PropertyTovikIot record =
         recordFromJson(jsonFile(withValue("{\"type\": \"float\", \"value\": 0.1}")));
-    QCOMPARE(doubleOf(record.dataitems[0].value.bits), double(0.1f));
-    const StoredRecord whole =
+    QCOMPARE(record.dataitems.at(0).value, QVariant::fromValue(0.1f));
+    const PropertyTovikIot whole =
         recordFromJson(jsonFile(withValue("{\"type\": \"double\", \"value\": 3}")));
-    QCOMPARE(doubleOf(whole.dataitems[0].value.bits), 3.0);
+    QCOMPARE(whole.dataitems.at(0).value, QVariant(3.0));
 }
 
-void TestHostStoredJson::repeatedKeysStayInOrder()
+void TestHostStoredJson::hasWordsForValuesOfItems_data()
 {
-    const QByteArray json = withValue(R"({"type": "QVariantMap", "value": [
-        ["b", {"type": "int", "value": 1}], ["a", {"type": "int", "value": 2}],
-        ["b", {"type": "invalid"}]]})");
-    const StoredRecord record = recordFromJson(jsonFile(json));
-    const StoredRecord again = readStored(writeStored(record, usual).bytes, usual).record;
-    QCOMPARE(jsonTextOf(again), jsonTextOf(record));
-    const StoredValue& value = again.dataitems[0].value;
-    QCOMPARE(value.texts,
-             (QVector<QString>{QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("b")}));
-    QCOMPARE(value.elements[2].type->kind, ValueKind::nothing);
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("json");
+    const auto row = [](const char* name, const QVariant& value, const char* json) {
+        QTest::newRow(name) << value << QString::fromUtf8(json);
+    };
+    const float not_a_number = std::numeric_limits<float>::quiet_NaN();
+    row("none", QVariant(), R"({"type":"invalid"})");
+    row("flag", true, R"({"type":"bool","value":true})");
+    row("short", QVariant::fromValue<short>(-2), R"({"type":"short","value":-2})");
+    row("unsigned", 4294967295u, R"({"type":"uint","value":4294967295})");
+    row("one", QVariant::fromValue(1.0f), R"({"type":"float","value":1.0})");
+    row("negative zero", -0.0, R"({"type":"double","value":-0.0})");
+    row("infinite", QVariant::fromValue(-HUGE_VALF), R"({"type":"float","value":"-inf"})");
+    row("text", QStringLiteral("x"), R"({"type":"QString","value":"x"})");
+    row("null text", QString(), R"({"type":"QString","value":null})");
+    row("bytes", QByteArray("\xff\0", 2), R"({"type":"QByteArray","value":"ff00"})");
+    row("null bytes", QByteArray(), R"({"type":"QByteArray","value":null})");
+    row("not a number", QVariant::fromValue(not_a_number),
+        R"({"type":"float","stream":"AAAAJgB/+AAAAAAAAA=="})");
+    row("null flag", QVariant(QVariant::Int), R"({"type":"int","stream":"AAAAAgEAAAAA"})");
+    row("other type", QDate(2024, 1, 1), R"({"type":"QDate","stream":"AAAADgAAAAAAACWKlw=="})");
 }
 
-void TestHostStoredJson::hidesThePassword()
+void TestHostStoredJson::hasWordsForValuesOfItems()
 {
-    StoredRecord record;
-    record.password = QStringLiteral("secret");
-    QCOMPARE(recordToJson(record, HiddenTexts::password).at("password").dump(),
-             std::string("{\"hidden\":true}"));
-    QCOMPARE(recordToJson(record, HiddenTexts::none).at("password").dump(),
-             std::string("\"secret\""));
-    record.password = QString();
-    QVERIFY(recordToJson(record, HiddenTexts::password).at("password").is_null());
+    QFETCH(QVariant, value);
+    QFETCH(QString, json);
+    PropertyTovikIot record;
+    record.dataitems << itemWith(value);
+    const tovik_host::OrderedJson item = recordToJson({record}).at("dataitems").at(0);
+    QCOMPARE(QString::fromStdString(item.at("value").dump()), json);
+    const PropertyTovikIot again = recordFromJson(jsonFile(withValue(json.toUtf8().constData())));
+    QCOMPARE(valueBytes(again.dataitems.at(0).value).toHex(), valueBytes(value).toHex());
+}
+
+void TestHostStoredJson::refusesHiddenTexts()
+{
     QCOMPARE(errorOf("{\"tovik_iot\": {\"password\": {\"hidden\": true}}}"),
              QStringLiteral("file:1: tovik_iot.password: is hidden in this file, which show wrote: "
                             "only convert, or show --show-password, writes it"));
@@ -172,8 +189,8 @@ void TestHostStoredJson::namesThePlaceOfErrors_data()
     row("list", "{\"tovik_iot\": {\"groups\": {}}}", "file:1: tovik_iot.groups: must be a list");
     row("element", "{\"tovik_iot\": {\"groups\": [\n5]}}",
         "file:2: tovik_iot.groups[0]: must be an object");
-    row("half a unit", "{\"tovik_iot\": {\"host\": {\"utf16\": \"d8\"}}}",
-        "file:1: tovik_iot.host: must be hexadecimal digits, 4 for each character");
+    row("number as a text", R"({"tovik_iot": {"host": {"type": "int", "value": 1}}})",
+        "file:1: tovik_iot.host: must be a text");
     row("damaged stream", "{\"tovik_iot\": {}, \"problems\": [{}]}",
         "file:1: problems: this is what show wrote of a damaged stream");
     row("version", "{\"tovik_iot\": {}, \"stream\": {\n\"version\": 6}}",
@@ -192,21 +209,22 @@ void TestHostStoredJson::namesThePlaceOfErrors_data()
     value(
         "short", "{\"type\": \"short\", \"value\": 32768}",
         "file:3: tovik_iot.dataitems[0].value.value: must be a whole number from -32768 to 32767");
-    value("unsigned", "{\"type\": \"uchar\", \"value\": -1}",
-          "file:3: tovik_iot.dataitems[0].value.value: must be a whole number from 0 to 255");
-    value("64 bits", "{\"type\": \"qlonglong\", \"value\": 9223372036854775808}",
-          "file:3: tovik_iot.dataitems[0].value.value: must be a whole number from -922");
+    value("unsigned", "{\"type\": \"ushort\", \"value\": -1}",
+          "file:3: tovik_iot.dataitems[0].value.value: must be a whole number from 0 to 65535");
     value("fraction", "{\"type\": \"int\", \"value\": 1.5}",
           "file:3: tovik_iot.dataitems[0].value.value: must be a whole number");
     value("float", "{\"type\": \"float\", \"value\": 1e39}",
           "file:3: tovik_iot.dataitems[0].value.value: is too large for a float");
-    value("bits", "{\"type\": \"float\", \"value\": \"bits:12\"}",
-          "file:3: tovik_iot.dataitems[0].value.value: must be a number, \"nan\"");
+    value("other type in words", "{\"type\": \"QDate\", \"value\": \"2024-01-01\"}",
+          "file:3: tovik_iot.dataitems[0].value.value: a value of this type stands as its "
+          "\"stream\"");
+    value("stream of another type", "{\"type\": \"int\", \"stream\": \"AAAADgAAAAAAACWKGA==\"}",
+          "file:3: tovik_iot.dataitems[0].value.stream: must be a value of its type as streams");
+    value("stream that is none", "{\"type\": \"int\", \"stream\": \"AAAA\"}",
+          "file:3: tovik_iot.dataitems[0].value.stream: must be a value of its type as streams");
     value(
         "bytes", "{\"type\": \"QByteArray\", \"value\": \"abc\"}",
         "file:3: tovik_iot.dataitems[0].value.value: must be hexadecimal digits, 2 for each byte");
-    value("map", "{\"type\": \"QVariantMap\", \"value\": [[\"a\"]]}",
-          "file:3: tovik_iot.dataitems[0].value.value[0]: must be a list of two: key and value");
 }
 
 void TestHostStoredJson::namesThePlaceOfErrors()
@@ -219,19 +237,19 @@ void TestHostStoredJson::namesThePlaceOfErrors()
 
 void TestHostStoredJson::readsTheFormat()
 {
-    const FormatHints none = formatFromJson(jsonFile("{\"tovik_iot\": {}}"));
-    QVERIFY(!none.form && !none.versions && !none.big_endian && !none.single_precision);
-    FormatHints hints;
-    hints.form = StoredForm::variant;
-    hints.versions = VersionRange{8, 12};
+    const Hints none = formatFromJson(jsonFile("{\"tovik_iot\": {}}"));
+    QVERIFY(!none.is_variant && !none.versions && !none.big_endian && !none.single_precision);
+    Hints hints;
+    hints.is_variant = true;
+    hints.versions = Versions{8, 12};
     hints.big_endian = false;
     hints.single_precision = true;
-    OrderedJson json = {{"tovik_iot", OrderedJson::object()}};
+    tovik_host::OrderedJson json = {{"tovik_iot", tovik_host::OrderedJson::object()}};
     json["stream"] = formatToJson(hints);
     QCOMPARE(json["stream"].dump(),
              std::string("{\"form\":\"variant\",\"version\":\"8-12\",\"byte_order\":\"little\","
                          "\"float_precision\":\"single\"}"));
-    const FormatHints read = formatFromJson(jsonFile(storedJsonText(json)));
+    const Hints read = formatFromJson(jsonFile(fileText(json)));
     QCOMPARE(formatToJson(read).dump(), json["stream"].dump());
 }
 

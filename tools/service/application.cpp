@@ -1,12 +1,19 @@
 #include "tools/service/application.h"
 
+#include "tools/service/control/control_api.h"
+#include "tools/service/http/front_end.h"
+#include "tools/service/http/service_front.h"
+
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -14,6 +21,43 @@
 namespace tovik_service {
 
 namespace {
+
+/// The whole service: both ports and all that is behind them.
+class Application
+{
+public:
+    /// Reserves both ports; throws std::runtime_error.
+    Application(const Options& options, plant::Project project);
+
+    /// Accepts connections and tells where.
+    void start();
+
+    /// Ends both ports, whatever their clients are doing.
+    void stop();
+
+private:
+    std::unique_ptr<http::TlsContext> makeTls();
+    http::CertificateChoice chooseCertificate();
+    control::ControlTargets controlTargets();
+    std::string serviceUrl() const;
+    void admit();
+    std::string controlUrl() const;
+    void announce();
+    void withdrawAddresses();
+
+    Options options_;
+    http::EventLog log_;
+    plant::Plant plant_;
+    plant::TokenStore tokens_;
+    faults::FaultTable faults_;
+    http::RequestLog requests_;
+    std::unique_ptr<http::TlsContext> tls_;
+    http::ServiceFront service_;
+    http::FrontEnd service_port_;
+    control::ControlApi control_;
+    http::FrontEnd control_port_;
+    std::string new_token_; ///< of the control port, made because nobody gave one
+};
 
 /// Others see the file complete or not at all.
 void writeAtomically(const std::string& file, const std::string& text)
@@ -29,7 +73,18 @@ void writeAtomically(const std::string& file, const std::string& text)
     }
 }
 
-} // namespace
+/// The signals that end the program. Blocked in all threads and awaited in one place, so
+/// that no code has to run inside a signal handler.
+sigset_t blockEndingSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    return signals;
+}
 
 Application::Application(const Options& options, plant::Project project)
     : options_(options),
@@ -149,6 +204,32 @@ void Application::announce()
     if (!new_token_.empty())
         std::cout << "Control token: " << new_token_ << '\n';
     std::cout.flush();
+}
+
+} // namespace
+
+int run(const Options& options)
+{
+    try {
+        plant::Project project = plant::loadProject(options.project_file);
+        if (options.check_only) {
+            std::cout << options.project_file << ": good\n";
+            return exit_success;
+        }
+        const sigset_t signals = blockEndingSignals();
+        Application application(options, std::move(project));
+        application.start();
+        int signal = 0;
+        sigwait(&signals, &signal);
+        application.stop();
+    } catch (const plant::ProjectError& error) {
+        std::cerr << "tovik-cloud: " << error.what() << '\n';
+        return exit_usage;
+    } catch (const std::exception& error) {
+        std::cerr << "tovik-cloud: " << error.what() << '\n';
+        return exit_failure;
+    }
+    return exit_success;
 }
 
 } // namespace tovik_service

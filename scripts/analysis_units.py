@@ -37,6 +37,7 @@ OWN_NAME = re.compile(
 # Each plug-in has those that the host looks for.
 ENTRY_POINT = re.compile(r"^\w.*\b(create_drvlib|drv_version)\(", re.M)
 META_TYPE = re.compile(r"^(Q_DECLARE_METATYPE\(.*\))$", re.M)
+NAMING = re.compile(r"^  - key: +readability-identifier-naming\.\w+\n    value: +(?!''$|Off$).+\n", re.M)
 FINDING = re.compile(r"^(/[^:\n]+):\d+:\d+: (warning|error): (.*) \[([\w.,*-]+)\]$", re.M)
 
 
@@ -168,14 +169,17 @@ class Analysis:
     def config(self, source):
         """The checks for a source, as the .clang-tidy files above it add up.
 
-        Without their options: of some defaults clang-tidy does not take what it has said itself.
+        Of their options only those for names, which ours say: of some defaults of other checks
+        clang-tidy does not take what it has said itself.
         """
         place = source.path.parent
         if place not in self.checks:
             dumped = subprocess.run(
                 [self.tidy, "--dump-config", str(source.path), "--"], check=True, text=True,
                 stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
-            self.checks[place] = dumped.partition("CheckOptions:")[0]
+            checks, _, options = dumped.partition("CheckOptions:")
+            names = NAMING.findall(options)
+            self.checks[place] = checks + "CheckOptions:\n" + "".join(names)
         return self.checks[place]
 
     def file_digest(self, path):

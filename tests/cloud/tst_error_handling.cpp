@@ -26,9 +26,8 @@ void TestErrorHandling::policy_data()
     QTest::addColumn<bool>("restore_switch_bs_en");
     QTest::addColumn<bool>("by_timer");
     QTest::addColumn<bool>("by_reads");
-    for (const int type : {-1, 4}) {
+    for (const int type : {-1, 4})
         QTest::addRow("type %d never", type) << type << true << true << false << false;
-    }
     for (const int type : {0, 2}) {
         QTest::addRow("type %d by timer", type) << type << false << false << true << false;
         QTest::addRow("type %d by timer, whatever is set", type)

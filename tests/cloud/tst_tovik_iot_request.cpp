@@ -238,7 +238,7 @@ void TestTovikIotRequest::slotsRunInsideARequest()
     ScriptedService service;
     TovikIot client(&property_);
     QString inner;
-    auto runInner = [&] {
+    auto run_inner = [&] {
         inner = client.PostRequest(latin1("inner"), service.url());
         for (QTcpSocket* socket : service.findChildren<QTcpSocket*>())
             socket->abort();
@@ -248,7 +248,7 @@ void TestTovikIotRequest::slotsRunInsideARequest()
             return ScriptedReply::json("inner");
         if (!inner.isEmpty())
             return ScriptedReply::json("outer");
-        QTimer::singleShot(0, this, runInner);
+        QTimer::singleShot(0, this, run_inner);
         return ScriptedReply::hang();
     });
     // The network layer repeats a request whose connection was lost without an answer.

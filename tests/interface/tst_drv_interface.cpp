@@ -243,11 +243,11 @@ void TestDrvInterface::callsThroughTheTable()
     using RunRequest = void (*)(DrvInterface*, const QByteArray&);
     DrvInterface plain;
     Probe probe;
-    const auto isSupported = [](DrvInterface* driver) {
+    const auto is_supported = [](DrvInterface* driver) {
         return reinterpret_cast<IsSupported>(vtableEntry(driver, 12))(driver);
     };
-    QVERIFY(!isSupported(&plain));
-    QVERIFY(isSupported(&probe));
+    QVERIFY(!is_supported(&plain));
+    QVERIFY(is_supported(&probe));
     reinterpret_cast<RunRequest>(vtableEntry(&probe, 13))(&probe, QByteArray("request"));
     QCOMPARE(probe.received, QByteArray("request"));
 }

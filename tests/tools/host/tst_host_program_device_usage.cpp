@@ -98,7 +98,7 @@ void TestHostProgramDeviceUsage::needsALibraryOfItsOwn()
 
 void TestHostProgramDeviceUsage::namesThePlaceOfABadLink()
 {
-    const auto errorsOf = [this](const char* link) {
+    const auto errors_of = [this](const char* link) {
         HostProcess host;
         const QString config =
             write(QByteArray("{\"link\": {") + link + "},\n\"items\": [{\"name\": \"a\"}]}");
@@ -106,11 +106,11 @@ void TestHostProgramDeviceUsage::namesThePlaceOfABadLink()
                                         QStringLiteral("--library"), HostProcess::echoDriver()});
         return QStringLiteral("%1 %2").arg(code).arg(host.errors().remove(folder_.path()));
     };
-    const QString bad = errorsOf("\n\"address\": \"tcp:h\"");
+    const QString bad = errors_of("\n\"address\": \"tcp:h\"");
     QVERIFY2(bad.startsWith(QLatin1String(
                  "2 tovik-host: /c.json:2: link.address: \"tcp:h\": the port is missing")),
              qPrintable(bad));
-    const QString none = errorsOf("\"retries\": 1");
+    const QString none = errors_of("\"retries\": 1");
     QCOMPARE(none, QStringLiteral("2 tovik-host: /c.json: \"link\" has no \"address\", and there "
                                   "is no --link\n"));
 }

@@ -90,19 +90,19 @@ void TestHostProgramWatch::keepsDebugLinesOffTheOutput()
 {
     HostProcess host;
     host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
-    const auto runUntilValue = [&host](const QStringList& options) {
+    const auto run_until_value = [&host](const QStringList& options) {
         host.start(watch + options);
         const bool came = host.waitForOutput(QStringLiteral("A = 5"));
         host.sendSignal(SIGTERM);
         return came && host.wait() == 0;
     };
-    QVERIFY(runUntilValue({}));
+    QVERIFY(run_until_value({}));
     QVERIFY(!host.output().contains(QLatin1String("[TOVIK IoT]")));
     QCOMPARE(host.errors(), QString());
-    QVERIFY(runUntilValue({QStringLiteral("--verbose")}));
+    QVERIFY(run_until_value({QStringLiteral("--verbose")}));
     QVERIFY(!host.output().contains(QLatin1String("[TOVIK IoT]")));
     QVERIFY(host.errors().contains(QLatin1String("[TOVIK IoT] Connected to Cloud Success!\n")));
-    QVERIFY(runUntilValue({QStringLiteral("--log"), host.logFile()}));
+    QVERIFY(run_until_value({QStringLiteral("--log"), host.logFile()}));
     QCOMPARE(host.errors(), QString());
     QVERIFY(host.log().contains(QLatin1String(" [TOVIK IoT] Connected to Cloud Success!\n")));
     QVERIFY(host.log().contains(QLatin1String("[Fake] deleted after release\n")));

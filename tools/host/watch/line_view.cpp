@@ -12,9 +12,8 @@ QString oldestText(const WatchModel& model)
 {
     int oldest = -1;
     for (int i = 0; i < model.items().size(); ++i) {
-        if (!model.ageOf(i)) {
+        if (!model.ageOf(i))
             return QStringLiteral("no value yet of %1").arg(model.items().at(i).item.name);
-        }
         if (oldest < 0 || *model.ageOf(i) > *model.ageOf(oldest))
             oldest = i;
     }

@@ -62,6 +62,8 @@ def variant_values(order):
         "own_zone": tag(16) + struct.pack(order + "qIb", 2459000, 1000, 3) +
         text("OffsetFromUtc", order) + text("Own", order) + struct.pack(order + "i", 7200) +
         text("n", order) + text("O", order) + struct.pack(order + "i", 0) + text("", order),
+        "zone_of_nul": tag(16) + struct.pack(order + "qIb", 2459000, 1000, 3) +
+        text("OffsetFromUtc", order) + text("\0", order) + bytes(20),
         "url": tag(17) + sized(b"https://u@xn--hst-sna.example:8/a%20b?c#d", order),
         "locale": tag(18) + text("de_AT", order),
         "rectangle": tag(19) + struct.pack(order + "4i", 1, -2, 3, 4),

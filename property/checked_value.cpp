@@ -71,10 +71,10 @@ bool takeBits(Fields* fields)
     return true;
 }
 
-/// Zones are files below a folder of the system.
+/// Zones are files below a folder of the system. Qt writes a name up to its first NUL.
 bool isZoneName(const QString& name)
 {
-    return !name.isEmpty() && !name.contains(QLatin1String(".."));
+    return !name.isEmpty() && !name.contains(QLatin1String("..")) && !name.contains(QChar(0));
 }
 
 bool takeZone(Fields* fields)

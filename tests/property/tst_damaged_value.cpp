@@ -92,6 +92,14 @@ void TestDamagedValue::damaged_data()
         << moment + '\3' + valueBytes().text(QLatin1String("Europe/Atlantis")).bytes() << 0;
     QTest::newRow("date-time of a zone without a name")
         << moment + '\3' + valueBytes().text(QString()).bytes() << 0;
+    QTest::newRow("date-time of a zone of its own with a NUL for a name")
+        << moment + '\3' +
+               valueBytes()
+                   .text(QLatin1String("OffsetFromUtc"))
+                   .text(QString(1, QChar(0)))
+                   .bytes() +
+               QByteArray(20, '\0')
+        << 0;
     QTest::newRow("date-time of a zone of its own with the name of a file")
         << moment + '\3' +
                valueBytes()

@@ -30,7 +30,16 @@ public:
         prepare(in_, format);
     }
 
-    Reading read();
+    Reading read()
+    {
+        const bool is_whole = takeHeader() && visitMembers(reading_.record.property, *this);
+        const int end = position();
+        if (is_whole && left(end) > 0) {
+            stop(end, QStringLiteral("%1 bytes stand behind the end of the record").arg(left(end)),
+                 end);
+        }
+        return reading_;
+    }
 
     // The visitor of the structures.
     template <typename T>
@@ -44,33 +53,83 @@ public:
     }
 
 private:
-    bool takeHeader();
-    template <typename T>
-    bool take(T& member);
-    template <typename T>
-    bool take(QList<T>& list);
-    void read(QVariant& value) { ReadValue(in_, &value, &expressions_); }
-    template <typename T>
-    void read(T& value)
-    {
-        in_ >> value;
-    }
-
-    // What is wrong with a value that cannot be read.
-    QString fault(bool, int start) { return shortage("the flag", 1, start); }
-    QString fault(int, int start) { return shortage("the number", word_size, start); }
-    QString fault(quint32, int start) { return shortage("the count", word_size, start); }
-    QString fault(const QString&, int start);
-    QString fault(const QVariant&, int start);
-    QString shortage(const char* what, int bytes, int start) const;
-    QString typeAt(int start);
-    template <typename T>
-    T readAgain(int start);
-
     int position() const { return int(in_.device()->pos()); }
     int left(int start) const { return std::max(0, size_ - start); }
+
+    bool takeHeader();
+
+    template <typename T>
+    bool take(T& member)
+    {
+        const int start = position();
+        T value = T();
+        if constexpr (std::is_same_v<T, QVariant>)
+            ReadValue(in_, &value, &expressions_);
+        else
+            in_ >> value;
+        const bool is_good = in_.status() == QDataStream::Ok;
+        const int shortest = std::is_same_v<T, QVariant> ? shortest_value : word_size;
+        const bool is_cut = is_good || left(start) < shortest;
+        if (!is_good || position() > size_)
+            return stop(start, fault<T>(start), is_cut ? size_ : start);
+        member = value;
+        ++reading_.record.known;
+        compare(start, bytesOf(value, format_));
+        return true;
+    }
+
+    template <typename T>
+    bool take(QList<T>& list)
+    {
+        quint32 count = 0;
+        bool is_whole = take(count);
+        const int length = path_.size();
+        for (quint32 i = 0; i < count && is_whole; ++i) {
+            const int known = reading_.record.known;
+            list.append(T());
+            path_ += QStringLiteral("[%1]").arg(i);
+            is_whole = visitMembers(list.last(), *this);
+            path_.truncate(length);
+            if (reading_.record.known == known)
+                list.removeLast();
+        }
+        return is_whole;
+    }
+
+    /// Notes where the bytes that were read from \a start on are not those that Qt writes.
     void compare(int start, const QByteArray& with);
+    /// Notes what is wrong. \param reach the bytes that fit, if nothing was wrong before
     bool stop(int offset, const QString& problem, int reach);
+
+    /// What is wrong with a value that cannot be read.
+    template <typename T>
+    QString fault(int start)
+    {
+        if constexpr (std::is_same_v<T, QString>)
+            return faultOfText(start);
+        else if constexpr (std::is_same_v<T, QVariant>)
+            return faultOfValue(start);
+        const bool is_count = std::is_same_v<T, quint32>;
+        return shortage(sizeof(T) == 1 ? "the flag"
+                        : is_count     ? "the count"
+                                       : "the number",
+                        sizeof(T), start);
+    }
+    QString faultOfText(int start);
+    QString faultOfValue(int start);
+    QString shortage(const char* what, int bytes, int start) const;
+    /// What a variant says of its type.
+    QString typeAt(int start);
+    /// Reads a part of what could not be read, after which nothing else is.
+    template <typename T>
+    T readAgain(int start)
+    {
+        T value = T();
+        in_.resetStatus();
+        in_.device()->seek(start);
+        in_ >> value;
+        return value;
+    }
 
     const Format format_;
     const QByteArray bytes_; ///< With the zeros.
@@ -80,17 +139,6 @@ private:
     QString path_;
     Reading reading_;
 };
-
-Reading Reader::read()
-{
-    const bool is_whole = takeHeader() && visitMembers(reading_.record.property, *this);
-    const int rest = left(position());
-    if (is_whole && rest > 0) {
-        stop(position(), QStringLiteral("%1 bytes stand behind the end of the record").arg(rest),
-             position());
-    }
-    return reading_;
-}
 
 bool Reader::takeHeader()
 {
@@ -102,9 +150,10 @@ bool Reader::takeHeader()
         return stop(0, shortage("the variant's type", word_size, 0), size_);
     if (!bytes_.startsWith(header.left(word_size)))
         return stop(0, QStringLiteral("no variant of a type outside of Qt (%1)").arg(typeAt(0)), 0);
-    if (size_ < header.size() && header.startsWith(bytes_.left(size_)))
+    if (size_ < header.size() && header.startsWith(bytes_.left(size_))) {
         return stop(std::min(name_at, size_),
                     shortage("the type's name", header.size() - name_at, name_at), size_);
+    }
     if (bytes_.mid(name_at, header.size() - name_at) != header.mid(name_at)) {
         return stop(name_at,
                     QStringLiteral("a variant of %1, not of PropertyTovikIot").arg(typeAt(0)),
@@ -115,103 +164,6 @@ bool Reader::takeHeader()
     return true;
 }
 
-template <typename T>
-bool Reader::take(T& member)
-{
-    const int start = position();
-    T value = T();
-    read(value);
-    const bool is_good = in_.status() == QDataStream::Ok;
-    const int shortest = std::is_same_v<T, QVariant> ? shortest_value : word_size;
-    const bool is_cut = is_good || left(start) < shortest;
-    if (!is_good || position() > size_)
-        return stop(start, fault(value, start), is_cut ? size_ : start);
-    member = value;
-    ++reading_.record.known;
-    compare(start, bytesOf(value, format_));
-    return true;
-}
-
-template <typename T>
-bool Reader::take(QList<T>& list)
-{
-    quint32 count = 0;
-    bool is_whole = take(count);
-    const int length = path_.size();
-    for (quint32 i = 0; i < count && is_whole; ++i) {
-        const int known = reading_.record.known;
-        list.append(T());
-        path_ += QStringLiteral("[%1]").arg(i);
-        is_whole = visitMembers(list.last(), *this);
-        path_.truncate(length);
-        if (reading_.record.known == known)
-            list.removeLast();
-    }
-    return is_whole;
-}
-
-QString Reader::fault(const QString&, int start)
-{
-    const quint32 length = readAgain<quint32>(start);
-    if (left(start) < word_size)
-        return shortage("the length of the text", word_size, start);
-    if (length % 2 != 0)
-        return QStringLiteral("a text of %1 bytes; it has two for each character").arg(length);
-    return QStringLiteral(
-               "the length of the text says %1 bytes, and the file has %2 more behind it")
-        .arg(length)
-        .arg(left(start) - word_size);
-}
-
-QString Reader::fault(const QVariant&, int start)
-{
-    if (in_.status() == QDataStream::ReadCorruptData) {
-        return QStringLiteral("a value of %1 that the driver does not read, or that holds such a "
-                              "value, or lists more than %2 deep in one another")
-            .arg(typeAt(start), QString::number(deepest_value));
-    }
-    return QStringLiteral("the value takes more than the %1 bytes that the file still has")
-        .arg(left(start));
-}
-
-QString Reader::shortage(const char* what, int bytes, int start) const
-{
-    return QStringLiteral("%1 takes %2 bytes, and the file has %3 more")
-        .arg(QLatin1String(what))
-        .arg(bytes)
-        .arg(left(start));
-}
-
-/// What a variant says of its type.
-QString Reader::typeAt(int start)
-{
-    const quint32 number = readAgain<quint32>(start);
-    if (number == ownTypeIn(format_.version)) {
-        const int flag_size = format_.version < QDataStream::Qt_4_2 ? 0 : 1;
-        // Behind its end may be the account, if the length is wrong.
-        const QByteArray name = readAgain<QByteArray>(start + word_size + flag_size);
-        const QString shown = QString::fromUtf8(name.left(name.indexOf('\0')).left(200));
-        return QStringLiteral("the type \"%1\"").arg(printable(clipped(shown, 60)));
-    }
-    // Qt 4 numbered the types of its graphical part differently: better no name than a wrong one.
-    const bool is_sure = number < uint(QMetaType::FirstGuiType);
-    const char* const known = is_sure ? QMetaType::typeName(int(number)) : nullptr;
-    return QStringLiteral("type %1").arg(number) +
-           (known ? QStringLiteral(" (%1)").arg(QLatin1String(known)) : QString());
-}
-
-/// Reads a part of what could not be read, after which nothing else is.
-template <typename T>
-T Reader::readAgain(int start)
-{
-    T value = T();
-    in_.resetStatus();
-    in_.device()->seek(start);
-    in_ >> value;
-    return value;
-}
-
-/// Notes where the bytes that were read from \a start on are not those that Qt writes.
 void Reader::compare(int start, const QByteArray& with)
 {
     const QByteArray found = bytes_.mid(start, position() - start);
@@ -232,6 +184,53 @@ bool Reader::stop(int offset, const QString& problem, int reach)
         reading_.reach = reach;
     reading_.problems.append({offset, path_, problem});
     return false;
+}
+
+QString Reader::faultOfText(int start)
+{
+    const quint32 length = readAgain<quint32>(start);
+    if (left(start) < word_size)
+        return shortage("the length of the text", word_size, start);
+    if (length % 2 != 0)
+        return QStringLiteral("a text of %1 bytes; it has two for each character").arg(length);
+    return QStringLiteral(
+               "the length of the text says %1 bytes, and the file has %2 more behind it")
+        .arg(length)
+        .arg(left(start) - word_size);
+}
+
+QString Reader::faultOfValue(int start)
+{
+    if (in_.status() == QDataStream::ReadCorruptData) {
+        return QStringLiteral("a value of %1 that the driver does not read, or that holds such a "
+                              "value, or lists more than %2 deep in one another")
+            .arg(typeAt(start), QString::number(deepest_value));
+    }
+    return QStringLiteral("the value takes more than the %1 bytes that the file still has")
+        .arg(left(start));
+}
+
+QString Reader::shortage(const char* what, int bytes, int start) const
+{
+    return QStringLiteral("%1 takes %2 bytes, and the file has %3 more")
+        .arg(QLatin1String(what), QString::number(bytes), QString::number(left(start)));
+}
+
+QString Reader::typeAt(int start)
+{
+    const quint32 number = readAgain<quint32>(start);
+    if (number == ownTypeIn(format_.version)) {
+        const int flag_size = format_.version < QDataStream::Qt_4_2 ? 0 : 1;
+        // Behind its end may be the account, if the length is wrong.
+        const QByteArray name = readAgain<QByteArray>(start + word_size + flag_size);
+        const QString shown = QString::fromUtf8(name.left(name.indexOf('\0')).left(200));
+        return QStringLiteral("the type \"%1\"").arg(printable(clipped(shown, 60)));
+    }
+    // Qt 4 numbered the types of its graphical part differently: better no name than a wrong one.
+    const bool is_sure = number < uint(QMetaType::FirstGuiType);
+    const char* const known = is_sure ? QMetaType::typeName(int(number)) : nullptr;
+    return QStringLiteral("type %1").arg(number) +
+           (known ? QStringLiteral(" (%1)").arg(QLatin1String(known)) : QString());
 }
 
 } // namespace

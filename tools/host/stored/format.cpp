@@ -15,27 +15,21 @@ struct Release
     int major;
     int minor;
     int version;
+
+    QString text() const { return QStringLiteral("%1.%2").arg(major).arg(minor); }
 };
 
 /// The version of each release of Qt.
 const Release releases[] = {
-    {4, 0, QDataStream::Qt_4_0},   {4, 1, QDataStream::Qt_4_1},   {4, 2, QDataStream::Qt_4_2},
-    {4, 3, QDataStream::Qt_4_3},   {4, 4, QDataStream::Qt_4_4},   {4, 5, QDataStream::Qt_4_5},
-    {4, 6, QDataStream::Qt_4_6},   {4, 7, QDataStream::Qt_4_7},   {4, 8, QDataStream::Qt_4_8},
-    {5, 0, QDataStream::Qt_5_0},   {5, 1, QDataStream::Qt_5_1},   {5, 2, QDataStream::Qt_5_2},
-    {5, 3, QDataStream::Qt_5_3},   {5, 4, QDataStream::Qt_5_4},   {5, 5, QDataStream::Qt_5_5},
-    {5, 6, QDataStream::Qt_5_6},   {5, 7, QDataStream::Qt_5_7},   {5, 8, QDataStream::Qt_5_8},
-    {5, 9, QDataStream::Qt_5_9},   {5, 10, QDataStream::Qt_5_10}, {5, 11, QDataStream::Qt_5_11},
-    {5, 12, QDataStream::Qt_5_12}, {5, 13, QDataStream::Qt_5_13}, {5, 14, QDataStream::Qt_5_14},
-    {5, 15, QDataStream::Qt_5_15},
+    {4, 0, 7},   {4, 1, 7},   {4, 2, 8},   {4, 3, 9},   {4, 4, 10}, {4, 5, 11},  {4, 6, 12},
+    {4, 7, 12},  {4, 8, 12},  {5, 0, 13},  {5, 1, 14},  {5, 2, 15}, {5, 3, 15},  {5, 4, 16},
+    {5, 5, 16},  {5, 6, 17},  {5, 7, 17},  {5, 8, 17},  {5, 9, 17}, {5, 10, 17}, {5, 11, 17},
+    {5, 12, 18}, {5, 13, 19}, {5, 14, 19}, {5, 15, 19},
 };
 
-static_assert(int(QDataStream::Qt_4_0) == oldest_version, "the number of Qt 4.0");
-
-QString releaseText(const Release& release)
-{
-    return QStringLiteral("%1.%2").arg(release.major).arg(release.minor);
-}
+static_assert(QDataStream::Qt_4_0 == oldest_version && QDataStream::Qt_4_5 == 11 &&
+                  QDataStream::Qt_5_4 == 16 && QDataStream::Qt_5_15 == 19,
+              "the versions of Qt");
 
 bool isPossible(const Format& format, const Hints& hints)
 {
@@ -139,9 +133,9 @@ QString rangeInWords(const Versions& range)
     QString words = QString::number(range.first);
     if (!range.isOne())
         words += QStringLiteral(" to %1").arg(range.last);
-    words += QStringLiteral(" (Qt ") + releaseText(*oldest);
+    words += QStringLiteral(" (Qt ") + oldest->text();
     if (newest != oldest)
-        words += QStringLiteral(" to ") + releaseText(*newest);
+        words += QStringLiteral(" to ") + newest->text();
     return words + QLatin1Char(')');
 }
 

@@ -39,6 +39,12 @@ bool visitMembers(Structure& of, Visitor&& visit)
     }
 }
 
+/// Whether the type has members to visit.
+template <typename T>
+constexpr bool is_structure =
+    std::is_same_v<T, PropertyTovikIot> || std::is_same_v<T, PropertyTovikIotGroup> ||
+    std::is_same_v<T, PropertyTovikIotDataItem>;
+
 /// A record, and how much of it a damaged stream gave.
 struct Record
 {

@@ -6,94 +6,6 @@ namespace tovik_host::stored {
 
 namespace {
 
-const int null_flag_at = 4; ///< In the bytes of a value.
-
-OrderedJson valueToJson(const QVariant& value);
-
-/// The values that items have; nothing for others, and for what JSON cannot say.
-std::optional<OrderedJson> inWords(const QVariant& value)
-{
-    // Qt drops a byte order mark at the start of what it decodes.
-    const QString marked = QLatin1Char('x') + value.toString();
-    switch (value.userType()) {
-    case QMetaType::Bool:
-        return value.toBool();
-    case QMetaType::Short:
-    case QMetaType::Int:
-        return value.toInt();
-    case QMetaType::UShort:
-    case QMetaType::UInt:
-        return value.toUInt();
-    case QMetaType::Float:
-    case QMetaType::Double:
-        if (std::isinf(value.toDouble()))
-            return value.toDouble() > 0 ? "inf" : "-inf";
-        return std::isnan(value.toDouble()) ? std::nullopt
-                                            : std::optional<OrderedJson>(value.toDouble());
-    case QMetaType::QString:
-        if (value.toString().isNull())
-            return nullptr;
-        return QString::fromStdString(marked.toStdString()) == marked
-                   ? std::optional<OrderedJson>(value.toString().toStdString())
-                   : std::nullopt;
-    case QMetaType::QByteArray:
-        if (value.toByteArray().isNull())
-            return nullptr;
-        return value.toByteArray().toHex().toStdString();
-    default:
-        return std::nullopt;
-    }
-}
-
-/// A cached value with its type: in JSON's words, or as the bytes of a stream where it has none.
-OrderedJson valueToJson(const QVariant& value)
-{
-    if (!value.isValid())
-        return {{"type", "invalid"}};
-    const QByteArray bytes = valueBytes(value);
-    const std::optional<OrderedJson> words =
-        bytes.at(null_flag_at) == 0 ? inWords(value) : std::nullopt;
-    if (words)
-        return {{"type", value.typeName()}, {"value", *words}};
-    return {{"type", value.typeName()}, {"stream", bytes.toBase64().toStdString()}};
-}
-
-/// Makes objects of the members that are known.
-struct Writer
-{
-    int known;
-
-    template <typename Structure>
-    OrderedJson object(const Structure& structure)
-    {
-        OrderedJson object = OrderedJson::object();
-        visitMembers(structure, [&](const char* name, const auto& member) {
-            if (known-- <= 0)
-                return false;
-            object[name] = json(member);
-            return true;
-        });
-        return object;
-    }
-
-    template <typename T>
-    OrderedJson json(const T& member)
-    {
-        if constexpr (std::is_same_v<T, QVariant>)
-            return valueToJson(member);
-        else
-            return inWords(member).value_or(valueToJson(member));
-    }
-    template <typename T>
-    OrderedJson json(const QList<T>& list)
-    {
-        OrderedJson array = OrderedJson::array();
-        for (const T& element : list)
-            array.push_back(object(element));
-        return array;
-    }
-};
-
 /// A value of the file, and where it stands.
 struct Place
 {
@@ -239,17 +151,9 @@ QVariant readValue(const Place& place)
     return readWords(place.at("value"), type);
 }
 
-template <typename Structure>
-void readMembers(const Place& place, Structure* structure);
-
+/// Takes a record, or a part of one; of its members, those that the file has.
 template <typename T>
-void read(const Place& place, T* member)
-{
-    if constexpr (std::is_same_v<T, QVariant>)
-        *member = readValue(place);
-    else
-        *member = readWords(place, qMetaTypeId<T>()).template value<T>();
-}
+void read(const Place& place, T* part);
 
 template <typename T>
 void read(const Place& place, QList<T>* list)
@@ -257,22 +161,27 @@ void read(const Place& place, QList<T>* list)
     place.check(place.json.is_array(), "must be a list: [...]");
     for (std::size_t i = 0; i < place.json.size(); ++i) {
         list->append(T());
-        readMembers(place.at(i), &list->last());
+        read(place.at(i), &list->last());
     }
 }
 
-/// Takes the members of a structure that the file has.
-template <typename Structure>
-void readMembers(const Place& place, Structure* structure)
+template <typename T>
+void read(const Place& place, T* part)
 {
-    QStringList known;
-    visitMembers(*structure, [&](const char* name, auto& member) {
-        known << QLatin1String(name);
-        if (place.has(name))
-            read(place.at(name), &member);
-        return true;
-    });
-    place.allowOnly(known);
+    if constexpr (std::is_same_v<T, QVariant>) {
+        *part = readValue(place);
+    } else if constexpr (!is_structure<T>) {
+        *part = readWords(place, qMetaTypeId<T>()).template value<T>();
+    } else {
+        QStringList known;
+        visitMembers(*part, [&](const char* name, auto& member) {
+            known << QLatin1String(name);
+            if (place.has(name))
+                read(place.at(name), &member);
+            return true;
+        });
+        place.allowOnly(known);
+    }
 }
 
 bool readChoice(const Place& place, const Choice& choice)
@@ -301,33 +210,6 @@ Versions readVersions(const Place& place)
 
 } // namespace
 
-OrderedJson recordToJson(const Record& record)
-{
-    return Writer{record.known}.object(record.property);
-}
-
-OrderedJson formatToJson(const Hints& format)
-{
-    OrderedJson object = OrderedJson::object();
-    for (const Choice& choice : choices) {
-        const std::optional<bool>& value = format.*choice.hint;
-        const bool is_usual = choice.hint == &Hints::single_precision && value == false;
-        if (value && !is_usual)
-            object[choice.name] = choice.word(*value).toStdString();
-        if (choice.hint == &Hints::is_variant && format.versions) {
-            object["version"] = format.versions->isOne()
-                                    ? OrderedJson(format.versions->first)
-                                    : OrderedJson(rangeText(*format.versions).toStdString());
-        }
-    }
-    return object;
-}
-
-QByteArray fileText(const OrderedJson& json)
-{
-    return QByteArray::fromStdString(json.dump(2)) + '\n';
-}
-
 PropertyTovikIot recordFromJson(const JsonFile& file)
 {
     const Place root = {file, file.root, Place::Pointer()};
@@ -339,7 +221,7 @@ PropertyTovikIot recordFromJson(const JsonFile& file)
                                                      "use convert --salvage on the stream");
     }
     PropertyTovikIot record;
-    readMembers(root.at("tovik_iot"), &record);
+    read(root.at("tovik_iot"), &record);
     return record;
 }
 

@@ -24,7 +24,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 LIBRARY = ("interface", "property", "cloud", "compat", "framework")
-PARTS = LIBRARY + ("examples", "tools", "tests")
+PARTS = LIBRARY + ("examples", "tools", "tests", "benchmarks")
 UNIT_SIZE = 24
 # Flags that only the compiler in use takes, or that make a finding of a mere warning.
 DROPPED = re.compile(r"-(c|g\d?|Werror|Winvalid-pch|fuse-ld=.*|fsanitize.*|fno-sanitize.*|"
@@ -37,7 +37,8 @@ OWN_NAME = re.compile(
 # Each plug-in has those that the host looks for.
 ENTRY_POINT = re.compile(r"^\w.*\b(create_drvlib|drv_version)\(", re.M)
 META_TYPE = re.compile(r"^(Q_DECLARE_METATYPE\(.*\))$", re.M)
-NAMING = re.compile(r"^  - key: +readability-identifier-naming\.\w+\n    value: +(?!''$|Off$).+\n", re.M)
+NAMING = re.compile(r"^  - key: +readability-identifier-naming\.\w+(?:Case|Suffix|IgnoredRegexp)\n"
+                    r"    value: +(?!''$).+\n", re.M)
 FINDING = re.compile(r"^(/[^:\n]+):\d+:\d+: (warning|error): (.*) \[([\w.,*-]+)\]$", re.M)
 
 
@@ -77,7 +78,7 @@ class Source:
         folders = self.name.split("/")
         if folders[0] in LIBRARY:
             return "library"
-        return "/".join(folders[:2])
+        return "/".join(folders[:-1][:2])
 
 
 class Unit:
@@ -121,7 +122,7 @@ class Unit:
         lines = ["// NOLINTBEGIN"]
         for source in self.sources:
             lines.append("// NOLINTEND" if source is self.sources[0] else "#undef main")
-            lines.append("#define main main_" + digest(source.name)[:10])
+            lines.append("#define main main_" + digest(source.name)[:10] + " // NOLINT")
             lines.append(f'#include "{source.path}" // NOLINT')
         return "\n".join(lines) + "\n"
 

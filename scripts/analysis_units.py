@@ -33,7 +33,7 @@ DROPPED = re.compile(r"-(c|g\d?|Werror|Winvalid-pch|fuse-ld=.*|fsanitize.*|fno-s
 OWN_NAME = re.compile(
     r"^(?:(?:class|struct|enum(?: class)?|union|using)[ ]+(\w+)"
     r"|#define[ ]+(\w+)"
-    r"|(?! |namespace|using|extern)[\w:<>,&* ]*?[ &*](\w+)(?:\(|\{|\[| =|;))", re.M)
+    r"|(?:\[\[\w+\]\] )?(?! |namespace|using|extern)[\w:<>,&* ]*?[ &*](\w+)(?:\(|\{|\[| =|;))", re.M)
 # Each plug-in has those that the host looks for.
 ENTRY_POINT = re.compile(r"^\w.*\b(create_drvlib|drv_version)\(", re.M)
 META_TYPE = re.compile(r"^(Q_DECLARE_METATYPE\(.*\))$", re.M)

@@ -12,7 +12,7 @@
 namespace tovik_host {
 
 /// Whether and how the driver comes back after an error.
-CheckStep judgeErrorHandling(const ErrorHandling& handling);
+CheckStep judgeErrorHandling(const ErrorHandling& settings);
 /// Whether the TLS library that was found fits this Qt.
 CheckStep judgeSslLibrary(const SslLibraryFacts& facts);
 /// A proxy that is in force.

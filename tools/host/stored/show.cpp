@@ -143,7 +143,8 @@ QStringList viewOf(const File& file, const QString& path, const OrderedJson& rec
 void hide(OrderedJson* record, const std::vector<const char*>& names)
 {
     for (const char* name : names) {
-        if (record->contains(name) && !record->at(name).is_null() && record->at(name) != "")
+        if (record->contains(name) && !record->at(name).is_null() &&
+            record->at(name) != OrderedJson(""))
             (*record)[name] = {{"hidden", true}};
     }
 }

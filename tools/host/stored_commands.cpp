@@ -83,24 +83,23 @@ void addFormat(CLI::App* command, const Target& options)
         const int version = *stored::versionOf(text(word));
         format->versions = stored::Versions{version, version};
     };
-    CLI::Option* const added[] = {
-        command
-            ->add_option_function<std::string>("--stream-version", set_version,
-                                               "7 to 19, or a release of Qt: 12 or Qt_4_8, Qt_5_15")
-            ->type_name("VERSION")
-            ->check(CLI::Validator(checkVersion, "", "stream version")),
-        addWord(command, "--form", "record (bare) or variant (in a QVariant)",
-                {"record", "variant"}, "variant", &format->is_variant)
-            ->type_name("FORM"),
-        addWord(command, "--byte-order", "big (usual) or little", {"big", "little"}, "big",
-                &format->big_endian)
-            ->type_name("ORDER"),
-        addWord(command, "--float-precision",
-                "double (usual) or single: size of floating numbers from version 12 on",
-                {"double", "single"}, "single", &format->single_precision)
-            ->type_name("PRECISION")};
-    for (CLI::Option* option : added)
-        option->group("Stream");
+    command
+        ->add_option_function<std::string>("--stream-version", set_version,
+                                           "7 to 19, or a release of Qt: 12 or Qt_4_8, Qt_5_15")
+        ->type_name("VERSION")
+        ->check(CLI::Validator(checkVersion, "", "stream version"));
+    addWord(command, "--form", "record (bare) or variant (in a QVariant)", {"record", "variant"},
+            "variant", &format->is_variant)
+        ->type_name("FORM");
+    addWord(command, "--byte-order", "big (usual) or little", {"big", "little"}, "big",
+            &format->big_endian)
+        ->type_name("ORDER");
+    addWord(command, "--float-precision",
+            "double (usual) or single: size of floating numbers from version 12 on",
+            {"double", "single"}, "single", &format->single_precision)
+        ->type_name("PRECISION");
+    for (const char* name : {"--stream-version", "--form", "--byte-order", "--float-precision"})
+        command->get_option(name)->group("Stream");
 }
 
 } // namespace

@@ -204,7 +204,7 @@ void TestDamagedValue::expressionsOfOneRecord()
     QCOMPARE(read.dataitems.size(), count);
     QCOMPARE(reader.status(), QDataStream::ReadCorruptData);
     int valid = 0;
-    while (read.dataitems[valid].value.isValid() && valid < count - 1) {
+    while (valid < count - 1 && read.dataitems[valid].value.isValid()) {
         QCOMPARE(read.dataitems[valid].value, root.dataitems[valid].value);
         ++valid;
     }

@@ -21,7 +21,8 @@ public:
     Post(const QString& body, const QString& url);
     ~Post();
 
-    /// Runs an event loop until the reply has finished, or the thread is told to quit.
+    /// Runs an event loop until the reply has finished, or the thread is told to quit. The post may
+    /// have been deleted when it returns.
     void wait();
     /// The reply's body up to its first NUL; empty while there is none. Logs a transport error;
     /// what arrived is returned all the same. To be called once.

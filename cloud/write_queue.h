@@ -69,7 +69,6 @@ private:
         QVariant value;
     };
 
-    void endAwaited();
     void end(Post* post);
 
     Sender* sender_;

@@ -1,5 +1,7 @@
 #include "compat/whole_post.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QMetaObject>
 #include <QNetworkReply>
 
@@ -24,14 +26,44 @@ QObject* holderOfBody(QNetworkReply* reply)
     return 0;
 }
 
+/// Hands the body over once the request has begun, or never. Belongs to what holds the body.
+class HandOver : public QObject
+{
+public:
+    HandOver(QObject* holder, qint64 size) : QObject(holder), size_(size) {}
+
+protected:
+    void customEvent(QEvent*)
+    {
+        if (isWanted())
+            QMetaObject::invokeMethod(parent(), "wantUploadDataSlot", Q_ARG(qint64, size_));
+        deleteLater();
+    }
+
+private:
+    /// Whether a network thread takes the body. There is none for a request that Qt does not
+    /// begin, and Qt 4.8 uses a body then that it has not made.
+    bool isWanted() const
+    {
+        // What is protected belongs to us by way of our own class only.
+        int (QObject::*const receivers_of)(const char*) const = &HandOver::receivers;
+        return (parent()->*receivers_of)(SIGNAL(haveUploadData(qint64, QByteArray, bool, qint64))) >
+               0;
+    }
+
+    qint64 size_;
+};
+
 } // namespace
 
 bool handOverBody(QNetworkReply* reply, qint64 size)
 {
     QObject* holder = holderOfBody(reply);
+    if (!holder)
+        return false;
     // Queued: after the start of the request, which post() has queued likewise.
-    return holder && QMetaObject::invokeMethod(holder, "wantUploadDataSlot", Qt::QueuedConnection,
-                                               Q_ARG(qint64, size));
+    QCoreApplication::postEvent(new HandOver(holder, size), new QEvent(QEvent::User));
+    return true;
 }
 
 } // namespace whole_post

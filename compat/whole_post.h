@@ -20,7 +20,8 @@ namespace whole_post {
 ///
 /// The object that hands the body over is the reply itself in Qt 5 and a child of it in Qt 4.8; it
 /// is found by its slot `wantUploadDataSlot(qint64)`. Where there is none, nothing happens: the
-/// post is slower, and complete.
+/// post is slower, and complete. Nothing is handed over either when Qt never begins the request,
+/// as with an application's proxy that cannot carry it.
 ///
 /// To be called in the thread that has posted, before its event loop runs again. Never blocks.
 /// \param size bytes of the body

@@ -3,6 +3,7 @@
 #include "tests/support/scripted_service.h"
 
 #include <QElapsedTimer>
+#include <QNetworkProxy>
 #include <QTcpSocket>
 #include <QTest>
 #include <QThread>
@@ -35,6 +36,7 @@ private Q_SLOTS:
     void transportErrors();
     void lostConnectionIsTriedASecondTime();
     void refusedConnection();
+    void proxyThatCannotCarryIt();
     void emptyReplyFailsTheCaller();
     void certificates_data();
     void certificates();
@@ -177,6 +179,24 @@ void TestTovikIotRequest::refusedConnection()
     QCOMPARE(client.PostRequest(latin1("{}"), url), QString());
     QCOMPARE(log.lines(),
              QStringList{latin1("[TOVIK IoT] Post Request Error:  \"Connection refused\"")});
+}
+
+/// Qt does not begin such a request: nobody is there to take its body.
+void TestTovikIotRequest::proxyThatCannotCarryIt()
+{
+    const ScriptedService service(TestCertificate::make("127.0.0.1", -day, day));
+    // Qt leaves proxies out on the way to 127.0.0.1; this is the same machine by another name.
+    const QString url = latin1("https://0.0.0.0:%1").arg(service.serverPort());
+    TovikIot client(&property_);
+    LogRecorder log;
+    QNetworkProxy::setApplicationProxy(
+        QNetworkProxy(QNetworkProxy::FtpCachingProxy, latin1("127.0.0.1"), service.serverPort()));
+    const QString reply = client.PostRequest(latin1("{}"), url);
+    QNetworkProxy::setApplicationProxy(QNetworkProxy(QNetworkProxy::NoProxy));
+    QCOMPARE(reply, QString());
+    QCOMPARE(log.lines(), QStringList{latin1("[TOVIK IoT] Post Request Error:  "
+                                             "\"No suitable proxy found\"")});
+    QCOMPARE(service.requests().size(), 0);
 }
 
 void TestTovikIotRequest::emptyReplyFailsTheCaller()

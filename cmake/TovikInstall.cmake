@@ -53,7 +53,10 @@ else()
   set(TOVIK_PC_REQUIRES "Qt5Core >= 5.15 Qt5Network >= 5.15 Qt5Widgets >= 5.15")
 endif()
 set(TOVIK_PC_CFLAGS "")
+set(TOVIK_PC_LIBS "")
 if(TOVIK_HAS_QEXTSERIALPORT)
+  # A driver calls the port's own functions.
+  set(TOVIK_PC_LIBS "${QEXTSERIALPORT_LIBRARY}")
   set(TOVIK_PC_CFLAGS "-DTOVIK_HAS_QEXTSERIALPORT -I${QEXTSERIALPORT_INCLUDE_DIR}")
 endif()
 # From the file's own folder: an installed tree may be moved, and --prefix may name another one.

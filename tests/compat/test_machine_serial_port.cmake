@@ -22,3 +22,8 @@ endif()
 if(NOT output MATCHES " U QextSerialPort::QextSerialPort")
   message(FATAL_ERROR "the library does not use the machine's QextSerialPort:\n${output}")
 endif()
+
+file(READ ${WORK_DIR}/tovik_iot.pc description)
+if(NOT description MATCHES "\nLibs: [^\n]* ${LIBRARY}\n")
+  message(FATAL_ERROR "the pkg-config file lacks the serial port library:\n${description}")
+endif()

@@ -32,17 +32,23 @@ void WriteQueue::add(int index, const QVariant& value)
     if (!waits)
         return;
     is_waiting_ = true;
-    awaited_ = unanswered_.first();
-    awaited_->wait();
-    // A post without an answer still: the thread has been told to quit.
-    if (awaited_)
-        end(awaited_);
+    Post* const first = unanswered_.first();
+    awaited_ = first;
+    first->wait();
+    endAwaited();
     is_waiting_ = false;
     if (awaited_error_) {
         std::exception_ptr error;
         std::swap(error, awaited_error_);
         std::rethrow_exception(error);
     }
+}
+
+/// Ends a write that has no answer still when the thread has been told to quit.
+void WriteQueue::endAwaited()
+{
+    if (awaited_)
+        end(awaited_);
 }
 
 /// Sends the next write if it may go now.

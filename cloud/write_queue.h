@@ -69,6 +69,7 @@ private:
         QVariant value;
     };
 
+    void endAwaited();
     void end(Post* post);
 
     Sender* sender_;

@@ -20,7 +20,8 @@ Q_SIGNALS:
 #ifndef Q_MOC_RUN
 public: // In Qt 4 signals are protected otherwise, and a host emits these.
 #endif
-        /// The host emits this just before it releases the link. Drivers stop using it before the
+
+    /// The host emits this just before it releases the link. Drivers stop using it before the
     /// emission returns: the connection is direct, in the emitting thread.
     void EmitNotifyBeforeRelease();
 };

@@ -48,7 +48,8 @@ Q_SIGNALS:
 #ifndef Q_MOC_RUN
 public: // In Qt 4 signals are protected otherwise, and a host emits these.
 #endif
-        /// Answers one read or write: \a ba is the data read, or the bytes that were to be written;
+
+    /// Answers one read or write: \a ba is the data read, or the bytes that were to be written;
     /// \a status is 0 for success or a code of the driver.
     void SigResponse(QString unit_name, QString link_name, QByteArray ba, int status);
     /// Reports data that nobody asked for.

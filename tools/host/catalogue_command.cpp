@@ -10,29 +10,30 @@ namespace tovik_host {
 
 namespace {
 
-QString textOf(const Catalogue& catalogue, CatalogueForm form)
+QString textOf(const service::Catalogue& catalogue, CatalogueForm form)
 {
     if (form == CatalogueForm::automatic)
         form = isatty(STDOUT_FILENO) == 1 ? CatalogueForm::tree : CatalogueForm::table;
     if (form == CatalogueForm::json)
-        return catalogueJson(catalogue);
-    return form == CatalogueForm::tree ? catalogueTree(catalogue) : catalogueTable(catalogue);
+        return service::catalogueJson(catalogue);
+    return form == CatalogueForm::tree ? service::catalogueTree(catalogue)
+                                       : service::catalogueTable(catalogue);
 }
 
 } // namespace
 
-int runCatalogue(const ServiceOptions& options, CatalogueForm form)
+int runCatalogue(const service::ServiceOptions& options, CatalogueForm form)
 {
-    Account account = resolveAccount(options.account, Account());
-    requireAccount(account);
-    ServicePlace place(options);
+    config::Account account = config::resolveAccount(options.account, config::Account());
+    config::requireAccount(account);
+    service::ServicePlace place(options);
     if (!place.askForPassword(&account))
-        return exitRefused;
-    const std::optional<Catalogue> catalogue = place.fetchCatalogue(account);
+        return terminal::exitRefused;
+    const std::optional<service::Catalogue> catalogue = place.fetchCatalogue(account);
     if (!catalogue)
-        return exitRefused;
+        return terminal::exitRefused;
     place.out.write(textOf(*catalogue, form));
-    return codeAfterWriting(place.out, exitDone);
+    return service::codeAfterWriting(place.out, terminal::exitDone);
 }
 
 } // namespace tovik_host

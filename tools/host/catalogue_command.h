@@ -15,7 +15,7 @@ enum class CatalogueForm
 };
 
 /// Prints the service's catalogue. Returns the exit code; throws UsageError.
-int runCatalogue(const ServiceOptions& options, CatalogueForm form);
+int runCatalogue(const service::ServiceOptions& options, CatalogueForm form);
 
 } // namespace tovik_host
 

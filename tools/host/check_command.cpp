@@ -45,9 +45,9 @@ void addCheck(CLI::App& app, std::function<int()>& run)
         ->type_name("FILE");
     command->add_flag("--verbose", parsed->verbose, "Client's debug lines to the standard error");
     command->callback([command, parsed, &run] {
-        const CommonOptions common = commonOptions(command, *parsed);
-        const CheckOptions options = {texts(parsed->items), parsed->timeout};
-        run = [common, options] { return runCheck(common, options); };
+        const config::CommonOptions common = commonOptions(command, *parsed);
+        const check::CheckOptions options = {texts(parsed->items), parsed->timeout};
+        run = [common, options] { return check::runCheck(common, options); };
     });
 }
 

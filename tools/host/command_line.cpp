@@ -107,15 +107,15 @@ void addWatch(CLI::App& app, const Parsed& parsed, Run& run)
     addRequest(command, parsed);
     addTimeout(command, parsed, "Longest wait for the link", true);
     command->callback([command, parsed, &run] {
-        CommonOptions common = commonOptions(command, *parsed);
-        WatchOptions options = parsed->watch;
+        config::CommonOptions common = commonOptions(command, *parsed);
+        config::WatchOptions options = parsed->watch;
         options.items = texts(parsed->items);
         if (!options.items.isEmpty())
             common.device_options << QStringLiteral("\"%1\"").arg(options.items.first());
         run = [common, options] {
-            if (isForDevice(common))
+            if (driver::isForDevice(common))
                 return runDeviceWatch(common, options);
-            refuseDeviceOptions(common);
+            driver::refuseDeviceOptions(common);
             return runWatch(common, options);
         };
     });
@@ -139,12 +139,12 @@ void addRead(CLI::App& app, const Parsed& parsed, Run& run)
     addLink(command, parsed);
     addRequest(command, parsed);
     command->callback([command, parsed, &run] {
-        const CommonOptions common = commonOptions(command, *parsed);
-        const ReadOptions options = {texts(parsed->items), parsed->quiet, parsed->timeout};
+        const config::CommonOptions common = commonOptions(command, *parsed);
+        const config::ReadOptions options = {texts(parsed->items), parsed->quiet, parsed->timeout};
         run = [common, options] {
-            if (isForDevice(common))
+            if (driver::isForDevice(common))
                 return runDeviceRead(common, options);
-            refuseDeviceOptions(common);
+            driver::refuseDeviceOptions(common);
             return runRead(common, options);
         };
     });
@@ -170,13 +170,13 @@ void addWrite(CLI::App& app, const Parsed& parsed, Run& run)
     addLink(command, parsed);
     addRequest(command, parsed);
     command->callback([command, parsed, &run] {
-        const CommonOptions common = commonOptions(command, *parsed);
-        const WriteOptions options = {text(parsed->item), text(parsed->value), parsed->confirm,
-                                      parsed->timeout};
+        const config::CommonOptions common = commonOptions(command, *parsed);
+        const config::WriteOptions options = {text(parsed->item), text(parsed->value),
+                                              parsed->confirm, parsed->timeout};
         run = [common, options] {
-            if (isForDevice(common))
+            if (driver::isForDevice(common))
                 return runDeviceWrite(common, options);
-            refuseDeviceOptions(common);
+            driver::refuseDeviceOptions(common);
             return runWrite(common, options);
         };
     });
@@ -198,18 +198,19 @@ void addRaw(CLI::App& app, const Parsed& parsed, Run& run)
                       "Even if the driver says that it does not support it");
     addLink(command, parsed);
     command->callback([command, timeout, parsed, &run] {
-        CommonOptions common = commonOptions(command, *parsed);
+        config::CommonOptions common = commonOptions(command, *parsed);
         common.link_timeout = std::max(common.link_timeout, 10.0);
         if (timeout->count() > 0 && !common.link.response_timeout) {
             common.link.response_timeout =
-                std::min(int(parsed->timeout * 1000), limits::response_timeout);
+                std::min(int(parsed->timeout * 1000), config::limits::response_timeout);
         }
-        const RawOptions options = {texts(parsed->bytes), parsed->force};
+        const config::RawOptions options = {texts(parsed->bytes), parsed->force};
         run = [common, options] {
-            if (isForDevice(common))
+            if (driver::isForDevice(common))
                 return runDeviceRaw(common, options);
-            throw UsageError(QStringLiteral("raw is for a device on a link, and there is none: add "
-                                            "--link tcp:HOST:PORT or --link serial:DEVICE"));
+            throw terminal::UsageError(
+                QStringLiteral("raw is for a device on a link, and there is none: add "
+                               "--link tcp:HOST:PORT or --link serial:DEVICE"));
         };
     });
 }
@@ -238,7 +239,7 @@ ParsedCommandLine parseCommandLine(int argc, const char* const* argv)
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         parsed.run = nullptr;
-        parsed.exit_code = app.exit(error) == 0 ? exitDone : exitUsage;
+        parsed.exit_code = app.exit(error) == 0 ? terminal::exitDone : terminal::exitUsage;
     }
     return parsed;
 }

@@ -94,7 +94,7 @@ void markOfService(CLI::Option* option)
 
 void addLink(CLI::App* command, const Parsed& parsed)
 {
-    LinkOptions& settings = parsed->link_settings;
+    config::LinkOptions& settings = parsed->link_settings;
     command
         ->add_option("--link", parsed->link,
                      "tcp:HOST:PORT or serial:DEVICE[,BAUD[,FRAME[,FLOW]]]; by default "
@@ -106,17 +106,17 @@ void addLink(CLI::App* command, const Parsed& parsed)
                      "Longest wait for an answer (default 1000; the library's own 10 is too short "
                      "for most devices)")
         ->type_name("MS")
-        ->check(CLI::Range(1, limits::response_timeout))
+        ->check(CLI::Range(1, config::limits::response_timeout))
         ->group(link_group);
     command
         ->add_option("--request-delay", settings.request_delay,
                      "Pause before each request (default 0)")
         ->type_name("MS")
-        ->check(CLI::Range(0, limits::request_delay))
+        ->check(CLI::Range(0, config::limits::request_delay))
         ->group(link_group);
     command->add_option("--retries", settings.retries, "Repeats after a failed attempt (default 0)")
         ->type_name("N")
-        ->check(CLI::Range(0, limits::retries))
+        ->check(CLI::Range(0, config::limits::retries))
         ->group(link_group);
     command
         ->add_option("--link-param-a", settings.link_param_a,
@@ -132,7 +132,7 @@ void addLink(CLI::App* command, const Parsed& parsed)
 
 void addRequest(CLI::App* command, const Parsed& parsed)
 {
-    RequestOptions& request = parsed->request;
+    config::RequestOptions& request = parsed->request;
     command
         ->add_option("--type", parsed->type,
                      "Type of the addresses: Bit, 16Bit- or 32Bit- with INT, UINT, HEX or BCD, "
@@ -141,11 +141,11 @@ void addRequest(CLI::App* command, const Parsed& parsed)
         ->group(link_group);
     command->add_option("--length", request.length, "Bytes of a String")
         ->type_name("BYTES")
-        ->check(CLI::Range(1, limits::length))
+        ->check(CLI::Range(1, config::limits::length))
         ->group(link_group);
     command->add_option("--station", request.station, "Station number of the device (default 1)")
         ->type_name("N")
-        ->check(CLI::Range(0, limits::station))
+        ->check(CLI::Range(0, config::limits::station))
         ->group(link_group);
     command->add_option("--unit", parsed->unit, "Unit name of the requests (default tovik-host)")
         ->type_name("NAME")
@@ -172,11 +172,11 @@ CLI::Option* addTimeout(CLI::App* command, const Parsed& parsed, const char* des
     return option;
 }
 
-CommonOptions commonOptions(const CLI::App* command, const ParsedOptions& parsed)
+config::CommonOptions commonOptions(const CLI::App* command, const ParsedOptions& parsed)
 {
     if (parsed.config.empty() && !parsed.link)
         throw CLI::RequiredError("--config (a service and its items) or --link (a device)");
-    CommonOptions common;
+    config::CommonOptions common;
     common.config = text(parsed.config);
     common.library = text(parsed.library);
     common.url = text(parsed.url);

@@ -26,10 +26,10 @@ struct ParsedOptions
     bool verbose = false;
     std::optional<std::string> link;
     std::optional<std::string> unit;
-    LinkOptions link_settings;
+    config::LinkOptions link_settings;
     std::optional<std::string> type;
-    RequestOptions request;
-    WatchOptions watch;
+    config::RequestOptions request;
+    config::WatchOptions watch;
     std::vector<std::string> items;
     bool quiet = false;
     std::string item;
@@ -65,7 +65,7 @@ CLI::Option* addTimeout(CLI::App* command, const Parsed& parsed, const char* des
 
 /// The options that \a command was given. Throws CLI::ParseError if they name neither a
 /// configuration nor a link.
-CommonOptions commonOptions(const CLI::App* command, const ParsedOptions& parsed);
+config::CommonOptions commonOptions(const CLI::App* command, const ParsedOptions& parsed);
 
 } // namespace tovik_host
 

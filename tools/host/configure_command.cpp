@@ -24,12 +24,14 @@ void checkFolder(const QString& output)
 {
     const QFileInfo folder(QFileInfo(output).absolutePath());
     if (!folder.isDir()) {
-        throw UsageError(QStringLiteral("cannot write %1: there is no folder %2")
-                             .arg(printable(output), printable(folder.filePath())));
+        throw terminal::UsageError(
+            QStringLiteral("cannot write %1: there is no folder %2")
+                .arg(terminal::printable(output), terminal::printable(folder.filePath())));
     }
     if (!folder.isWritable()) {
-        throw UsageError(QStringLiteral("cannot write %1: the folder %2 is not writable")
-                             .arg(printable(output), printable(folder.filePath())));
+        throw terminal::UsageError(
+            QStringLiteral("cannot write %1: the folder %2 is not writable")
+                .arg(terminal::printable(output), terminal::printable(folder.filePath())));
     }
 }
 
@@ -37,31 +39,33 @@ void checkFolder(const QString& output)
 void checkOptions(const ConfigureOptions& options)
 {
     if (!options.output.isEmpty()) {
-        checkOutputFile(options.output, options.force);
+        terminal::checkOutputFile(options.output, options.force);
         checkFolder(options.output);
     }
-    const ItemFilter& filter = options.filter;
-    checkFilter(filter);
+    const service::ItemFilter& filter = options.filter;
+    service::checkFilter(filter);
     if (!options.interactive && filter.patterns.isEmpty() && filter.types.isEmpty()) {
-        throw UsageError(QStringLiteral("which items? Give patterns such as 'Boiler/*' (or '*' for "
-                                        "all), --type TYPE, or --interactive"));
+        throw terminal::UsageError(
+            QStringLiteral("which items? Give patterns such as 'Boiler/*' (or '*' for "
+                           "all), --type TYPE, or --interactive"));
     }
 }
 
-Catalogue catalogueFromFile(const QString& path)
+service::Catalogue catalogueFromFile(const QString& path)
 {
-    const JsonFile file = readJsonAs(path, QStringLiteral("catalogue"));
-    return readCatalogue(file);
+    const config::JsonFile file = service::readJsonAs(path, QStringLiteral("catalogue"));
+    return service::readCatalogue(file);
 }
 
-Account accountFor(const ServiceOptions& service, const Catalogue& saved, bool needs_password)
+config::Account accountFor(const service::ServiceOptions& service, const service::Catalogue& saved,
+                           bool needs_password)
 {
-    Account account;
+    config::Account account;
     account.service.url = saved.url;
     account.service.project = saved.project;
     account.service.email = saved.email;
-    account = resolveAccount(service.account, account, needs_password);
-    requireAccount(account);
+    account = config::resolveAccount(service.account, account, needs_password);
+    config::requireAccount(account);
     return account;
 }
 
@@ -74,12 +78,13 @@ int pageSize()
 }
 
 /// Lets the user choose; nothing if the user leaves.
-std::optional<QVector<OfferedItem>> choose(ServicePlace& place, const QVector<OfferedItem>& offered)
+std::optional<QVector<service::OfferedItem>> choose(service::ServicePlace& place,
+                                                    const QVector<service::OfferedItem>& offered)
 {
-    LineInput input(STDIN_FILENO, place.err, place.unix_signals);
-    ConfigureDialogue dialogue(offered, pageSize());
+    terminal::LineInput input(STDIN_FILENO, place.err, place.unix_signals);
+    service::ConfigureDialogue dialogue(offered, pageSize());
     place.err.write(dialogue.opening());
-    while (dialogue.state() == ConfigureDialogue::State::open) {
+    while (dialogue.state() == service::ConfigureDialogue::State::open) {
         const std::optional<QString> line = input.ask(dialogue.prompt());
         if (!line) {
             place.err.line(QString());
@@ -87,19 +92,21 @@ std::optional<QVector<OfferedItem>> choose(ServicePlace& place, const QVector<Of
         }
         place.err.write(dialogue.answer(*line));
     }
-    if (dialogue.state() == ConfigureDialogue::State::quit)
+    if (dialogue.state() == service::ConfigureDialogue::State::quit)
         return std::nullopt;
     return dialogue.chosen();
 }
 
 /// The wanted items; nothing if there are none, which has been said then.
-std::optional<QVector<OfferedItem>> wantedItems(ServicePlace& place, const Catalogue& catalogue,
-                                                const ConfigureOptions& options)
+std::optional<QVector<service::OfferedItem>> wantedItems(service::ServicePlace& place,
+                                                         const service::Catalogue& catalogue,
+                                                         const ConfigureOptions& options)
 {
-    const FilteredItems filtered = filterItems(offeredItems(catalogue), options.filter);
+    const service::FilteredItems filtered =
+        service::filterItems(service::offeredItems(catalogue), options.filter);
     if (filtered.items.isEmpty()) {
         place.complain(QStringLiteral("nothing is chosen of %1%2")
-                           .arg(counted(catalogue.itemCount(), QStringLiteral("item")),
+                           .arg(service::counted(catalogue.itemCount(), QStringLiteral("item")),
                                 filtered.without_match.isEmpty()
                                     ? QStringLiteral(": no item meets all of the conditions")
                                     : QStringLiteral("; nothing in the catalogue matches %1")
@@ -116,52 +123,55 @@ std::optional<QVector<OfferedItem>> wantedItems(ServicePlace& place, const Catal
     return chosen;
 }
 
-void write(ServicePlace& place, const Account& account, const QVector<ItemConfig>& items,
-           const ConfigureOptions& options)
+void write(service::ServicePlace& place, const config::Account& account,
+           const QVector<config::ItemConfig>& items, const ConfigureOptions& options)
 {
-    const QString text = configJson(account, items, options.with_password);
+    const QString text = config::configJson(account, items, options.with_password);
     if (options.output.isEmpty()) {
         place.out.write(text);
         return;
     }
-    checkOutputFile(options.output, options.force);
-    saveFile(options.output, text.toUtf8(), options.with_password);
+    terminal::checkOutputFile(options.output, options.force);
+    terminal::saveFile(options.output, text.toUtf8(), options.with_password);
     if (!place.options.quiet) {
-        place.err.line(QStringLiteral("%1: %2").arg(printable(options.output),
-                                                    counted(items.size(), QStringLiteral("item"))));
+        place.err.line(
+            QStringLiteral("%1: %2").arg(terminal::printable(options.output),
+                                         service::counted(items.size(), QStringLiteral("item"))));
     }
 }
 
 } // namespace
 
-int runConfigure(const ServiceOptions& service, const ConfigureOptions& options)
+int runConfigure(const service::ServiceOptions& service, const ConfigureOptions& options)
 {
     checkOptions(options);
-    std::optional<Catalogue> catalogue;
+    std::optional<service::Catalogue> catalogue;
     if (!options.catalogue.isEmpty())
         catalogue = catalogueFromFile(options.catalogue);
     const bool needs_password = !catalogue || options.with_password;
-    Account account = accountFor(service, catalogue.value_or(Catalogue()), needs_password);
-    ServicePlace place(service);
+    config::Account account =
+        accountFor(service, catalogue.value_or(service::Catalogue()), needs_password);
+    service::ServicePlace place(service);
     if (needs_password && !place.askForPassword(&account))
-        return exitRefused;
+        return terminal::exitRefused;
     if (options.with_password && !account.has_password) {
-        throw UsageError(QStringLiteral("--with-password: there is no password; set %1, or use "
-                                        "--password-file")
-                             .arg(account.password_env));
+        throw terminal::UsageError(
+            QStringLiteral("--with-password: there is no password; set %1, or use "
+                           "--password-file")
+                .arg(account.password_env));
     }
     if (!catalogue)
         catalogue = place.fetchCatalogue(account);
     if (!catalogue)
-        return exitRefused;
+        return terminal::exitRefused;
     const auto items = wantedItems(place, *catalogue, options);
     if (!items)
-        return exitRefused;
-    const NamedItems named = nameItems(*items);
+        return terminal::exitRefused;
+    const service::NamedItems named = service::nameItems(*items);
     for (const QString& warning : named.warnings)
         place.warn(warning);
     write(place, account, named.items, options);
-    return codeAfterWriting(place.out, exitDone);
+    return service::codeAfterWriting(place.out, terminal::exitDone);
 }
 
 } // namespace tovik_host

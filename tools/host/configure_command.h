@@ -11,7 +11,7 @@ namespace tovik_host {
 struct ConfigureOptions
 {
     QString catalogue; ///< A saved catalogue; empty: the service is asked.
-    ItemFilter filter;
+    service::ItemFilter filter;
     bool interactive = false;
     QString output; ///< Empty: the standard output.
     bool force = false;
@@ -19,7 +19,7 @@ struct ConfigureOptions
 };
 
 /// Makes a configuration from a catalogue. Returns the exit code; throws UsageError.
-int runConfigure(const ServiceOptions& service, const ConfigureOptions& options);
+int runConfigure(const service::ServiceOptions& service, const ConfigureOptions& options);
 
 } // namespace tovik_host
 

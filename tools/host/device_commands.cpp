@@ -10,42 +10,43 @@ namespace tovik_host {
 
 namespace {
 
-void printRead(DevicePlace& place, const ItemConfig& item, const DeviceAnswer& answer,
-               const QString& problem, bool quiet)
+void printRead(driver::DevicePlace& place, const config::ItemConfig& item,
+               const driver::DeviceAnswer& answer, const QString& problem, bool quiet)
 {
     if (!problem.isEmpty()) {
         place.complain(item.name, problem);
         return;
     }
-    const QString text = decodeValue(*item.type, answer.answer.bytes).value();
+    const QString text = value::decodeValue(*item.type, answer.answer.bytes).value();
     place.out.line(quiet ? text : QStringLiteral("%1 = %2").arg(item.name, text));
 }
 
-void printReadJson(DevicePlace& place, const ItemConfig& item, const DeviceAnswer& answer,
-                   const QString& problem)
+void printReadJson(driver::DevicePlace& place, const config::ItemConfig& item,
+                   const driver::DeviceAnswer& answer, const QString& problem)
 {
-    OrderedJson line;
-    addAnswer(line, item, answer.answer,
-              problem.isEmpty() ? decodeValue(*item.type, answer.answer.bytes) : std::nullopt);
+    value::OrderedJson line;
+    driver::addAnswer(line, item, answer.answer,
+                      problem.isEmpty() ? value::decodeValue(*item.type, answer.answer.bytes)
+                                        : std::nullopt);
     if (!problem.isEmpty())
         line["problem"] = problem.toStdString();
-    place.out.line(jsonLine(line));
+    place.out.line(value::jsonLine(line));
 }
 
 } // namespace
 
-int runDeviceRead(const CommonOptions& common, const ReadOptions& options)
+int runDeviceRead(const config::CommonOptions& common, const config::ReadOptions& options)
 {
-    DevicePlace place(common, options.items);
-    DeviceHost host(place.plugin, place.config, place.unix_signals);
+    driver::DevicePlace place(common, options.items);
+    driver::DeviceHost host(place.plugin, place.config, place.unix_signals);
     const QString link_problem = host.open();
     if (!link_problem.isEmpty()) {
         place.complainOfLink(link_problem);
-        return exitRefused;
+        return terminal::exitRefused;
     }
     bool complete = true;
-    for (const ItemConfig& item : qAsConst(place.config.items)) {
-        const DeviceAnswer answer = host.read(item);
+    for (const config::ItemConfig& item : qAsConst(place.config.items)) {
+        const driver::DeviceAnswer answer = host.read(item);
         const QString problem = place.problemOf(item, answer);
         complete = complete && problem.isEmpty();
         if (common.json)
@@ -53,32 +54,33 @@ int runDeviceRead(const CommonOptions& common, const ReadOptions& options)
         else
             printRead(place, item, answer, problem, options.quiet);
         if (place.unix_signals.endRequested())
-            return exitRefused;
+            return terminal::exitRefused;
     }
-    return complete ? exitDone : exitRefused;
+    return complete ? terminal::exitDone : terminal::exitRefused;
 }
 
-int runDeviceWrite(const CommonOptions& common, const WriteOptions& options)
+int runDeviceWrite(const config::CommonOptions& common, const config::WriteOptions& options)
 {
-    DevicePlace place(common, {options.item});
-    const ItemConfig& item = place.config.items.first();
-    const EncodedValue encoded = encodeValue(*item.type, options.value, item.length);
+    driver::DevicePlace place(common, {options.item});
+    const config::ItemConfig& item = place.config.items.first();
+    const value::EncodedValue encoded = value::encodeValue(*item.type, options.value, item.length);
     if (!encoded.ok())
-        throw UsageError(QStringLiteral("%1: %2").arg(item.name, encoded.problem));
-    DeviceHost host(place.plugin, place.config, place.unix_signals);
+        throw terminal::UsageError(QStringLiteral("%1: %2").arg(item.name, encoded.problem));
+    driver::DeviceHost host(place.plugin, place.config, place.unix_signals);
     const QString link_problem = host.open();
     if (!link_problem.isEmpty()) {
         place.complainOfLink(link_problem);
-        return exitRefused;
+        return terminal::exitRefused;
     }
     const QString problem = place.failureOf(host.write(item, encoded.bytes));
     if (!problem.isEmpty()) {
         place.complain(item.name, QStringLiteral("not written: ") + problem);
-        return exitRefused;
+        return terminal::exitRefused;
     }
-    place.out.line(QStringLiteral("%1 = %2  written")
-                       .arg(item.name, decodeValue(*item.type, encoded.bytes).value_or(QString())));
-    return exitDone;
+    place.out.line(
+        QStringLiteral("%1 = %2  written")
+            .arg(item.name, value::decodeValue(*item.type, encoded.bytes).value_or(QString())));
+    return terminal::exitDone;
 }
 
 } // namespace tovik_host

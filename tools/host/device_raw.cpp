@@ -16,23 +16,25 @@ QString subject()
     return QStringLiteral("raw");
 }
 
-void printJson(DevicePlace& place, const QByteArray& request, const Answer& answer,
+void printJson(driver::DevicePlace& place, const QByteArray& request, const driver::Answer& answer,
                const QString& problem)
 {
-    OrderedJson line;
+    value::OrderedJson line;
     line["request"] = request.toHex().toStdString();
     line["response"] = answer.bytes.toHex().toStdString();
-    line["status"] = answer.arrived ? OrderedJson(statusCode(answer.status).toStdString())
-                                    : OrderedJson(nullptr);
-    line["status_text"] = answer.arrived ? statusText(answer.status, answer.status_of).toStdString()
-                                         : std::string("no answer");
+    line["status"] = answer.arrived
+                         ? value::OrderedJson(value::statusCode(answer.status).toStdString())
+                         : value::OrderedJson(nullptr);
+    line["status_text"] = answer.arrived
+                              ? value::statusText(answer.status, answer.status_of).toStdString()
+                              : std::string("no answer");
     if (!problem.isEmpty())
         line["problem"] = problem.toStdString();
-    place.out.line(jsonLine(line));
+    place.out.line(value::jsonLine(line));
 }
 
 /// Why there is no answer; what a silent device means is different here from a read.
-QString problemOf(const DevicePlace& place, const DeviceAnswer& answer)
+QString problemOf(const driver::DevicePlace& place, const driver::DeviceAnswer& answer)
 {
     const bool silent =
         answer.answer.arrived && answer.answer.status == result_code::no_answer_in_time;
@@ -45,32 +47,32 @@ QString problemOf(const DevicePlace& place, const DeviceAnswer& answer)
 
 } // namespace
 
-int runDeviceRaw(const CommonOptions& common, const RawOptions& options)
+int runDeviceRaw(const config::CommonOptions& common, const config::RawOptions& options)
 {
-    const HexBytes request = parseHexBytes(options.bytes);
+    const value::HexBytes request = value::parseHexBytes(options.bytes);
     if (!request.problem.isEmpty())
-        throw UsageError(request.problem);
-    DevicePlace place(common, {});
-    DeviceHost host(place.plugin, place.config, place.unix_signals);
+        throw terminal::UsageError(request.problem);
+    driver::DevicePlace place(common, {});
+    driver::DeviceHost host(place.plugin, place.config, place.unix_signals);
     const QString link_problem = host.open();
     if (!link_problem.isEmpty()) {
         place.complainOfLink(link_problem);
-        return exitRefused;
+        return terminal::exitRefused;
     }
     if (!options.force && !host.supportsRaw()) {
         place.complain(subject(), QStringLiteral("the driver says that it does not support the "
                                                  "transparent mode; --force tries all the same"));
-        return exitRefused;
+        return terminal::exitRefused;
     }
-    const DeviceAnswer answer = host.sendRaw(request.bytes);
+    const driver::DeviceAnswer answer = host.sendRaw(request.bytes);
     const QString problem = problemOf(place, answer);
     if (common.json)
         printJson(place, request.bytes, answer.answer, problem);
     else if (problem.isEmpty())
-        place.out.line(hexText(answer.answer.bytes));
+        place.out.line(value::hexText(answer.answer.bytes));
     else
         place.complain(subject(), problem);
-    return problem.isEmpty() ? exitDone : exitRefused;
+    return problem.isEmpty() ? terminal::exitDone : terminal::exitRefused;
 }
 
 } // namespace tovik_host

@@ -21,28 +21,30 @@ const int longest_without_drawing = 500;
 class DeviceWatch
 {
 public:
-    DeviceWatch(DevicePlace& place, DeviceHost& host, WatchView& view, bool tells_of_link);
+    DeviceWatch(driver::DevicePlace& place, driver::DeviceHost& host, watch::WatchView& view,
+                bool tells_of_link);
 
     /// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
-    void run(const WatchOptions& options);
+    void run(const config::WatchOptions& options);
 
 private:
     void readRound();
-    void tellOfLink(const DeviceAnswer& answer);
+    void tellOfLink(const driver::DeviceAnswer& answer);
     void draw();
     bool ended() const;
 
-    DevicePlace& place_;
-    DeviceHost& host_;
-    WatchView& view_;
-    WatchModel model_;
+    driver::DevicePlace& place_;
+    driver::DeviceHost& host_;
+    watch::WatchView& view_;
+    watch::WatchModel model_;
     QElapsedTimer since_drawing_;
     bool time_is_up_ = false;
     bool tells_of_link_;
     bool link_is_lost_ = false;
 };
 
-DeviceWatch::DeviceWatch(DevicePlace& place, DeviceHost& host, WatchView& view, bool tells_of_link)
+DeviceWatch::DeviceWatch(driver::DevicePlace& place, driver::DeviceHost& host,
+                         watch::WatchView& view, bool tells_of_link)
     : place_(place),
       host_(host),
       view_(view),
@@ -62,7 +64,7 @@ void DeviceWatch::draw()
 }
 
 /// Once for each loss, however long it lasts.
-void DeviceWatch::tellOfLink(const DeviceAnswer& answer)
+void DeviceWatch::tellOfLink(const driver::DeviceAnswer& answer)
 {
     const bool is_lost = !answer.link_problem.isEmpty();
     if (is_lost == link_is_lost_)
@@ -79,7 +81,7 @@ void DeviceWatch::tellOfLink(const DeviceAnswer& answer)
 void DeviceWatch::readRound()
 {
     for (int i = 0; i < model_.items().size(); ++i) {
-        const DeviceAnswer answer = host_.readAgain(model_.items().at(i).item);
+        const driver::DeviceAnswer answer = host_.readAgain(model_.items().at(i).item);
         if (ended())
             return;
         tellOfLink(answer);
@@ -93,10 +95,10 @@ void DeviceWatch::readRound()
     draw();
 }
 
-void DeviceWatch::run(const WatchOptions& options)
+void DeviceWatch::run(const config::WatchOptions& options)
 {
     QObject context;
-    QObject::connect(&place_.unix_signals, &UnixSignals::terminalResized, &context,
+    QObject::connect(&place_.unix_signals, &terminal::UnixSignals::terminalResized, &context,
                      [this] { draw(); });
     if (options.seconds > 0) {
         QTimer::singleShot(int(options.seconds * 1000), &context, [this] {
@@ -110,38 +112,39 @@ void DeviceWatch::run(const WatchOptions& options)
         elapsed.start();
         readRound();
         if (!ended()) {
-            waitUntil(place_.unix_signals, options.interval - int(elapsed.elapsed()),
-                      [this] { return ended(); });
+            terminal::waitUntil(place_.unix_signals, options.interval - int(elapsed.elapsed()),
+                                [this] { return ended(); });
         }
     }
 }
 
 } // namespace
 
-int runDeviceWatch(const CommonOptions& common, const WatchOptions& options)
+int runDeviceWatch(const config::CommonOptions& common, const config::WatchOptions& options)
 {
     if (options.items.isEmpty() && common.config.isEmpty()) {
-        throw UsageError(QStringLiteral("there is nothing to watch: name addresses, or a file of "
-                                        "items with --config"));
+        throw terminal::UsageError(
+            QStringLiteral("there is nothing to watch: name addresses, or a file of "
+                           "items with --config"));
     }
-    DevicePlace place(common, options.items);
-    const std::unique_ptr<WatchView> view =
-        makeWatchView(common, place.out, place.log, place.unix_signals);
+    driver::DevicePlace place(common, options.items);
+    const std::unique_ptr<watch::WatchView> view =
+        watch::makeWatchView(common, place.out, place.log, place.unix_signals);
     {
-        DeviceHost host(place.plugin, place.config, place.unix_signals);
+        driver::DeviceHost host(place.plugin, place.config, place.unix_signals);
         const QString link_problem = host.open();
         if (!link_problem.isEmpty()) {
             place.complainOfLink(link_problem);
-            return exitRefused;
+            return terminal::exitRefused;
         }
         view->start({place.plugin.path(), place.plugin.versionText(), QString(), QString(),
-                     linkText(place.config.link)},
+                     driver::linkText(place.config.link)},
                     QDateTime::currentDateTime());
-        DeviceWatch(place, host, *view, !isWatchedOnTerminal(common) && !common.verbose)
+        DeviceWatch(place, host, *view, !watch::isWatchedOnTerminal(common) && !common.verbose)
             .run(options);
     }
     view->end(QDateTime::currentDateTime());
-    return exitDone;
+    return terminal::exitDone;
 }
 
 } // namespace tovik_host

@@ -20,41 +20,43 @@ namespace {
 struct LoadedSide
 {
     QString name;
-    DiffSide side;
-    Account account;
+    service::DiffSide side;
+    config::Account account;
 };
 
 LoadedSide sideFromFile(const QString& path, bool needs_account)
 {
-    const JsonFile file = readJsonAs(path, QStringLiteral("catalogue or configuration"));
+    const config::JsonFile file =
+        service::readJsonAs(path, QStringLiteral("catalogue or configuration"));
     LoadedSide loaded;
     loaded.name = path;
-    if (!isCatalogueFile(file)) {
-        loaded.side = diffSide(loadConfig(path, false).config);
+    if (!service::isCatalogueFile(file)) {
+        loaded.side = service::diffSide(config::loadConfig(path, false).config);
         if (needs_account)
-            loaded.account = accountOfConfig(path);
+            loaded.account = config::accountOfConfig(path);
         return loaded;
     }
-    const Catalogue catalogue = readCatalogue(file);
-    loaded.side = diffSide(catalogue);
+    const service::Catalogue catalogue = service::readCatalogue(file);
+    loaded.side = service::diffSide(catalogue);
     loaded.account.service.url = catalogue.url;
     loaded.account.service.project = catalogue.project;
     loaded.account.service.email = catalogue.email;
     return loaded;
 }
 
-std::optional<LoadedSide> sideFromService(const ServiceOptions& service, const LoadedSide& before)
+std::optional<LoadedSide> sideFromService(const service::ServiceOptions& service,
+                                          const LoadedSide& before)
 {
-    Account account = resolveAccount(service.account, before.account);
-    requireAccount(account);
-    ServicePlace place(service);
+    config::Account account = config::resolveAccount(service.account, before.account);
+    config::requireAccount(account);
+    service::ServicePlace place(service);
     if (!place.askForPassword(&account))
         return std::nullopt;
-    const std::optional<Catalogue> catalogue = place.fetchCatalogue(account);
+    const std::optional<service::Catalogue> catalogue = place.fetchCatalogue(account);
     if (!catalogue)
         return std::nullopt;
     return LoadedSide{QUrl(account.service.url).toString(QUrl::RemoveUserInfo),
-                      diffSide(*catalogue), account};
+                      service::diffSide(*catalogue), account};
 }
 
 std::string plain(const QString& text)
@@ -63,13 +65,13 @@ std::string plain(const QString& text)
 }
 
 QString asJson(const LoadedSide& before, const LoadedSide& after,
-               const QVector<Difference>& differences)
+               const QVector<service::Difference>& differences)
 {
-    OrderedJson list = OrderedJson::array();
-    for (const Difference& difference : differences) {
-        OrderedJson entry = {{"change", plain(kindName(difference.kind))},
-                             {"id", plain(difference.id)},
-                             {"item", plain(difference.path)}};
+    value::OrderedJson list = value::OrderedJson::array();
+    for (const service::Difference& difference : differences) {
+        value::OrderedJson entry = {{"change", plain(service::kindName(difference.kind))},
+                                    {"id", plain(difference.id)},
+                                    {"item", plain(difference.path)}};
         if (!difference.before.isNull())
             entry["before"] = plain(difference.before);
         if (!difference.after.isNull())
@@ -78,37 +80,39 @@ QString asJson(const LoadedSide& before, const LoadedSide& after,
             entry["same_name_id"] = plain(difference.same_name_id);
         list.push_back(entry);
     }
-    const OrderedJson root = {
+    const value::OrderedJson root = {
         {"old", plain(before.name)}, {"new", plain(after.name)}, {"differences", list}};
     return QString::fromStdString(root.dump(2)) + QLatin1Char('\n');
 }
 
 } // namespace
 
-int runDiff(const ServiceOptions& service, const DiffOptions& options)
+int runDiff(const service::ServiceOptions& service, const DiffOptions& options)
 {
     const bool asks_service = options.after.isEmpty();
     const LoadedSide before = sideFromFile(options.before, asks_service);
     const std::optional<LoadedSide> after =
         asks_service ? sideFromService(service, before) : sideFromFile(options.after, false);
     if (!after)
-        return exitUsage;
-    QVector<Difference> differences = findDifferences(before.side, after->side);
+        return terminal::exitUsage;
+    QVector<service::Difference> differences = service::findDifferences(before.side, after->side);
     differences.erase(std::remove_if(differences.begin(), differences.end(),
-                                     [&options](const Difference& difference) {
-                                         return options.ignored.contains(kindName(difference.kind));
+                                     [&options](const service::Difference& difference) {
+                                         return options.ignored.contains(
+                                             service::kindName(difference.kind));
                                      }),
                       differences.end());
     QString text;
     if (options.json) {
         text = asJson(before, *after, differences);
     } else {
-        for (const Difference& difference : differences)
-            text += differenceLine(difference) + QLatin1Char('\n');
+        for (const service::Difference& difference : differences)
+            text += service::differenceLine(difference) + QLatin1Char('\n');
     }
-    Output out(STDOUT_FILENO);
+    terminal::Output out(STDOUT_FILENO);
     out.write(text);
-    return codeAfterWriting(out, differences.isEmpty() ? exitDone : exitRefused);
+    return service::codeAfterWriting(out, differences.isEmpty() ? terminal::exitDone
+                                                                : terminal::exitRefused);
 }
 
 } // namespace tovik_host

@@ -18,7 +18,7 @@ struct DiffOptions
 
 /// Shows what has changed in a catalogue. Returns the exit code: 0 nothing, 1 something, 2 it could
 /// not be found out; throws UsageError.
-int runDiff(const ServiceOptions& service, const DiffOptions& options);
+int runDiff(const service::ServiceOptions& service, const DiffOptions& options);
 
 } // namespace tovik_host
 

@@ -12,20 +12,21 @@ namespace tovik_host {
 namespace {
 
 /// Why there is no value; empty when there is one.
-QString problemOf(const FirstValue& value, const FirstValues& values, Waited waited)
+QString problemOf(const driver::FirstValue& value, const driver::FirstValues& values,
+                  terminal::Waited waited)
 {
-    if (value.arrived && decodeValue(*value.item.type, value.answer.bytes))
+    if (value.arrived && value::decodeValue(*value.item.type, value.answer.bytes))
         return QString();
     const QString type = QString::fromLatin1(value.item.type->name);
     if (value.arrived) {
         return QStringLiteral("the driver's bytes [%1] are no %2")
-            .arg(hexText(value.answer.bytes), type);
+            .arg(value::hexText(value.answer.bytes), type);
     }
-    if (waited == Waited::interrupted)
+    if (waited == terminal::Waited::interrupted)
         return QStringLiteral("interrupted");
     if (values.status() != 0) {
         return QStringLiteral("no value: %1 (%2)")
-            .arg(statusText(values.status()), statusCode(values.status()));
+            .arg(value::statusText(values.status()), value::statusCode(values.status()));
     }
     if (value.ever_unchanged) {
         return QStringLiteral("the service's value is no %1: compare the item's type with the "
@@ -36,34 +37,37 @@ QString problemOf(const FirstValue& value, const FirstValues& values, Waited wai
                           "shows its log");
 }
 
-void printText(Workplace& place, const FirstValue& value, const QString& problem, bool quiet)
+void printText(driver::Workplace& place, const driver::FirstValue& value, const QString& problem,
+               bool quiet)
 {
     if (!problem.isEmpty()) {
-        place.err.line(
-            QStringLiteral("tovik-host: %1: %2").arg(printable(value.item.name), problem));
+        place.err.line(QStringLiteral("tovik-host: %1: %2")
+                           .arg(terminal::printable(value.item.name), problem));
         return;
     }
-    const QString text = decodeValue(*value.item.type, value.answer.bytes).value();
+    const QString text = value::decodeValue(*value.item.type, value.answer.bytes).value();
     place.out.line(quiet ? text : QStringLiteral("%1 = %2").arg(value.item.name, text));
 }
 
-void printJson(Workplace& place, const FirstValue& value, const QString& problem, int status)
+void printJson(driver::Workplace& place, const driver::FirstValue& value, const QString& problem,
+               int status)
 {
     // Bytes that are not the service's would only mislead.
-    Answer answer = value.arrived ? value.answer : Answer();
+    driver::Answer answer = value.arrived ? value.answer : driver::Answer();
     answer.arrived = true;
     answer.status = value.arrived ? answer.status : status;
-    OrderedJson line;
-    addAnswer(line, value.item, answer,
-              problem.isEmpty() ? decodeValue(*value.item.type, answer.bytes) : std::nullopt);
+    value::OrderedJson line;
+    driver::addAnswer(line, value.item, answer,
+                      problem.isEmpty() ? value::decodeValue(*value.item.type, answer.bytes)
+                                        : std::nullopt);
     if (!problem.isEmpty())
         line["problem"] = problem.toStdString();
-    place.out.line(jsonLine(line));
+    place.out.line(value::jsonLine(line));
 }
 
-QVector<ItemConfig> requestedItems(const Workplace& place, const QStringList& names)
+QVector<config::ItemConfig> requestedItems(const driver::Workplace& place, const QStringList& names)
 {
-    QVector<ItemConfig> items;
+    QVector<config::ItemConfig> items;
     for (const QString& name : names)
         items << place.item(name);
     return items;
@@ -71,13 +75,13 @@ QVector<ItemConfig> requestedItems(const Workplace& place, const QStringList& na
 
 } // namespace
 
-int runRead(const CommonOptions& common, const ReadOptions& options)
+int runRead(const config::CommonOptions& common, const config::ReadOptions& options)
 {
-    Workplace place(common);
-    FirstValues values(place.plugin, place.config, requestedItems(place, options.items));
-    const Waited waited = values.run(place.unix_signals, int(options.timeout * 1000));
+    driver::Workplace place(common);
+    driver::FirstValues values(place.plugin, place.config, requestedItems(place, options.items));
+    const terminal::Waited waited = values.run(place.unix_signals, int(options.timeout * 1000));
     bool complete = true;
-    for (const FirstValue& value : values.values()) {
+    for (const driver::FirstValue& value : values.values()) {
         const QString problem = problemOf(value, values, waited);
         complete = complete && problem.isEmpty();
         if (common.json)
@@ -85,7 +89,7 @@ int runRead(const CommonOptions& common, const ReadOptions& options)
         else
             printText(place, value, problem, options.quiet);
     }
-    return complete ? exitDone : exitRefused;
+    return complete ? terminal::exitDone : terminal::exitRefused;
 }
 
 } // namespace tovik_host

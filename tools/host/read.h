@@ -7,7 +7,7 @@ namespace tovik_host {
 
 /// Reads items once, as the service has them, and prints them. Returns the exit code; throws
 /// UsageError.
-int runRead(const CommonOptions& common, const ReadOptions& options);
+int runRead(const config::CommonOptions& common, const config::ReadOptions& options);
 
 } // namespace tovik_host
 

@@ -65,9 +65,9 @@ struct ParsedService
     bool verbose = false;
     std::string log;
 
-    ServiceOptions options() const
+    service::ServiceOptions options() const
     {
-        ServiceOptions options;
+        service::ServiceOptions options;
         options.account = {text(config), text(url),           text(url_file),    text(project),
                            text(email),  text(password_file), text(password_env)};
         options.timeout = timeout;
@@ -139,7 +139,7 @@ void addCatalogue(CLI::App& app, std::function<int()>& run)
             form = CatalogueForm::table;
         else if (parsed->json)
             form = CatalogueForm::json;
-        const ServiceOptions service = parsed->options();
+        const service::ServiceOptions service = parsed->options();
         run = [service, form] { return runCatalogue(service, form); };
     });
 }
@@ -188,7 +188,7 @@ void addConfigure(CLI::App& app, std::function<int()>& run)
         options.output = text(parsed->output);
         options.force = parsed->force;
         options.with_password = parsed->with_password;
-        const ServiceOptions service = parsed->options();
+        const service::ServiceOptions service = parsed->options();
         run = [service, options] { return runConfigure(service, options); };
     });
 }
@@ -220,7 +220,7 @@ void addDiff(CLI::App& app, std::function<int()>& run)
     command->callback([parsed, &run] {
         const DiffOptions options = {text(parsed->before), text(parsed->after),
                                      texts(parsed->ignored), parsed->json};
-        const ServiceOptions service = parsed->options();
+        const service::ServiceOptions service = parsed->options();
         run = [service, options] { return runDiff(service, options); };
     });
 }

@@ -14,22 +14,22 @@ namespace tovik_host {
 
 namespace {
 
-QVector<ServedItem> servedItems(const QVector<ItemConfig>& items)
+QVector<driver::ServedItem> servedItems(const QVector<config::ItemConfig>& items)
 {
-    QVector<ServedItem> served;
-    for (const ItemConfig& item : items)
-        served << ServedItem{item, std::nullopt};
+    QVector<driver::ServedItem> served;
+    for (const config::ItemConfig& item : items)
+        served << driver::ServedItem{item, std::nullopt};
     return served;
 }
 
 /// Reads every item once and tells the view.
 /// \param clock a steady one, for what happens in a time
-void readRound(DriverSession& session, const QElapsedTimer& clock, WatchModel& model,
-               WatchView& view)
+void readRound(driver::DriverSession& session, const QElapsedTimer& clock, watch::WatchModel& model,
+               watch::WatchView& view)
 {
     const QDateTime now = QDateTime::currentDateTime();
     for (int i = 0; i < model.items().size(); ++i) {
-        const ItemConfig& item = model.items().at(i).item;
+        const config::ItemConfig& item = model.items().at(i).item;
         if (model.take(i, session.read(item.name, item.length), now))
             view.valueChanged(model.items().at(i));
     }
@@ -40,7 +40,7 @@ void readRound(DriverSession& session, const QElapsedTimer& clock, WatchModel& m
 }
 
 /// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
-void watchUntilEnd(Workplace& place, const WatchOptions& options,
+void watchUntilEnd(driver::Workplace& place, const config::WatchOptions& options,
                    const std::function<void()>& round)
 {
     QEventLoop loop;
@@ -50,8 +50,9 @@ void watchUntilEnd(Workplace& place, const WatchOptions& options,
         if (place.out.broken())
             loop.quit();
     });
-    QObject::connect(&place.unix_signals, &UnixSignals::endAsked, &loop, &QEventLoop::quit);
-    QObject::connect(&place.unix_signals, &UnixSignals::terminalResized, &loop, round);
+    QObject::connect(&place.unix_signals, &terminal::UnixSignals::endAsked, &loop,
+                     &QEventLoop::quit);
+    QObject::connect(&place.unix_signals, &terminal::UnixSignals::terminalResized, &loop, round);
     if (options.seconds > 0)
         QTimer::singleShot(int(options.seconds * 1000), &loop, &QEventLoop::quit);
     timer.start(options.interval);
@@ -62,18 +63,18 @@ void watchUntilEnd(Workplace& place, const WatchOptions& options,
 
 } // namespace
 
-int runWatch(const CommonOptions& common, const WatchOptions& options)
+int runWatch(const config::CommonOptions& common, const config::WatchOptions& options)
 {
-    Workplace place(common);
-    const std::unique_ptr<WatchView> view =
-        makeWatchView(common, place.out, place.log, place.unix_signals);
+    driver::Workplace place(common);
+    const std::unique_ptr<watch::WatchView> view =
+        watch::makeWatchView(common, place.out, place.log, place.unix_signals);
     const QDateTime start = QDateTime::currentDateTime();
-    WatchModel model(place.config.items, start);
+    watch::WatchModel model(place.config.items, start);
     view->start({place.plugin.path(), place.plugin.versionText(), place.shownUrl(),
                  place.config.service.project},
                 start);
     {
-        DriverSession session(place.plugin, place.config, servedItems(place.config.items));
+        driver::DriverSession session(place.plugin, place.config, servedItems(place.config.items));
         QElapsedTimer clock;
         clock.start();
         QTimer metrics;
@@ -89,7 +90,7 @@ int runWatch(const CommonOptions& common, const WatchOptions& options)
         watchUntilEnd(place, options, [&] { readRound(session, clock, model, *view); });
     }
     view->end(QDateTime::currentDateTime());
-    return exitDone;
+    return terminal::exitDone;
 }
 
 } // namespace tovik_host

@@ -7,7 +7,7 @@ namespace tovik_host {
 
 /// Reads all items again and again and shows what changes, until a signal or the end of the time.
 /// Returns the exit code; throws UsageError.
-int runWatch(const CommonOptions& common, const WatchOptions& options);
+int runWatch(const config::CommonOptions& common, const config::WatchOptions& options);
 
 } // namespace tovik_host
 

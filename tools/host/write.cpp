@@ -18,28 +18,28 @@ int milliseconds(double seconds)
 
 } // namespace
 
-int runWrite(const CommonOptions& common, const WriteOptions& options)
+int runWrite(const config::CommonOptions& common, const config::WriteOptions& options)
 {
-    Workplace place(common);
-    const ItemConfig& item = place.item(options.item);
-    const EncodedValue encoded = encodeValue(*item.type, options.value, item.length);
+    driver::Workplace place(common);
+    const config::ItemConfig& item = place.item(options.item);
+    const value::EncodedValue encoded = value::encodeValue(*item.type, options.value, item.length);
     if (!encoded.ok())
-        throw UsageError(QStringLiteral("%1: %2").arg(item.name, encoded.problem));
-    const QString shown = decodeValue(*item.type, encoded.bytes).value_or(QString());
+        throw terminal::UsageError(QStringLiteral("%1: %2").arg(item.name, encoded.problem));
+    const QString shown = value::decodeValue(*item.type, encoded.bytes).value_or(QString());
 
-    QString problem = sendValue(place, item, encoded.bytes, milliseconds(options.timeout));
+    QString problem = driver::sendValue(place, item, encoded.bytes, milliseconds(options.timeout));
     if (problem.isEmpty() && options.confirm > 0)
-        problem = confirmValue(place, item, encoded.bytes, milliseconds(options.confirm));
+        problem = driver::confirmValue(place, item, encoded.bytes, milliseconds(options.confirm));
     if (!problem.isEmpty()) {
-        place.err.line(
-            QStringLiteral("tovik-host: %1: %2").arg(printable(item.name), printable(problem)));
-        return exitRefused;
+        place.err.line(QStringLiteral("tovik-host: %1: %2")
+                           .arg(terminal::printable(item.name), terminal::printable(problem)));
+        return terminal::exitRefused;
     }
     place.out.line(
         QStringLiteral("%1 = %2  %3")
             .arg(item.name, shown,
                  options.confirm > 0 ? QStringLiteral("confirmed") : QStringLiteral("sent")));
-    return exitDone;
+    return terminal::exitDone;
 }
 
 } // namespace tovik_host

@@ -7,7 +7,7 @@ namespace tovik_host {
 
 /// Writes one value, waits until the driver has sent it and, if wanted, until the service shows it.
 /// Returns the exit code; throws UsageError.
-int runWrite(const CommonOptions& common, const WriteOptions& options);
+int runWrite(const config::CommonOptions& common, const config::WriteOptions& options);
 
 } // namespace tovik_host
 

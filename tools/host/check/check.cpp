@@ -15,7 +15,7 @@
 #include <fnmatch.h>
 #include <unistd.h>
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 namespace {
 
@@ -24,7 +24,8 @@ const int most_timeouts = 3;
 
 /// The items whose names match one of \a patterns, in their order. Throws UsageError when a pattern
 /// matches none.
-QVector<ItemConfig> matchingItems(const QVector<ItemConfig>& items, const QStringList& patterns)
+QVector<config::ItemConfig> matchingItems(const QVector<config::ItemConfig>& items,
+                                          const QStringList& patterns)
 {
     QVector<bool> is_wanted(items.size(), patterns.isEmpty());
     for (const QString& pattern : patterns) {
@@ -36,9 +37,10 @@ QVector<ItemConfig> matchingItems(const QVector<ItemConfig>& items, const QStrin
             is_met = is_met || matches;
         }
         if (!is_met)
-            throw UsageError(QStringLiteral("--items: no item matches \"%1\"").arg(pattern));
+            throw terminal::UsageError(
+                QStringLiteral("--items: no item matches \"%1\"").arg(pattern));
     }
-    QVector<ItemConfig> wanted;
+    QVector<config::ItemConfig> wanted;
     for (int i = 0; i < items.size(); ++i) {
         if (is_wanted.at(i))
             wanted << items.at(i);
@@ -50,8 +52,8 @@ QVector<ItemConfig> matchingItems(const QVector<ItemConfig>& items, const QStrin
 class Walk
 {
 public:
-    Walk(const CommonOptions& common, const CheckOptions& options)
-        : config_(hostConfig(common)),
+    Walk(const config::CommonOptions& common, const CheckOptions& options)
+        : config_(driver::hostConfig(common)),
           url_(config_.service.url),
           items_(matchingItems(config_.items, options.items)),
           out_(STDOUT_FILENO),
@@ -74,7 +76,7 @@ public:
         const Verdict verdict = judgeAll(steps_, is_interrupted);
         for (const QString& line : verdictLines(verdict, as_json_))
             out_.line(line);
-        return verdict.is_well ? exitDone : exitRefused;
+        return verdict.is_well ? terminal::exitDone : terminal::exitRefused;
     }
 
 private:
@@ -95,16 +97,16 @@ private:
     void readItem(ItemFinding* finding);
     void showNotTried();
 
-    DebugLog log_;
-    UnixSignals unix_signals_;
-    HostConfig config_;
+    terminal::DebugLog log_;
+    terminal::UnixSignals unix_signals_;
+    config::HostConfig config_;
     QUrl url_;
-    QVector<ItemConfig> items_;
-    Output out_;
+    QVector<config::ItemConfig> items_;
+    terminal::Output out_;
     double timeout_;
     bool as_json_;
     CheckSteps steps_;
-    std::unique_ptr<CloudClient> client_;
+    std::unique_ptr<service::CloudClient> client_;
 };
 
 /// The way up to the first words with the service, or with the proxy before it.
@@ -153,12 +155,12 @@ bool Walk::greet(const QString& address, const QNetworkProxy& proxy)
 
 bool Walk::converse()
 {
-    client_ = std::make_unique<CloudClient>(config_.service);
-    QObject::connect(&unix_signals_, &UnixSignals::endAsked, client_.get(),
-                     &CloudClient::interrupt);
+    client_ = std::make_unique<service::CloudClient>(config_.service);
+    QObject::connect(&unix_signals_, &terminal::UnixSignals::endAsked, client_.get(),
+                     &service::CloudClient::interrupt);
     if (!show(judgeConversation("login", client_->login(timeout_))))
         return false;
-    const ClientOutcome outcome = client_->loadCatalogue(timeout_);
+    const service::ClientOutcome outcome = client_->loadCatalogue(timeout_);
     return show(judgeCatalogue(outcome, client_->groups()));
 }
 
@@ -168,11 +170,11 @@ void Walk::readItems()
     QVector<ItemFinding> findings;
     int timeouts = 0;
     bool is_complete = items_.size() == config_.items.size();
-    for (const ItemConfig& item : items_) {
+    for (const config::ItemConfig& item : items_) {
         ItemFinding finding = lookUpItem(item, catalogue);
         if (timeouts < most_timeouts && !unix_signals_.endRequested())
             readItem(&finding);
-        timeouts = finding.outcome.kind == ClientOutcome::TimedOut ? timeouts + 1 : 0;
+        timeouts = finding.outcome.kind == service::ClientOutcome::TimedOut ? timeouts + 1 : 0;
         is_complete = is_complete && finding.is_read;
         findings << finding;
         show(judgeItem(finding));
@@ -200,7 +202,7 @@ void Walk::showNotTried()
         return;
     for (const QString& name : names)
         show(makeStep(name.toLatin1().constData(), Judgement::not_tried, QString()));
-    for (const ItemConfig& item : items_) {
+    for (const config::ItemConfig& item : items_) {
         ItemFinding finding;
         finding.item = item;
         show(judgeItem(finding));
@@ -209,9 +211,9 @@ void Walk::showNotTried()
 
 } // namespace
 
-int runCheck(const CommonOptions& common, const CheckOptions& options)
+int runCheck(const config::CommonOptions& common, const CheckOptions& options)
 {
     return Walk(common, options).run();
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::check

@@ -3,7 +3,7 @@
 
 #include "tools/host/config/options.h"
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 struct CheckOptions
 {
@@ -13,8 +13,8 @@ struct CheckOptions
 
 /// Walks the way that a value takes from the service to a host, tells each step, and ends with a
 /// verdict. Returns the exit code; throws UsageError.
-int runCheck(const CommonOptions& common, const CheckOptions& options);
+int runCheck(const config::CommonOptions& common, const CheckOptions& options);
 
-} // namespace tovik_host
+} // namespace tovik_host::check
 
 #endif

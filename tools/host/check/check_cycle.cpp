@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 namespace {
 
@@ -43,7 +43,7 @@ QStringList slowItems(QVector<ItemFinding> findings)
 
 bool endsCycle(const ItemFinding& finding)
 {
-    return finding.is_read && finding.outcome.kind != ClientOutcome::Done;
+    return finding.is_read && finding.outcome.kind != service::ClientOutcome::Done;
 }
 
 /// How many of the first \a count items the host gets a value for.
@@ -61,7 +61,7 @@ CheckStep judgeStoppedCycle(const QVector<ItemFinding>& findings, int stop)
     for (int i = stop + 1; i < findings.size(); ++i)
         behind << findings.at(i).item.name;
     const ItemFinding& finding = findings.at(stop);
-    const bool is_waiting = finding.outcome.kind == ClientOutcome::TimedOut;
+    const bool is_waiting = finding.outcome.kind == service::ClientOutcome::TimedOut;
     CheckStep step = makeStep("cycle", Judgement::failure, QString());
     if (is_waiting) {
         step.text = QStringLiteral("waits at %1 for as long as the service does; values reach the "
@@ -90,7 +90,7 @@ CheckStep judgeStoppedCycle(const QVector<ItemFinding>& findings, int stop)
 CheckStep judgeCycle(const QVector<ItemFinding>& findings, bool is_complete)
 {
     const auto stop = std::find_if(findings.begin(), findings.end(), endsCycle);
-    if (stop != findings.end() && stop->outcome.kind != ClientOutcome::Interrupted)
+    if (stop != findings.end() && stop->outcome.kind != service::ClientOutcome::Interrupted)
         return judgeStoppedCycle(findings, int(stop - findings.begin()));
     double sum = 0;
     for (const ItemFinding& finding : findings)
@@ -123,4 +123,4 @@ CheckStep judgeCycle(const QVector<ItemFinding>& findings, bool is_complete)
     return step;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::check

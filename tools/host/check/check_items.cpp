@@ -6,7 +6,7 @@
 #include "cloud/driver_status.h"
 #include "property/property_tovik_iot_group.h"
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 namespace {
 
@@ -50,21 +50,21 @@ QString refusalText(int code)
     return text + QStringLiteral("; %1").arg(hostStatusText(code));
 }
 
-QString failureText(const ClientOutcome& outcome)
+QString failureText(const service::ClientOutcome& outcome)
 {
-    const bool is_refusal = outcome.kind == ClientOutcome::Failed && outcome.result != 256;
+    const bool is_refusal = outcome.kind == service::ClientOutcome::Failed && outcome.result != 256;
     return is_refusal ? refusalText(outcome.result) : outcome.reason;
 }
 
-QString failureAdvice(const ClientOutcome& outcome)
+QString failureAdvice(const service::ClientOutcome& outcome)
 {
     switch (outcome.kind) {
-    case ClientOutcome::TimedOut:
+    case service::ClientOutcome::TimedOut:
         return QStringLiteral("look at the service; the driver waits without a time-out");
-    case ClientOutcome::BadReply:
+    case service::ClientOutcome::BadReply:
         return QStringLiteral("see whether the address is that of the service's API, and not of a "
                               "web page or a proxy");
-    case ClientOutcome::Failed:
+    case service::ClientOutcome::Failed:
         return outcome.result == 256
                    ? QStringLiteral("look at the service and the way to it")
                    : QStringLiteral("ask the service what its code %1 means").arg(outcome.result);
@@ -76,7 +76,7 @@ QString failureAdvice(const ClientOutcome& outcome)
 /// Reads of items, where the service's answers are about the item.
 QString itemAdvice(const ItemFinding& finding)
 {
-    if (finding.is_known || finding.outcome.kind != ClientOutcome::Failed)
+    if (finding.is_known || finding.outcome.kind != service::ClientOutcome::Failed)
         return failureAdvice(finding.outcome);
     return finding.suggestion.isEmpty()
                ? QStringLiteral("correct the id, or remove the item")
@@ -120,7 +120,7 @@ QString hostStatusText(int result)
         return QStringLiteral(
             "the driver has no status for it: the host sees 0, as if all were well");
     }
-    return QStringLiteral("the host gets status %1").arg(statusCode(status));
+    return QStringLiteral("the host gets status %1").arg(value::statusCode(status));
 }
 
 CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups)
@@ -133,7 +133,7 @@ CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups)
     return items;
 }
 
-ItemFinding lookUpItem(const ItemConfig& item, const CatalogueItems& catalogue)
+ItemFinding lookUpItem(const config::ItemConfig& item, const CatalogueItems& catalogue)
 {
     ItemFinding finding;
     finding.item = item;
@@ -147,9 +147,9 @@ ItemFinding lookUpItem(const ItemConfig& item, const CatalogueItems& catalogue)
     for (const CatalogueEntry& other : catalogue) {
         // Somebody may have written the name where the id belongs.
         const bool is_name = other.name == item.id;
-        if (!is_name && !isNear(item.id, other.id))
+        if (!is_name && !terminal::isNear(item.id, other.id))
             continue;
-        const int distance = is_name ? 0 : editDistance(item.id, other.id);
+        const int distance = is_name ? 0 : terminal::editDistance(item.id, other.id);
         if (best >= 0 && (distance > best || (distance == best && !is_name)))
             continue;
         best = distance;
@@ -159,11 +159,11 @@ ItemFinding lookUpItem(const ItemConfig& item, const CatalogueItems& catalogue)
     return finding;
 }
 
-CheckStep judgeConversation(const char* name, const ClientOutcome& outcome)
+CheckStep judgeConversation(const char* name, const service::ClientOutcome& outcome)
 {
     CheckStep step = makeStep(name, Judgement::ok, QStringLiteral("accepted"));
     step.seconds = outcome.seconds;
-    if (outcome.kind != ClientOutcome::Done) {
+    if (outcome.kind != service::ClientOutcome::Done) {
         step.judgement = Judgement::failure;
         step.text = failureText(outcome);
         step.advice = failureAdvice(outcome);
@@ -172,7 +172,8 @@ CheckStep judgeConversation(const char* name, const ClientOutcome& outcome)
     return step;
 }
 
-CheckStep judgeCatalogue(const ClientOutcome& outcome, const QList<PropertyTovikIotGroup>& groups)
+CheckStep judgeCatalogue(const service::ClientOutcome& outcome,
+                         const QList<PropertyTovikIotGroup>& groups)
 {
     CheckStep step = judgeConversation("catalogue", outcome);
     int items = 0;
@@ -199,7 +200,7 @@ CheckStep judgeItem(const ItemFinding& finding)
     if (finding.is_known)
         step.facts["catalogue_type"] = finding.catalogue_type.toStdString();
     step.seconds = finding.outcome.seconds;
-    if (finding.outcome.kind == ClientOutcome::Done) {
+    if (finding.outcome.kind == service::ClientOutcome::Done) {
         judgeReadValue(finding, &step);
         return step;
     }
@@ -212,4 +213,4 @@ CheckStep judgeItem(const ItemFinding& finding)
     return step;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::check

@@ -14,7 +14,7 @@ class PropertyTovikIotGroup;
 
 /// \file
 /// What the service's answers mean for the values of a host. Facts in, judged steps out.
-namespace tovik_host {
+namespace tovik_host::check {
 
 /// What the check needs to know of an item of the service's catalogue.
 struct CatalogueEntry
@@ -32,22 +32,23 @@ CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups);
 /// What was found out about one served item.
 struct ItemFinding
 {
-    ItemConfig item;
-    bool is_read = false;   ///< Whether it was asked for at all.
-    ClientOutcome outcome;  ///< Of the read; Done with a reason: of another JSON type.
-    QVariant value;         ///< Invalid: none, or none of the item's type.
-    bool is_known = false;  ///< The catalogue has the item.
-    QString catalogue_type; ///< Its type there.
-    QString suggestion;     ///< In words, what else may be meant by an id that is not known.
+    config::ItemConfig item;
+    bool is_read = false;           ///< Whether it was asked for at all.
+    service::ClientOutcome outcome; ///< Of the read; Done with a reason: of another JSON type.
+    QVariant value;                 ///< Invalid: none, or none of the item's type.
+    bool is_known = false;          ///< The catalogue has the item.
+    QString catalogue_type;         ///< Its type there.
+    QString suggestion; ///< In words, what else may be meant by an id that is not known.
 };
 
 /// What the catalogue says about \a item, before it is read.
-ItemFinding lookUpItem(const ItemConfig& item, const CatalogueItems& catalogue);
+ItemFinding lookUpItem(const config::ItemConfig& item, const CatalogueItems& catalogue);
 
 /// A login, or the loading of the catalogue, that has failed or not.
 /// \param name of the step
-CheckStep judgeConversation(const char* name, const ClientOutcome& outcome);
-CheckStep judgeCatalogue(const ClientOutcome& outcome, const QList<PropertyTovikIotGroup>& groups);
+CheckStep judgeConversation(const char* name, const service::ClientOutcome& outcome);
+CheckStep judgeCatalogue(const service::ClientOutcome& outcome,
+                         const QList<PropertyTovikIotGroup>& groups);
 /// One served item: whether it is known, of which type it is, and what a read gave.
 CheckStep judgeItem(const ItemFinding& finding);
 /// What the driver's cycle comes to, given its items in the order of the configuration: how long it
@@ -58,6 +59,6 @@ CheckStep judgeCycle(const QVector<ItemFinding>& findings, bool is_complete);
 /// The status that a host gets for a client's \a result, in words: "the host gets status ...".
 QString hostStatusText(int result);
 
-} // namespace tovik_host
+} // namespace tovik_host::check
 
 #endif

@@ -8,7 +8,7 @@
 
 #include <optional>
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 /// What a step of a check says about the way that a value takes.
 enum class Judgement
@@ -46,6 +46,6 @@ inline CheckStep makeStep(const char* name, Judgement judgement, const QString& 
     return step;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::check
 
 #endif

@@ -1,6 +1,6 @@
 #include "tools/host/check/check_way.h"
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 namespace {
 
@@ -117,4 +117,4 @@ CheckStep judgePlainHttp(const TlsFacts& facts, double timeout)
     return step;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::check

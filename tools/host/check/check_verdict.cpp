@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 namespace {
 
@@ -102,9 +102,9 @@ QString stepLine(const CheckStep& step, bool as_json)
         line += text;
         if (step.seconds)
             line += QStringLiteral("  (%1 ms)").arg(std::lround(*step.seconds * 1000));
-        return printable(line);
+        return terminal::printable(line);
     }
-    OrderedJson line;
+    value::OrderedJson line;
     line["event"] = "step";
     line["step"] = step.name.toStdString();
     if (!step.subject.isEmpty())
@@ -119,34 +119,34 @@ QString stepLine(const CheckStep& step, bool as_json)
         line["seconds"] = *step.seconds;
     if (!step.facts.empty())
         line["facts"] = step.facts;
-    return jsonLine(line);
+    return value::jsonLine(line);
 }
 
 QStringList verdictLines(const Verdict& verdict, bool as_json)
 {
     if (as_json) {
-        OrderedJson line;
+        value::OrderedJson line;
         line["event"] = "verdict";
         line["well"] = verdict.is_well;
         line["text"] = verdict.summary.toStdString();
-        line["causes"] = OrderedJson::array();
+        line["causes"] = value::OrderedJson::array();
         for (const Cause& cause : verdict.causes) {
-            OrderedJson one;
+            value::OrderedJson one;
             one["found"] = cause.found.toStdString();
             if (!cause.advice.isEmpty())
                 one["advice"] = cause.advice.toStdString();
             line["causes"].push_back(one);
         }
-        return {jsonLine(line)};
+        return {value::jsonLine(line)};
     }
-    QStringList lines = {
-        QString(), printable(QStringLiteral("Verdict: ") + verdict.summary + QLatin1Char('.'))};
+    QStringList lines = {QString(), terminal::printable(QStringLiteral("Verdict: ") +
+                                                        verdict.summary + QLatin1Char('.'))};
     for (const Cause& cause : verdict.causes) {
-        lines << printable(QStringLiteral("  - ") + cause.found);
+        lines << terminal::printable(QStringLiteral("  - ") + cause.found);
         if (!cause.advice.isEmpty())
-            lines << printable(QStringLiteral("    What to do: ") + cause.advice);
+            lines << terminal::printable(QStringLiteral("    What to do: ") + cause.advice);
     }
     return lines;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::check

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 /// Something that is not well.
 struct Cause
@@ -31,6 +31,6 @@ QString stepLine(const CheckStep& step, bool as_json);
 /// The verdict as lines, or as one object.
 QStringList verdictLines(const Verdict& verdict, bool as_json);
 
-} // namespace tovik_host
+} // namespace tovik_host::check
 
 #endif

@@ -2,7 +2,7 @@
 
 #include "cloud/error_handling.h"
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 namespace {
 
@@ -76,7 +76,7 @@ QString connectAdvice(ProbeEnd end)
 
 } // namespace
 
-CheckStep judgeErrorHandling(const ErrorHandling& settings)
+CheckStep judgeErrorHandling(const config::ErrorHandling& settings)
 {
     // As the driver asks them.
     ::ErrorHandling handling;
@@ -189,4 +189,4 @@ CheckSteps judgeConnections(const QVector<ConnectFacts>& facts, double timeout)
     return steps;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::check

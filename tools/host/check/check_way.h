@@ -9,10 +9,10 @@
 
 /// \file
 /// What the facts of the way to a service mean. Facts in, judged steps out.
-namespace tovik_host {
+namespace tovik_host::check {
 
 /// Whether and how the driver comes back after an error.
-CheckStep judgeErrorHandling(const ErrorHandling& settings);
+CheckStep judgeErrorHandling(const config::ErrorHandling& settings);
 /// Whether the TLS library that was found fits this Qt.
 CheckStep judgeSslLibrary(const SslLibraryFacts& facts);
 /// A proxy that is in force.
@@ -30,6 +30,6 @@ CheckStep judgeCertificate(const CertificateFacts& facts, const QDateTime& now);
 /// The first words with an http address.
 CheckStep judgePlainHttp(const TlsFacts& facts, double timeout);
 
-} // namespace tovik_host
+} // namespace tovik_host::check
 
 #endif

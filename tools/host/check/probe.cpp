@@ -9,7 +9,7 @@
 
 #include <optional>
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 namespace {
 
@@ -55,10 +55,10 @@ ProxyFacts proxyFacts(const QNetworkProxy& proxy)
 /// True: the condition has been met. Else \a end says what happened instead.
 bool Probe::wait(const std::function<bool()>& condition, ProbeEnd* end) const
 {
-    const Waited waited = waitUntil(unix_signals_, milliseconds_, condition);
-    if (waited != Waited::met)
-        *end = waited == Waited::timed_out ? ProbeEnd::timed_out : ProbeEnd::interrupted;
-    return waited == Waited::met;
+    const terminal::Waited waited = terminal::waitUntil(unix_signals_, milliseconds_, condition);
+    if (waited != terminal::Waited::met)
+        *end = waited == terminal::Waited::timed_out ? ProbeEnd::timed_out : ProbeEnd::interrupted;
+    return waited == terminal::Waited::met;
 }
 
 NameFacts Probe::lookUp(const QString& host) const
@@ -118,4 +118,4 @@ ConnectFacts Probe::connect(const QString& address, int port) const
     return facts;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::check

@@ -9,7 +9,7 @@
 
 #include <functional>
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 /// The TLS library, as Qt has it in this process.
 SslLibraryFacts probeSslLibrary();
@@ -27,7 +27,7 @@ class Probe
 public:
     /// \param unix_signals must outlive the probe; a signal ends a step.
     /// \param seconds for each step.
-    Probe(const UnixSignals& unix_signals, double seconds)
+    Probe(const terminal::UnixSignals& unix_signals, double seconds)
         : unix_signals_(unix_signals),
           milliseconds_(int(seconds * 1000))
     {}
@@ -47,13 +47,13 @@ private:
     TlsFacts tryTls(const QUrl& url, const QString& address, const QNetworkProxy& proxy) const;
     TlsFacts tryHttp(const QUrl& url, const QString& address) const;
 
-    const UnixSignals& unix_signals_;
+    const terminal::UnixSignals& unix_signals_;
     int milliseconds_;
 };
 
 /// The port of \a url, or the usual one of its scheme.
 int portOf(const QUrl& url);
 
-} // namespace tovik_host
+} // namespace tovik_host::check
 
 #endif

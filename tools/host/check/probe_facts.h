@@ -8,7 +8,7 @@
 /// \file
 /// What the probes of a check find out on the way to the service. Plain facts: what they mean is
 /// judged elsewhere.
-namespace tovik_host {
+namespace tovik_host::check {
 
 /// How a probe ended.
 enum class ProbeEnd
@@ -98,6 +98,6 @@ struct TlsFacts
     double seconds = 0;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::check
 
 #endif

@@ -8,7 +8,7 @@
 #include <QSslKey>
 #include <QSslSocket>
 
-namespace tovik_host {
+namespace tovik_host::check {
 
 namespace {
 
@@ -181,4 +181,4 @@ TlsFacts Probe::tryHttp(const QUrl& url, const QString& address) const
     return facts;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::check

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// Where the service is, and the account. The password is never printed.
 struct ServiceConfig
@@ -30,11 +30,11 @@ struct ItemRequest
 /// One data item that the driver is to serve.
 struct ItemConfig
 {
-    QString name;                   ///< The host addresses the item by it.
-    QString id;                     ///< The service's id of the item; a device's items have none.
-    const ItemType* type = nullptr; ///< Never null in a loaded configuration.
-    int length = 0;                 ///< Characters that a text has room for; 0: as many as come.
-    ItemRequest request = {};       ///< Of a device's item only.
+    QString name; ///< The host addresses the item by it.
+    QString id;   ///< The service's id of the item; a device's items have none.
+    const value::ItemType* type = nullptr; ///< Never null in a loaded configuration.
+    int length = 0;           ///< Characters that a text has room for; 0: as many as come.
+    ItemRequest request = {}; ///< Of a device's item only.
 };
 
 /// The driver's error-handling keys.
@@ -70,6 +70,6 @@ inline const ItemConfig* findItem(const HostConfig& config, const QString& name)
     return findItem(config.items, name);
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

@@ -7,7 +7,7 @@
 
 #include <QUrl>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 namespace {
 
@@ -42,11 +42,10 @@ ItemConfig readItem(const JsonFile& file, const Pointer& pointer)
     item.name = members.requiredText("name");
     item.id = members.requiredText("id");
     const QString type = members.requiredText("type");
-    item.type = findItemType(type);
+    item.type = value::findItemType(type);
     if (!item.type) {
-        members.fail(
-            "type",
-            QStringLiteral("\"%1\" is no type; the types are: %2").arg(type, allItemTypeNames()));
+        members.fail("type", QStringLiteral("\"%1\" is no type; the types are: %2")
+                                 .arg(type, value::allItemTypeNames()));
     }
     if (members.has("length") && item.type->size > 0)
         members.fail("length", QStringLiteral("only items of type String have a length"));
@@ -90,9 +89,10 @@ void checkUrl(const QString& url, const QString& origin)
         parsed.scheme() == QLatin1String("https") || parsed.scheme() == QLatin1String("http");
     const bool is_bare = parsed.path().isEmpty() && !parsed.hasQuery() && !parsed.hasFragment();
     if (!parsed.isValid() || !is_web || !is_bare || parsed.host().isEmpty()) {
-        throw UsageError(QStringLiteral("%1: must be an address such as https://cloud.example, "
-                                        "without a path or a slash at its end")
-                             .arg(origin));
+        throw terminal::UsageError(
+            QStringLiteral("%1: must be an address such as https://cloud.example, "
+                           "without a path or a slash at its end")
+                .arg(origin));
     }
 }
 
@@ -115,4 +115,4 @@ LoadedConfig loadConfig(const QString& path, bool with_password)
     return loaded;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config

@@ -5,7 +5,7 @@
 
 #include <QStringList>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// A configuration, and what its user should know about it.
 struct LoadedConfig
@@ -26,6 +26,6 @@ LoadedConfig loadConfig(const QString& path, bool with_password = true);
 /// \param origin what the message names as the source of the address.
 void checkUrl(const QString& url, const QString& origin);
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

@@ -4,13 +4,13 @@
 
 #include <QUrl>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 namespace {
 
-OrderedJson jsonOf(const Account& account, bool with_password)
+value::OrderedJson jsonOf(const Account& account, bool with_password)
 {
-    OrderedJson service;
+    value::OrderedJson service;
     // The address may hold a password of its own.
     const QString url = with_password ? account.service.url
                                       : QUrl(account.service.url).toString(QUrl::RemoveUserInfo);
@@ -29,11 +29,11 @@ OrderedJson jsonOf(const Account& account, bool with_password)
     return service;
 }
 
-OrderedJson jsonOf(const ItemConfig& item)
+value::OrderedJson jsonOf(const ItemConfig& item)
 {
-    OrderedJson json = {{"name", item.name.toStdString()},
-                        {"id", item.id.toStdString()},
-                        {"type", item.type->name}};
+    value::OrderedJson json = {{"name", item.name.toStdString()},
+                               {"id", item.id.toStdString()},
+                               {"type", item.type->name}};
     if (item.length > 0)
         json["length"] = item.length;
     return json;
@@ -43,11 +43,11 @@ OrderedJson jsonOf(const ItemConfig& item)
 
 QString configJson(const Account& account, const QVector<ItemConfig>& items, bool with_password)
 {
-    OrderedJson list = OrderedJson::array();
+    value::OrderedJson list = value::OrderedJson::array();
     for (const ItemConfig& item : items)
         list.push_back(jsonOf(item));
-    const OrderedJson root = {{"service", jsonOf(account, with_password)}, {"items", list}};
+    const value::OrderedJson root = {{"service", jsonOf(account, with_password)}, {"items", list}};
     return QString::fromStdString(root.dump(2)) + QLatin1Char('\n');
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config

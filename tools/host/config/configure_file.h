@@ -7,12 +7,12 @@
 #include <QString>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// A configuration as loadConfig() reads it; ends with a line break. Without the password it says
 /// where to find it.
 QString configJson(const Account& account, const QVector<ItemConfig>& items, bool with_password);
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

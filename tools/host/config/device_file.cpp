@@ -7,7 +7,7 @@
 
 #include <limits>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 namespace {
 
@@ -50,7 +50,7 @@ LinkOptions readLink(const JsonFile& file)
     return link;
 }
 
-int readLength(const JsonFile& file, const Pointer& pointer, const ItemType& type,
+int readLength(const JsonFile& file, const Pointer& pointer, const value::ItemType& type,
                const RequestOptions& defaults)
 {
     const MemberReader members(file, pointer);
@@ -106,12 +106,12 @@ QVector<ItemConfig> readItems(const JsonFile& file, const RequestOptions& defaul
 
 } // namespace
 
-const ItemType& itemType(const QString& name, const QString& origin)
+const value::ItemType& itemType(const QString& name, const QString& origin)
 {
-    if (const ItemType* type = findItemType(name))
+    if (const value::ItemType* type = value::findItemType(name))
         return *type;
-    throw UsageError(QStringLiteral("%1: \"%2\" is no type; the types are: %3")
-                         .arg(origin, name, allItemTypeNames()));
+    throw terminal::UsageError(QStringLiteral("%1: \"%2\" is no type; the types are: %3")
+                                   .arg(origin, name, value::allItemTypeNames()));
 }
 
 bool namesLink(const QString& path)
@@ -138,4 +138,4 @@ DeviceFile loadDeviceFile(const QString& path, const RequestOptions& defaults)
     return loaded;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config

@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// A configuration file of a device.
 struct DeviceFile
@@ -28,8 +28,8 @@ DeviceFile loadDeviceFile(const QString& path, const RequestOptions& defaults);
 
 /// An item's type as options and files name it. Throws UsageError.
 /// \param origin what the message names as the source.
-const ItemType& itemType(const QString& name, const QString& origin);
+const value::ItemType& itemType(const QString& name, const QString& origin);
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

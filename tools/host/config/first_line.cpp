@@ -5,7 +5,7 @@
 
 #include <QFile>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 std::optional<QString> firstLine(const QString& path, QString* problem)
 {
@@ -27,9 +27,10 @@ QString givenAddress(const QString& url, const QString& url_file)
         QString problem;
         const std::optional<QString> line = firstLine(url_file, &problem);
         if (!line) {
-            throw UsageError(QStringLiteral("cannot read the address file \"%1\": %2 (is the "
-                                            "service running?)")
-                                 .arg(url_file, problem));
+            throw terminal::UsageError(
+                QStringLiteral("cannot read the address file \"%1\": %2 (is the "
+                               "service running?)")
+                    .arg(url_file, problem));
         }
         address = line->trimmed();
         checkUrl(address, url_file);
@@ -41,4 +42,4 @@ QString givenAddress(const QString& url, const QString& url_file)
     return address;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config

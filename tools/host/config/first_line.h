@@ -5,7 +5,7 @@
 
 #include <optional>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// The first line of the file \a path, without its end; nothing when the file cannot be opened, and
 /// \a problem receives why.
@@ -15,6 +15,6 @@ std::optional<QString> firstLine(const QString& path, QString* problem);
 /// \a url_file; empty when both are. Throws UsageError for what cannot be read or is no address.
 QString givenAddress(const QString& url, const QString& url_file);
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

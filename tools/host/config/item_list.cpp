@@ -2,7 +2,7 @@
 
 #include <QHash>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 QVector<ItemConfig> readItemList(const JsonFile& file, const ItemReader& read_item,
                                  const QString& if_named_twice, QStringList* warnings)
@@ -30,4 +30,4 @@ QVector<ItemConfig> readItemList(const JsonFile& file, const ItemReader& read_it
     return items;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config

@@ -6,7 +6,7 @@
 
 #include <functional>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// Reads one item of a configuration file.
 using ItemReader = std::function<ItemConfig(const MemberReader::Pointer& pointer)>;
@@ -18,6 +18,6 @@ using ItemReader = std::function<ItemConfig(const MemberReader::Pointer& pointer
 QVector<ItemConfig> readItemList(const JsonFile& file, const ItemReader& read_item,
                                  const QString& if_named_twice, QStringList* warnings);
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

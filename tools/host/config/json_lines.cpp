@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 namespace {
 
@@ -175,4 +175,4 @@ JsonLines findJsonLines(const std::string& text)
     return result;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config

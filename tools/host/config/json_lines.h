@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// Where the members and elements of a JSON text stand, and what is wrong with the text.
 struct JsonLines
@@ -19,6 +19,6 @@ struct JsonLines
 /// Reads \a text through once and notes the line of everything in it.
 JsonLines findJsonLines(const std::string& text);
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

@@ -4,7 +4,7 @@
 
 #include <QFile>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 namespace {
 
@@ -30,16 +30,16 @@ JsonFile readJson(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw UsageError(QStringLiteral("cannot read the configuration \"%1\": %2")
-                             .arg(path, file.errorString()));
+        throw terminal::UsageError(QStringLiteral("cannot read the configuration \"%1\": %2")
+                                       .arg(path, file.errorString()));
     }
     const std::string text = file.readAll().toStdString();
     JsonFile json{path, nlohmann::json(), findJsonLines(text)};
     if (!json.lines.problem.empty()) {
-        throw UsageError(QStringLiteral("%1:%2: %3")
-                             .arg(path)
-                             .arg(json.lines.problem_line)
-                             .arg(QString::fromStdString(json.lines.problem)));
+        throw terminal::UsageError(QStringLiteral("%1:%2: %3")
+                                       .arg(path)
+                                       .arg(json.lines.problem_line)
+                                       .arg(QString::fromStdString(json.lines.problem)));
     }
     json.root = nlohmann::json::parse(text);
     return json;
@@ -55,7 +55,7 @@ QString JsonFile::place(const nlohmann::json::json_pointer& pointer) const
 
 void JsonFile::fail(const nlohmann::json::json_pointer& pointer, const QString& problem) const
 {
-    throw UsageError(place(pointer) + QStringLiteral(": ") + problem);
+    throw terminal::UsageError(place(pointer) + QStringLiteral(": ") + problem);
 }
 
 MemberReader::MemberReader(const JsonFile& file, const Pointer& pointer)
@@ -130,4 +130,4 @@ void MemberReader::fail(const char* name, const QString& problem) const
     file_.fail(pointer_ / std::string(name), problem);
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config

@@ -8,7 +8,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// A parsed file together with the lines of its members.
 struct JsonFile
@@ -56,6 +56,6 @@ private:
     const nlohmann::json& object_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

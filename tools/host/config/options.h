@@ -6,7 +6,7 @@
 
 #include <optional>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// The link to a device and its settings, as far as they are given; times in milliseconds.
 struct LinkOptions
@@ -77,6 +77,6 @@ struct RawOptions
     bool force = false;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

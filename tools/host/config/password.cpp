@@ -5,7 +5,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 namespace {
 
@@ -53,4 +53,4 @@ QString readPassword(const MemberReader& service, const QString& config_path)
     return service.optionalText("password", QString());
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config

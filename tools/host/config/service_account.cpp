@@ -8,7 +8,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 namespace {
 
@@ -17,7 +17,7 @@ QString passwordIn(const QString& path)
     QString problem;
     const std::optional<QString> line = firstLine(path, &problem);
     if (!line) {
-        throw UsageError(
+        throw terminal::UsageError(
             QStringLiteral("cannot read the password file \"%1\": %2").arg(path, problem));
     }
     return *line;
@@ -117,10 +117,10 @@ void requireAccount(const Account& account)
     if (account.service.email.isEmpty())
         missing << QStringLiteral("--email ADDRESS");
     if (!missing.isEmpty()) {
-        throw UsageError(
+        throw terminal::UsageError(
             QStringLiteral("the account is not complete; add %1, or a configuration with --config")
                 .arg(missing.join(QStringLiteral(", "))));
     }
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::config

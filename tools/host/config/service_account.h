@@ -5,7 +5,7 @@
 
 #include <QString>
 
-namespace tovik_host {
+namespace tovik_host::config {
 
 /// What the command line says about the service and the account.
 struct AccountOptions
@@ -44,6 +44,6 @@ Account resolveAccount(const AccountOptions& options, Account account, bool need
 /// Throws UsageError that says what to add, unless address, project and e-mail address are known.
 void requireAccount(const Account& account);
 
-} // namespace tovik_host
+} // namespace tovik_host::config
 
 #endif

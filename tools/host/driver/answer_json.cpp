@@ -2,19 +2,21 @@
 
 #include "tools/host/value/status_text.h"
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
-void addAnswer(OrderedJson& line, const ItemConfig& item, const Answer& answer,
+void addAnswer(value::OrderedJson& line, const config::ItemConfig& item, const Answer& answer,
                const std::optional<QString>& value)
 {
     line["item"] = item.name.toStdString();
     line["type"] = item.type->name;
-    line["value"] = jsonValue(*item.type, value);
+    line["value"] = value::jsonValue(*item.type, value);
     line["bytes"] = answer.bytes.toHex().toStdString();
-    line["status"] = answer.arrived ? OrderedJson(statusCode(answer.status).toStdString())
-                                    : OrderedJson(nullptr);
-    line["status_text"] = answer.arrived ? statusText(answer.status, answer.status_of).toStdString()
-                                         : std::string("no answer");
+    line["status"] = answer.arrived
+                         ? value::OrderedJson(value::statusCode(answer.status).toStdString())
+                         : value::OrderedJson(nullptr);
+    line["status_text"] = answer.arrived
+                              ? value::statusText(answer.status, answer.status_of).toStdString()
+                              : std::string("no answer");
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

@@ -3,7 +3,7 @@
 #include "tools/host/config/device_file.h"
 #include "tools/host/terminal/usage_error.h"
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -13,21 +13,21 @@ QString defaultUnit()
 }
 
 /// The item that `ADDRESS` or `ADDRESS=TYPE` means.
-ItemConfig itemOf(const QString& text, const RequestOptions& options)
+config::ItemConfig itemOf(const QString& text, const config::RequestOptions& options)
 {
     const int equals = text.lastIndexOf(QLatin1Char('='));
-    ItemConfig item;
+    config::ItemConfig item;
     item.name = equals < 0 ? text : text.left(equals);
     if (item.name.isEmpty())
-        throw UsageError(QStringLiteral("\"%1\": the address is empty").arg(text));
+        throw terminal::UsageError(QStringLiteral("\"%1\": the address is empty").arg(text));
     item.request.address = item.name;
-    item.type = equals < 0 ? &itemType(options.type.value_or(QStringLiteral("16Bit-UINT")),
-                                       QStringLiteral("--type"))
-                           : &itemType(text.mid(equals + 1),
-                                       QStringLiteral("\"%1\": behind \"=\"").arg(text));
+    item.type = equals < 0 ? &config::itemType(options.type.value_or(QStringLiteral("16Bit-UINT")),
+                                               QStringLiteral("--type"))
+                           : &config::itemType(text.mid(equals + 1),
+                                               QStringLiteral("\"%1\": behind \"=\"").arg(text));
     if (item.type->size == 0) {
         if (!options.length) {
-            throw UsageError(
+            throw terminal::UsageError(
                 QStringLiteral("%1: a String needs its length: --length BYTES").arg(item.name));
         }
         item.length = *options.length;
@@ -39,33 +39,36 @@ ItemConfig itemOf(const QString& text, const RequestOptions& options)
     return item;
 }
 
-QVector<ItemConfig> itemsOf(const QStringList& addresses, const RequestOptions& options)
+QVector<config::ItemConfig> itemsOf(const QStringList& addresses,
+                                    const config::RequestOptions& options)
 {
-    QVector<ItemConfig> items;
+    QVector<config::ItemConfig> items;
     bool has_text = false;
     for (const QString& address : addresses) {
         items << itemOf(address, options);
         has_text = has_text || items.last().type->size == 0;
     }
     if (options.length && !has_text && !items.isEmpty()) {
-        throw UsageError(QStringLiteral("--length is for texts: give --type String with it; the "
-                                        "other types have lengths of their own"));
+        throw terminal::UsageError(
+            QStringLiteral("--length is for texts: give --type String with it; the "
+                           "other types have lengths of their own"));
     }
     return items;
 }
 
-QVector<ItemConfig> itemsNamed(const QStringList& names, const QVector<ItemConfig>& all,
-                               const QString& path)
+QVector<config::ItemConfig> itemsNamed(const QStringList& names,
+                                       const QVector<config::ItemConfig>& all, const QString& path)
 {
     if (names.isEmpty())
         return all;
-    QVector<ItemConfig> items;
+    QVector<config::ItemConfig> items;
     for (const QString& name : names) {
-        const ItemConfig* item = findItem(all, name);
+        const config::ItemConfig* item = config::findItem(all, name);
         if (!item) {
-            throw UsageError(QStringLiteral("%1 has no item \"%2\"; with --config items are named, "
-                                            "without it they are addressed")
-                                 .arg(path, name));
+            throw terminal::UsageError(
+                QStringLiteral("%1 has no item \"%2\"; with --config items are named, "
+                               "without it they are addressed")
+                    .arg(path, name));
         }
         items << *item;
     }
@@ -79,7 +82,7 @@ Value chosen(const std::optional<Value>& option, const std::optional<Value>& fil
     return option.value_or(file.value_or(fallback));
 }
 
-LinkSettings settingsOf(const LinkOptions& options, const LinkOptions& file)
+LinkSettings settingsOf(const config::LinkOptions& options, const config::LinkOptions& file)
 {
     LinkSettings settings;
     settings.request_delay =
@@ -92,14 +95,15 @@ LinkSettings settingsOf(const LinkOptions& options, const LinkOptions& file)
     return settings;
 }
 
-LinkAddress linkOf(const CommonOptions& common, const DeviceFile& file)
+LinkAddress linkOf(const config::CommonOptions& common, const config::DeviceFile& file)
 {
     if (common.link.address)
         return parseLink(*common.link.address, QStringLiteral("--link"));
     if (file.link.address)
         return parseLink(*file.link.address, file.link_place);
-    throw UsageError(QStringLiteral("%1: \"link\" has no \"address\", and there is no --link")
-                         .arg(common.config));
+    throw terminal::UsageError(
+        QStringLiteral("%1: \"link\" has no \"address\", and there is no --link")
+            .arg(common.config));
 }
 
 } // namespace
@@ -114,38 +118,41 @@ void LinkSettings::fill(DrvBase* link) const
     link->link_param_b = link_param_b;
 }
 
-bool isForDevice(const CommonOptions& common)
+bool isForDevice(const config::CommonOptions& common)
 {
-    return common.link.address || (!common.config.isEmpty() && namesLink(common.config));
+    return common.link.address || (!common.config.isEmpty() && config::namesLink(common.config));
 }
 
-void refuseDeviceOptions(const CommonOptions& common)
+void refuseDeviceOptions(const config::CommonOptions& common)
 {
     if (common.device_options.isEmpty())
         return;
-    throw UsageError(QStringLiteral("%1 is for a device on a link, and there is none: add --link "
-                                    "tcp:HOST:PORT or --link serial:DEVICE")
-                         .arg(common.device_options.first()));
+    throw terminal::UsageError(
+        QStringLiteral("%1 is for a device on a link, and there is none: add --link "
+                       "tcp:HOST:PORT or --link serial:DEVICE")
+            .arg(common.device_options.first()));
 }
 
-DeviceConfig deviceConfig(const CommonOptions& common, const QStringList& addresses,
+DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList& addresses,
                           QStringList* warnings)
 {
     if (!common.service_options.isEmpty()) {
-        throw UsageError(QStringLiteral("%1 is for a cloud driver and its service; a device on a "
-                                        "link has none: leave it out")
-                             .arg(common.service_options.first()));
+        throw terminal::UsageError(
+            QStringLiteral("%1 is for a cloud driver and its service; a device on a "
+                           "link has none: leave it out")
+                .arg(common.service_options.first()));
     }
     if (common.library.isEmpty()) {
-        throw UsageError(QStringLiteral("a device on a link needs its driver: name the library "
-                                        "with --library, such as --library ./libmodbus_drv.so.1"));
+        throw terminal::UsageError(
+            QStringLiteral("a device on a link needs its driver: name the library "
+                           "with --library, such as --library ./libmodbus_drv.so.1"));
     }
-    DeviceFile file;
+    config::DeviceFile file;
     DeviceConfig config;
     if (common.config.isEmpty()) {
         config.items = itemsOf(addresses, common.request);
     } else {
-        file = loadDeviceFile(common.config, common.request);
+        file = config::loadDeviceFile(common.config, common.request);
         *warnings << file.warnings;
         config.items = itemsNamed(addresses, file.items, common.config);
     }
@@ -156,4 +163,4 @@ DeviceConfig deviceConfig(const CommonOptions& common, const QStringList& addres
     return config;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

@@ -9,7 +9,7 @@
 
 #include <QStringList>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// What the driver finds in its link; times in milliseconds.
 struct LinkSettings
@@ -30,16 +30,16 @@ struct DeviceConfig
     LinkAddress link;
     LinkSettings settings;
     QString unit;
-    int open_milliseconds = 10000; ///< The longest that an attempt to open the link may take.
-    QVector<ItemConfig> items;     ///< Those that the command is about, in its order.
+    int open_milliseconds = 10000;     ///< The longest that an attempt to open the link may take.
+    QVector<config::ItemConfig> items; ///< Those that the command is about, in its order.
 };
 
 /// Whether the options are about a device on a link, and not about a service: the command line or
 /// the configuration names a link. Throws UsageError when the configuration cannot be read.
-bool isForDevice(const CommonOptions& common);
+bool isForDevice(const config::CommonOptions& common);
 
 /// Throws UsageError if there is an option that only a device has.
-void refuseDeviceOptions(const CommonOptions& common);
+void refuseDeviceOptions(const config::CommonOptions& common);
 
 /// Puts options and configuration together; options win.
 ///
@@ -47,9 +47,9 @@ void refuseDeviceOptions(const CommonOptions& common);
 ///        and none of them means all; without one they are `ADDRESS` or `ADDRESS=TYPE`.
 /// \param warnings takes what the user should know.
 /// Throws UsageError.
-DeviceConfig deviceConfig(const CommonOptions& common, const QStringList& addresses,
+DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList& addresses,
                           QStringList* warnings);
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

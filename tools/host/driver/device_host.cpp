@@ -9,7 +9,7 @@
 #include <exception>
 #include <unistd.h>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -19,10 +19,10 @@ const int second_wish = 1000;
 } // namespace
 
 DeviceHost::DeviceHost(const Plugin& plugin, const DeviceConfig& config,
-                       const UnixSignals& unix_signals)
+                       const terminal::UnixSignals& unix_signals)
     : session_(new DeviceSession(plugin, config))
 {
-    connect(&unix_signals, &UnixSignals::endAsked, this, &DeviceHost::onEndAsked);
+    connect(&unix_signals, &terminal::UnixSignals::endAsked, this, &DeviceHost::onEndAsked);
     session_->moveToThread(&thread_);
     worker_.moveToThread(&thread_);
     thread_.start();
@@ -63,21 +63,21 @@ QString DeviceHost::open()
     return problem;
 }
 
-DeviceAnswer DeviceHost::read(const ItemConfig& item)
+DeviceAnswer DeviceHost::read(const config::ItemConfig& item)
 {
     DeviceAnswer answer;
     run([&] { answer = session_->read(item); });
     return answer;
 }
 
-DeviceAnswer DeviceHost::readAgain(const ItemConfig& item)
+DeviceAnswer DeviceHost::readAgain(const config::ItemConfig& item)
 {
     DeviceAnswer answer;
     run([&] { answer = session_->readAgain(item); });
     return answer;
 }
 
-DeviceAnswer DeviceHost::write(const ItemConfig& item, const QByteArray& bytes)
+DeviceAnswer DeviceHost::write(const config::ItemConfig& item, const QByteArray& bytes)
 {
     DeviceAnswer answer;
     run([&] { answer = session_->write(item, bytes); });
@@ -107,14 +107,14 @@ void DeviceHost::stop()
 void DeviceHost::onEndAsked()
 {
     if (since_end_asked_.isValid() && since_end_asked_.hasExpired(second_wish)) {
-        Output(STDERR_FILENO)
+        terminal::Output(STDERR_FILENO)
             .line(QStringLiteral("tovik-host: the driver does not come back from its request; "
                                  "ended without releasing it"));
-        std::_Exit(exitRefused);
+        std::_Exit(terminal::exitRefused);
     }
     if (!since_end_asked_.isValid())
         since_end_asked_.start();
     stop();
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

@@ -11,7 +11,7 @@
 #include <functional>
 #include <memory>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// A device session in a thread of its own.
 ///
@@ -25,15 +25,16 @@ class DeviceHost : public QObject
 public:
     /// Once \a unix_signals ask the program to end, the session is stopped. A driver that does not
     /// come back even so is left alone at the next signal, and the program ends.
-    DeviceHost(const Plugin& plugin, const DeviceConfig& config, const UnixSignals& unix_signals);
+    DeviceHost(const Plugin& plugin, const DeviceConfig& config,
+               const terminal::UnixSignals& unix_signals);
     /// Releases driver and link.
     ~DeviceHost() override;
 
     /// As the session's functions of these names.
     QString open();
-    DeviceAnswer read(const ItemConfig& item);
-    DeviceAnswer readAgain(const ItemConfig& item);
-    DeviceAnswer write(const ItemConfig& item, const QByteArray& bytes);
+    DeviceAnswer read(const config::ItemConfig& item);
+    DeviceAnswer readAgain(const config::ItemConfig& item);
+    DeviceAnswer write(const config::ItemConfig& item, const QByteArray& bytes);
     DeviceAnswer sendRaw(const QByteArray& request);
     bool supportsRaw();
     void stop();
@@ -50,6 +51,6 @@ private:
     QElapsedTimer since_end_asked_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

@@ -7,7 +7,7 @@
 #include <QEventLoop>
 #include <QTimer>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -82,4 +82,4 @@ bool DeviceLink::tend(int milliseconds)
     return isUp();
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

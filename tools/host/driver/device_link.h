@@ -12,7 +12,7 @@
 #include <atomic>
 #include <memory>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// The link to a device, which the host opens and keeps open. To be used in one thread.
 class DeviceLink : public QObject
@@ -63,6 +63,6 @@ private:
     QElapsedTimer attempt_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

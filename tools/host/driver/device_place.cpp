@@ -5,11 +5,12 @@
 
 #include <unistd.h>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
-DeviceConfig configFor(const CommonOptions& common, const QStringList& addresses, Output& err)
+DeviceConfig configFor(const config::CommonOptions& common, const QStringList& addresses,
+                       terminal::Output& err)
 {
     QStringList warnings;
     DeviceConfig config = deviceConfig(common, addresses, &warnings);
@@ -37,7 +38,7 @@ QString adviceFor(const Answer& answer, const DeviceConfig& config)
 
 } // namespace
 
-DevicePlace::DevicePlace(const CommonOptions& common, const QStringList& addresses)
+DevicePlace::DevicePlace(const config::CommonOptions& common, const QStringList& addresses)
     : out(STDOUT_FILENO),
       err(STDERR_FILENO),
       config(configFor(common, addresses, err)),
@@ -51,7 +52,8 @@ DevicePlace::DevicePlace(const CommonOptions& common, const QStringList& address
 
 void DevicePlace::complain(const QString& subject, const QString& problem)
 {
-    err.line(QStringLiteral("tovik-host: %1: %2").arg(printable(subject), printable(problem)));
+    err.line(QStringLiteral("tovik-host: %1: %2")
+                 .arg(terminal::printable(subject), terminal::printable(problem)));
 }
 
 void DevicePlace::complainOfLink(const QString& problem)
@@ -70,21 +72,21 @@ QString DevicePlace::failureOf(const DeviceAnswer& answer) const
     }
     if (status == 0)
         return QString();
-    return statusTextWithCode(status, answer.answer.status_of) +
+    return value::statusTextWithCode(status, answer.answer.status_of) +
            (answer.link_problem.isEmpty() ? adviceFor(answer.answer, config)
                                           : QStringLiteral(": ") + answer.link_problem);
 }
 
-QString DevicePlace::problemOf(const ItemConfig& item, const DeviceAnswer& answer) const
+QString DevicePlace::problemOf(const config::ItemConfig& item, const DeviceAnswer& answer) const
 {
     const QString failure = failureOf(answer);
     if (!failure.isEmpty())
         return failure;
     const QByteArray& bytes = answer.answer.bytes;
-    if (decodeValue(*item.type, bytes))
+    if (value::decodeValue(*item.type, bytes))
         return QString();
     return QStringLiteral("the driver's bytes [%1] are no %2")
-        .arg(hexText(bytes), QLatin1String(item.type->name));
+        .arg(value::hexText(bytes), QLatin1String(item.type->name));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

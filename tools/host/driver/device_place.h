@@ -10,32 +10,32 @@
 
 #include <QString>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// What every command works with when it is about a device on a link.
 struct DevicePlace
 {
     /// Reads options and configuration and loads the library. Throws UsageError.
     /// \param addresses as for deviceConfig().
-    DevicePlace(const CommonOptions& common, const QStringList& addresses);
+    DevicePlace(const config::CommonOptions& common, const QStringList& addresses);
 
     /// Says on the standard error that the link cannot be opened, and why.
     void complainOfLink(const QString& problem);
     /// Why there is no value in \a answer, for the user; empty if there is one.
-    QString problemOf(const ItemConfig& item, const DeviceAnswer& answer) const;
+    QString problemOf(const config::ItemConfig& item, const DeviceAnswer& answer) const;
     /// Why a request failed; empty if it did not.
     QString failureOf(const DeviceAnswer& answer) const;
     /// A message on the standard error.
     void complain(const QString& subject, const QString& problem);
 
-    DebugLog log;
-    UnixSignals unix_signals;
-    Output out;
-    Output err;
+    terminal::DebugLog log;
+    terminal::UnixSignals unix_signals;
+    terminal::Output out;
+    terminal::Output err;
     DeviceConfig config;
     Plugin plugin;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

@@ -8,7 +8,7 @@
 #include <QMutexLocker>
 #include <QSharedPointer>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -24,7 +24,7 @@ QString driverName(const QString& library)
     return name;
 }
 
-QSharedPointer<AddrData> addressOf(const ItemConfig& item)
+QSharedPointer<AddrData> addressOf(const config::ItemConfig& item)
 {
     const QSharedPointer<AddrData> address(new AddrData);
     address->field1 = item.request.field1;
@@ -37,7 +37,7 @@ QSharedPointer<AddrData> addressOf(const ItemConfig& item)
 
 DeviceAnswer offline(const QString& problem)
 {
-    return {{true, QByteArray(), offline_status, false, StatusOf::device}, problem};
+    return {{true, QByteArray(), value::offline_status, false, value::StatusOf::device}, problem};
 }
 
 } // namespace
@@ -65,7 +65,8 @@ QString DeviceSession::open()
     const QMutexLocker locker(&driver_lock_);
     driver_.reset(plugin_.createDriver(&driver_name_, link_->serial(), link_->ethernet()));
     if (!driver_)
-        throw UsageError(QStringLiteral("the library \"%1\" makes no driver").arg(plugin_.path()));
+        throw terminal::UsageError(
+            QStringLiteral("the library \"%1\" makes no driver").arg(plugin_.path()));
     driver_->unit_list = &unit_list_;
     // By text, as the driver may be compiled from other sources than this program; direct, as each
     // request is answered before its emission returns.
@@ -85,12 +86,12 @@ void DeviceSession::stop()
         driver_->stop_flag = stop_value;
 }
 
-DeviceAnswer DeviceSession::read(const ItemConfig& item)
+DeviceAnswer DeviceSession::read(const config::ItemConfig& item)
 {
     return askOnOpenLink([&] { emitRead(item); });
 }
 
-DeviceAnswer DeviceSession::readAgain(const ItemConfig& item)
+DeviceAnswer DeviceSession::readAgain(const config::ItemConfig& item)
 {
     if (!link_->isUp()) {
         // What has become of the link says more than what comes of the next attempt.
@@ -101,7 +102,7 @@ DeviceAnswer DeviceSession::readAgain(const ItemConfig& item)
     return ask([&] { emitRead(item); });
 }
 
-DeviceAnswer DeviceSession::write(const ItemConfig& item, const QByteArray& bytes)
+DeviceAnswer DeviceSession::write(const config::ItemConfig& item, const QByteArray& bytes)
 {
     return askOnOpenLink([&] {
         Q_EMIT driver_->SigSetValuesByteArray(config_.unit, QStringLiteral("link"),
@@ -119,7 +120,7 @@ bool DeviceSession::supportsRaw()
     return driver_->IsTransparentModeSupported();
 }
 
-void DeviceSession::emitRead(const ItemConfig& item)
+void DeviceSession::emitRead(const config::ItemConfig& item)
 {
     Q_EMIT driver_->SigGetValuesByteArray(config_.unit, QStringLiteral("link"),
                                           item.request.station, addressOf(item));
@@ -135,7 +136,7 @@ DeviceAnswer DeviceSession::askOnOpenLink(const std::function<void()>& request)
 DeviceAnswer DeviceSession::ask(const std::function<void()>& request)
 {
     answer_ = Answer();
-    answer_.status_of = StatusOf::deviceWith(plugin_.resultCodes());
+    answer_.status_of = value::StatusOf::deviceWith(plugin_.resultCodes());
     if (!stopped_)
         request();
     const bool lost = answer_.status != 0 && !link_->isUp();
@@ -160,4 +161,4 @@ void DeviceSession::onTransparentResponse(QByteArray bytes, int status)
     take(bytes, status);
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

@@ -13,7 +13,7 @@
 #include <functional>
 #include <memory>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// What became of one request to a device.
 struct DeviceAnswer
@@ -40,11 +40,11 @@ public:
     QString open();
 
     /// Reads an item. A link that was lost is opened again before.
-    DeviceAnswer read(const ItemConfig& item);
+    DeviceAnswer read(const config::ItemConfig& item);
     /// The same for a reader who comes again: does not wait for a link that is down, and answers
     /// offline_status meanwhile.
-    DeviceAnswer readAgain(const ItemConfig& item);
-    DeviceAnswer write(const ItemConfig& item, const QByteArray& bytes);
+    DeviceAnswer readAgain(const config::ItemConfig& item);
+    DeviceAnswer write(const config::ItemConfig& item, const QByteArray& bytes);
     /// Sends a frame as it is.
     DeviceAnswer sendRaw(const QByteArray& request);
     /// Whether the driver wants frames sent as they are.
@@ -61,7 +61,7 @@ private Q_SLOTS:
 private:
     DeviceAnswer ask(const std::function<void()>& request);
     DeviceAnswer askOnOpenLink(const std::function<void()>& request);
-    void emitRead(const ItemConfig& item);
+    void emitRead(const config::ItemConfig& item);
     void take(const QByteArray& bytes, int status);
 
     const Plugin& plugin_;
@@ -76,6 +76,6 @@ private:
     Answer answer_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

@@ -8,7 +8,7 @@
 #include <QSharedPointer>
 #include <QVariant>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -24,7 +24,8 @@ QString linkName()
     return QStringLiteral("link");
 }
 
-PropertyTovikIot driverProperty(const ServiceConfig& service, const QVector<ServedItem>& items)
+PropertyTovikIot driverProperty(const config::ServiceConfig& service,
+                                const QVector<ServedItem>& items)
 {
     PropertyTovikIot property;
     property.host = service.url;
@@ -43,7 +44,7 @@ PropertyTovikIot driverProperty(const ServiceConfig& service, const QVector<Serv
     return property;
 }
 
-void fillErrorHandling(QMap<QString, QVariant>& settings, const ErrorHandling& handling)
+void fillErrorHandling(QMap<QString, QVariant>& settings, const config::ErrorHandling& handling)
 {
     settings[QStringLiteral("tovik_iot_err_handle_type")] = handling.type;
     settings[QStringLiteral("tovik_iot_err_return_time")] = handling.return_time;
@@ -63,7 +64,7 @@ QSharedPointer<AddrData> addressOf(const QString& name, int data_length)
 
 } // namespace
 
-DriverSession::DriverSession(const Plugin& plugin, const HostConfig& config,
+DriverSession::DriverSession(const Plugin& plugin, const config::HostConfig& config,
                              const QVector<ServedItem>& items)
     : link_(new DrvEthernet)
 {
@@ -74,7 +75,8 @@ DriverSession::DriverSession(const Plugin& plugin, const HostConfig& config,
     fillErrorHandling(link_->driver_specific_data, config.error_handling);
     driver_.reset(plugin.createDriver(nullptr, nullptr, link_.data()));
     if (!driver_)
-        throw UsageError(QStringLiteral("the library \"%1\" makes no driver").arg(plugin.path()));
+        throw terminal::UsageError(
+            QStringLiteral("the library \"%1\" makes no driver").arg(plugin.path()));
     // By text, as the driver may be compiled from other sources than this program.
     connect(driver_.data(), SIGNAL(SigResponse(QString, QString, QByteArray, int)), this,
             SLOT(onResponse(QString, QString, QByteArray, int)));
@@ -110,4 +112,4 @@ void DriverSession::onResponse(QString, QString, QByteArray bytes, int status)
     answer_.status = status;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

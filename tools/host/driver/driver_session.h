@@ -17,7 +17,7 @@
 
 #include <optional>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// The driver's answer to one request.
 struct Answer
@@ -26,13 +26,13 @@ struct Answer
     QByteArray bytes;
     int status = 0;
     bool has_value = true; ///< False: the bytes are none that the item has, however many they are.
-    StatusOf status_of = StatusOf::service;
+    value::StatusOf status_of = value::StatusOf::service;
 };
 
 /// A data item as the driver is told to serve it.
 struct ServedItem
 {
-    ItemConfig item;
+    config::ItemConfig item;
     /// What the driver answers until the service has spoken; nothing: the driver's own default.
     std::optional<QString> initial_value;
 };
@@ -46,7 +46,8 @@ class DriverSession : public QObject
 public:
     /// Makes link and driver; the driver connects to the service by itself.
     /// \param config service and error handling are taken from it, its items are not.
-    DriverSession(const Plugin& plugin, const HostConfig& config, const QVector<ServedItem>& items);
+    DriverSession(const Plugin& plugin, const config::HostConfig& config,
+                  const QVector<ServedItem>& items);
     /// Announces the release to the driver, which ends its work, and deletes driver and link.
     ~DriverSession() override;
 
@@ -55,7 +56,7 @@ public:
     /// Raises a write of \a bytes to the item \a name.
     Answer write(const QString& name, const QByteArray& bytes);
     /// What the driver tells about its own work.
-    DriverNumbers numbers() const { return readNumbers(*driver_); }
+    value::DriverNumbers numbers() const { return value::readNumbers(*driver_); }
 
 private Q_SLOTS:
     void onResponse(QString unit_name, QString link_name, QByteArray bytes, int status);
@@ -66,6 +67,6 @@ private:
     Answer answer_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

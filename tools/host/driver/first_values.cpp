@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -18,35 +18,35 @@ QString twinName(const QString& name)
     return name + QChar(1);
 }
 
-QString marker(const ItemType& type, bool second)
+QString marker(const value::ItemType& type, bool second)
 {
     return QString::fromLatin1(second ? type.second_marker : type.first_marker);
 }
 
 /// The bytes of the marker as the driver answers them: texts are filled up, and never cut.
-QByteArray markerBytes(const ItemConfig& item, bool second)
+QByteArray markerBytes(const config::ItemConfig& item, bool second)
 {
-    const QByteArray bytes = encodeValue(*item.type, marker(*item.type, second), 0).bytes;
+    const QByteArray bytes = value::encodeValue(*item.type, marker(*item.type, second), 0).bytes;
     return bytes.leftJustified(item.length, '\0');
 }
 
 } // namespace
 
-FirstValues::FirstValues(const Plugin& plugin, const HostConfig& config,
-                         const QVector<ItemConfig>& items)
+FirstValues::FirstValues(const Plugin& plugin, const config::HostConfig& config,
+                         const QVector<config::ItemConfig>& items)
     : plugin_(plugin),
       config_(config)
 {
     // Whatever a watching host would do about errors: here the driver shall try again by itself.
-    config_.error_handling = ErrorHandling();
-    for (const ItemConfig& item : items) {
+    config_.error_handling = config::ErrorHandling();
+    for (const config::ItemConfig& item : items) {
         FirstValue value;
         value.item = item;
         values_ << value;
     }
 }
 
-Waited FirstValues::run(const UnixSignals& unix_signals, int milliseconds)
+terminal::Waited FirstValues::run(const terminal::UnixSignals& unix_signals, int milliseconds)
 {
     QElapsedTimer elapsed;
     elapsed.start();
@@ -54,9 +54,10 @@ Waited FirstValues::run(const UnixSignals& unix_signals, int milliseconds)
     int patience = 0;
     while (true) {
         const std::unique_ptr<DriverSession> session = startSession(exchanged);
-        const Waited waited = waitUntil(unix_signals, milliseconds - int(elapsed.elapsed()),
-                                        [&] { return look(*session, exchanged, patience); });
-        if (waited != Waited::met || allArrived() || isServiceError(status_))
+        const terminal::Waited waited =
+            terminal::waitUntil(unix_signals, milliseconds - int(elapsed.elapsed()),
+                                [&] { return look(*session, exchanged, patience); });
+        if (waited != terminal::Waited::met || allArrived() || value::isServiceError(status_))
             return waited;
         exchanged = !exchanged;
         patience = exchange_patience;
@@ -70,7 +71,7 @@ std::unique_ptr<DriverSession> FirstValues::startSession(bool exchanged)
         if (value.arrived)
             continue;
         value.unchanged = false;
-        ItemConfig twin = value.item;
+        config::ItemConfig twin = value.item;
         twin.name = twinName(twin.name);
         served << ServedItem{value.item, marker(*value.item.type, exchanged)};
         served << ServedItem{twin, marker(*value.item.type, !exchanged)};
@@ -91,7 +92,7 @@ bool FirstValues::look(DriverSession& session, bool exchanged, int patience)
     if (allArrived())
         return true;
     // The values that the driver read before the error may come right behind it.
-    looks_under_error_ = isServiceError(status_) ? looks_under_error_ + 1 : 0;
+    looks_under_error_ = value::isServiceError(status_) ? looks_under_error_ + 1 : 0;
     if (looks_under_error_ > 1)
         return true;
     if (silent)
@@ -120,4 +121,4 @@ bool FirstValues::allArrived() const
                        [](const FirstValue& value) { return value.arrived; });
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

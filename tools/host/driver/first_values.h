@@ -9,12 +9,12 @@
 
 #include <memory>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// What became of one requested item.
 struct FirstValue
 {
-    ItemConfig item;
+    config::ItemConfig item;
     /// The answer is the service's value.
     bool arrived = false;
     /// In the running session the driver has heard of the item, but answers its initial value.
@@ -34,11 +34,12 @@ class FirstValues
 {
 public:
     /// \param plugin must outlive this object.
-    FirstValues(const Plugin& plugin, const HostConfig& config, const QVector<ItemConfig>& items);
+    FirstValues(const Plugin& plugin, const config::HostConfig& config,
+                const QVector<config::ItemConfig>& items);
 
     /// Runs drivers until every item has arrived, until the service itself reports an error, or
     /// until the time is up.
-    Waited run(const UnixSignals& unix_signals, int milliseconds);
+    terminal::Waited run(const terminal::UnixSignals& unix_signals, int milliseconds);
 
     const QVector<FirstValue>& values() const { return values_; }
     /// The driver's status at the end.
@@ -51,13 +52,13 @@ private:
     bool allArrived() const;
 
     const Plugin& plugin_;
-    HostConfig config_;
+    config::HostConfig config_;
     QVector<FirstValue> values_;
     QElapsedTimer without_progress_;
     int status_ = 0;
     int looks_under_error_ = 0;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

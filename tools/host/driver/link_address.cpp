@@ -5,7 +5,7 @@
 #include <QHostAddress>
 #include <QStringList>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -71,7 +71,7 @@ struct Source
 
     [[noreturn]] void fail(const QString& problem) const
     {
-        throw UsageError(QStringLiteral("%1: \"%2\": %3").arg(origin, text, problem));
+        throw terminal::UsageError(QStringLiteral("%1: \"%2\": %3").arg(origin, text, problem));
     }
 };
 
@@ -189,4 +189,4 @@ QString linkText(const LinkAddress& address)
     return serialText(std::get<SerialAddress>(address));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

@@ -7,7 +7,7 @@
 
 #include <variant>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// A device behind a TCP port.
 struct TcpAddress
@@ -39,6 +39,6 @@ LinkAddress parseLink(const QString& text, const QString& origin);
 /// The address as parseLink() reads it, with nothing left out but `none`.
 QString linkText(const LinkAddress& address);
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

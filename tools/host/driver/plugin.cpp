@@ -9,7 +9,7 @@
 
 #include <array>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -26,9 +26,10 @@ Function entryPoint(void* library, const char* name, const QString& path)
     dlerror(); // NOLINT(concurrency-mt-unsafe): as above
     void* address = dlsym(library, name);
     if (!address) {
-        throw UsageError(QStringLiteral("\"%1\" is not a driver plug-in: it has no entry point "
-                                        "\"%2\" (%3). Name the driver library with --library.")
-                             .arg(path, QLatin1String(name), loaderError()));
+        throw terminal::UsageError(
+            QStringLiteral("\"%1\" is not a driver plug-in: it has no entry point "
+                           "\"%2\" (%3). Name the driver library with --library.")
+                .arg(path, QLatin1String(name), loaderError()));
     }
     return reinterpret_cast<Function>(address);
 }
@@ -39,9 +40,10 @@ Plugin::Plugin(const QString& path) : path_(path)
 {
     void* library = dlopen(path.toLocal8Bit().constData(), RTLD_NOW | RTLD_LOCAL);
     if (!library) {
-        throw UsageError(QStringLiteral("cannot load the driver library: %1. Build or install it, "
-                                        "or name it with --library.")
-                             .arg(loaderError()));
+        throw terminal::UsageError(
+            QStringLiteral("cannot load the driver library: %1. Build or install it, "
+                           "or name it with --library.")
+                .arg(loaderError()));
     }
     factory_ = entryPoint<Factory>(library, "create_drvlib", path);
     version_ = entryPoint<Version>(library, "drv_version", path);
@@ -86,4 +88,4 @@ DrvInterface* Plugin::createDriver(QString* name, DrvSerial* serial, DrvEthernet
     return factory_(name, serial, ethernet);
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

@@ -10,7 +10,7 @@ class DrvEthernet;
 class DrvInterface;
 class DrvSerial;
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// A driver library, loaded by path; known by its entry points only.
 ///
@@ -49,6 +49,6 @@ private:
     const result_code::Words* result_codes_ = nullptr;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

@@ -6,7 +6,7 @@
 
 #include <QElapsedTimer>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -14,11 +14,11 @@ namespace {
 class Connection
 {
 public:
-    bool isDecided(DriverSession& session, const ItemConfig& item)
+    bool isDecided(DriverSession& session, const config::ItemConfig& item)
     {
         status = session.read(item.name, item.length).status;
         made = session.numbers().connected.value_or(false);
-        return made || isServiceError(status);
+        return made || value::isServiceError(status);
     }
 
     bool made = false;
@@ -29,14 +29,15 @@ QString withStatus(const QString& problem, int status)
 {
     if (status == 0)
         return problem;
-    return QStringLiteral("%1: %2 (%3)").arg(problem, statusText(status), statusCode(status));
+    return QStringLiteral("%1: %2 (%3)")
+        .arg(problem, value::statusText(status), value::statusCode(status));
 }
 
 /// The status follows the driver's count of failed writes a moment later.
-int statusOfFailure(Workplace& place, DriverSession& session, const ItemConfig& item)
+int statusOfFailure(Workplace& place, DriverSession& session, const config::ItemConfig& item)
 {
     int status = 0;
-    waitUntil(place.unix_signals, 1000, [&] {
+    terminal::waitUntil(place.unix_signals, 1000, [&] {
         status = session.read(item.name, item.length).status;
         return status != 0;
     });
@@ -50,47 +51,47 @@ QString failureText(int status)
         return QStringLiteral("the value was not written: the service gave a code that the driver "
                               "does not pass on; --verbose shows it");
     }
-    return withStatus(isServiceError(status)
+    return withStatus(value::isServiceError(status)
                           ? QStringLiteral("the value was not written")
                           : QStringLiteral("no usable answer to the write; the service may have "
                                            "taken the value"),
                       status);
 }
 
-QString unfinished(Waited waited, const QString& problem)
+QString unfinished(terminal::Waited waited, const QString& problem)
 {
-    return waited == Waited::interrupted ? QStringLiteral("interrupted") : problem;
+    return waited == terminal::Waited::interrupted ? QStringLiteral("interrupted") : problem;
 }
 
 } // namespace
 
-QString sendValue(Workplace& place, const ItemConfig& item, const QByteArray& bytes,
+QString sendValue(Workplace& place, const config::ItemConfig& item, const QByteArray& bytes,
                   int milliseconds)
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    HostConfig config = place.config;
-    config.error_handling = ErrorHandling();
+    config::HostConfig config = place.config;
+    config.error_handling = config::ErrorHandling();
     DriverSession session(place.plugin, config, {ServedItem{item, std::nullopt}});
 
     if (!session.numbers().write_count)
         return QStringLiteral("this library does not tell what becomes of a write");
 
     Connection connection;
-    Waited waited = waitUntil(place.unix_signals, milliseconds,
-                              [&] { return connection.isDecided(session, item); });
+    terminal::Waited waited = terminal::waitUntil(
+        place.unix_signals, milliseconds, [&] { return connection.isDecided(session, item); });
     if (!connection.made)
         return unfinished(waited, withStatus(QStringLiteral("no connection"), connection.status));
 
-    const DriverNumbers before = session.numbers();
-    DriverNumbers now = before;
+    const value::DriverNumbers before = session.numbers();
+    value::DriverNumbers now = before;
     session.write(item.name, bytes);
-    waited = waitUntil(place.unix_signals, milliseconds - int(elapsed.elapsed()), [&] {
+    waited = terminal::waitUntil(place.unix_signals, milliseconds - int(elapsed.elapsed()), [&] {
         now = session.numbers();
         return now.write_count != before.write_count ||
                now.failed_write_count != before.failed_write_count;
     });
-    if (waited != Waited::met) {
+    if (waited != terminal::Waited::met) {
         return unfinished(waited, QStringLiteral("no answer to the write in time; the service may "
                                                  "have taken the value"));
     }
@@ -99,4 +100,4 @@ QString sendValue(Workplace& place, const ItemConfig& item, const QByteArray& by
                : failureText(statusOfFailure(place, session, item));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

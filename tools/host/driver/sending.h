@@ -5,16 +5,16 @@
 
 #include <QByteArray>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// Raises a write of \a bytes and runs the driver until it says that the service has the value.
 ///
 /// The driver's answer to a write comes at once and says nothing about the service; its numbers
 /// tell whether it is connected, and whether the value was sent. \return what went wrong; empty
 /// when nothing did.
-QString sendValue(Workplace& place, const ItemConfig& item, const QByteArray& bytes,
+QString sendValue(Workplace& place, const config::ItemConfig& item, const QByteArray& bytes,
                   int milliseconds);
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

@@ -4,7 +4,7 @@
 
 #include <unistd.h>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
@@ -64,4 +64,4 @@ QString SerialDeviceLink::openingProblem()
         .arg(path_, port_.errorString());
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

@@ -3,7 +3,7 @@
 
 #include "tools/host/driver/device_link.h"
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// A serial line to a device. A port whose adapter is unplugged is down until it is back.
 class SerialDeviceLink : public DeviceLink
@@ -25,6 +25,6 @@ private:
     DrvSerial port_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

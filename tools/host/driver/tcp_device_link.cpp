@@ -2,7 +2,7 @@
 
 #include <QNetworkProxy>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 TcpDeviceLink::TcpDeviceLink(const TcpAddress& address, const LinkSettings& settings)
     : address_(address)
@@ -64,4 +64,4 @@ void TcpDeviceLink::onError(QAbstractSocket::SocketError error)
     }
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

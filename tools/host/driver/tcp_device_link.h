@@ -3,7 +3,7 @@
 
 #include "tools/host/driver/device_link.h"
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// A TCP connection to a device.
 class TcpDeviceLink : public DeviceLink
@@ -26,6 +26,6 @@ private:
     DrvEthernet socket_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

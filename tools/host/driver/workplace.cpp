@@ -9,11 +9,11 @@
 
 #include <unistd.h>
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 namespace {
 
-Plugin pluginFor(const CommonOptions& common)
+Plugin pluginFor(const config::CommonOptions& common)
 {
     if (!common.library.isEmpty())
         return Plugin(common.library);
@@ -22,18 +22,18 @@ Plugin pluginFor(const CommonOptions& common)
 
 } // namespace
 
-HostConfig hostConfig(const CommonOptions& common)
+config::HostConfig hostConfig(const config::CommonOptions& common)
 {
-    const LoadedConfig loaded = loadConfig(common.config);
-    Output err(STDERR_FILENO);
+    const config::LoadedConfig loaded = config::loadConfig(common.config);
+    terminal::Output err(STDERR_FILENO);
     for (const QString& warning : loaded.warnings)
         err.line(QStringLiteral("tovik-host: warning: ") + warning);
-    HostConfig config = loaded.config;
-    const QString given = givenAddress(common.url, common.url_file);
+    config::HostConfig config = loaded.config;
+    const QString given = config::givenAddress(common.url, common.url_file);
     if (!given.isEmpty())
         config.service.url = given;
     if (config.service.url.isEmpty()) {
-        throw UsageError(
+        throw terminal::UsageError(
             QStringLiteral("%1: \"service\" has no \"url\", and neither --url nor --url-file "
                            "gives one")
                 .arg(common.config));
@@ -41,7 +41,7 @@ HostConfig hostConfig(const CommonOptions& common)
     return config;
 }
 
-Workplace::Workplace(const CommonOptions& common)
+Workplace::Workplace(const config::CommonOptions& common)
     : config(hostConfig(common)),
       plugin(pluginFor(common)),
       out(STDOUT_FILENO),
@@ -53,11 +53,11 @@ Workplace::Workplace(const CommonOptions& common)
         log.echo();
 }
 
-const ItemConfig& Workplace::item(const QString& name) const
+const config::ItemConfig& Workplace::item(const QString& name) const
 {
-    if (const ItemConfig* found = findItem(config, name))
+    if (const config::ItemConfig* found = config::findItem(config, name))
         return *found;
-    throw UsageError(QStringLiteral("the configuration has no item \"%1\"").arg(name));
+    throw terminal::UsageError(QStringLiteral("the configuration has no item \"%1\"").arg(name));
 }
 
 QString Workplace::shownUrl() const
@@ -65,4 +65,4 @@ QString Workplace::shownUrl() const
     return QUrl(config.service.url).toDisplayString();
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::driver

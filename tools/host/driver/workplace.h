@@ -8,31 +8,31 @@
 #include "tools/host/terminal/output.h"
 #include "tools/host/terminal/unix_signals.h"
 
-namespace tovik_host {
+namespace tovik_host::driver {
 
 /// The configuration that the options name, with the address that they give; warnings go to the
 /// standard error. Throws UsageError.
-HostConfig hostConfig(const CommonOptions& common);
+config::HostConfig hostConfig(const config::CommonOptions& common);
 
 /// What every command works with, made from the options that all have.
 struct Workplace
 {
     /// Loads the configuration and the library. Throws UsageError.
-    explicit Workplace(const CommonOptions& common);
+    explicit Workplace(const config::CommonOptions& common);
 
     /// The item of that name. Throws UsageError when the configuration has none.
-    const ItemConfig& item(const QString& name) const;
+    const config::ItemConfig& item(const QString& name) const;
     /// The service's address without a password, for showing.
     QString shownUrl() const;
 
-    DebugLog log;
-    UnixSignals unix_signals;
-    HostConfig config;
+    terminal::DebugLog log;
+    terminal::UnixSignals unix_signals;
+    config::HostConfig config;
     Plugin plugin;
-    Output out;
-    Output err;
+    terminal::Output out;
+    terminal::Output err;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::driver
 
 #endif

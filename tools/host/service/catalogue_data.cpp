@@ -1,6 +1,6 @@
 #include "tools/host/service/catalogue_data.h"
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 int Catalogue::itemCount() const
 {
@@ -32,4 +32,4 @@ QString counted(int count, const QString& noun)
                                                     count == 1 ? QString() : QStringLiteral("s"));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

@@ -7,7 +7,7 @@
 #include <QString>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 /// A data item as the service's catalogue has it.
 struct CatalogueItem
@@ -49,6 +49,6 @@ QVector<CatalogueGroup> catalogueGroups(const QList<PropertyTovikIotGroup>& load
 /// "1 group", "3 groups".
 QString counted(int count, const QString& noun);
 
-} // namespace tovik_host
+} // namespace tovik_host::service
 
 #endif

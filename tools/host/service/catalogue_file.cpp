@@ -10,13 +10,13 @@
 
 #include <limits>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 namespace {
 
-using Pointer = MemberReader::Pointer;
+using Pointer = config::MemberReader::Pointer;
 
-OrderedJson jsonOf(const CatalogueItem& item)
+value::OrderedJson jsonOf(const CatalogueItem& item)
 {
     return {{"id", item.id.toStdString()},
             {"name", item.name.toStdString()},
@@ -25,9 +25,9 @@ OrderedJson jsonOf(const CatalogueItem& item)
             {"alert", item.alert}};
 }
 
-OrderedJson jsonOf(const CatalogueGroup& group)
+value::OrderedJson jsonOf(const CatalogueGroup& group)
 {
-    OrderedJson items = OrderedJson::array();
+    value::OrderedJson items = value::OrderedJson::array();
     for (const CatalogueItem& item : group.items)
         items.push_back(jsonOf(item));
     return {{"id", group.id.toStdString()},
@@ -38,7 +38,7 @@ OrderedJson jsonOf(const CatalogueGroup& group)
             {"items", items}};
 }
 
-const nlohmann::json& listAt(const JsonFile& file, const Pointer& parent, const char* name)
+const nlohmann::json& listAt(const config::JsonFile& file, const Pointer& parent, const char* name)
 {
     const Pointer pointer = parent / std::string(name);
     if (!file.root.contains(pointer))
@@ -49,9 +49,9 @@ const nlohmann::json& listAt(const JsonFile& file, const Pointer& parent, const 
     return list;
 }
 
-CatalogueItem readItem(const JsonFile& file, const Pointer& pointer)
+CatalogueItem readItem(const config::JsonFile& file, const Pointer& pointer)
 {
-    const MemberReader members(file, pointer);
+    const config::MemberReader members(file, pointer);
     static const QStringList known = {QStringLiteral("id"), QStringLiteral("name"),
                                       QStringLiteral("type"), QStringLiteral("length"),
                                       QStringLiteral("alert")};
@@ -60,9 +60,9 @@ CatalogueItem readItem(const JsonFile& file, const Pointer& pointer)
     item.id = members.requiredText("id");
     item.name = members.requiredText("name");
     item.type = members.requiredText("type");
-    if (!findItemType(item.type)) {
+    if (!value::findItemType(item.type)) {
         members.fail("type", QStringLiteral("\"%1\" is no type; the types are: %2")
-                                 .arg(item.type, allItemTypeNames()));
+                                 .arg(item.type, value::allItemTypeNames()));
     }
     item.length = members.optionalNumber("length", 0, std::numeric_limits<int>::min(),
                                          std::numeric_limits<int>::max());
@@ -70,9 +70,9 @@ CatalogueItem readItem(const JsonFile& file, const Pointer& pointer)
     return item;
 }
 
-CatalogueGroup readGroup(const JsonFile& file, const Pointer& pointer)
+CatalogueGroup readGroup(const config::JsonFile& file, const Pointer& pointer)
 {
-    const MemberReader members(file, pointer);
+    const config::MemberReader members(file, pointer);
     members.refuseOthers({QStringLiteral("id"), QStringLiteral("name"), QStringLiteral("location"),
                           QStringLiteral("permission"), QStringLiteral("alert"),
                           QStringLiteral("items")});
@@ -92,36 +92,36 @@ CatalogueGroup readGroup(const JsonFile& file, const Pointer& pointer)
 
 QString catalogueJson(const Catalogue& catalogue)
 {
-    OrderedJson groups = OrderedJson::array();
+    value::OrderedJson groups = value::OrderedJson::array();
     for (const CatalogueGroup& group : catalogue.groups)
         groups.push_back(jsonOf(group));
     const QString url = QUrl(catalogue.url).toString(QUrl::RemoveUserInfo);
-    const OrderedJson root = {{"service",
-                               {{"url", url.toStdString()},
-                                {"project", catalogue.project.toStdString()},
-                                {"email", catalogue.email.toStdString()}}},
-                              {"groups", groups}};
+    const value::OrderedJson root = {{"service",
+                                      {{"url", url.toStdString()},
+                                       {"project", catalogue.project.toStdString()},
+                                       {"email", catalogue.email.toStdString()}}},
+                                     {"groups", groups}};
     return QString::fromStdString(root.dump(2)) + QLatin1Char('\n');
 }
 
-bool isCatalogueFile(const JsonFile& file)
+bool isCatalogueFile(const config::JsonFile& file)
 {
     return file.root.is_object() && file.root.contains("groups");
 }
 
-Catalogue readCatalogue(const JsonFile& file)
+Catalogue readCatalogue(const config::JsonFile& file)
 {
-    const MemberReader members(file, Pointer());
+    const config::MemberReader members(file, Pointer());
     members.refuseOthers({QStringLiteral("service"), QStringLiteral("groups")});
     if (!members.has("service"))
         file.fail(Pointer(), QStringLiteral("the member \"service\" is missing"));
     Catalogue catalogue;
-    const MemberReader service(file, Pointer("/service"));
+    const config::MemberReader service(file, Pointer("/service"));
     service.refuseOthers(
         {QStringLiteral("url"), QStringLiteral("project"), QStringLiteral("email")});
     catalogue.url = service.optionalText("url", QString());
     if (service.has("url"))
-        checkUrl(catalogue.url, file.place(Pointer("/service/url")));
+        config::checkUrl(catalogue.url, file.place(Pointer("/service/url")));
     catalogue.project = service.optionalText("project", QString());
     catalogue.email = service.optionalText("email", QString());
     const std::size_t count = listAt(file, Pointer(), "groups").size();
@@ -130,14 +130,14 @@ Catalogue readCatalogue(const JsonFile& file)
     return catalogue;
 }
 
-JsonFile readJsonAs(const QString& path, const QString& what)
+config::JsonFile readJsonAs(const QString& path, const QString& what)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw UsageError(
+        throw terminal::UsageError(
             QStringLiteral("cannot read the %1 \"%2\": %3").arg(what, path, file.errorString()));
     }
-    return readJson(path);
+    return config::readJson(path);
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

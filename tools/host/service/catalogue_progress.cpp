@@ -2,7 +2,7 @@
 
 #include "tools/host/service/catalogue_data.h"
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 namespace {
 
@@ -10,7 +10,8 @@ const int drawing_interval = 50;
 
 } // namespace
 
-ProgressView::ProgressView(Output& output, bool is_quiet, bool is_terminal, int line_interval)
+ProgressView::ProgressView(terminal::Output& output, bool is_quiet, bool is_terminal,
+                           int line_interval)
     : output_(output),
       is_quiet_(is_quiet),
       is_terminal_(is_terminal),
@@ -45,4 +46,4 @@ void ProgressView::show(const CatalogueProgress& progress)
     shown_width_ = qMax(shown_width_, text.size());
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

@@ -6,7 +6,7 @@
 
 #include <QElapsedTimer>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 /// Shows on the standard error how far the loading of a catalogue is: in one line of a terminal,
 /// which is empty again in the end, and by a line every few seconds elsewhere.
@@ -14,7 +14,8 @@ class ProgressView
 {
 public:
     /// \param line_interval milliseconds between lines, where there is no terminal.
-    ProgressView(Output& output, bool is_quiet, bool is_terminal, int line_interval = 2000);
+    ProgressView(terminal::Output& output, bool is_quiet, bool is_terminal,
+                 int line_interval = 2000);
     ~ProgressView();
     ProgressView(const ProgressView&) = delete;
     ProgressView& operator=(const ProgressView&) = delete;
@@ -22,7 +23,7 @@ public:
     void show(const CatalogueProgress& progress);
 
 private:
-    Output& output_;
+    terminal::Output& output_;
     bool is_quiet_;
     bool is_terminal_;
     int line_interval_;
@@ -30,6 +31,6 @@ private:
     QElapsedTimer since_line_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::service
 
 #endif

@@ -6,14 +6,15 @@
 #include <QUrl>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 namespace {
 
 QString heading(const Catalogue& catalogue)
 {
     return QStringLiteral("%1  project %2: %3, %4\n")
-        .arg(QUrl(catalogue.url).toString(QUrl::RemoveUserInfo), printable(catalogue.project),
+        .arg(QUrl(catalogue.url).toString(QUrl::RemoveUserInfo),
+             terminal::printable(catalogue.project),
              counted(catalogue.groups.size(), QStringLiteral("group")),
              counted(catalogue.itemCount(), QStringLiteral("item")));
 }
@@ -42,13 +43,13 @@ QString columns(const QVector<QStringList>& lines, const QString& start = QStrin
     for (const QStringList& line : lines) {
         widths.resize(line.size());
         for (int i = 0; i < line.size(); ++i)
-            widths[i] = qMax(widths.at(i), displayWidth(line.at(i)));
+            widths[i] = qMax(widths.at(i), terminal::displayWidth(line.at(i)));
     }
     QString text;
     for (const QStringList& line : lines) {
         QString shown = start;
         for (int i = 0; i < line.size(); ++i)
-            shown += fitted(line.at(i), widths.at(i)) + QStringLiteral("  ");
+            shown += terminal::fitted(line.at(i), widths.at(i)) + QStringLiteral("  ");
         text += trimmedRight(shown);
     }
     return text;
@@ -56,16 +57,17 @@ QString columns(const QVector<QStringList>& lines, const QString& start = QStrin
 
 QString groupTree(const CatalogueGroup& group)
 {
-    QStringList parts = {printable(group.name), QStringLiteral("(%1)").arg(printable(group.id)),
-                         printable(group.location), remarks(group, group.alert)};
+    QStringList parts = {terminal::printable(group.name),
+                         QStringLiteral("(%1)").arg(terminal::printable(group.id)),
+                         terminal::printable(group.location), remarks(group, group.alert)};
     parts.removeAll(QString());
     QString text = parts.join(QStringLiteral("  ")) + QLatin1Char('\n');
     if (group.items.isEmpty())
         return text + QStringLiteral("  (no items)\n");
     QVector<QStringList> lines;
     for (const CatalogueItem& item : group.items)
-        lines << QStringList{printable(item.name), printable(item.id), shownType(item),
-                             remarks(group, item.alert)};
+        lines << QStringList{terminal::printable(item.name), terminal::printable(item.id),
+                             shownType(item), remarks(group, item.alert)};
     return text + columns(lines, QStringLiteral("  "));
 }
 
@@ -86,8 +88,9 @@ QString catalogueTable(const Catalogue& catalogue)
                                    QStringLiteral("REMARKS")}};
     for (const CatalogueGroup& group : catalogue.groups) {
         for (const CatalogueItem& item : group.items) {
-            lines << QStringList{printable(group.name), printable(item.name), printable(item.id),
-                                 shownType(item), remarks(group, item.alert)};
+            lines << QStringList{terminal::printable(group.name), terminal::printable(item.name),
+                                 terminal::printable(item.id), shownType(item),
+                                 remarks(group, item.alert)};
         }
     }
     return columns(lines);
@@ -100,4 +103,4 @@ QString shownType(const CatalogueItem& item)
                : item.type;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

@@ -5,7 +5,7 @@
 
 #include <QString>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 /// The catalogue as a tree of groups and items, for reading.
 QString catalogueTree(const Catalogue& catalogue);
@@ -14,6 +14,6 @@ QString catalogueTable(const Catalogue& catalogue);
 /// The type as it is shown: of a text with its length.
 QString shownType(const CatalogueItem& item);
 
-} // namespace tovik_host
+} // namespace tovik_host::service
 
 #endif

@@ -8,7 +8,7 @@
 #include <atomic>
 #include <stdexcept>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 ClientOutcome clientOutcome(const ::service::Outcome& outcome, const QString& type_name)
 {
@@ -86,7 +86,7 @@ struct CloudClient::Step
     }
 };
 
-CloudClient::CloudClient(const ServiceConfig& service)
+CloudClient::CloudClient(const config::ServiceConfig& service)
     : service_(service),
       conversation_(&property_)
 {
@@ -229,4 +229,4 @@ void CloudClient::endThread()
     thread_.wait();
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

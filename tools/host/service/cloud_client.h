@@ -12,7 +12,7 @@
 #include <functional>
 #include <memory>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 /// How one step of a conversation with the service ended.
 struct ClientOutcome
@@ -55,7 +55,7 @@ class CloudClient : public QObject
     Q_OBJECT
 
 public:
-    explicit CloudClient(const ServiceConfig& service);
+    explicit CloudClient(const config::ServiceConfig& service);
     /// Ends the client's thread at once, also while the service keeps a request waiting.
     ~CloudClient() override;
 
@@ -94,7 +94,7 @@ private:
     ClientOutcome judge(const Step& step, double timeout) const;
     void endThread();
 
-    ServiceConfig service_;
+    config::ServiceConfig service_;
     PropertyTovikIot property_;
     const Conversation conversation_;
     QThread thread_;
@@ -104,6 +104,6 @@ private:
     bool interrupted_ = false;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::service
 
 #endif

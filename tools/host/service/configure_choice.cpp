@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 namespace {
 
@@ -21,10 +21,11 @@ QRegularExpression wildcard(const QString& pattern)
     QRegularExpression expression(
         QRegularExpression::wildcardToRegularExpression(withoutSlashes(pattern)));
     if (!expression.isValid())
-        throw UsageError(QStringLiteral("the pattern \"%1\" is not valid: a \"[\" has no \"]\", or "
-                                        "a range in brackets runs backwards; \"[[]\" stands for "
-                                        "the character \"[\"")
-                             .arg(pattern));
+        throw terminal::UsageError(
+            QStringLiteral("the pattern \"%1\" is not valid: a \"[\" has no \"]\", or "
+                           "a range in brackets runs backwards; \"[[]\" stands for "
+                           "the character \"[\"")
+                .arg(pattern));
     return expression;
 }
 
@@ -48,7 +49,7 @@ QVector<int> slashesIn(const QString& pattern)
 void refuseEmpty(const QString& pattern)
 {
     if (pattern.isEmpty())
-        throw UsageError(QStringLiteral("a pattern must not be empty"));
+        throw terminal::UsageError(QStringLiteral("a pattern must not be empty"));
 }
 
 bool isMatch(const QRegularExpression& expression, const QString& text)
@@ -85,9 +86,9 @@ struct Words
 
 QString typeNamed(const QString& name)
 {
-    if (!findItemType(name)) {
-        throw UsageError(QStringLiteral("--type: \"%1\" is no type; the types are: %2")
-                             .arg(name, allItemTypeNames()));
+    if (!value::findItemType(name)) {
+        throw terminal::UsageError(QStringLiteral("--type: \"%1\" is no type; the types are: %2")
+                                       .arg(name, value::allItemTypeNames()));
     }
     return name;
 }
@@ -179,4 +180,4 @@ FilteredItems filterItems(const QVector<OfferedItem>& offered, const ItemFilter&
     return result;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

@@ -10,7 +10,7 @@
 
 #include <utility>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 /// An item of a catalogue together with its group.
 struct OfferedItem
@@ -73,6 +73,6 @@ void checkFilter(const ItemFilter& filter);
 /// Throws UsageError for what is no pattern and no type.
 FilteredItems filterItems(const QVector<OfferedItem>& offered, const ItemFilter& filter);
 
-} // namespace tovik_host
+} // namespace tovik_host::service
 
 #endif

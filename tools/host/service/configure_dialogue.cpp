@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <numeric>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 namespace {
 
@@ -145,7 +145,7 @@ QVector<int> ConfigureDialogue::itemsNamed(const QString& text, QString* problem
             }
             if (named.isEmpty())
                 *problem = QStringLiteral("no item matches \"%1\"; h is for help").arg(text);
-        } catch (const UsageError& error) {
+        } catch (const terminal::UsageError& error) {
             *problem = error.message();
         }
         return named;
@@ -217,9 +217,10 @@ QString ConfigureDialogue::preview() const
     QString text;
     for (const QString& warning : named.warnings.mid(0, page_))
         text += QStringLiteral("warning: %1\n").arg(warning);
-    for (const ItemConfig& item : named.items.mid(0, page_)) {
-        text += QStringLiteral("  %1  %2  %3\n")
-                    .arg(item.name, printable(item.id), QString::fromLatin1(item.type->name));
+    for (const config::ItemConfig& item : named.items.mid(0, page_)) {
+        text +=
+            QStringLiteral("  %1  %2  %3\n")
+                .arg(item.name, terminal::printable(item.id), QString::fromLatin1(item.type->name));
     }
     if (named.items.size() > page_)
         text += QStringLiteral("  and %1 more\n").arg(named.items.size() - page_);
@@ -241,7 +242,7 @@ QString ConfigureDialogue::line(int index) const
     return QStringLiteral("%1 %2  %3  %4")
         .arg(chosen_.at(index) ? QStringLiteral("*") : QStringLiteral(" "))
         .arg(index + 1, digits)
-        .arg(printable(item.path()), shownType(item.item));
+        .arg(terminal::printable(item.path()), shownType(item.item));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 /// Lets a user choose items, line by line: takes what was typed and gives what is to be shown. It
 /// knows of no terminal, so that any will do.
@@ -52,6 +52,6 @@ private:
     State state_ = State::open;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::service
 
 #endif

@@ -5,7 +5,7 @@
 #include <QHash>
 #include <QSet>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 namespace {
 
@@ -20,11 +20,11 @@ QString numbered(const QString& name, const QSet<QString>& used, int* number)
     return candidate;
 }
 
-ItemConfig configOf(const CatalogueItem& item)
+config::ItemConfig configOf(const CatalogueItem& item)
 {
-    ItemConfig config;
+    config::ItemConfig config;
     config.id = item.id;
-    config.type = findItemType(item.type);
+    config.type = value::findItemType(item.type);
     const bool is_text = config.type && config.type->size == 0;
     if (is_text && item.length >= 1 && item.length <= longest_text)
         config.length = item.length;
@@ -56,7 +56,7 @@ NamedItems nameItems(const QVector<OfferedItem>& chosen)
     QHash<QString, int> numbers;
     for (const OfferedItem& item : chosen) {
         const QString natural = naturalName(item.group, item.item.name);
-        ItemConfig config = configOf(item.item);
+        config::ItemConfig config = configOf(item.item);
         config.name = natural;
         if (given.contains(natural)) {
             if (!numbers.contains(natural))
@@ -65,7 +65,7 @@ NamedItems nameItems(const QVector<OfferedItem>& chosen)
             used.insert(config.name);
             named.warnings << QStringLiteral("\"%1\" is the name of another item already; the one "
                                              "with the id \"%2\" is called \"%3\"")
-                                  .arg(natural, printable(item.item.id), config.name);
+                                  .arg(natural, terminal::printable(item.item.id), config.name);
         }
         given.insert(config.name);
         named.items << config;
@@ -73,4 +73,4 @@ NamedItems nameItems(const QVector<OfferedItem>& chosen)
     return named;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

@@ -7,12 +7,12 @@
 #include <QStringList>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 /// Items as a configuration has them, and what its user should know about their names.
 struct NamedItems
 {
-    QVector<ItemConfig> items;
+    QVector<config::ItemConfig> items;
     QStringList warnings;
 };
 
@@ -24,6 +24,6 @@ QString naturalName(const QString& group, const QString& item);
 /// behind it, and a warning each.
 NamedItems nameItems(const QVector<OfferedItem>& chosen);
 
-} // namespace tovik_host
+} // namespace tovik_host::service
 
 #endif

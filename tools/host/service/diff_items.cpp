@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 namespace {
 
@@ -222,11 +222,11 @@ DiffSide diffSide(const Catalogue& catalogue)
     return side;
 }
 
-DiffSide diffSide(const HostConfig& config)
+DiffSide diffSide(const config::HostConfig& config)
 {
     DiffSide side;
     side.is_config = true;
-    for (const ItemConfig& item : config.items) {
+    for (const config::ItemConfig& item : config.items) {
         side.items << DiffItem{
             item.id,    QString(), QString(), item.name, QString::fromLatin1(item.type->name),
             item.length};
@@ -247,10 +247,11 @@ QString kindName(Difference::Kind kind)
 QString differenceLine(const Difference& difference)
 {
     const auto quoted = [](const QString& text) {
-        return QStringLiteral("\"%1\"").arg(printable(text));
+        return QStringLiteral("\"%1\"").arg(terminal::printable(text));
     };
     const QString subject =
-        QStringLiteral("%1 (%2): ").arg(printable(difference.path), printable(difference.id));
+        QStringLiteral("%1 (%2): ")
+            .arg(terminal::printable(difference.path), terminal::printable(difference.id));
     switch (difference.kind) {
     case Difference::gone:
         return QStringLiteral("- ") + subject + QStringLiteral("gone") +
@@ -286,4 +287,4 @@ QString differenceLine(const Difference& difference)
            QStringLiteral("length %1, was %2").arg(difference.after, difference.before);
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

@@ -7,7 +7,7 @@
 #include <QString>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 /// An item of either side of a comparison.
 struct DiffItem
@@ -38,7 +38,7 @@ struct DiffSide
 };
 
 DiffSide diffSide(const Catalogue& catalogue);
-DiffSide diffSide(const HostConfig& config);
+DiffSide diffSide(const config::HostConfig& config);
 
 /// One difference.
 struct Difference
@@ -80,6 +80,6 @@ QString kindName(Difference::Kind kind);
 /// The difference as one line for reading.
 QString differenceLine(const Difference& difference);
 
-} // namespace tovik_host
+} // namespace tovik_host::service
 
 #endif

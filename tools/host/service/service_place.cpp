@@ -11,16 +11,16 @@
 #include <cerrno>
 #include <unistd.h>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
-int codeAfterWriting(const Output& out, int code)
+int codeAfterWriting(const terminal::Output& out, int code)
 {
     if (out.error() == 0 || out.error() == EPIPE)
         return code;
-    Output(STDERR_FILENO)
+    terminal::Output(STDERR_FILENO)
         .line(QStringLiteral("tovik-host: cannot write the standard output: ") +
               qt_error_string(out.error()));
-    return exitUsage;
+    return terminal::exitUsage;
 }
 
 ServicePlace::ServicePlace(const ServiceOptions& service_options)
@@ -34,14 +34,15 @@ ServicePlace::ServicePlace(const ServiceOptions& service_options)
         log.echo();
 }
 
-bool ServicePlace::askForPassword(Account* account)
+bool ServicePlace::askForPassword(config::Account* account)
 {
-    LineInput input(STDIN_FILENO, err, unix_signals);
+    terminal::LineInput input(STDIN_FILENO, err, unix_signals);
     if (account->has_password || !input.isTerminal())
         return true;
-    const std::optional<QString> answer = input.askSecretly(
-        QStringLiteral("Password of %1 for project %2: ")
-            .arg(printable(account->service.email), printable(account->service.project)));
+    const std::optional<QString> answer =
+        input.askSecretly(QStringLiteral("Password of %1 for project %2: ")
+                              .arg(terminal::printable(account->service.email),
+                                   terminal::printable(account->service.project)));
     if (!answer) {
         complain(QStringLiteral("no password was given"));
         return false;
@@ -51,16 +52,18 @@ bool ServicePlace::askForPassword(Account* account)
     return true;
 }
 
-std::optional<Catalogue> ServicePlace::fetchCatalogue(const Account& account)
+std::optional<Catalogue> ServicePlace::fetchCatalogue(const config::Account& account)
 {
     CloudClient client(account.service);
-    QObject::connect(&unix_signals, &UnixSignals::endAsked, &client, &CloudClient::interrupt);
+    QObject::connect(&unix_signals, &terminal::UnixSignals::endAsked, &client,
+                     &CloudClient::interrupt);
     if (unix_signals.endRequested())
         client.interrupt();
     const QString url = QUrl(account.service.url).toString(QUrl::RemoveUserInfo);
     const ClientOutcome login = client.login(options.timeout);
     if (login.kind != ClientOutcome::Done) {
-        complain(QStringLiteral("login at %1 failed: %2").arg(url, printable(login.reason)));
+        complain(
+            QStringLiteral("login at %1 failed: %2").arg(url, terminal::printable(login.reason)));
         if (!account.has_password)
             warn(QStringLiteral("no password was given; set %1, or use --password-file")
                      .arg(account.password_env));
@@ -82,7 +85,7 @@ std::optional<Catalogue> ServicePlace::fetchCatalogue(const Account& account)
                                         .arg(latest.groups_loaded)
                                         .arg(counted(latest.groups_known, QStringLiteral("group")));
         complain(QStringLiteral("loading the catalogue failed%1: %2")
-                     .arg(where, printable(loading.reason)));
+                     .arg(where, terminal::printable(loading.reason)));
         return std::nullopt;
     }
     return Catalogue{account.service.url, account.service.project, account.service.email,
@@ -99,4 +102,4 @@ void ServicePlace::warn(const QString& text)
     complain(QStringLiteral("warning: ") + text);
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::service

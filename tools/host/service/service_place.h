@@ -11,12 +11,12 @@
 
 #include <optional>
 
-namespace tovik_host {
+namespace tovik_host::service {
 
 /// What the commands have in common that ask a service for its catalogue.
 struct ServiceOptions
 {
-    AccountOptions account;
+    config::AccountOptions account;
     double timeout = 10;
     bool quiet = false;   ///< No progress.
     bool verbose = false; ///< The client's debug lines go to the standard error.
@@ -25,7 +25,7 @@ struct ServiceOptions
 
 /// The exit code of a command that ends with \a code and has printed its result to \a out: if that
 /// could not be written, it says so. A reader that has gone has had all that it wanted.
-int codeAfterWriting(const Output& out, int code);
+int codeAfterWriting(const terminal::Output& out, int code);
 
 /// What these commands work with.
 struct ServicePlace
@@ -35,19 +35,19 @@ struct ServicePlace
 
     /// Asks the user for the password if nobody has told it and there is a terminal to ask on.
     /// False: the user did not answer.
-    bool askForPassword(Account* account);
+    bool askForPassword(config::Account* account);
     /// Logs in and loads the catalogue. Nothing: it has been said why.
-    std::optional<Catalogue> fetchCatalogue(const Account& account);
+    std::optional<Catalogue> fetchCatalogue(const config::Account& account);
     void complain(const QString& problem);
     void warn(const QString& text);
 
     const ServiceOptions options;
-    DebugLog log;
-    UnixSignals unix_signals;
-    Output out;
-    Output err;
+    terminal::DebugLog log;
+    terminal::UnixSignals unix_signals;
+    terminal::Output out;
+    terminal::Output err;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::service
 
 #endif

@@ -15,11 +15,12 @@ namespace {
 void checkOutput(const Options& options)
 {
     if (options.output != QLatin1String("-")) {
-        checkOutputFile(options.output, options.force);
+        terminal::checkOutputFile(options.output, options.force);
     } else if (!options.force && ::isatty(STDOUT_FILENO) != 0) {
-        throw UsageError(QStringLiteral("the standard output is a terminal, and what is written "
-                                        "holds the password; --force writes it there, "
-                                        "\"tovik-host show\" shows it without"));
+        throw terminal::UsageError(
+            QStringLiteral("the standard output is a terminal, and what is written "
+                           "holds the password; --force writes it there, "
+                           "\"tovik-host show\" shows it without"));
     }
 }
 
@@ -31,10 +32,11 @@ bool choosesJson(const Options& options, File::Kind kind)
     if (options.output.endsWith(QLatin1String(".json")))
         return true;
     if (kind == File::stream && options.output != QLatin1String("-")) {
-        throw UsageError(QStringLiteral("a stream can be turned into JSON or into another stream: "
-                                        "add --to json or --to stream, or give %1 a name that ends "
-                                        "with .json")
-                             .arg(printable(options.output)));
+        throw terminal::UsageError(
+            QStringLiteral("a stream can be turned into JSON or into another stream: "
+                           "add --to json or --to stream, or give %1 a name that ends "
+                           "with .json")
+                .arg(terminal::printable(options.output)));
     }
     return kind == File::stream;
 }
@@ -55,8 +57,9 @@ QString refusal(const File& file, bool salvage)
 QByteArray streamOf(const PropertyTovikIot& record, Hints hints)
 {
     if (!hints.is_variant) {
-        throw UsageError(QStringLiteral("say how the host stores the record: --form variant "
-                                        "(as a QVariant) or --form record (the record alone)"));
+        throw terminal::UsageError(
+            QStringLiteral("say how the host stores the record: --form variant "
+                           "(as a QVariant) or --form record (the record alone)"));
     }
     hints.big_endian = hints.big_endian.value_or(true);
     hints.single_precision = hints.single_precision.value_or(false);
@@ -64,7 +67,7 @@ QByteArray streamOf(const PropertyTovikIot& record, Hints hints)
     const QByteArray bytes = written(record, formats.front());
     for (const Format& format : formats) {
         if (written(record, format) != bytes) {
-            throw UsageError(
+            throw terminal::UsageError(
                 QStringLiteral("the bytes depend on the stream version: add --stream-version 12 "
                                "for a host with Qt 4.6 to 4.8, or the name of the host's Qt, such "
                                "as Qt_5_15"));
@@ -72,12 +75,12 @@ QByteArray streamOf(const PropertyTovikIot& record, Hints hints)
     }
     const QString loss = firstLoss(record, formats.front());
     if (!loss.isEmpty()) {
-        throw UsageError(QStringLiteral("%1: would not come back as it is from a stream of version "
-                                        "%2 in %3 precision; version %4 in double precision keeps "
-                                        "all")
-                             .arg(loss, QString::number(formats.front().version),
-                                  choices[2].word(*hints.single_precision),
-                                  QString::number(newestVersion())));
+        throw terminal::UsageError(
+            QStringLiteral("%1: would not come back as it is from a stream of version "
+                           "%2 in %3 precision; version %4 in double precision keeps "
+                           "all")
+                .arg(loss, QString::number(formats.front().version),
+                     choices[2].word(*hints.single_precision), QString::number(newestVersion())));
     }
     return bytes;
 }
@@ -98,19 +101,20 @@ int convert(const Options& options)
     const QString refused = refusal(file, options.salvage);
     if (!refused.isEmpty()) {
         report(refused);
-        return exitRefused;
+        return terminal::exitRefused;
     }
     const Hints format = merged(options.format, file.format);
     const PropertyTovikIot& record = file.record.property;
     if (!to_json) {
         writeFile(options.output, streamOf(record, format), file.isSecret());
-        return exitDone;
+        return terminal::exitDone;
     }
-    OrderedJson json = {{"stream", formatToJson(format)}, {"tovik_iot", recordToJson({record})}};
+    value::OrderedJson json = {{"stream", formatToJson(format)},
+                               {"tovik_iot", recordToJson({record})}};
     if (json["stream"].empty())
         json.erase("stream");
     writeFile(options.output, fileText(json), file.isSecret());
-    return exitDone;
+    return terminal::exitDone;
 }
 
 } // namespace tovik_host::stored

@@ -224,7 +224,8 @@ QString Reader::typeAt(int start)
         // Behind its end may be the account, if the length is wrong.
         const QByteArray name = readAgain<QByteArray>(start + word_size + flag_size);
         const QString shown = QString::fromUtf8(name.left(name.indexOf('\0')).left(200));
-        return QStringLiteral("the type \"%1\"").arg(printable(clipped(shown, 60)));
+        return QStringLiteral("the type \"%1\"")
+            .arg(terminal::printable(terminal::clipped(shown, 60)));
     }
     // Qt 4 numbered the types of its graphical part differently: better no name than a wrong one.
     const bool is_sure = number < uint(QMetaType::FirstGuiType);

@@ -32,16 +32,17 @@ QByteArray readBytes(const QString& path)
         isStandard(path) ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
     const QByteArray bytes = is_open ? file.read(largest_file + 1) : QByteArray();
     if (!is_open || file.error() != QFileDevice::NoError) {
-        throw UsageError(
+        throw terminal::UsageError(
             QStringLiteral("cannot read %1: %2").arg(shownPath(path), file.errorString()));
     }
     if (bytes.size() > largest_file) {
-        throw UsageError(QStringLiteral("%1 is larger than %2 MiB, which no configuration is")
-                             .arg(shownPath(path))
-                             .arg(largest_file / 1024 / 1024));
+        throw terminal::UsageError(
+            QStringLiteral("%1 is larger than %2 MiB, which no configuration is")
+                .arg(shownPath(path))
+                .arg(largest_file / 1024 / 1024));
     }
     if (bytes.isEmpty())
-        throw UsageError(QStringLiteral("%1 is empty").arg(shownPath(path)));
+        throw terminal::UsageError(QStringLiteral("%1 is empty").arg(shownPath(path)));
     return bytes;
 }
 
@@ -51,29 +52,31 @@ bool looksLikeJson(const QByteArray& bytes)
     return text.trimmed().startsWith('{');
 }
 
-JsonFile parsedJson(const QString& path, const QByteArray& bytes)
+config::JsonFile parsedJson(const QString& path, const QByteArray& bytes)
 {
     const auto limit_depth = [&](int depth, nlohmann::json::parse_event_t, const nlohmann::json&) {
         if (depth > deepest_json) {
-            throw UsageError(QStringLiteral("%1: brackets stand in one another more than %2 deep")
-                                 .arg(shownPath(path))
-                                 .arg(deepest_json));
+            throw terminal::UsageError(
+                QStringLiteral("%1: brackets stand in one another more than %2 deep")
+                    .arg(shownPath(path))
+                    .arg(deepest_json));
         }
         return true;
     };
     const std::string text = bytes.toStdString();
-    JsonFile json{shownPath(path), nlohmann::json::parse(text, limit_depth, false), JsonLines()};
-    json.lines = findJsonLines(text);
+    config::JsonFile json{shownPath(path), nlohmann::json::parse(text, limit_depth, false),
+                          config::JsonLines()};
+    json.lines = config::findJsonLines(text);
     if (!json.lines.problem.empty()) {
-        throw UsageError(QStringLiteral("%1:%2: %3")
-                             .arg(json.path)
-                             .arg(json.lines.problem_line)
-                             .arg(QString::fromStdString(json.lines.problem)));
+        throw terminal::UsageError(QStringLiteral("%1:%2: %3")
+                                       .arg(json.path)
+                                       .arg(json.lines.problem_line)
+                                       .arg(QString::fromStdString(json.lines.problem)));
     }
     return json;
 }
 
-PropertyTovikIotDataItem itemOf(const ItemConfig& config)
+PropertyTovikIotDataItem itemOf(const config::ItemConfig& config)
 {
     PropertyTovikIotDataItem item;
     item.name = config.name;
@@ -88,8 +91,8 @@ PropertyTovikIotDataItem itemOf(const ItemConfig& config)
 File fileOfConfiguration(const QString& path, bool has_error_handling)
 {
     const QString shown = shownPath(path);
-    const LoadedConfig loaded = loadConfig(path);
-    const ServiceConfig& service = loaded.config.service;
+    const config::LoadedConfig loaded = config::loadConfig(path);
+    const config::ServiceConfig& service = loaded.config.service;
     File file = {File::configuration, {}};
     file.notes = loaded.warnings;
     PropertyTovikIot& record = file.record.property;
@@ -108,7 +111,7 @@ File fileOfConfiguration(const QString& path, bool has_error_handling)
     record.project = service.project;
     record.email = service.email;
     record.password = service.password;
-    for (const ItemConfig& config : loaded.config.items)
+    for (const config::ItemConfig& config : loaded.config.items)
         record.dataitems << itemOf(config);
     file.conversion_notes << QStringLiteral("%1 has no groups, no cached values, no status, alert, "
                                             "time or marks of items: the record has its defaults "
@@ -124,7 +127,7 @@ File fileOfConfiguration(const QString& path, bool has_error_handling)
 
 File readJsonFile(const QString& path, const QByteArray& bytes)
 {
-    const JsonFile json = parsedJson(path, bytes);
+    const config::JsonFile json = parsedJson(path, bytes);
     if (json.root.is_object() && json.root.contains("tovik_iot"))
         return {File::record_json, {recordFromJson(json)}, {}, bytes.size(), formatFromJson(json)};
     if (!json.root.is_object() || !json.root.contains("service")) {
@@ -145,7 +148,7 @@ File readStreamFile(const QString& path, const QByteArray& bytes, const Hints& h
 {
     const Detected detected = detect(bytes, hints);
     if (!detected.ambiguity.isEmpty()) {
-        throw UsageError(
+        throw terminal::UsageError(
             QStringLiteral("%1 can be read in several formats, with different results. %2:\n  %3")
                 .arg(shownPath(path), which_format, detected.ambiguity));
     }
@@ -166,7 +169,7 @@ bool File::isSecret() const
 
 QString shownPath(const QString& path)
 {
-    return isStandard(path) ? QStringLiteral("standard input") : printable(path);
+    return isStandard(path) ? QStringLiteral("standard input") : terminal::printable(path);
 }
 
 File readFile(const QString& path, std::optional<bool> as_json, const Hints& hints,
@@ -181,21 +184,21 @@ File readFile(const QString& path, std::optional<bool> as_json, const Hints& hin
 void writeFile(const QString& path, const QByteArray& bytes, bool is_secret)
 {
     if (!isStandard(path)) {
-        saveFile(path, bytes, is_secret);
+        terminal::saveFile(path, bytes, is_secret);
         return;
     }
     QFile file;
     const bool is_done = file.open(stdout, QIODevice::WriteOnly) &&
                          file.write(bytes) == bytes.size() && file.flush();
     if (!is_done) {
-        throw UsageError(
+        throw terminal::UsageError(
             QStringLiteral("cannot write the standard output: %1").arg(file.errorString()));
     }
 }
 
 void report(const QString& line)
 {
-    Output(STDERR_FILENO).line(QStringLiteral("tovik-host: ") + line);
+    terminal::Output(STDERR_FILENO).line(QStringLiteral("tovik-host: ") + line);
 }
 
 void report(const File& file, const QString& path)

@@ -10,17 +10,17 @@
 namespace tovik_host::stored {
 
 /// The record; members that a damaged stream did not give are left out.
-OrderedJson recordToJson(const Record& record);
+value::OrderedJson recordToJson(const Record& record);
 /// What is known of the format, as the member "stream".
-OrderedJson formatToJson(const Hints& format);
+value::OrderedJson formatToJson(const Hints& format);
 /// The whole text of a file, with a line break at its end.
-QByteArray fileText(const OrderedJson& json);
+QByteArray fileText(const value::OrderedJson& json);
 
 /// Reads the record that stands at "tovik_iot". Members that are missing have the record's
 /// defaults. Throws UsageError with file, line and member for anything that is wrong.
-PropertyTovikIot recordFromJson(const JsonFile& file);
+PropertyTovikIot recordFromJson(const config::JsonFile& file);
 /// Reads the member "stream", which may be missing. Throws UsageError as recordFromJson().
-Hints formatFromJson(const JsonFile& file);
+Hints formatFromJson(const config::JsonFile& file);
 
 } // namespace tovik_host::stored
 

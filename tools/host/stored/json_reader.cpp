@@ -11,7 +11,7 @@ struct Place
 {
     using Pointer = nlohmann::json::json_pointer;
 
-    const JsonFile& file;
+    const config::JsonFile& file;
     const nlohmann::json& json;
     Pointer pointer;
 
@@ -27,7 +27,7 @@ struct Place
     void allowOnly(const QStringList& members) const
     {
         check(json.is_object(), "must be an object: {...}");
-        MemberReader(file, pointer).refuseOthers(members);
+        config::MemberReader(file, pointer).refuseOthers(members);
     }
     QByteArray bytes() const
     {
@@ -210,7 +210,7 @@ Versions readVersions(const Place& place)
 
 } // namespace
 
-PropertyTovikIot recordFromJson(const JsonFile& file)
+PropertyTovikIot recordFromJson(const config::JsonFile& file)
 {
     const Place root = {file, file.root, Place::Pointer()};
     root.allowOnly(
@@ -225,7 +225,7 @@ PropertyTovikIot recordFromJson(const JsonFile& file)
     return record;
 }
 
-Hints formatFromJson(const JsonFile& file)
+Hints formatFromJson(const config::JsonFile& file)
 {
     Hints hints;
     if (!file.root.contains("stream"))

@@ -16,7 +16,7 @@ bool isWellFormed(const QString& text)
 }
 
 /// The values that items have; nothing for others, and for what JSON cannot say.
-std::optional<OrderedJson> inWords(const QVariant& value)
+std::optional<value::OrderedJson> inWords(const QVariant& value)
 {
     const QString text = value.toString();
     const double number = value.toDouble();
@@ -34,27 +34,27 @@ std::optional<OrderedJson> inWords(const QVariant& value)
         if (std::isfinite(number))
             return number;
         return std::isnan(number) ? std::nullopt
-                                  : std::optional<OrderedJson>(number > 0 ? "inf" : "-inf");
+                                  : std::optional<value::OrderedJson>(number > 0 ? "inf" : "-inf");
     case QMetaType::QString:
         if (isWellFormed(text))
-            return text.isNull() ? OrderedJson() : OrderedJson(text.toStdString());
+            return text.isNull() ? value::OrderedJson() : value::OrderedJson(text.toStdString());
         return std::nullopt;
     case QMetaType::QByteArray:
         return value.toByteArray().isNull()
-                   ? OrderedJson()
-                   : OrderedJson(value.toByteArray().toHex().toStdString());
+                   ? value::OrderedJson()
+                   : value::OrderedJson(value.toByteArray().toHex().toStdString());
     default:
         return std::nullopt;
     }
 }
 
 /// A cached value with its type: in JSON's words, or as the bytes of a stream where it has none.
-OrderedJson valueToJson(const QVariant& value)
+value::OrderedJson valueToJson(const QVariant& value)
 {
     if (!value.isValid())
         return {{"type", "invalid"}};
     const QByteArray bytes = valueBytes(value);
-    const std::optional<OrderedJson> words =
+    const std::optional<value::OrderedJson> words =
         bytes.at(null_flag_at) == 0 ? inWords(value) : std::nullopt;
     if (words)
         return {{"type", value.typeName()}, {"value", *words}};
@@ -63,27 +63,27 @@ OrderedJson valueToJson(const QVariant& value)
 
 /// A record, or a part of one; of its members, those that are known.
 template <typename T>
-OrderedJson toJson(const T& part, int* known);
+value::OrderedJson toJson(const T& part, int* known);
 
 template <typename T>
-OrderedJson toJson(const QList<T>& list, int* known)
+value::OrderedJson toJson(const QList<T>& list, int* known)
 {
-    OrderedJson array = OrderedJson::array();
+    value::OrderedJson array = value::OrderedJson::array();
     for (const T& element : list)
         array.push_back(toJson(element, known));
     return array;
 }
 
 template <typename T>
-OrderedJson toJson(const T& part, int* known)
+value::OrderedJson toJson(const T& part, int* known)
 {
     if constexpr (std::is_same_v<T, QVariant>) {
         return valueToJson(part);
     } else if constexpr (!is_structure<T>) {
-        const std::optional<OrderedJson> words = inWords(part);
+        const std::optional<value::OrderedJson> words = inWords(part);
         return words ? *words : valueToJson(part);
     } else {
-        OrderedJson object = OrderedJson::object();
+        value::OrderedJson object = value::OrderedJson::object();
         visitMembers(part, [&](const char* name, const auto& member) {
             if ((*known)-- <= 0)
                 return false;
@@ -96,15 +96,15 @@ OrderedJson toJson(const T& part, int* known)
 
 } // namespace
 
-OrderedJson recordToJson(const Record& record)
+value::OrderedJson recordToJson(const Record& record)
 {
     int known = record.known;
     return toJson(record.property, &known);
 }
 
-OrderedJson formatToJson(const Hints& format)
+value::OrderedJson formatToJson(const Hints& format)
 {
-    OrderedJson object = OrderedJson::object();
+    value::OrderedJson object = value::OrderedJson::object();
     for (const Choice& choice : choices) {
         const std::optional<bool>& value = format.*choice.hint;
         const bool is_usual = choice.hint == &Hints::single_precision && value == false;
@@ -112,14 +112,14 @@ OrderedJson formatToJson(const Hints& format)
             object[choice.name] = choice.word(*value).toStdString();
         if (choice.hint == &Hints::is_variant && format.versions) {
             object["version"] = format.versions->isOne()
-                                    ? OrderedJson(format.versions->first)
-                                    : OrderedJson(rangeText(*format.versions).toStdString());
+                                    ? value::OrderedJson(format.versions->first)
+                                    : value::OrderedJson(rangeText(*format.versions).toStdString());
         }
     }
     return object;
 }
 
-QByteArray fileText(const OrderedJson& json)
+QByteArray fileText(const value::OrderedJson& json)
 {
     return QByteArray::fromStdString(json.dump(2)) + '\n';
 }

@@ -26,34 +26,35 @@ const Column item_columns[] = {
     {"LENGTH", "length"}, {"VALUE", "value"},         {"STATUS", "cloud_status"},
     {"ALERT", "alert"},   {"UPDATED", "update_time"}, {"MARKED", "marked"}};
 
-QString shown(const OrderedJson& json)
+QString shown(const value::OrderedJson& json)
 {
     if (json.is_null())
         return QStringLiteral("(null)");
     if (json.is_string()) {
         const QString text = QString::fromStdString('x' + json.get<std::string>()).mid(1);
-        return text.isEmpty() ? QStringLiteral("\"\"") : printable(text);
+        return text.isEmpty() ? QStringLiteral("\"\"") : terminal::printable(text);
     }
     if (json.contains("hidden"))
         return QStringLiteral("(hidden; --show-password shows it)");
     if (!json.is_object())
-        return jsonLine(json);
+        return value::jsonLine(json);
     const QString type = shown(json.at("type"));
     if (json.contains("stream"))
         return type + QStringLiteral(", stored as ") + shown(json.at("stream"));
     if (!json.contains("value"))
         return type;
-    const OrderedJson& value = json.at("value");
+    const value::OrderedJson& value = json.at("value");
     return type + QLatin1Char(' ') +
-           (json.at("type") == "QString" ? shown(value) : printable(jsonLine(value)));
+           (json.at("type") == "QString" ? shown(value)
+                                         : terminal::printable(value::jsonLine(value)));
 }
 
-QString cell(const OrderedJson& structure, const char* member)
+QString cell(const value::OrderedJson& structure, const char* member)
 {
     return structure.contains(member) ? shown(structure.at(member)) : QStringLiteral("(missing)");
 }
 
-QString counted(const OrderedJson& structure, const char* list, const QString& one)
+QString counted(const value::OrderedJson& structure, const char* list, const QString& one)
 {
     const QString more = one + QLatin1Char('s');
     if (!structure.contains(list))
@@ -64,14 +65,14 @@ QString counted(const OrderedJson& structure, const char* list, const QString& o
                         : QStringLiteral("%1 ").arg(count) + more;
 }
 
-QStringList itemTable(const OrderedJson& structure, const QString& indent)
+QStringList itemTable(const value::OrderedJson& structure, const QString& indent)
 {
-    if (structure.value("dataitems", OrderedJson::array()).empty())
+    if (structure.value("dataitems", value::OrderedJson::array()).empty())
         return {};
     QVector<QStringList> rows(1);
     for (const Column& column : item_columns)
         rows.first() << QLatin1String(column.title);
-    for (const OrderedJson& item : structure.at("dataitems")) {
+    for (const value::OrderedJson& item : structure.at("dataitems")) {
         rows << QStringList();
         for (const Column& column : item_columns)
             rows.last() << cell(item, column.member);
@@ -79,13 +80,13 @@ QStringList itemTable(const OrderedJson& structure, const QString& indent)
     QVector<int> widths(rows.first().size(), 0);
     for (const QStringList& row : rows) {
         for (int i = 0; i < row.size(); ++i)
-            widths[i] = qBound(widths.at(i), displayWidth(row.at(i)), widest_cell);
+            widths[i] = qBound(widths.at(i), terminal::displayWidth(row.at(i)), widest_cell);
     }
     QStringList lines;
     for (const QStringList& row : rows) {
         QString line = indent;
         for (int i = 0; i < row.size(); ++i)
-            line += fitted(row.at(i), widths.at(i)) + QString(gap, QLatin1Char(' '));
+            line += terminal::fitted(row.at(i), widths.at(i)) + QString(gap, QLatin1Char(' '));
         while (line.endsWith(QLatin1Char(' ')))
             line.chop(1);
         lines << line;
@@ -93,7 +94,7 @@ QStringList itemTable(const OrderedJson& structure, const QString& indent)
     return lines;
 }
 
-QString groupLine(const OrderedJson& group)
+QString groupLine(const value::OrderedJson& group)
 {
     QString line = QStringLiteral("  group ") + cell(group, "group_id") + QLatin1Char(':');
     for (const char* member : {"name", "location", "ddLocation", "alert", "permission", "marked"}) {
@@ -122,7 +123,7 @@ QString kindLine(const File& file)
 /// The file in words, line by line: what it is, the account, the groups, the items. Long values are
 /// cut; members that a damaged stream did not give are shown as missing.
 /// \param record the file's record as JSON, in which texts may be hidden
-QStringList viewOf(const File& file, const QString& path, const OrderedJson& record)
+QStringList viewOf(const File& file, const QString& path, const value::OrderedJson& record)
 {
     const QString start = shownPath(path) + QStringLiteral(": ");
     if (record.empty()) {
@@ -131,20 +132,20 @@ QStringList viewOf(const File& file, const QString& path, const OrderedJson& rec
     }
     QStringList lines = {start + kindLine(file), QString()};
     for (const char* name : {"aux_flag", "host", "aux_value", "project", "email", "password"})
-        lines << fitted(QLatin1String(name), 11) + cell(record, name);
+        lines << terminal::fitted(QLatin1String(name), 11) + cell(record, name);
     lines << QString() << counted(record, "groups", QStringLiteral("group"));
-    for (const OrderedJson& group : record.value("groups", OrderedJson::array()))
+    for (const value::OrderedJson& group : record.value("groups", value::OrderedJson::array()))
         lines << groupLine(group) << itemTable(group, QStringLiteral("    "));
     lines << QString() << counted(record, "dataitems", QStringLiteral("served item"));
     return lines << itemTable(record, QStringLiteral("  "));
 }
 
 /// Hides the texts of an account as far as they are not empty.
-void hide(OrderedJson* record, const std::vector<const char*>& names)
+void hide(value::OrderedJson* record, const std::vector<const char*>& names)
 {
     for (const char* name : names) {
         if (record->contains(name) && !record->at(name).is_null() &&
-            record->at(name) != OrderedJson(""))
+            record->at(name) != value::OrderedJson(""))
             (*record)[name] = {{"hidden", true}};
     }
 }
@@ -156,15 +157,15 @@ int show(const Options& options)
     const File file = readFile(options.input, options.from_json, options.format,
                                QStringLiteral("Say which it is"));
     const bool is_damaged = !file.problems.isEmpty();
-    OrderedJson record = recordToJson(file.record);
+    value::OrderedJson record = recordToJson(file.record);
     if (!options.show_password)
         hide(&record, {"password"});
     // If a length is wrong, another text may have the password.
     if (!options.show_password && is_damaged)
         hide(&record, {"host", "project", "email"});
-    Output out(STDOUT_FILENO);
+    terminal::Output out(STDOUT_FILENO);
     if (options.json) {
-        OrderedJson problems = OrderedJson::array();
+        value::OrderedJson problems = value::OrderedJson::array();
         for (const Problem& problem : file.problems) {
             problems.push_back({{"offset", problem.offset},
                                 {"member", problem.member.toStdString()},
@@ -185,9 +186,9 @@ int show(const Options& options)
     // A reader that has seen enough is none to tell.
     if (out.error() != 0 && out.error() != EPIPE) {
         report(QStringLiteral("cannot write the standard output: ") + qt_error_string(out.error()));
-        return exitUsage;
+        return terminal::exitUsage;
     }
-    return is_damaged ? exitRefused : exitDone;
+    return is_damaged ? terminal::exitRefused : terminal::exitDone;
 }
 
 } // namespace tovik_host::stored

@@ -9,7 +9,7 @@
 #include <atomic>
 #include <cerrno>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 namespace {
 
@@ -91,4 +91,4 @@ void DebugLog::take(const QString& line)
         std::fprintf(stderr, "%s\n", bytes.constData());
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal

@@ -8,7 +8,7 @@
 
 #include <cstdio>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 /// Catches the debug lines of the driver library, which come through Qt and from any thread, and
 /// keeps them off the program's own output. One may exist at a time.
@@ -44,6 +44,6 @@ private:
     bool echoes_ = false;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal
 
 #endif

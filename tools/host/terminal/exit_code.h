@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_TERMINAL_EXIT_CODE_H
 #define TOOLS_HOST_TERMINAL_EXIT_CODE_H
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 /// What the program tells the shell.
 enum ExitCode : int
@@ -11,6 +11,6 @@ enum ExitCode : int
     exitUsage = 2    ///< Usage or configuration is wrong, or the library cannot be used.
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal
 
 #endif

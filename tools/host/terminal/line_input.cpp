@@ -9,7 +9,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 namespace {
 
@@ -97,4 +97,4 @@ bool LineInput::waitForInput()
     return !unix_signals_.endRequested();
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal

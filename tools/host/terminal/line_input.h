@@ -9,7 +9,7 @@
 
 #include <optional>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 /// Asks the user for lines, on any terminal or through a pipe, and hears signals meanwhile.
 class LineInput
@@ -39,6 +39,6 @@ private:
     QByteArray pending_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal
 
 #endif

@@ -3,7 +3,7 @@
 #include <numeric>
 #include <vector>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 int editDistance(const QString& one, const QString& other)
 {
@@ -33,4 +33,4 @@ bool isNear(const QString& written, const QString& meant)
            editDistance(written, meant) <= allowed;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal

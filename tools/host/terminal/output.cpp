@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 void reserveStandardDescriptors()
 {
@@ -90,4 +90,4 @@ void saveFile(const QString& path, const QByteArray& bytes, bool is_secret)
     }
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal

@@ -4,7 +4,7 @@
 #include <QByteArray>
 #include <QString>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 /// Keeps the standard descriptors that the program was started without from being given to
 /// something else; writing to them fails then.
@@ -40,6 +40,6 @@ void checkOutputFile(const QString& path, bool may_replace);
 /// replaces Throws UsageError; the file is then as it was.
 void saveFile(const QString& path, const QByteArray& bytes, bool is_secret);
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal
 
 #endif

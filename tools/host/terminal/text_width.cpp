@@ -3,7 +3,7 @@
 #include <QChar>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 namespace {
 
@@ -74,4 +74,4 @@ QString fitted(const QString& text, int columns)
     return kept + QString(qMax(0, columns - displayWidth(kept)), QLatin1Char(' '));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal

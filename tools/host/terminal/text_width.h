@@ -5,7 +5,7 @@
 
 /// \file
 /// Text in columns of a terminal.
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 /// \a text with a visible mark in place of every control character: what a service says must not
 /// steer the user's terminal.
@@ -17,6 +17,6 @@ QString clipped(const QString& text, int columns);
 /// \a text cut or filled with spaces to exactly \a columns.
 QString fitted(const QString& text, int columns);
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal
 
 #endif

@@ -8,7 +8,7 @@
 
 #include <cerrno>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 namespace {
 
@@ -78,4 +78,4 @@ void UnixSignals::onReadable()
     Q_EMIT endAsked();
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal

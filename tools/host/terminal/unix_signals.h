@@ -7,7 +7,7 @@
 
 class QSocketNotifier;
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 /// Brings the process's signals into the event loop. One may exist at a time.
 class UnixSignals : public QObject
@@ -39,6 +39,6 @@ private:
     bool end_requested_ = false;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal
 
 #endif

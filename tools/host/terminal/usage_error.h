@@ -5,7 +5,7 @@
 
 #include <stdexcept>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 /// Something that the user must put right before the program can work: ends it with exitUsage.
 class UsageError : public std::runtime_error
@@ -17,6 +17,6 @@ public:
     QString message() const { return QString::fromUtf8(what()); }
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal
 
 #endif

@@ -4,7 +4,7 @@
 #include <QEventLoop>
 #include <QTimer>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 Waited waitUntil(const UnixSignals& unix_signals, int milliseconds,
                  const std::function<bool()>& condition)
@@ -32,4 +32,4 @@ Waited waitUntil(const UnixSignals& unix_signals, int milliseconds,
     return result;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal

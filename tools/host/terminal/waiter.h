@@ -5,7 +5,7 @@
 
 #include <functional>
 
-namespace tovik_host {
+namespace tovik_host::terminal {
 
 /// How a wait ended.
 enum class Waited
@@ -20,6 +20,6 @@ enum class Waited
 Waited waitUntil(const UnixSignals& unix_signals, int milliseconds,
                  const std::function<bool()>& condition);
 
-} // namespace tovik_host
+} // namespace tovik_host::terminal
 
 #endif

@@ -1,6 +1,6 @@
 #include "tools/host/value/hex_bytes.h"
 
-namespace tovik_host {
+namespace tovik_host::value {
 
 namespace {
 
@@ -43,4 +43,4 @@ HexBytes parseHexBytes(const QStringList& texts)
     return result;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::value

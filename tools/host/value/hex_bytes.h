@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace tovik_host {
+namespace tovik_host::value {
 
 /// Bytes that a user has written, or what is wrong with them.
 struct HexBytes
@@ -17,6 +17,6 @@ struct HexBytes
 /// Reads bytes as pairs of hexadecimal digits: "01 03 0a", "01030A", in any number of texts.
 HexBytes parseHexBytes(const QStringList& texts);
 
-} // namespace tovik_host
+} // namespace tovik_host::value
 
 #endif

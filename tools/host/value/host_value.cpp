@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-namespace tovik_host {
+namespace tovik_host::value {
 
 namespace {
 
@@ -77,4 +77,4 @@ QString hexText(const QByteArray& bytes)
     return QString::fromLatin1(bytes.toHex(' '));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::value

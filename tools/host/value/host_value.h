@@ -9,7 +9,7 @@
 /// \file
 /// Values as a user writes them and as the host's bytes carry them. The types of data items are the
 /// rows of one table.
-namespace tovik_host {
+namespace tovik_host::value {
 
 /// The outcome of an encoding: bytes, or what is wrong with the text.
 struct EncodedValue
@@ -58,6 +58,6 @@ bool sameValue(const ItemType& type, const QByteArray& shown, const QByteArray& 
 /// Bytes as pairs of hexadecimal digits, separated by spaces.
 QString hexText(const QByteArray& bytes);
 
-} // namespace tovik_host
+} // namespace tovik_host::value
 
 #endif

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace tovik_host {
+namespace tovik_host::value {
 
 OrderedJson jsonValue(const ItemType& type, const std::optional<QString>& value)
 {
@@ -28,4 +28,4 @@ QString jsonLine(const OrderedJson& line)
     return QString::fromStdString(line.dump(-1, ' ', false, OrderedJson::error_handler_t::replace));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::value

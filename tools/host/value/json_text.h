@@ -12,7 +12,7 @@
 
 /// \file
 /// What the program says in JSON: one object on a line.
-namespace tovik_host {
+namespace tovik_host::value {
 
 using OrderedJson = nlohmann::ordered_json;
 
@@ -24,6 +24,6 @@ std::string jsonTime(const QDateTime& time);
 /// The object as one line of UTF-8.
 QString jsonLine(const OrderedJson& line);
 
-} // namespace tovik_host
+} // namespace tovik_host::value
 
 #endif

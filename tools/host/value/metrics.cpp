@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QVariant>
 
-namespace tovik_host {
+namespace tovik_host::value {
 
 namespace {
 
@@ -124,4 +124,4 @@ QString numbersText(const DriverNumbers& numbers, const std::optional<double>& r
     return parts.join(QStringLiteral(", "));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::value

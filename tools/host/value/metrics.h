@@ -10,7 +10,7 @@
 
 class QObject;
 
-namespace tovik_host {
+namespace tovik_host::value {
 
 /// What a driver tells about its own work, as far as it does: a driver of another kind, or an older
 /// one, has less of it or nothing. Times and ages are in milliseconds; those without a value have
@@ -66,6 +66,6 @@ private:
 QString numbersText(const DriverNumbers& numbers, const std::optional<double>& reads_per_second,
                     const QDateTime& now);
 
-} // namespace tovik_host
+} // namespace tovik_host::value
 
 #endif

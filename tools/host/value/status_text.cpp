@@ -1,6 +1,6 @@
 #include "tools/host/value/status_text.h"
 
-namespace tovik_host {
+namespace tovik_host::value {
 
 namespace {
 
@@ -56,4 +56,4 @@ QString resultText(int result)
                                     : QStringLiteral("service error %1").arg(result);
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::value

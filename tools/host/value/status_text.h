@@ -5,7 +5,7 @@
 
 #include <QString>
 
-namespace tovik_host {
+namespace tovik_host::value {
 
 /// Whose status it is: the same number says different things.
 class StatusOf
@@ -57,6 +57,6 @@ bool isServiceError(int status);
 /// A failed operation's result, as the client gives it, in words.
 QString resultText(int result);
 
-} // namespace tovik_host
+} // namespace tovik_host::value
 
 #endif

@@ -5,7 +5,7 @@
 
 /// \file
 /// The conversions that the rows of the type table are made of.
-namespace tovik_host::codec {
+namespace tovik_host::value::codec {
 
 std::optional<QString> decodeBit(const ItemType& type, const QByteArray& bytes);
 std::optional<QString> decodeInteger(const ItemType& type, const QByteArray& bytes);
@@ -24,6 +24,6 @@ EncodedValue encodeText(const ItemType& type, const QString& text, int length);
 /// The IEEE-754 single in the first four bytes.
 float floatFromBytes(const QByteArray& bytes);
 
-} // namespace tovik_host::codec
+} // namespace tovik_host::value::codec
 
 #endif

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cstring>
 
-namespace tovik_host::codec {
+namespace tovik_host::value::codec {
 
 namespace {
 
@@ -72,4 +72,4 @@ std::optional<QString> decodeText(const ItemType&, const QByteArray& bytes)
     return QString::fromLatin1(end < 0 ? bytes : bytes.left(end));
 }
 
-} // namespace tovik_host::codec
+} // namespace tovik_host::value::codec

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <limits>
 
-namespace tovik_host::codec {
+namespace tovik_host::value::codec {
 
 namespace {
 
@@ -156,4 +156,4 @@ EncodedValue encodeText(const ItemType&, const QString& text, int length)
     return {text.toLatin1().leftJustified(length, '\0'), QString()};
 }
 
-} // namespace tovik_host::codec
+} // namespace tovik_host::value::codec

@@ -3,40 +3,40 @@
 #include "tools/host/driver/answer_json.h"
 #include "tools/host/value/status_text.h"
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 namespace {
 
-OrderedJson event(const char* name, const QDateTime& time)
+value::OrderedJson event(const char* name, const QDateTime& time)
 {
-    OrderedJson line;
+    value::OrderedJson line;
     line["event"] = name;
-    line["time"] = jsonTime(time);
+    line["time"] = value::jsonTime(time);
     return line;
 }
 
-OrderedJson seconds(const std::optional<int>& milliseconds)
+value::OrderedJson seconds(const std::optional<int>& milliseconds)
 {
-    return milliseconds ? OrderedJson(*milliseconds / 1000.0) : OrderedJson(nullptr);
+    return milliseconds ? value::OrderedJson(*milliseconds / 1000.0) : value::OrderedJson(nullptr);
 }
 
 /// Null while there was none.
-OrderedJson lastError(const DriverNumbers& numbers, const QDateTime& now)
+value::OrderedJson lastError(const value::DriverNumbers& numbers, const QDateTime& now)
 {
     if (*numbers.last_error == 0)
         return nullptr;
-    OrderedJson error;
+    value::OrderedJson error;
     error["result"] = *numbers.last_error;
-    error["text"] = resultText(*numbers.last_error).toStdString();
+    error["text"] = value::resultText(*numbers.last_error).toStdString();
     if (numbers.last_error_age)
-        error["time"] = jsonTime(now.addMSecs(-*numbers.last_error_age));
+        error["time"] = value::jsonTime(now.addMSecs(-*numbers.last_error_age));
     return error;
 }
 
 /// By the items' names; of equal ones the first counts, as in the driver.
-OrderedJson agesOf(const WatchModel& model)
+value::OrderedJson agesOf(const WatchModel& model)
 {
-    OrderedJson ages = OrderedJson::object();
+    value::OrderedJson ages = value::OrderedJson::object();
     for (int i = 0; i < model.items().size(); ++i) {
         const std::string name = model.items().at(i).item.name.toStdString();
         if (!ages.contains(name))
@@ -49,7 +49,7 @@ OrderedJson agesOf(const WatchModel& model)
 
 void JsonView::start(const WatchSubject& subject, const QDateTime& now)
 {
-    OrderedJson line = event("start", now);
+    value::OrderedJson line = event("start", now);
     line["library"] = subject.library.toStdString();
     line["driver_version"] = subject.driver_version.toStdString();
     if (subject.link.isEmpty()) {
@@ -58,32 +58,32 @@ void JsonView::start(const WatchSubject& subject, const QDateTime& now)
     } else {
         line["link"] = subject.link.toStdString();
     }
-    output_.line(jsonLine(line));
+    output_.line(value::jsonLine(line));
 }
 
 void JsonView::valueChanged(const ItemState& state)
 {
-    OrderedJson line = event("value", state.changed_at);
-    addAnswer(line, state.item, state.answer, state.value);
-    output_.line(jsonLine(line));
+    value::OrderedJson line = event("value", state.changed_at);
+    driver::addAnswer(line, state.item, state.answer, state.value);
+    output_.line(value::jsonLine(line));
 }
 
 void JsonView::statusChanged(const WatchModel& model)
 {
-    OrderedJson line = event("status", model.statusSince());
-    line["status"] = statusCode(model.status()).toStdString();
-    line["status_text"] = statusText(model.status(), model.statusOf()).toStdString();
-    output_.line(jsonLine(line));
+    value::OrderedJson line = event("status", model.statusSince());
+    line["status"] = value::statusCode(model.status()).toStdString();
+    line["status_text"] = value::statusText(model.status(), model.statusOf()).toStdString();
+    output_.line(value::jsonLine(line));
 }
 
 void JsonView::roundDone(const WatchModel&, const QDateTime&) {}
 
 void JsonView::numbersDue(const WatchModel& model, const QDateTime& now)
 {
-    const DriverNumbers& numbers = model.numbers();
+    const value::DriverNumbers& numbers = model.numbers();
     if (!numbers.isAny())
         return;
-    OrderedJson line = event("metrics", now);
+    value::OrderedJson line = event("metrics", now);
     if (numbers.cycle_count) {
         line["cycle_count"] = *numbers.cycle_count;
         line["cycle_seconds"] = seconds(numbers.cycle);
@@ -92,7 +92,7 @@ void JsonView::numbersDue(const WatchModel& model, const QDateTime& now)
     if (numbers.read_count) {
         const std::optional<double> rate = model.readsPerSecond();
         line["read_count"] = *numbers.read_count;
-        line["reads_per_second"] = rate ? OrderedJson(*rate) : OrderedJson(nullptr);
+        line["reads_per_second"] = rate ? value::OrderedJson(*rate) : value::OrderedJson(nullptr);
     }
     if (numbers.reconnect_count)
         line["reconnect_count"] = *numbers.reconnect_count;
@@ -100,12 +100,12 @@ void JsonView::numbersDue(const WatchModel& model, const QDateTime& now)
         line["last_error"] = lastError(numbers, now);
     if (numbers.tells_ages)
         line["age_seconds"] = agesOf(model);
-    output_.line(jsonLine(line));
+    output_.line(value::jsonLine(line));
 }
 
 void JsonView::end(const QDateTime& now)
 {
-    output_.line(jsonLine(event("end", now)));
+    output_.line(value::jsonLine(event("end", now)));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::watch

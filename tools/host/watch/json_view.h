@@ -4,14 +4,14 @@
 #include "tools/host/terminal/output.h"
 #include "tools/host/watch/watch_view.h"
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 /// Shows a watch as JSON: one object a line for every change.
 class JsonView : public WatchView
 {
 public:
     /// \param output must outlive the view.
-    explicit JsonView(Output& output) : output_(output) {}
+    explicit JsonView(terminal::Output& output) : output_(output) {}
 
     void start(const WatchSubject& subject, const QDateTime& now) override;
     void valueChanged(const ItemState& state) override;
@@ -21,9 +21,9 @@ public:
     void end(const QDateTime& now) override;
 
 private:
-    Output& output_;
+    terminal::Output& output_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::watch
 
 #endif

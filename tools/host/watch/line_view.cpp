@@ -3,7 +3,7 @@
 #include "tools/host/terminal/text_width.h"
 #include "tools/host/value/status_text.h"
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 namespace {
 
@@ -43,28 +43,29 @@ void LineView::valueChanged(const ItemState& state)
     }
     if (!state.answer.has_value) {
         line(state.changed_at, QStringLiteral("%1: no value  %2")
-                                   .arg(state.item.name, statusCode(state.answer.status)));
+                                   .arg(state.item.name, value::statusCode(state.answer.status)));
         return;
     }
     const QString value =
         state.value.value_or(QStringLiteral("(no %1)").arg(QLatin1String(state.item.type->name)));
-    line(state.changed_at, QStringLiteral("%1 = %2  [%3]  %4")
-                               .arg(state.item.name, value, hexText(state.answer.bytes),
-                                    state.answer.status == 0 ? QStringLiteral("ok")
-                                                             : statusCode(state.answer.status)));
+    line(state.changed_at,
+         QStringLiteral("%1 = %2  [%3]  %4")
+             .arg(state.item.name, value, value::hexText(state.answer.bytes),
+                  state.answer.status == 0 ? QStringLiteral("ok")
+                                           : value::statusCode(state.answer.status)));
 }
 
 void LineView::statusChanged(const WatchModel& model)
 {
     line(model.statusSince(),
-         QStringLiteral("status: ") + statusTextWithCode(model.status(), model.statusOf()));
+         QStringLiteral("status: ") + value::statusTextWithCode(model.status(), model.statusOf()));
 }
 
 void LineView::roundDone(const WatchModel&, const QDateTime&) {}
 
 void LineView::numbersDue(const WatchModel& model, const QDateTime& now)
 {
-    const QString numbers = numbersText(model.numbers(), model.readsPerSecond(), now);
+    const QString numbers = value::numbersText(model.numbers(), model.readsPerSecond(), now);
     if (numbers.isEmpty())
         return;
     QString text = QStringLiteral("metrics: ") + numbers;
@@ -80,7 +81,8 @@ void LineView::end(const QDateTime& now)
 
 void LineView::line(const QDateTime& time, const QString& text)
 {
-    output_.line(time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz  ")) + printable(text));
+    output_.line(time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz  ")) +
+                 terminal::printable(text));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::watch

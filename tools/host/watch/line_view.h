@@ -4,14 +4,14 @@
 #include "tools/host/terminal/output.h"
 #include "tools/host/watch/watch_view.h"
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 /// Shows a watch as lines of text: one for every change.
 class LineView : public WatchView
 {
 public:
     /// \param output must outlive the view.
-    explicit LineView(Output& output) : output_(output) {}
+    explicit LineView(terminal::Output& output) : output_(output) {}
 
     void start(const WatchSubject& subject, const QDateTime& now) override;
     void valueChanged(const ItemState& state) override;
@@ -23,9 +23,9 @@ public:
 private:
     void line(const QDateTime& time, const QString& text);
 
-    Output& output_;
+    terminal::Output& output_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::watch
 
 #endif

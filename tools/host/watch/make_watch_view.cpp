@@ -6,15 +6,16 @@
 
 #include <unistd.h>
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
-bool isWatchedOnTerminal(const CommonOptions& common)
+bool isWatchedOnTerminal(const config::CommonOptions& common)
 {
     return !common.json && ::isatty(STDOUT_FILENO) != 0;
 }
 
-std::unique_ptr<WatchView> makeWatchView(const CommonOptions& common, Output& out,
-                                         const DebugLog& log, UnixSignals& unix_signals)
+std::unique_ptr<WatchView> makeWatchView(const config::CommonOptions& common, terminal::Output& out,
+                                         const terminal::DebugLog& log,
+                                         terminal::UnixSignals& unix_signals)
 {
     if (common.json)
         return std::make_unique<JsonView>(out);
@@ -23,9 +24,9 @@ std::unique_ptr<WatchView> makeWatchView(const CommonOptions& common, Output& ou
     auto view = std::make_unique<TerminalView>(STDOUT_FILENO, out, log,
                                                common.log.isEmpty() && !common.verbose);
     TerminalView* table = view.get();
-    QObject::connect(&unix_signals, &UnixSignals::terminalResized, &unix_signals,
+    QObject::connect(&unix_signals, &terminal::UnixSignals::terminalResized, &unix_signals,
                      [table] { table->resized(); });
     return view;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::watch

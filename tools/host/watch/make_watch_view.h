@@ -9,16 +9,17 @@
 
 #include <memory>
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 /// The view that the options and the standard output ask for: JSON, a live table on a terminal, or
 /// lines. All that it is made from must outlive it.
-std::unique_ptr<WatchView> makeWatchView(const CommonOptions& common, Output& out,
-                                         const DebugLog& log, UnixSignals& unix_signals);
+std::unique_ptr<WatchView> makeWatchView(const config::CommonOptions& common, terminal::Output& out,
+                                         const terminal::DebugLog& log,
+                                         terminal::UnixSignals& unix_signals);
 
 /// Whether makeWatchView() makes a table, beside which nothing else may be written.
-bool isWatchedOnTerminal(const CommonOptions& common);
+bool isWatchedOnTerminal(const config::CommonOptions& common);
 
-} // namespace tovik_host
+} // namespace tovik_host::watch
 
 #endif

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 namespace {
 
@@ -51,11 +51,11 @@ Row rowOf(const WatchModel& model, int index, const QDateTime& now)
     const QString dash(QChar(0x2014));
     const QString status = !state.answer.arrived      ? QStringLiteral("no answer")
                            : state.answer.status == 0 ? QStringLiteral("ok")
-                                                      : statusCode(state.answer.status);
-    return {printable(state.item.name),
+                                                      : value::statusCode(state.answer.status);
+    return {terminal::printable(state.item.name),
             QString::fromLatin1(state.item.type->name),
-            printable(state.value.value_or(dash)),
-            hexText(state.answer.bytes),
+            terminal::printable(state.value.value_or(dash)),
+            value::hexText(state.answer.bytes),
             status,
             ageColumn(model, index, now)};
 }
@@ -65,7 +65,7 @@ Widths naturalWidths(const QVector<Row>& rows)
     Widths widths = {};
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < column_count; ++i)
-            widths[i] = qMax(widths[i], displayWidth(row[i]));
+            widths[i] = qMax(widths[i], terminal::displayWidth(row[i]));
     }
     return widths;
 }
@@ -104,18 +104,18 @@ QString joined(const Row& row, const Widths& widths, int columns)
     QString line;
     for (std::size_t i = 0; i < column_count; ++i) {
         if (widths[i] > 0)
-            line += fitted(row[i], widths[i]) + QString(gap, QLatin1Char(' '));
+            line += terminal::fitted(row[i], widths[i]) + QString(gap, QLatin1Char(' '));
     }
     while (line.endsWith(QLatin1Char(' ')))
         line.chop(1);
-    return clipped(line, columns);
+    return terminal::clipped(line, columns);
 }
 
 void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const WatchModel& model,
                const QDateTime& now, ScreenSize size)
 {
     const auto add = [&](const QString& text, LineStyle style) {
-        screen << ScreenLine{clipped(printable(text), size.columns), style};
+        screen << ScreenLine{terminal::clipped(terminal::printable(text), size.columns), style};
     };
     add(subject.link.isEmpty()
             ? QStringLiteral("Service  %1   project %2").arg(subject.url, subject.project)
@@ -125,9 +125,10 @@ void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const W
     const QString since = QStringLiteral(", since %1 (%2)")
                               .arg(model.statusSince().toString(QStringLiteral("HH:mm:ss")),
                                    ageText(model.statusSince().secsTo(now)));
-    add(QStringLiteral("Status   ") + statusTextWithCode(model.status(), model.statusOf()) + since,
+    add(QStringLiteral("Status   ") + value::statusTextWithCode(model.status(), model.statusOf()) +
+            since,
         model.status() == 0 ? LineStyle::plain : LineStyle::trouble);
-    const QString numbers = numbersText(model.numbers(), model.readsPerSecond(), now);
+    const QString numbers = value::numbersText(model.numbers(), model.readsPerSecond(), now);
     if (!numbers.isEmpty() && size.rows >= rows_for_numbers)
         add(QStringLiteral("Metrics  ") + numbers, LineStyle::plain);
     add(QString(), LineStyle::plain);
@@ -154,7 +155,7 @@ void addItems(QVector<ScreenLine>& screen, const WatchModel& model, const QDateT
     if (!all_fit) {
         const QString rest =
             QStringLiteral("%1 %2 more items").arg(QChar(0x2026)).arg(rows.size() - shown);
-        screen << ScreenLine{clipped(rest, size.columns), LineStyle::log};
+        screen << ScreenLine{terminal::clipped(rest, size.columns), LineStyle::log};
     }
 }
 
@@ -164,10 +165,11 @@ void addLog(QVector<ScreenLine>& screen, const QStringList& log, ScreenSize size
     if (log.isEmpty() || room < 1)
         return;
     screen << ScreenLine{QString(), LineStyle::plain};
-    screen << ScreenLine{clipped(QStringLiteral("LOG OF THE DRIVER"), size.columns),
+    screen << ScreenLine{terminal::clipped(QStringLiteral("LOG OF THE DRIVER"), size.columns),
                          LineStyle::heading};
     for (const QString& line : log.mid(qMax(0, log.size() - room)))
-        screen << ScreenLine{clipped(printable(line), size.columns), LineStyle::log};
+        screen << ScreenLine{terminal::clipped(terminal::printable(line), size.columns),
+                             LineStyle::log};
 }
 
 } // namespace
@@ -200,4 +202,4 @@ QString ageText(qint64 seconds)
     return QStringLiteral("%1 s").arg(qMax(qint64(0), seconds));
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::watch

@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QVector>
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 /// How a line of the table stands out.
 enum class LineStyle
@@ -40,6 +40,6 @@ QVector<ScreenLine> drawTable(const WatchSubject& subject, const WatchModel& mod
 /// A span of time in its largest whole unit, such as "3 min".
 QString ageText(qint64 seconds);
 
-} // namespace tovik_host
+} // namespace tovik_host::watch
 
 #endif

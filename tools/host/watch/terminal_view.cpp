@@ -2,7 +2,7 @@
 
 #include <sys/ioctl.h>
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 namespace {
 
@@ -33,7 +33,8 @@ QLatin1String styleStart(LineStyle style)
 
 } // namespace
 
-TerminalView::TerminalView(int descriptor, Output& output, const DebugLog& log, bool shows_log)
+TerminalView::TerminalView(int descriptor, terminal::Output& output, const terminal::DebugLog& log,
+                           bool shows_log)
     : descriptor_(descriptor),
       output_(output),
       log_(log),
@@ -89,4 +90,4 @@ void TerminalView::resized()
     from_empty_screen_ = true;
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::watch

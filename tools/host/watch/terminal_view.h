@@ -5,7 +5,7 @@
 #include "tools/host/terminal/output.h"
 #include "tools/host/watch/table_view.h"
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 /// Shows a watch on a terminal: a table that is redrawn in place, with the driver's log below.
 class TerminalView : public WatchView
@@ -14,7 +14,8 @@ public:
     /// \param descriptor the terminal's, for its size.
     /// \param output, log must outlive the view.
     /// \param shows_log false: the log goes elsewhere, and is not shown.
-    TerminalView(int descriptor, Output& output, const DebugLog& log, bool shows_log);
+    TerminalView(int descriptor, terminal::Output& output, const terminal::DebugLog& log,
+                 bool shows_log);
 
     void start(const WatchSubject& subject, const QDateTime& now) override;
     void valueChanged(const ItemState& state) override;
@@ -29,8 +30,8 @@ public:
 
 private:
     int descriptor_;
-    Output& output_;
-    const DebugLog& log_;
+    terminal::Output& output_;
+    const terminal::DebugLog& log_;
     bool shows_log_;
     bool has_colours_;
     WatchSubject subject_;
@@ -38,6 +39,6 @@ private:
     bool from_empty_screen_ = false;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::watch
 
 #endif

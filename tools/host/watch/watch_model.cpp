@@ -1,12 +1,12 @@
 #include "tools/host/watch/watch_model.h"
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
-WatchModel::WatchModel(const QVector<ItemConfig>& items, const QDateTime& now)
+WatchModel::WatchModel(const QVector<config::ItemConfig>& items, const QDateTime& now)
     : has_value_(items.size(), false),
       status_since_(now)
 {
-    for (const ItemConfig& item : items) {
+    for (const config::ItemConfig& item : items) {
         ItemState state;
         state.item = item;
         state.changed_at = now;
@@ -14,7 +14,7 @@ WatchModel::WatchModel(const QVector<ItemConfig>& items, const QDateTime& now)
     }
 }
 
-bool WatchModel::take(int index, const Answer& answer, const QDateTime& now)
+bool WatchModel::take(int index, const driver::Answer& answer, const QDateTime& now)
 {
     ItemState& state = items_[index];
     const bool changed = !has_value_.at(index) || answer.arrived != state.answer.arrived ||
@@ -27,8 +27,9 @@ bool WatchModel::take(int index, const Answer& answer, const QDateTime& now)
     if (!changed)
         return false;
     has_value_[index] = true;
-    state.value = answer.arrived && answer.has_value ? decodeValue(*state.item.type, answer.bytes)
-                                                     : std::nullopt;
+    state.value = answer.arrived && answer.has_value
+                      ? value::decodeValue(*state.item.type, answer.bytes)
+                      : std::nullopt;
     state.changed_at = now;
     return true;
 }
@@ -43,11 +44,11 @@ bool WatchModel::endRound(const QDateTime& now)
     return changed;
 }
 
-void WatchModel::takeNumbers(const DriverNumbers& numbers, qint64 moment)
+void WatchModel::takeNumbers(const value::DriverNumbers& numbers, qint64 moment)
 {
     numbers_ = numbers;
     if (numbers.read_count)
         read_rate_.take(moment, *numbers.read_count);
 }
 
-} // namespace tovik_host
+} // namespace tovik_host::watch

@@ -10,13 +10,13 @@
 
 #include <optional>
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 /// What is known of one watched item.
 struct ItemState
 {
-    ItemConfig item;
-    Answer answer;                ///< The latest one.
+    config::ItemConfig item;
+    driver::Answer answer;        ///< The latest one.
     std::optional<QString> value; ///< The answer's bytes as text, if they are a value of the type.
     QDateTime changed_at;         ///< When the bytes changed last.
 };
@@ -25,21 +25,21 @@ struct ItemState
 class WatchModel
 {
 public:
-    WatchModel(const QVector<ItemConfig>& items, const QDateTime& now);
+    WatchModel(const QVector<config::ItemConfig>& items, const QDateTime& now);
 
     /// Takes the answer for the item at \a index. True: its bytes are new.
-    bool take(int index, const Answer& answer, const QDateTime& now);
+    bool take(int index, const driver::Answer& answer, const QDateTime& now);
     /// Ends a round: the driver's status is the first one of the round that is not 0. True: it is
     /// another one than before.
     bool endRound(const QDateTime& now);
     /// Takes the driver's numbers at a moment, in milliseconds of a steady clock.
-    void takeNumbers(const DriverNumbers& numbers, qint64 moment);
+    void takeNumbers(const value::DriverNumbers& numbers, qint64 moment);
 
     const QVector<ItemState>& items() const { return items_; }
     int status() const { return status_; }
-    StatusOf statusOf() const { return status_of_; }
+    value::StatusOf statusOf() const { return status_of_; }
     const QDateTime& statusSince() const { return status_since_; }
-    const DriverNumbers& numbers() const { return numbers_; }
+    const value::DriverNumbers& numbers() const { return numbers_; }
     std::optional<double> readsPerSecond() const { return read_rate_.perSecond(); }
     /// Milliseconds since the service delivered the value of the item at \a index; nothing: it
     /// never did, or the driver does not tell.
@@ -50,12 +50,12 @@ private:
     QVector<bool> has_value_;
     int status_ = 0;
     int round_status_ = 0;
-    StatusOf status_of_ = StatusOf::service;
+    value::StatusOf status_of_ = value::StatusOf::service;
     QDateTime status_since_;
-    DriverNumbers numbers_;
-    ReadRate read_rate_;
+    value::DriverNumbers numbers_;
+    value::ReadRate read_rate_;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::watch
 
 #endif

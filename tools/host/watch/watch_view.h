@@ -5,7 +5,7 @@
 
 #include <QString>
 
-namespace tovik_host {
+namespace tovik_host::watch {
 
 /// What a watch is about; the same from its start to its end.
 struct WatchSubject
@@ -33,6 +33,6 @@ public:
     virtual void end(const QDateTime& now) = 0;
 };
 
-} // namespace tovik_host
+} // namespace tovik_host::watch
 
 #endif

@@ -7,11 +7,13 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::check;
+using tovik_host::service::ClientOutcome;
 
-Q_DECLARE_METATYPE(tovik_host::ItemFinding)
-Q_DECLARE_METATYPE(tovik_host::ClientOutcome)
-Q_DECLARE_METATYPE(tovik_host::Judgement)
-Q_DECLARE_METATYPE(QVector<tovik_host::ItemFinding>)
+Q_DECLARE_METATYPE(tovik_host::check::ItemFinding)
+Q_DECLARE_METATYPE(tovik_host::service::ClientOutcome)
+Q_DECLARE_METATYPE(tovik_host::check::Judgement)
+Q_DECLARE_METATYPE(QVector<tovik_host::check::ItemFinding>)
 
 /// The service's answers, the driver's cycle, and the verdict.
 class TestHostCheckItems : public QObject
@@ -38,12 +40,12 @@ private Q_SLOTS:
 
 namespace {
 
-ItemConfig config(const char* name, const char* type = "16Bit-INT")
+config::ItemConfig itemNamed(const char* name, const char* type = "16Bit-INT")
 {
-    ItemConfig item;
+    config::ItemConfig item;
     item.name = QString::fromLatin1(name);
     item.id = item.name.toLower();
-    item.type = findItemType(QString::fromLatin1(type));
+    item.type = value::findItemType(QString::fromLatin1(type));
     return item;
 }
 
@@ -56,7 +58,7 @@ ClientOutcome outcome(ClientOutcome::Kind kind, int result, const char* reason,
 ItemFinding readItem(const char* name, const ClientOutcome& result)
 {
     ItemFinding finding;
-    finding.item = config(name);
+    finding.item = itemNamed(name);
     finding.is_read = true;
     finding.is_known = true;
     finding.catalogue_type = QStringLiteral("16Bit-INT");
@@ -113,8 +115,8 @@ void TestHostCheckItems::near()
 {
     QFETCH(QString, written);
     QFETCH(QString, meant);
-    QTEST(editDistance(written, meant), "distance");
-    QTEST(isNear(written, meant), "is_near");
+    QTEST(terminal::editDistance(written, meant), "distance");
+    QTEST(terminal::isNear(written, meant), "is_near");
 }
 
 void TestHostCheckItems::looksUp_data()
@@ -135,7 +137,7 @@ void TestHostCheckItems::looksUp_data()
 void TestHostCheckItems::looksUp()
 {
     QFETCH(QString, id);
-    ItemConfig item = config("Any");
+    config::ItemConfig item = itemNamed("Any");
     item.id = id;
     const ItemFinding finding = lookUpItem(item, catalogue());
     QVERIFY(!finding.is_read);

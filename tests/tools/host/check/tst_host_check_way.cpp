@@ -3,13 +3,14 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::check;
 
-Q_DECLARE_METATYPE(tovik_host::ErrorHandling)
-Q_DECLARE_METATYPE(tovik_host::SslLibraryFacts)
-Q_DECLARE_METATYPE(tovik_host::NameFacts)
-Q_DECLARE_METATYPE(tovik_host::TlsFacts)
-Q_DECLARE_METATYPE(tovik_host::CertificateFacts)
-Q_DECLARE_METATYPE(tovik_host::Judgement)
+Q_DECLARE_METATYPE(tovik_host::config::ErrorHandling)
+Q_DECLARE_METATYPE(tovik_host::check::SslLibraryFacts)
+Q_DECLARE_METATYPE(tovik_host::check::NameFacts)
+Q_DECLARE_METATYPE(tovik_host::check::TlsFacts)
+Q_DECLARE_METATYPE(tovik_host::check::CertificateFacts)
+Q_DECLARE_METATYPE(tovik_host::check::Judgement)
 
 /// The way to the service: facts in, judged steps out.
 class TestHostCheckWay : public QObject
@@ -74,11 +75,11 @@ CertificateFacts soundCertificate()
 
 void TestHostCheckWay::errorHandling_data()
 {
-    QTest::addColumn<ErrorHandling>("facts");
+    QTest::addColumn<config::ErrorHandling>("facts");
     addColumns();
     const auto row = [](const char* title, int type, bool by_time, bool by_switch, bool is_well,
                         const char* text) {
-        QTest::newRow(title) << ErrorHandling{type, 7, 3, by_time, by_switch}
+        QTest::newRow(title) << config::ErrorHandling{type, 7, 3, by_time, by_switch}
                              << (is_well ? Judgement::ok : Judgement::warning)
                              << QString::fromLatin1(text)
                              << (is_well ? QString() : QStringLiteral("return_time_enabled"));
@@ -93,7 +94,7 @@ void TestHostCheckWay::errorHandling_data()
 
 void TestHostCheckWay::errorHandling()
 {
-    QFETCH(ErrorHandling, facts);
+    QFETCH(config::ErrorHandling, facts);
     compare(judgeErrorHandling(facts));
 }
 

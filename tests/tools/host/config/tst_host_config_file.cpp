@@ -5,6 +5,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::config;
 
 class TestHostConfigFile : public QObject
 {
@@ -55,7 +56,7 @@ QString TestHostConfigFile::errorOf(const QByteArray& text)
 {
     try {
         loadConfig(write(text));
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         return error.message().remove(folder_.path() + QLatin1Char('/'));
     }
     return QString();
@@ -234,7 +235,7 @@ void TestHostConfigFile::saysThatFileIsMissing()
     try {
         loadConfig(folder_.filePath(QStringLiteral("none.json")));
         QFAIL("a file that is not there was read");
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         QVERIFY(error.message().startsWith(QLatin1String("cannot read the configuration")));
     }
 }

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::config;
 
 class TestHostDeviceFile : public QObject
 {
@@ -168,7 +169,7 @@ void TestHostDeviceFile::namesPlaceOfError()
     QString message;
     try {
         loadDeviceFile(write(text), RequestOptions());
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         message = error.message().remove(folder_.path() + QLatin1Char('/'));
     }
     QVERIFY2(message.startsWith(start), qPrintable(message));
@@ -179,7 +180,7 @@ void TestHostDeviceFile::knowsWhetherThereIsALink()
     QVERIFY(namesLink(write("{\"link\": {}}")));
     QVERIFY(!namesLink(write("{\"service\": {}}")));
     QVERIFY(!namesLink(write("[]")));
-    QVERIFY_EXCEPTION_THROWN(namesLink(write("{")), UsageError);
+    QVERIFY_EXCEPTION_THROWN(namesLink(write("{")), terminal::UsageError);
 }
 
 QTEST_APPLESS_MAIN(TestHostDeviceFile)

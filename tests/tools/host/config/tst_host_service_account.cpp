@@ -5,6 +5,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::config;
 
 class TestHostServiceAccount : public QObject
 {
@@ -168,7 +169,7 @@ void TestHostServiceAccount::complains()
     options.password_file = password_file;
     try {
         resolveAccount(options, Account());
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         QVERIFY2(error.message().startsWith(message), qPrintable(error.message()));
         return;
     }
@@ -182,7 +183,7 @@ void TestHostServiceAccount::saysWhatIsMissing()
     try {
         requireAccount(account);
         QFAIL("no error");
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         QCOMPARE(error.message(),
                  QStringLiteral("the account is not complete; add --project NAME, --email ADDRESS, "
                                 "or a configuration with --config"));

@@ -7,6 +7,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::driver;
 
 class TestHostDeviceConfig : public QObject
 {
@@ -30,20 +31,20 @@ private:
 
 namespace {
 
-CommonOptions options()
+config::CommonOptions options()
 {
-    CommonOptions common;
+    config::CommonOptions common;
     common.library = QStringLiteral("lib.so");
     common.link.address = QStringLiteral("tcp:h:1");
     return common;
 }
 
-QString errorOf(const CommonOptions& common, const QStringList& addresses)
+QString errorOf(const config::CommonOptions& common, const QStringList& addresses)
 {
     QStringList warnings;
     try {
         deviceConfig(common, addresses, &warnings);
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         return error.message();
     }
     return QString();
@@ -82,14 +83,14 @@ void TestHostDeviceConfig::readsAddresses()
     QFETCH(QString, text);
     QFETCH(QString, address);
     QFETCH(QString, type);
-    CommonOptions common = options();
+    config::CommonOptions common = options();
     common.request.type = QStringLiteral("16Bit-INT");
     common.request.station = 3;
     common.request.field1 = 4;
     common.request.extra1 = 5;
     common.request.extra2 = 6;
     QStringList warnings;
-    const ItemConfig item = deviceConfig(common, {text}, &warnings).items.first();
+    const config::ItemConfig item = deviceConfig(common, {text}, &warnings).items.first();
     QCOMPARE(item.name, address);
     QCOMPARE(item.request.address, address);
     QCOMPARE(QString::fromLatin1(item.type->name), type);
@@ -117,7 +118,7 @@ void TestHostDeviceConfig::hasDefaults()
 
 void TestHostDeviceConfig::optionsWin()
 {
-    CommonOptions common = options();
+    config::CommonOptions common = options();
     common.config = writeFile(file_text);
     common.link.retries = 0;
     QStringList warnings;
@@ -132,7 +133,7 @@ void TestHostDeviceConfig::optionsWin()
 
 void TestHostDeviceConfig::takesItemsByName()
 {
-    CommonOptions common = options();
+    config::CommonOptions common = options();
     common.config = writeFile(file_text);
     QStringList warnings;
     QCOMPARE(deviceConfig(common, {}, &warnings).items.size(), 2);
@@ -171,7 +172,7 @@ void TestHostDeviceConfig::refuses()
     QFETCH(QString, type);
     QFETCH(int, length);
     QFETCH(QString, start);
-    CommonOptions common = options();
+    config::CommonOptions common = options();
     common.request.type = type;
     if (length > 0)
         common.request.length = length;

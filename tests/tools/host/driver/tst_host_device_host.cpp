@@ -9,6 +9,7 @@
 #include <memory>
 
 using namespace tovik_host;
+using namespace tovik_host::driver;
 
 class TestHostDeviceHost : public QObject
 {
@@ -40,18 +41,18 @@ private:
     std::unique_ptr<LineDevice> makeDevice() const;
     DeviceConfig configFor(const LineDevice& device) const;
 
-    std::unique_ptr<DebugLog> log_;
-    std::unique_ptr<UnixSignals> unix_signals_;
+    std::unique_ptr<terminal::DebugLog> log_;
+    std::unique_ptr<terminal::UnixSignals> unix_signals_;
     std::unique_ptr<Plugin> plugin_;
 };
 
 namespace {
 
-ItemConfig item(const char* address, const char* type = "16Bit-UINT")
+config::ItemConfig item(const char* address, const char* type = "16Bit-UINT")
 {
-    ItemConfig item;
+    config::ItemConfig item;
     item.name = QString::fromLatin1(address);
-    item.type = findItemType(QString::fromLatin1(type));
+    item.type = value::findItemType(QString::fromLatin1(type));
     item.request.address = item.name;
     return item;
 }
@@ -60,8 +61,8 @@ ItemConfig item(const char* address, const char* type = "16Bit-UINT")
 
 void TestHostDeviceHost::init()
 {
-    log_ = std::make_unique<DebugLog>();
-    unix_signals_ = std::make_unique<UnixSignals>();
+    log_ = std::make_unique<terminal::DebugLog>();
+    unix_signals_ = std::make_unique<terminal::UnixSignals>();
     plugin_ = std::make_unique<Plugin>(HostProcess::echoDriver());
 }
 
@@ -118,7 +119,7 @@ void TestHostDeviceHost::handsOverEveryNumber()
     TcpLineDevice device;
     DeviceHost host(*plugin_, configFor(device), *unix_signals_);
     QCOMPARE(host.open(), QString());
-    ItemConfig text = item("params", "String");
+    config::ItemConfig text = item("params", "String");
     text.length = 24;
     text.request.station = 17;
     text.request.field1 = 3;
@@ -177,10 +178,10 @@ void TestHostDeviceHost::opensALostLinkBeforeTheNextRequest()
     QCOMPARE(host.read(item("hex:0500")).answer.status, 0);
     device->leave();
     // The far end's leaving takes a moment to arrive.
-    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0600")).answer.status, offline_status,
+    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0600")).answer.status, value::offline_status,
                               30000);
     const DeviceAnswer answer = host.read(item("hex:0600"));
-    QCOMPARE(answer.answer.status, offline_status);
+    QCOMPARE(answer.answer.status, value::offline_status);
     QVERIFY(!answer.link_problem.isEmpty());
     QVERIFY(!answer.answer.has_value);
     device->comeBack();
@@ -207,9 +208,9 @@ void TestHostDeviceHost::comesBackWithoutWaiting()
     QCOMPARE(host.open(), QString());
     QCOMPARE(host.readAgain(item("hex:0500")).answer.status, 0);
     device->leave();
-    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0500")).answer.status, offline_status,
+    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0500")).answer.status, value::offline_status,
                               30000);
-    QCOMPARE(host.readAgain(item("hex:0500")).answer.status, offline_status);
+    QCOMPARE(host.readAgain(item("hex:0500")).answer.status, value::offline_status);
     device->comeBack();
     QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0500")).answer.status, 0, 30000);
 }

@@ -3,6 +3,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::driver;
 
 class TestHostJsonText : public QObject
 {
@@ -41,24 +42,25 @@ void TestHostJsonText::writesValues()
     QFETCH(QString, type);
     QFETCH(QByteArray, hex);
     QFETCH(QString, json);
-    const ItemType& item_type = *findItemType(type);
-    QCOMPARE(jsonLine(jsonValue(item_type, decodeValue(item_type, QByteArray::fromHex(hex)))),
+    const value::ItemType& item_type = *value::findItemType(type);
+    QCOMPARE(value::jsonLine(value::jsonValue(
+                 item_type, value::decodeValue(item_type, QByteArray::fromHex(hex)))),
              json);
 }
 
 void TestHostJsonText::writesAnswers()
 {
-    const ItemConfig item = {QStringLiteral("a"), QStringLiteral("i"),
-                             findItemType(QStringLiteral("16Bit-INT")), 0};
-    OrderedJson line;
+    const config::ItemConfig item = {QStringLiteral("a"), QStringLiteral("i"),
+                                     value::findItemType(QStringLiteral("16Bit-INT")), 0};
+    value::OrderedJson line;
     addAnswer(line, item, {true, QByteArray::fromHex("0a00"), 0x400F0007}, QStringLiteral("10"));
     QCOMPARE(
-        jsonLine(line),
+        value::jsonLine(line),
         QStringLiteral("{\"item\":\"a\",\"type\":\"16Bit-INT\",\"value\":10,\"bytes\":\"0a00\","
                        "\"status\":\"0x400F0007\",\"status_text\":\"service error 7\"}"));
-    OrderedJson silent;
+    value::OrderedJson silent;
     addAnswer(silent, item, Answer(), std::nullopt);
-    QCOMPARE(jsonLine(silent),
+    QCOMPARE(value::jsonLine(silent),
              QStringLiteral("{\"item\":\"a\",\"type\":\"16Bit-INT\",\"value\":null,\"bytes\":\"\","
                             "\"status\":null,\"status_text\":\"no answer\"}"));
 }
@@ -66,7 +68,7 @@ void TestHostJsonText::writesAnswers()
 void TestHostJsonText::writesTimesAsUtc()
 {
     const QDateTime time(QDate(2024, 5, 1), QTime(12, 0, 1, 5), Qt::OffsetFromUTC, 3600);
-    QCOMPARE(jsonTime(time), std::string("2024-05-01T11:00:01.005Z"));
+    QCOMPARE(value::jsonTime(time), std::string("2024-05-01T11:00:01.005Z"));
 }
 
 QTEST_APPLESS_MAIN(TestHostJsonText)

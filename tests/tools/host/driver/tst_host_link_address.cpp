@@ -4,6 +4,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::driver;
 
 class TestHostLinkAddress : public QObject
 {
@@ -124,7 +125,7 @@ void TestHostLinkAddress::refuses()
     QString message;
     try {
         parseLink(text, QStringLiteral("--link"));
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         message = error.message();
     }
     const QString start = QStringLiteral("--link: \"%1\": %2").arg(text, problem);

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::driver;
 
 class TestHostPlugin : public QObject
 {
@@ -27,7 +28,7 @@ void TestHostPlugin::leavesTheLastCandidateToTheLoader()
     try {
         Plugin::loadFirst({QStringLiteral("/no/such/file.so"), QStringLiteral("libno-such.so.9")});
         QFAIL("a library that is not there was loaded");
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         QVERIFY2(error.message().contains(QLatin1String("libno-such.so.9: cannot open")),
                  qPrintable(error.message()));
         QVERIFY(error.message().contains(QLatin1String("--library")));

@@ -6,6 +6,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::service;
 
 class TestHostCatalogueFile : public QObject
 {
@@ -65,7 +66,7 @@ void TestHostCatalogueFile::bringsBackWhatWasSaved()
     QFETCH(QString, group);
     QFETCH(QString, item);
     const QString text = catalogueJson(withNames(group, item));
-    const JsonFile file = readJson(write(text.toUtf8()));
+    const config::JsonFile file = config::readJson(write(text.toUtf8()));
     QVERIFY(isCatalogueFile(file));
     const Catalogue read = readCatalogue(file);
     QCOMPARE(read.groups.size(), 2);
@@ -123,8 +124,8 @@ void TestHostCatalogueFile::namesPlaceOfError()
     QFETCH(QByteArray, text);
     QFETCH(QString, message);
     try {
-        readCatalogue(readJson(write(text)));
-    } catch (const UsageError& error) {
+        readCatalogue(config::readJson(write(text)));
+    } catch (const terminal::UsageError& error) {
         const QString shown = error.message().remove(folder_.path() + QLatin1Char('/'));
         QVERIFY2(shown.startsWith(message), qPrintable(shown));
         return;
@@ -136,7 +137,7 @@ void TestHostCatalogueFile::saysThatFileIsMissing()
 {
     try {
         readJsonAs(QStringLiteral("/nowhere/c.json"), QStringLiteral("catalogue"));
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         QCOMPARE(error.message(), QStringLiteral("cannot read the catalogue \"/nowhere/c.json\": "
                                                  "No such file or directory"));
         return;
@@ -152,7 +153,8 @@ void TestHostCatalogueFile::takesLargeCatalogues()
     catalogue.groups = QVector<CatalogueGroup>(100, group);
     QElapsedTimer elapsed;
     elapsed.start();
-    const Catalogue read = readCatalogue(readJson(write(catalogueJson(catalogue).toUtf8())));
+    const Catalogue read =
+        readCatalogue(config::readJson(write(catalogueJson(catalogue).toUtf8())));
     QCOMPARE(read.itemCount(), 10000);
     // What takes a second here would take minutes if anything were looked up item by item.
     QVERIFY(elapsed.elapsed() < 50000);

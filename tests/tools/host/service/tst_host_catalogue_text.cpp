@@ -5,6 +5,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::service;
 
 class TestHostCatalogueText : public QObject
 {
@@ -103,7 +104,7 @@ void TestHostCatalogueText::showsProgress()
     QFETCH(QByteArray, shown);
     QTemporaryFile file;
     QVERIFY(file.open());
-    Output output(file.handle());
+    terminal::Output output(file.handle());
     {
         ProgressView view(output, is_quiet, is_terminal, interval);
         view.show({3, 1, 12});

@@ -3,6 +3,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::service;
 
 class TestHostCloudOutcome : public QObject
 {
@@ -17,7 +18,7 @@ private Q_SLOTS:
 
 void TestHostCloudOutcome::judges_data()
 {
-    using Reason = service::Outcome::Reason;
+    using Reason = ::service::Outcome::Reason;
     QTest::addColumn<int>("result");
     QTest::addColumn<int>("cause");
     QTest::addColumn<QString>("detail");
@@ -49,7 +50,7 @@ void TestHostCloudOutcome::judges()
     QFETCH(int, result);
     QFETCH(int, cause);
     QFETCH(QString, detail);
-    const service::Outcome asked(result, service::Outcome::Reason(cause), detail);
+    const ::service::Outcome asked(result, ::service::Outcome::Reason(cause), detail);
     const ClientOutcome outcome = clientOutcome(asked, QStringLiteral("Bit"));
     QTEST(int(outcome.kind), "kind");
     QTEST(outcome.reason, "reason");

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::service;
 
 class TestHostConfigureChoice : public QObject
 {
@@ -103,7 +104,7 @@ void TestHostConfigureChoice::refusesWhatIsNoPattern_data()
 void TestHostConfigureChoice::refusesWhatIsNoPattern()
 {
     QFETCH(QString, pattern);
-    QVERIFY_EXCEPTION_THROWN(ItemPattern(pattern, plant()), UsageError);
+    QVERIFY_EXCEPTION_THROWN(ItemPattern(pattern, plant()), terminal::UsageError);
 }
 
 void TestHostConfigureChoice::filters_data()
@@ -164,7 +165,7 @@ void TestHostConfigureChoice::refusesUnknownTypes()
 {
     try {
         filterItems({}, {{}, {}, {QStringLiteral("16bit-INT")}});
-    } catch (const UsageError& error) {
+    } catch (const terminal::UsageError& error) {
         QVERIFY(error.message().startsWith(
             QLatin1String("--type: \"16bit-INT\" is no type; the types are: Bit, ")));
         return;

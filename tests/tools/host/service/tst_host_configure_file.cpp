@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 
 using namespace tovik_host;
+using namespace tovik_host::service;
 
 /// Names of the chosen items, and the file that is made of them.
 class TestHostConfigureFile : public QObject
@@ -41,9 +42,9 @@ OfferedItem offered(const QString& group, const QString& name, const QString& id
     return {{id, name, type, length, false}, group, group};
 }
 
-Account account()
+config::Account account()
 {
-    Account account;
+    config::Account account;
     account.service = {QStringLiteral("https://me:other@h:1"), QStringLiteral("p"),
                        QStringLiteral("e"), QStringLiteral("s3cret")};
     account.has_password = true;
@@ -96,7 +97,7 @@ void TestHostConfigureFile::namesItems()
     }
     const NamedItems named = nameItems(chosen);
     QStringList found;
-    for (const ItemConfig& item : named.items)
+    for (const config::ItemConfig& item : named.items)
         found << item.name;
     QCOMPARE(found, names);
     QCOMPARE(named.warnings.size(), warnings);
@@ -136,8 +137,8 @@ void TestHostConfigureFile::makesWhatTheToolReads()
                    offered(QStringLiteral("B"), QStringLiteral("y"), QStringLiteral("i"),
                            QStringLiteral("32Bit-FLOAT"), 32)});
     const QString path = folder_.filePath(QStringLiteral("c.json"));
-    saveFile(path, configJson(account(), named.items, true).toUtf8(), false);
-    const LoadedConfig loaded = loadConfig(path);
+    terminal::saveFile(path, config::configJson(account(), named.items, true).toUtf8(), false);
+    const config::LoadedConfig loaded = config::loadConfig(path);
     QCOMPARE(loaded.warnings, QStringList());
     QCOMPARE(loaded.config.service.url, account().service.url);
     QCOMPARE(loaded.config.service.project, QStringLiteral("p"));
@@ -170,10 +171,10 @@ void TestHostConfigureFile::saysWhereThePasswordIs()
     QFETCH(QString, file);
     QFETCH(QString, variable);
     QFETCH(QString, expected);
-    Account from = account();
+    config::Account from = account();
     from.password_file = file;
     from.password_env = variable;
-    const QString text = configJson(from, {}, false);
+    const QString text = config::configJson(from, {}, false);
     QVERIFY2(text.contains(expected), qPrintable(text));
     QVERIFY(!text.contains(QLatin1String("s3cret")));
     QVERIFY(!text.contains(QLatin1String("other")));
@@ -183,7 +184,7 @@ void TestHostConfigureFile::saysWhereThePasswordIs()
 void TestHostConfigureFile::savesWholeFiles()
 {
     const QString path = folder_.filePath(QStringLiteral("whole"));
-    saveFile(path, "\u00fc\n", false);
+    terminal::saveFile(path, "\u00fc\n", false);
     QCOMPARE(contentOf(path), QByteArray("\u00fc\n"));
     QCOMPARE(QDir(folder_.path()).entryList({QStringLiteral("whole*")}, QDir::Files).size(), 1);
 }
@@ -191,29 +192,30 @@ void TestHostConfigureFile::savesWholeFiles()
 void TestHostConfigureFile::keepsSecretsFromOthers()
 {
     const QString path = folder_.filePath(QStringLiteral("secret"));
-    saveFile(path, "x", true);
+    terminal::saveFile(path, "x", true);
     const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
     QVERIFY(!(QFile::permissions(path) & others));
     QCOMPARE(contentOf(path), QByteArray("x"));
     // Also in the place of a file that others may read; one without a secret keeps its mode.
     const auto shared = QFile::permissions(path) | QFile::ReadGroup | QFile::ReadOther;
     QVERIFY(QFile::setPermissions(path, shared));
-    saveFile(path, "y", false);
+    terminal::saveFile(path, "y", false);
     QCOMPARE(QFile::permissions(path), shared);
-    saveFile(path, "z", true);
+    terminal::saveFile(path, "z", true);
     QVERIFY(!(QFile::permissions(path) & others));
 }
 
 void TestHostConfigureFile::leavesExistingFilesAlone()
 {
     const QString path = folder_.filePath(QStringLiteral("there"));
-    saveFile(path, "old", false);
-    checkOutputFile(path, true);
-    checkOutputFile(folder_.filePath(QStringLiteral("new")), false);
-    QVERIFY_EXCEPTION_THROWN(checkOutputFile(path, false), UsageError);
-    QVERIFY_EXCEPTION_THROWN(checkOutputFile(folder_.path(), true), UsageError);
-    QVERIFY_EXCEPTION_THROWN(saveFile(folder_.filePath(QStringLiteral("none/x")), "new", false),
-                             UsageError);
+    terminal::saveFile(path, "old", false);
+    terminal::checkOutputFile(path, true);
+    terminal::checkOutputFile(folder_.filePath(QStringLiteral("new")), false);
+    QVERIFY_EXCEPTION_THROWN(terminal::checkOutputFile(path, false), terminal::UsageError);
+    QVERIFY_EXCEPTION_THROWN(terminal::checkOutputFile(folder_.path(), true), terminal::UsageError);
+    QVERIFY_EXCEPTION_THROWN(
+        terminal::saveFile(folder_.filePath(QStringLiteral("none/x")), "new", false),
+        terminal::UsageError);
     QCOMPARE(contentOf(path), QByteArray("old"));
 }
 
@@ -225,8 +227,8 @@ void TestHostConfigureFile::replacesRegularFilesOnly()
     const QString link = folder_.filePath(QStringLiteral("link"));
     QVERIFY(QFile::link(fifo, link));
     for (const QString& path : {fifo, link}) {
-        QVERIFY_EXCEPTION_THROWN(checkOutputFile(path, true), UsageError);
-        QVERIFY_EXCEPTION_THROWN(saveFile(path, "x", false), UsageError);
+        QVERIFY_EXCEPTION_THROWN(terminal::checkOutputFile(path, true), terminal::UsageError);
+        QVERIFY_EXCEPTION_THROWN(terminal::saveFile(path, "x", false), terminal::UsageError);
     }
     struct stat what = {};
     QCOMPARE(::stat(QFile::encodeName(fifo).constData(), &what), 0);

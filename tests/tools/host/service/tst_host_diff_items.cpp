@@ -3,6 +3,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::service;
 
 class TestHostDiffItems : public QObject
 {
@@ -155,9 +156,9 @@ void TestHostDiffItems::makesSides()
          QString(),
          false,
          {{QStringLiteral("a"), QStringLiteral("A"), QStringLiteral("String"), 8, false}}}};
-    HostConfig config;
-    config.items = {
-        {QStringLiteral("G.A"), QStringLiteral("a"), findItemType(QStringLiteral("String")), 8}};
+    config::HostConfig config;
+    config.items = {{QStringLiteral("G.A"), QStringLiteral("a"),
+                     value::findItemType(QStringLiteral("String")), 8}};
     QVERIFY(!diffSide(catalogue).is_config);
     QVERIFY(diffSide(config).is_config);
     QCOMPARE(

@@ -156,15 +156,15 @@ void addStoredLayoutRows()
         addRowsOf(version);
 }
 
-tovik_host::JsonFile jsonFile(const QByteArray& text)
+tovik_host::config::JsonFile jsonFile(const QByteArray& text)
 {
     return {QStringLiteral("file"), nlohmann::json::parse(text.toStdString()),
-            tovik_host::findJsonLines(text.toStdString())};
+            tovik_host::config::findJsonLines(text.toStdString())};
 }
 
 QByteArray jsonTextOf(const Record& record)
 {
-    tovik_host::OrderedJson json = tovik_host::OrderedJson::object();
+    tovik_host::value::OrderedJson json = tovik_host::value::OrderedJson::object();
     json["tovik_iot"] = recordToJson(record);
     return fileText(json);
 }

@@ -28,7 +28,7 @@ void addStoredFormatRows();
 void addStoredLayoutRows();
 
 /// The text as a file that is called "file".
-tovik_host::JsonFile jsonFile(const QByteArray& text);
+tovik_host::config::JsonFile jsonFile(const QByteArray& text);
 /// The record as convert writes it, without a format.
 QByteArray jsonTextOf(const tovik_host::stored::Record& record);
 

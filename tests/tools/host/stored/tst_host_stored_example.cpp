@@ -59,7 +59,7 @@ void TestHostStoredExample::bytesAreThoseOfTheRecord()
 {
     const QList<QByteArray> blocks = blocksUnder("### An example");
     QCOMPARE(blocks.size(), 2);
-    const tovik_host::JsonFile json = jsonFile(blocks.at(0));
+    const tovik_host::config::JsonFile json = jsonFile(blocks.at(0));
     const PropertyTovikIot record = recordFromJson(json);
     const Hints hints = formatFromJson(json);
     const std::vector<Format> formats = possibleFormats(hints);
@@ -73,7 +73,7 @@ void TestHostStoredExample::bytesAreThoseOfTheRecord()
     Hints found = hints;
     found.versions = detected.versions;
     found.big_endian = detected.format.big_endian;
-    tovik_host::OrderedJson again = tovik_host::OrderedJson::object();
+    tovik_host::value::OrderedJson again = tovik_host::value::OrderedJson::object();
     again["stream"] = formatToJson(found);
     again["tovik_iot"] = recordToJson(detected.reading.record);
     QCOMPARE(fileText(again), blocks.at(0));

@@ -24,10 +24,10 @@ QByteArray withValue(const char* value)
 QString errorOf(const QByteArray& text)
 {
     try {
-        const tovik_host::JsonFile file = jsonFile(text);
+        const tovik_host::config::JsonFile file = jsonFile(text);
         recordFromJson(file);
         formatFromJson(file);
-    } catch (const tovik_host::UsageError& error) {
+    } catch (const tovik_host::terminal::UsageError& error) {
         return error.message();
     }
     return QString();
@@ -156,7 +156,7 @@ void TestHostStoredJson::hasWordsForValuesOfItems()
     QFETCH(QString, json);
     PropertyTovikIot record;
     record.dataitems << itemWith(value);
-    const tovik_host::OrderedJson item = recordToJson({record}).at("dataitems").at(0);
+    const tovik_host::value::OrderedJson item = recordToJson({record}).at("dataitems").at(0);
     QCOMPARE(QString::fromStdString(item.at("value").dump()), json);
     const PropertyTovikIot again = recordFromJson(jsonFile(withValue(json.toUtf8().constData())));
     QCOMPARE(valueBytes(again.dataitems.at(0).value).toHex(), valueBytes(value).toHex());
@@ -244,7 +244,7 @@ void TestHostStoredJson::readsTheFormat()
     hints.versions = Versions{8, 12};
     hints.big_endian = false;
     hints.single_precision = true;
-    tovik_host::OrderedJson json = {{"tovik_iot", tovik_host::OrderedJson::object()}};
+    tovik_host::value::OrderedJson json = {{"tovik_iot", tovik_host::value::OrderedJson::object()}};
     json["stream"] = formatToJson(hints);
     QCOMPARE(json["stream"].dump(),
              std::string("{\"form\":\"variant\",\"version\":\"8-12\",\"byte_order\":\"little\","

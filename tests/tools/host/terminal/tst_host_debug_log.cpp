@@ -9,6 +9,7 @@
 #include <vector>
 
 using namespace tovik_host;
+using namespace tovik_host::terminal;
 
 class TestHostDebugLog : public QObject
 {

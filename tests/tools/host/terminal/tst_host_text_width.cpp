@@ -3,6 +3,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::terminal;
 
 class TestHostTextWidth : public QObject
 {

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::watch;
 
 /// What a driver tells about its work, and how a watch shows it.
 class TestHostMetrics : public QObject
@@ -38,7 +39,7 @@ void TestHostMetrics::readsWhatADriverHas()
     driver.setProperty("last_error", 7);
     driver.setProperty("last_error_age", 1500);
     driver.setProperty("item_ages", QVariantList{100, -1});
-    const DriverNumbers numbers = readNumbers(driver);
+    const value::DriverNumbers numbers = value::readNumbers(driver);
     QVERIFY(numbers.isAny());
     QCOMPARE(*numbers.cycle_count, 3);
     QCOMPARE(*numbers.cycle, 120);
@@ -56,10 +57,10 @@ void TestHostMetrics::readsWhatADriverHas()
 void TestHostMetrics::findsNothingWhereNothingIs()
 {
     const QObject driver;
-    const DriverNumbers numbers = readNumbers(driver);
+    const value::DriverNumbers numbers = value::readNumbers(driver);
     QVERIFY(!numbers.isAny());
     QVERIFY(!numbers.tells_ages);
-    QCOMPARE(numbersText(numbers, std::nullopt, now), QString());
+    QCOMPARE(value::numbersText(numbers, std::nullopt, now), QString());
 }
 
 void TestHostMetrics::takesNoTimeForNone()
@@ -68,7 +69,7 @@ void TestHostMetrics::takesNoTimeForNone()
     driver.setProperty("cycle_count", 0);
     driver.setProperty("cycle_milliseconds", -1);
     driver.setProperty("item_ages", QVariantList());
-    const DriverNumbers numbers = readNumbers(driver);
+    const value::DriverNumbers numbers = value::readNumbers(driver);
     QVERIFY(numbers.isAny());
     QVERIFY(!numbers.cycle);
     QVERIFY(numbers.tells_ages);
@@ -95,7 +96,7 @@ void TestHostMetrics::averagesReads()
 {
     using Samples = QVector<QPair<qint64, uint>>;
     QFETCH(Samples, samples);
-    ReadRate rate;
+    value::ReadRate rate;
     for (const auto& sample : samples)
         rate.take(sample.first, sample.second);
     QTEST(rate.perSecond().value_or(-1.0), "rate");
@@ -139,20 +140,20 @@ void TestHostMetrics::saysWhatIsTold()
     QObject driver;
     for (auto it = properties.cbegin(); it != properties.cend(); ++it)
         driver.setProperty(it.key().toLatin1().constData(), it.value());
-    QTEST(numbersText(readNumbers(driver), rate < 0 ? std::nullopt : std::optional<double>(rate),
-                      now),
+    QTEST(value::numbersText(value::readNumbers(driver),
+                             rate < 0 ? std::nullopt : std::optional<double>(rate), now),
           "text");
 }
 
 /// A line above the table, and ages since the service delivered a value, where the driver tells.
 void TestHostMetrics::standsInTheTable()
 {
-    const ItemType* type = findItemType(QStringLiteral("16Bit-INT"));
+    const value::ItemType* type = value::findItemType(QStringLiteral("16Bit-INT"));
     WatchModel model({{QStringLiteral("A"), QStringLiteral("a"), type, 0},
                       {QStringLiteral("B"), QStringLiteral("b"), type, 0},
                       {QStringLiteral("C"), QStringLiteral("c"), type, 0}},
                      now.addSecs(-600));
-    DriverNumbers numbers;
+    value::DriverNumbers numbers;
     numbers.reconnect_count = 2;
     numbers.tells_ages = true;
     numbers.ages = {3900, std::nullopt, 59900};

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::watch;
 
 class TestHostTableView : public QObject
 {
@@ -28,9 +29,10 @@ const QDateTime start(QDate(2024, 5, 1), QTime(12, 0));
 const WatchSubject subject = {QStringLiteral("lib.so"), QStringLiteral("1.2.3"),
                               QStringLiteral("https://cloud.example"), QStringLiteral("plant")};
 
-ItemConfig item(const char* name, const char* type)
+config::ItemConfig item(const char* name, const char* type)
 {
-    return {QString::fromUtf8(name), QStringLiteral("id"), findItemType(QLatin1String(type)), 0};
+    return {QString::fromUtf8(name), QStringLiteral("id"), value::findItemType(QLatin1String(type)),
+            0};
 }
 
 /// Three items with answers of three kinds.
@@ -98,7 +100,7 @@ void TestHostTableView::namesTheLinkOfADevice()
     const WatchSubject device = {QStringLiteral("lib.so"), QStringLiteral("1.2.3"), QString(),
                                  QString(), QStringLiteral("tcp:[::1]:502")};
     WatchModel model({item("4x1", "16Bit-INT")}, start);
-    model.take(0, {true, QByteArray(), 0x400CFFFF, false, StatusOf::device}, start);
+    model.take(0, {true, QByteArray(), 0x400CFFFF, false, value::StatusOf::device}, start);
     model.endRound(start);
     const QStringList lines = texts(drawTable(device, model, {}, start, {100, 30}));
     QCOMPARE(lines.at(0), QStringLiteral("Device   tcp:[::1]:502"));
@@ -126,7 +128,7 @@ void TestHostTableView::neverExceedsItsSize()
         draw(columns, rows, {QStringLiteral("a line of the log"), QStringLiteral("b")});
     QVERIFY(screen.size() <= rows);
     for (const ScreenLine& line : screen)
-        QVERIFY2(displayWidth(line.text) <= columns, qPrintable(line.text));
+        QVERIFY2(terminal::displayWidth(line.text) <= columns, qPrintable(line.text));
 }
 
 void TestHostTableView::dropsColumnsThatSayLeast()

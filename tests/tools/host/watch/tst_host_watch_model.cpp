@@ -3,6 +3,7 @@
 #include <QtTest>
 
 using namespace tovik_host;
+using namespace tovik_host::watch;
 
 class TestHostWatchModel : public QObject
 {
@@ -20,13 +21,13 @@ namespace {
 
 const QDateTime start(QDate(2024, 5, 1), QTime(12, 0));
 
-ItemConfig item(const char* name)
+config::ItemConfig item(const char* name)
 {
-    return {QLatin1String(name), QStringLiteral("id"), findItemType(QStringLiteral("16Bit-INT")),
-            0};
+    return {QLatin1String(name), QStringLiteral("id"),
+            value::findItemType(QStringLiteral("16Bit-INT")), 0};
 }
 
-Answer answer(const char* hex, int status = 0)
+driver::Answer answer(const char* hex, int status = 0)
 {
     return {true, QByteArray::fromHex(hex), status};
 }
@@ -55,26 +56,26 @@ void TestHostWatchModel::sameBytesAreNoChange()
 void TestHostWatchModel::missingAnswerIsAChange()
 {
     WatchModel model({item("a")}, start);
-    QVERIFY(model.take(0, Answer(), start));
+    QVERIFY(model.take(0, driver::Answer(), start));
     QVERIFY(!model.items().at(0).value);
-    QVERIFY(!model.take(0, Answer(), start));
+    QVERIFY(!model.take(0, driver::Answer(), start));
     QVERIFY(model.take(0, answer("0500"), start));
-    QVERIFY(model.take(0, Answer(), start));
+    QVERIFY(model.take(0, driver::Answer(), start));
     QVERIFY(!model.items().at(0).value);
 }
 
 void TestHostWatchModel::failureIsAChange()
 {
-    ItemConfig text = item("a");
-    text.type = findItemType(QStringLiteral("String"));
+    config::ItemConfig text = item("a");
+    text.type = value::findItemType(QStringLiteral("String"));
     WatchModel model({text}, start);
-    const Answer failed = {true, QByteArray(), 0x400A0000, false, StatusOf::device};
+    const driver::Answer failed = {true, QByteArray(), 0x400A0000, false, value::StatusOf::device};
     QVERIFY(model.take(0, answer(""), start));
     QVERIFY(model.items().at(0).value);
     QVERIFY(model.take(0, failed, start));
     QVERIFY(!model.items().at(0).value);
     QVERIFY(!model.take(0, failed, start));
-    QCOMPARE(model.statusOf(), StatusOf::device);
+    QCOMPARE(model.statusOf(), value::StatusOf::device);
 }
 
 void TestHostWatchModel::statusIsFirstErrorOfRound()

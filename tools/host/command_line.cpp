@@ -42,9 +42,9 @@ const char watch_text[] =
 
 const char read_text[] =
     "Reads items once, as the service or the device has them.\n"
-    "Of a service it serves each item twice with different initial values and takes a value\n"
-    "once both agree, so it is never one from the driver's empty cache. An error code of the\n"
-    "service ends it at once; a service that cannot be reached is tried again until --timeout.\n"
+    "Of a service it takes a value once the driver tells that the service has delivered it, so\n"
+    "it is never one from the driver's empty cache. An error code of the service ends it at\n"
+    "once; a service that cannot be reached is tried again until --timeout.\n"
     "A device is asked once (and --retries times more); --timeout is for opening the link.\n"
     "\n"
     "Example:\n"

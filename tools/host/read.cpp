@@ -12,8 +12,7 @@ namespace tovik_host {
 namespace {
 
 /// Why there is no value; empty when there is one.
-QString problemOf(const driver::FirstValue& value, const driver::FirstValues& values,
-                  terminal::Waited waited)
+QString problemOf(const driver::FirstValue& value, const driver::FirstValues& first)
 {
     if (value.arrived && value::decodeValue(*value.item.type, value.answer.bytes))
         return QString();
@@ -22,13 +21,13 @@ QString problemOf(const driver::FirstValue& value, const driver::FirstValues& va
         return QStringLiteral("the driver's bytes [%1] are no %2")
             .arg(value::hexText(value.answer.bytes), type);
     }
-    if (waited == terminal::Waited::interrupted)
+    if (first.waited == terminal::Waited::interrupted)
         return QStringLiteral("interrupted");
-    if (values.status() != 0) {
+    if (first.status != 0) {
         return QStringLiteral("no value: %1 (%2)")
-            .arg(value::statusText(values.status()), value::statusCode(values.status()));
+            .arg(value::statusText(first.status), value::statusCode(first.status));
     }
-    if (value.ever_unchanged) {
+    if (first.all_read && value.answer.arrived) {
         return QStringLiteral("the service's value is no %1: compare the item's type with the "
                               "service's")
             .arg(type);
@@ -78,14 +77,15 @@ QVector<config::ItemConfig> requestedItems(const driver::Workplace& place, const
 int runRead(const config::CommonOptions& common, const config::ReadOptions& options)
 {
     driver::Workplace place(common);
-    driver::FirstValues values(place.plugin, place.config, requestedItems(place, options.items));
-    const terminal::Waited waited = values.run(place.unix_signals, int(options.timeout * 1000));
+    const driver::FirstValues first =
+        driver::fetchFirstValues(place.plugin, place.config, requestedItems(place, options.items),
+                                 place.unix_signals, int(options.timeout * 1000));
     bool complete = true;
-    for (const driver::FirstValue& value : values.values()) {
-        const QString problem = problemOf(value, values, waited);
+    for (const driver::FirstValue& value : first.values) {
+        const QString problem = problemOf(value, first);
         complete = complete && problem.isEmpty();
         if (common.json)
-            printJson(place, value, problem, values.status());
+            printJson(place, value, problem, first.status);
         else
             printText(place, value, problem, options.quiet);
     }

@@ -14,14 +14,6 @@ namespace tovik_host {
 
 namespace {
 
-QVector<driver::ServedItem> servedItems(const QVector<config::ItemConfig>& items)
-{
-    QVector<driver::ServedItem> served;
-    for (const config::ItemConfig& item : items)
-        served << driver::ServedItem{item, std::nullopt};
-    return served;
-}
-
 /// Reads every item once and tells the view.
 /// \param clock a steady one, for what happens in a time
 void readRound(driver::DriverSession& session, const QElapsedTimer& clock, watch::WatchModel& model,
@@ -74,7 +66,7 @@ int runWatch(const config::CommonOptions& common, const config::WatchOptions& op
                  place.config.service.project},
                 start);
     {
-        driver::DriverSession session(place.plugin, place.config, servedItems(place.config.items));
+        driver::DriverSession session(place.plugin, place.config, place.config.items);
         QElapsedTimer clock;
         clock.start();
         QTimer metrics;

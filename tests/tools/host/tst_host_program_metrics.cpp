@@ -86,7 +86,7 @@ void TestHostProgramMetrics::ofTheRealDriverAsLines()
 
 void TestHostProgramMetrics::ofADriverWithout()
 {
-    HostProcess host;
+    HostProcess host(latin1("older"));
     host.addItem(latin1("A"), latin1("hex:0500"), latin1("16Bit-INT"));
     QCOMPARE(host.run(watch + often + QStringList{latin1("--seconds"), latin1("1")}), 0);
     QVERIFY(!host.output().contains(latin1("metrics")));

@@ -16,6 +16,7 @@ private Q_SLOTS:
     void explainsMissingValues();
     void keepsWhatCameBeforeAnError();
     void waitsForALateService();
+    void refusesALibraryWithoutAges();
     void printsJson();
     void endsOnSignal();
 };
@@ -116,6 +117,14 @@ void TestHostProgramRead::waitsForALateService()
     host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
     QCOMPARE(host.run({QStringLiteral("read"), QStringLiteral("A")}), 0);
     QCOMPARE(host.output(), QStringLiteral("A = 5\n"));
+}
+
+void TestHostProgramRead::refusesALibraryWithoutAges()
+{
+    HostProcess host(QStringLiteral("older"));
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    QCOMPARE(host.run({QStringLiteral("read"), QStringLiteral("A")}), 2);
+    QVERIFY(host.errors().contains(QLatin1String("does not tell when a value has come")));
 }
 
 void TestHostProgramRead::printsJson()

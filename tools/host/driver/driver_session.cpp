@@ -25,20 +25,18 @@ QString linkName()
 }
 
 PropertyTovikIot driverProperty(const config::ServiceConfig& service,
-                                const QVector<ServedItem>& items)
+                                const QVector<config::ItemConfig>& items)
 {
     PropertyTovikIot property;
     property.host = service.url;
     property.project = service.project;
     property.email = service.email;
     property.password = service.password;
-    for (const ServedItem& served : items) {
+    for (const config::ItemConfig& served : items) {
         PropertyTovikIotDataItem item;
-        item.name = served.item.name;
-        item.dataitem_id = served.item.id;
-        item.type = QString::fromLatin1(served.item.type->name);
-        if (served.initial_value)
-            item.value = *served.initial_value;
+        item.name = served.name;
+        item.dataitem_id = served.id;
+        item.type = QString::fromLatin1(served.type->name);
         property.dataitems << item;
     }
     return property;
@@ -65,7 +63,7 @@ QSharedPointer<AddrData> addressOf(const QString& name, int data_length)
 } // namespace
 
 DriverSession::DriverSession(const Plugin& plugin, const config::HostConfig& config,
-                             const QVector<ServedItem>& items)
+                             const QVector<config::ItemConfig>& items)
     : link_(new DrvEthernet)
 {
     qRegisterMetaType<QSharedPointer<AddrData>>("QSharedPointer<AddrData>");

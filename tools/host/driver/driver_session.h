@@ -29,14 +29,6 @@ struct Answer
     value::StatusOf status_of = value::StatusOf::service;
 };
 
-/// A data item as the driver is told to serve it.
-struct ServedItem
-{
-    config::ItemConfig item;
-    /// What the driver answers until the service has spoken; nothing: the driver's own default.
-    std::optional<QString> initial_value;
-};
-
 /// One link with one driver on it, from creation to release. To be used in one thread, which needs
 /// a running event loop between requests.
 class DriverSession : public QObject
@@ -47,7 +39,7 @@ public:
     /// Makes link and driver; the driver connects to the service by itself.
     /// \param config service and error handling are taken from it, its items are not.
     DriverSession(const Plugin& plugin, const config::HostConfig& config,
-                  const QVector<ServedItem>& items);
+                  const QVector<config::ItemConfig>& items);
     /// Announces the release to the driver, which ends its work, and deletes driver and link.
     ~DriverSession() override;
 

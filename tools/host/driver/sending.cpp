@@ -72,7 +72,7 @@ QString sendValue(Workplace& place, const config::ItemConfig& item, const QByteA
     elapsed.start();
     config::HostConfig config = place.config;
     config.error_handling = config::ErrorHandling();
-    DriverSession session(place.plugin, config, {ServedItem{item, std::nullopt}});
+    DriverSession session(place.plugin, config, {item});
 
     if (!session.numbers().write_count)
         return QStringLiteral("this library does not tell what becomes of a write");

@@ -13,17 +13,17 @@ namespace {
 using namespace codec;
 
 const ItemType types[] = {
-    {"Bit", 1, 0, 1, true, "0", "1", decodeBit, encodeBit},
-    {"16Bit-BCD", 2, 0, 9999, true, "7349", "8621", decodeBcd, encodeBcd},
-    {"16Bit-INT", 2, -32768, 32767, true, "7349", "8621", decodeInteger, encodeInteger},
-    {"16Bit-UINT", 2, 0, 65535, true, "7349", "8621", decodeInteger, encodeInteger},
-    {"16Bit-HEX", 2, 0, 0xFFFF, false, "7349", "8621", decodeHex, encodeHex},
-    {"32Bit-BCD", 4, 0, 99999999, true, "7349", "8621", decodeBcd, encodeBcd},
-    {"32Bit-INT", 4, -2147483648LL, 2147483647, true, "7349", "8621", decodeInteger, encodeInteger},
-    {"32Bit-UINT", 4, 0, 4294967295LL, true, "7349", "8621", decodeInteger, encodeInteger},
-    {"32Bit-HEX", 4, 0, 4294967295LL, false, "7349", "8621", decodeHex, encodeHex},
-    {"32Bit-FLOAT", 4, 0, 0, true, "7349", "8621", decodeFloat, encodeFloat},
-    {"String", 0, 0, 0, false, "7349", "8621", decodeText, encodeText},
+    {"Bit", 1, 0, 1, true, decodeBit, encodeBit},
+    {"16Bit-BCD", 2, 0, 9999, true, decodeBcd, encodeBcd},
+    {"16Bit-INT", 2, -32768, 32767, true, decodeInteger, encodeInteger},
+    {"16Bit-UINT", 2, 0, 65535, true, decodeInteger, encodeInteger},
+    {"16Bit-HEX", 2, 0, 0xFFFF, false, decodeHex, encodeHex},
+    {"32Bit-BCD", 4, 0, 99999999, true, decodeBcd, encodeBcd},
+    {"32Bit-INT", 4, -2147483648LL, 2147483647, true, decodeInteger, encodeInteger},
+    {"32Bit-UINT", 4, 0, 4294967295LL, true, decodeInteger, encodeInteger},
+    {"32Bit-HEX", 4, 0, 4294967295LL, false, decodeHex, encodeHex},
+    {"32Bit-FLOAT", 4, 0, 0, true, decodeFloat, encodeFloat},
+    {"String", 0, 0, 0, false, decodeText, encodeText},
 };
 
 } // namespace

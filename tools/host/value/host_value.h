@@ -32,9 +32,6 @@ struct ItemType
     qint64 high;
     /// Whether JSON shows the value as a number.
     bool is_number;
-    /// Two texts with different bytes: initial values that tell whether the service has spoken.
-    const char* first_marker;
-    const char* second_marker;
     /// Bytes as text; nothing when the bytes are none of this type.
     std::optional<QString> (*decode)(const ItemType& type, const QByteArray& bytes);
     /// A user's text as bytes. \a length is the room of a text in characters, 0 for any.

@@ -60,7 +60,7 @@ FakeDriver::FakeDriver(DrvEthernet* link)
 {
     for (const PropertyTovikIotDataItem& item : qAsConst(property_.dataitems)) {
         if (!items_.contains(item.name))
-            items_[item.name] = {item.dataitem_id, initialBytes(item)};
+            items_[item.name] = {item.dataitem_id, initialBytes(item), false};
     }
     connect(this, &DrvInterface::SigGetValuesByteArray, this, &FakeDriver::onRead);
     connect(this, &DrvInterface::SigSetValuesByteArray, this, &FakeDriver::onWrite);
@@ -71,6 +71,7 @@ FakeDriver::FakeDriver(DrvEthernet* link)
     tell("connected", false);
     tell("write_count", write_count_);
     tell("failed_write_count", failed_write_count_);
+    tellAges();
     qDebug() << "[Fake] error handling" << link->driver_specific_data.size() << "settings, type"
              << link->GetDriverSpecificData(QStringLiteral("tovik_iot_err_handle_type")).toInt();
 }
@@ -85,6 +86,15 @@ void FakeDriver::tell(const char* property, const QVariant& value)
 {
     if (property_.project != QLatin1String("older"))
         setProperty(property, value);
+}
+
+void FakeDriver::tellAges()
+{
+    QVariantList ages;
+    for (const PropertyTovikIotDataItem& item : qAsConst(property_.dataitems))
+        ages << (items_.value(item.name).has_value ? 0 : -1);
+    tell("item_ages", ages);
+    tell("cycle_count", whole_cycles_);
 }
 
 void FakeDriver::connectOnce()
@@ -109,24 +119,21 @@ void FakeDriver::connectOnce()
 
 void FakeDriver::cycle()
 {
+    bool is_whole = true;
     for (Item& item : items_) {
         if (item.id == QLatin1String("bad")) {
             status_ = status_7;
+            is_whole = false;
             break;
         }
-        if (item.id != QLatin1String("keep")) {
-            item.cached = serviceValue(item.id, cycles_);
+        if (item.id == QLatin1String("keep"))
             continue;
-        }
-        // Entries with one id share the value of the first, as in the real driver.
-        for (const PropertyTovikIotDataItem& first : qAsConst(property_.dataitems)) {
-            if (first.dataitem_id == item.id) {
-                item.cached = initialBytes(first);
-                break;
-            }
-        }
+        item.cached = serviceValue(item.id, cycles_);
+        item.has_value = true;
     }
     ++cycles_;
+    whole_cycles_ += is_whole ? 1 : 0;
+    tellAges();
 }
 
 void FakeDriver::onRead(QString unit, QString link, int, QSharedPointer<AddrData> address)

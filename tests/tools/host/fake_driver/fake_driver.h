@@ -18,7 +18,7 @@
 ///   "unreachable"  the service cannot be reached
 ///   "late"         the service cannot be reached at first; then the driver connects
 ///   "mute"         no request is answered
-///   "older"        the driver tells neither of its connection nor of writes
+///   "older"        the driver tells neither of its connection nor of writes or ages
 ///
 /// An item's id says what the service has for it; cycles walk along the values:
 ///   "hex:4600/4700"  these bytes
@@ -50,9 +50,11 @@ private:
     {
         QString id;
         QByteArray cached;
+        bool has_value;
     };
 
     void tell(const char* property, const QVariant& value);
+    void tellAges();
     void finishWrite(const QString& id, const QByteArray& bytes);
 
     PropertyTovikIot property_;
@@ -62,6 +64,7 @@ private:
     int status_ = 0;
     int attempts_ = 0;
     int cycles_ = 0;
+    int whole_cycles_ = 0;
     bool released_ = false;
     uint write_count_ = 0;
     uint failed_write_count_ = 0;

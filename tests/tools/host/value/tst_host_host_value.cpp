@@ -21,7 +21,6 @@ private Q_SLOTS:
     void comparesAsTheServiceTells_data();
     void comparesAsTheServiceTells();
     void knowsItsTypes();
-    void hasTwoDifferentMarkers();
 };
 
 namespace {
@@ -216,17 +215,6 @@ void TestHostHostValue::knowsItsTypes()
     QVERIFY(findItemType(QStringLiteral("16Bit-HEX")));
     QVERIFY(!findItemType(QStringLiteral("16bit-hex")));
     QVERIFY(!findItemType(QString()));
-}
-
-void TestHostHostValue::hasTwoDifferentMarkers()
-{
-    for (const QString& name : allItemTypeNames().split(QStringLiteral(", "))) {
-        const ItemType& type = *findItemType(name);
-        const EncodedValue first = encodeValue(type, QLatin1String(type.first_marker), 0);
-        const EncodedValue second = encodeValue(type, QLatin1String(type.second_marker), 0);
-        QVERIFY2(first.ok() && second.ok(), qPrintable(name));
-        QVERIFY2(first.bytes != second.bytes, qPrintable(name));
-    }
 }
 
 QTEST_APPLESS_MAIN(TestHostHostValue)

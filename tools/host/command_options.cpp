@@ -1,6 +1,6 @@
 #include "tools/host/command_options.h"
 
-#include "tools/host/config/device_limits.h"
+#include "tools/host/config/options.h"
 
 #include <cmath>
 
@@ -12,35 +12,41 @@ const char link_group[] = "Device on a link";
 const char service_group[] = "Service";
 const char log_group[] = "Driver's log";
 
-std::optional<QString> optionalText(const std::optional<std::string>& bytes)
-{
-    return bytes ? std::optional<QString>(text(*bytes)) : std::nullopt;
-}
-
 /// The given options of a group, as they are written.
 QStringList givenOptions(const CLI::App* command, const std::string& group)
 {
     QStringList names;
     for (const CLI::Option* option : command->get_options()) {
         if (option->get_group() == group && option->count() > 0)
-            names << text(option->get_name());
+            names << QString::fromStdString(option->get_name());
     }
     return names;
 }
 
 } // namespace
 
-QString text(const std::string& bytes)
+CLI::Option* addText(CLI::App* command, const char* name, QString& text, const char* description)
 {
-    return QString::fromStdString(bytes);
+    const auto set = [&text](const std::string& word) { text = QString::fromStdString(word); };
+    return command->add_option_function<std::string>(name, set, description);
 }
 
-QStringList texts(const std::vector<std::string>& list)
+CLI::Option* addText(CLI::App* command, const char* name, std::optional<QString>& text,
+                     const char* description)
 {
-    QStringList result;
-    for (const std::string& bytes : list)
-        result << text(bytes);
-    return result;
+    const auto set = [&text](const std::string& word) { text = QString::fromStdString(word); };
+    return command->add_option_function<std::string>(name, set, description);
+}
+
+CLI::Option* addTexts(CLI::App* command, const char* name, QStringList& texts,
+                      const char* description)
+{
+    const auto set = [&texts](const std::vector<std::string>& words) {
+        texts.clear();
+        for (const std::string& word : words)
+            texts << QString::fromStdString(word);
+    };
+    return command->add_option_function<std::vector<std::string>>(name, set, description);
 }
 
 CLI::Validator secondsWithin(double low, double high)
@@ -57,31 +63,29 @@ CLI::Validator secondsWithin(double low, double high)
         range.get_description());
 }
 
-void addCommon(CLI::App* command, const Parsed& parsed)
+void addCommon(CLI::App* command, config::CommonOptions& common)
 {
-    command
-        ->add_option("--config", parsed->config,
-                     "Configuration file (JSON); required unless --link is given")
+    addText(command, "--config", common.config,
+            "Configuration file (JSON); required unless --link is given")
         ->type_name("FILE");
-    command
-        ->add_option("--library", parsed->library,
-                     "Driver library (default: libtovik_iot.so.1 beside this program; a device "
-                     "needs its own)")
+    addText(command, "--library", common.library,
+            "Driver library (default: libtovik_iot.so.1 beside this program; a device "
+            "needs its own)")
         ->type_name("PATH");
-    command->add_option("--log", parsed->log, "Append the driver's debug lines to a file")
+    addText(command, "--log", common.log, "Append the driver's debug lines to a file")
         ->type_name("FILE")
         ->group(log_group);
-    command->add_flag("--verbose", parsed->verbose, "Driver's debug lines to the standard error")
+    command->add_flag("--verbose", common.verbose, "Driver's debug lines to the standard error")
         ->group(log_group);
 }
 
-void addService(CLI::App* command, const Parsed& parsed)
+void addService(CLI::App* command, config::CommonOptions& common)
 {
     CLI::Option* url =
-        command->add_option("--url", parsed->url, "Address of the service, instead of the file's")
+        addText(command, "--url", common.url, "Address of the service, instead of the file's")
             ->type_name("URL")
             ->group(service_group);
-    command->add_option("--url-file", parsed->url_file, "File whose first line is the address")
+    addText(command, "--url-file", common.url_file, "File whose first line is the address")
         ->type_name("FILE")
         ->group(service_group)
         ->excludes(url);
@@ -92,51 +96,44 @@ void markOfService(CLI::Option* option)
     option->group(service_group);
 }
 
-void addLink(CLI::App* command, const Parsed& parsed)
+void addLink(CLI::App* command, config::LinkOptions& link)
 {
-    config::LinkOptions& settings = parsed->link_settings;
-    command
-        ->add_option("--link", parsed->link,
-                     "tcp:HOST:PORT or serial:DEVICE[,BAUD[,FRAME[,FLOW]]]; by default "
-                     "9600,8N1,none; FLOW is none, rtscts or xonxoff")
+    addText(command, "--link", link.address,
+            "tcp:HOST:PORT or serial:DEVICE[,BAUD[,FRAME[,FLOW]]]; by default "
+            "9600,8N1,none; FLOW is none, rtscts or xonxoff")
         ->type_name("LINK")
         ->group(link_group);
     command
-        ->add_option("--response-timeout", settings.response_timeout,
+        ->add_option("--response-timeout", link.response_timeout,
                      "Longest wait for an answer (default 1000; the library's own 10 is too short "
                      "for most devices)")
         ->type_name("MS")
         ->check(CLI::Range(1, config::limits::response_timeout))
         ->group(link_group);
     command
-        ->add_option("--request-delay", settings.request_delay,
-                     "Pause before each request (default 0)")
+        ->add_option("--request-delay", link.request_delay, "Pause before each request (default 0)")
         ->type_name("MS")
         ->check(CLI::Range(0, config::limits::request_delay))
         ->group(link_group);
-    command->add_option("--retries", settings.retries, "Repeats after a failed attempt (default 0)")
+    command->add_option("--retries", link.retries, "Repeats after a failed attempt (default 0)")
         ->type_name("N")
         ->check(CLI::Range(0, config::limits::retries))
         ->group(link_group);
-    command
-        ->add_option("--link-param-a", settings.link_param_a,
-                     "For the driver's own use (default 0)")
+    command->add_option("--link-param-a", link.link_param_a, "For the driver's own use (default 0)")
         ->type_name("N")
         ->group(link_group);
     command
-        ->add_option("--link-param-b", settings.link_param_b,
-                     "For the driver's own use (default 255)")
+        ->add_option("--link-param-b", link.link_param_b, "For the driver's own use (default 255)")
         ->type_name("N")
         ->group(link_group);
 }
 
-void addRequest(CLI::App* command, const Parsed& parsed)
+void addRequest(CLI::App* command, config::CommonOptions& common)
 {
-    config::RequestOptions& request = parsed->request;
-    command
-        ->add_option("--type", parsed->type,
-                     "Type of the addresses: Bit, 16Bit- or 32Bit- with INT, UINT, HEX or BCD, "
-                     "32Bit-FLOAT, String (default 16Bit-UINT); ADDRESS=TYPE is for one of them")
+    config::RequestOptions& request = common.request;
+    addText(command, "--type", request.type,
+            "Type of the addresses: Bit, 16Bit- or 32Bit- with INT, UINT, HEX or BCD, "
+            "32Bit-FLOAT, String (default 16Bit-UINT); ADDRESS=TYPE is for one of them")
         ->type_name("TYPE")
         ->group(link_group);
     command->add_option("--length", request.length, "Bytes of a String")
@@ -147,7 +144,7 @@ void addRequest(CLI::App* command, const Parsed& parsed)
         ->type_name("N")
         ->check(CLI::Range(0, config::limits::station))
         ->group(link_group);
-    command->add_option("--unit", parsed->unit, "Unit name of the requests (default tovik-host)")
+    addText(command, "--unit", common.link.unit, "Unit name of the requests (default tovik-host)")
         ->type_name("NAME")
         ->group(link_group);
     const auto number = [command](const char* name, std::optional<int>& value) {
@@ -160,10 +157,9 @@ void addRequest(CLI::App* command, const Parsed& parsed)
     number("--extra2", request.extra2);
 }
 
-CLI::Option* addTimeout(CLI::App* command, const Parsed& parsed, const char* description,
-                        bool of_device)
+CLI::Option* addTimeout(CLI::App* command, double& timeout, const char* description, bool of_device)
 {
-    CLI::Option* option = command->add_option("--timeout", parsed->timeout, description)
+    CLI::Option* option = command->add_option("--timeout", timeout, description)
                               ->type_name("SECONDS")
                               ->check(secondsWithin(0.1, 86400))
                               ->capture_default_str();
@@ -172,27 +168,39 @@ CLI::Option* addTimeout(CLI::App* command, const Parsed& parsed, const char* des
     return option;
 }
 
-config::CommonOptions commonOptions(const CLI::App* command, const ParsedOptions& parsed)
+void complete(const CLI::App* command, config::CommonOptions& common)
 {
-    if (parsed.config.empty() && !parsed.link)
+    if (common.config.isEmpty() && !common.link.address)
         throw CLI::RequiredError("--config (a service and its items) or --link (a device)");
-    config::CommonOptions common;
-    common.config = text(parsed.config);
-    common.library = text(parsed.library);
-    common.url = text(parsed.url);
-    common.url_file = text(parsed.url_file);
-    common.json = parsed.json;
-    common.verbose = parsed.verbose;
-    common.log = text(parsed.log);
-    common.link = parsed.link_settings;
-    common.link.address = optionalText(parsed.link);
-    common.link.unit = optionalText(parsed.unit);
-    common.request = parsed.request;
-    common.request.type = optionalText(parsed.type);
-    common.link_timeout = parsed.timeout;
-    common.device_options = givenOptions(command, link_group);
-    common.service_options = givenOptions(command, service_group);
-    return common;
+    common.device_options << givenOptions(command, link_group);
+    common.service_options << givenOptions(command, service_group);
+}
+
+void addServiceOptions(CLI::App* command, service::ServiceOptions& options)
+{
+    config::AccountOptions& account = options.account;
+    const auto of_account = [command](const char* name, QString& text, const char* description,
+                                      const char* type) {
+        return addText(command, name, text, description)->type_name(type)->group("Account");
+    };
+    of_account("--config", account.config, "Configuration to take the account from", "FILE");
+    of_account("--url", account.url, "Address of the service", "URL");
+    of_account("--url-file", account.url_file, "File whose first line is the address", "FILE")
+        ->excludes("--url");
+    of_account("--project", account.project, "Project to log in to", "NAME");
+    of_account("--email", account.email, "Account to log in with", "ADDRESS");
+    of_account("--password-file", account.password_file, "File whose first line is the password",
+               "FILE");
+    of_account("--password-env", account.password_env, "Variable of the environment that holds it",
+               "NAME")
+        ->excludes("--password-file");
+    addTimeout(command, options.timeout, "Longest wait for one answer of the service");
+    command->add_flag("--quiet", options.quiet, "No progress");
+    addText(command, "--log", options.log, "Append the client's debug lines to a file")
+        ->type_name("FILE")
+        ->group("Client's log");
+    command->add_flag("--verbose", options.verbose, "Client's debug lines to the standard error")
+        ->group("Client's log");
 }
 
 } // namespace tovik_host

@@ -1,11 +1,10 @@
-#include "tools/host/device_commands.h"
+#include "tools/host/commands.h"
 #include "tools/host/driver/device_host.h"
-#include "tools/host/driver/device_place.h"
+#include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/usage_error.h"
-#include "tools/host/terminal/waiter.h"
+#include "tools/host/terminal/unix_signals.h"
 #include "tools/host/value/status_text.h"
-#include "tools/host/watch/make_watch_view.h"
+#include "tools/host/watch/watch_view.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -21,11 +20,11 @@ const int longest_without_drawing = 500;
 class DeviceWatch
 {
 public:
-    DeviceWatch(driver::DevicePlace& place, driver::DeviceHost& host, watch::WatchView& view,
+    DeviceWatch(driver::DeviceSetup& setup, driver::DeviceHost& host, watch::WatchView& view,
                 bool tells_of_link);
 
     /// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
-    void run(const config::WatchOptions& options);
+    void run(double seconds, int interval);
 
 private:
     void readRound();
@@ -33,7 +32,7 @@ private:
     void draw();
     bool ended() const;
 
-    driver::DevicePlace& place_;
+    driver::DeviceSetup& setup_;
     driver::DeviceHost& host_;
     watch::WatchView& view_;
     watch::WatchModel model_;
@@ -43,18 +42,18 @@ private:
     bool link_is_lost_ = false;
 };
 
-DeviceWatch::DeviceWatch(driver::DevicePlace& place, driver::DeviceHost& host,
+DeviceWatch::DeviceWatch(driver::DeviceSetup& setup, driver::DeviceHost& host,
                          watch::WatchView& view, bool tells_of_link)
-    : place_(place),
+    : setup_(setup),
       host_(host),
       view_(view),
-      model_(place.config.items, QDateTime::currentDateTime()),
+      model_(setup.config.items, QDateTime::currentDateTime()),
       tells_of_link_(tells_of_link)
 {}
 
 bool DeviceWatch::ended() const
 {
-    return time_is_up_ || place_.unix_signals.endRequested() || place_.out.broken();
+    return time_is_up_ || setup_.context.unix_signals.endRequested() || setup_.context.out.broken();
 }
 
 void DeviceWatch::draw()
@@ -73,9 +72,9 @@ void DeviceWatch::tellOfLink(const driver::DeviceAnswer& answer)
     const QString news = is_lost ? QStringLiteral("link lost: %1; trying again until it is back")
                                        .arg(answer.link_problem)
                                  : QStringLiteral("link is back");
-    place_.log.take(QStringLiteral("[tovik-host] ") + news);
+    setup_.context.log.take(QStringLiteral("[tovik-host] ") + news);
     if (tells_of_link_)
-        place_.complainOfLink(news);
+        setup_.complainOfLink(news);
 }
 
 void DeviceWatch::readRound()
@@ -95,13 +94,13 @@ void DeviceWatch::readRound()
     draw();
 }
 
-void DeviceWatch::run(const config::WatchOptions& options)
+void DeviceWatch::run(double seconds, int interval)
 {
     QObject context;
-    QObject::connect(&place_.unix_signals, &terminal::UnixSignals::terminalResized, &context,
-                     [this] { draw(); });
-    if (options.seconds > 0) {
-        QTimer::singleShot(int(options.seconds * 1000), &context, [this] {
+    QObject::connect(&setup_.context.unix_signals, &terminal::UnixSignals::terminalResized,
+                     &context, [this] { draw(); });
+    if (seconds > 0) {
+        QTimer::singleShot(int(seconds * 1000), &context, [this] {
             time_is_up_ = true;
             host_.stop();
         });
@@ -112,7 +111,7 @@ void DeviceWatch::run(const config::WatchOptions& options)
         elapsed.start();
         readRound();
         if (!ended()) {
-            terminal::waitUntil(place_.unix_signals, options.interval - int(elapsed.elapsed()),
+            terminal::waitUntil(setup_.context.unix_signals, interval - int(elapsed.elapsed()),
                                 [this] { return ended(); });
         }
     }
@@ -120,28 +119,29 @@ void DeviceWatch::run(const config::WatchOptions& options)
 
 } // namespace
 
-int runDeviceWatch(const config::CommonOptions& common, const config::WatchOptions& options)
+int watchDevice(const config::CommonOptions& common, const QStringList& items, double seconds,
+                int interval)
 {
-    if (options.items.isEmpty() && common.config.isEmpty()) {
+    if (items.isEmpty() && common.config.isEmpty()) {
         throw terminal::UsageError(
             QStringLiteral("there is nothing to watch: name addresses, or a file of "
                            "items with --config"));
     }
-    driver::DevicePlace place(common, options.items);
-    const std::unique_ptr<watch::WatchView> view =
-        watch::makeWatchView(common, place.out, place.log, place.unix_signals);
+    terminal::Context context;
+    driver::DeviceSetup setup(common, items, context);
+    const std::unique_ptr<watch::WatchView> view = watch::makeWatchView(common, context);
     {
-        driver::DeviceHost host(place.plugin, place.config, place.unix_signals);
+        driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
         const QString link_problem = host.open();
         if (!link_problem.isEmpty()) {
-            place.complainOfLink(link_problem);
+            setup.complainOfLink(link_problem);
             return terminal::exitRefused;
         }
-        view->start({place.plugin.path(), place.plugin.versionText(), QString(), QString(),
-                     driver::linkText(place.config.link)},
+        view->start({setup.plugin.path(), setup.plugin.versionText(), QString(), QString(),
+                     driver::linkText(setup.config.link)},
                     QDateTime::currentDateTime());
-        DeviceWatch(place, host, *view, !watch::isWatchedOnTerminal(common) && !common.verbose)
-            .run(options);
+        DeviceWatch(setup, host, *view, !watch::isWatchedOnTerminal(common) && !common.verbose)
+            .run(seconds, interval);
     }
     view->end(QDateTime::currentDateTime());
     return terminal::exitDone;

@@ -1,7 +1,6 @@
 #include "tools/host/command_line.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/output.h"
-#include "tools/host/terminal/usage_error.h"
 
 #include <QCoreApplication>
 

@@ -1,15 +1,27 @@
-#include "tools/host/read.h"
-
+#include "tools/host/commands.h"
 #include "tools/host/driver/answer_json.h"
+#include "tools/host/driver/device_host.h"
 #include "tools/host/driver/first_values.h"
-#include "tools/host/driver/workplace.h"
+#include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
 #include "tools/host/value/status_text.h"
 
 namespace tovik_host {
 
 namespace {
+
+const char read_text[] =
+    "Reads items once, as the service or the device has them.\n"
+    "Of a service it takes a value once the driver tells that the service has delivered it, so\n"
+    "it is never one from the driver's empty cache. An error code of the service ends it at\n"
+    "once; a service that cannot be reached is tried again until --timeout.\n"
+    "A device is asked once (and --retries times more); --timeout is for opening the link.\n"
+    "\n"
+    "Example:\n"
+    "  tovik-host read Pump.Speed Tank.Level --config plant.json\n"
+    "With a device:\n"
+    "  tovik-host read 4x1 4x2=16Bit-INT --library ./libmodbus_drv.so.1 \\\n"
+    "      --link serial:/dev/ttyUSB0,19200,8E1 --station 3";
 
 /// Why there is no value; empty when there is one.
 QString problemOf(const driver::FirstValue& value, const driver::FirstValues& first)
@@ -36,19 +48,18 @@ QString problemOf(const driver::FirstValue& value, const driver::FirstValues& fi
                           "shows its log");
 }
 
-void printText(driver::Workplace& place, const driver::FirstValue& value, const QString& problem,
+void printText(terminal::Context& context, const driver::FirstValue& value, const QString& problem,
                bool quiet)
 {
     if (!problem.isEmpty()) {
-        place.err.line(QStringLiteral("tovik-host: %1: %2")
-                           .arg(terminal::printable(value.item.name), problem));
+        context.complain(value.item.name, problem);
         return;
     }
     const QString text = value::decodeValue(*value.item.type, value.answer.bytes).value();
-    place.out.line(quiet ? text : QStringLiteral("%1 = %2").arg(value.item.name, text));
+    context.out.line(quiet ? text : QStringLiteral("%1 = %2").arg(value.item.name, text));
 }
 
-void printJson(driver::Workplace& place, const driver::FirstValue& value, const QString& problem,
+void printJson(terminal::Context& context, const driver::FirstValue& value, const QString& problem,
                int status)
 {
     // Bytes that are not the service's would only mislead.
@@ -61,35 +72,127 @@ void printJson(driver::Workplace& place, const driver::FirstValue& value, const 
                                         : std::nullopt);
     if (!problem.isEmpty())
         line["problem"] = problem.toStdString();
-    place.out.line(value::jsonLine(line));
+    context.out.line(value::jsonLine(line));
 }
 
-QVector<config::ItemConfig> requestedItems(const driver::Workplace& place, const QStringList& names)
+QVector<config::ItemConfig> requestedItems(const driver::ServiceSetup& setup,
+                                           const QStringList& names)
 {
     QVector<config::ItemConfig> items;
     for (const QString& name : names)
-        items << place.item(name);
+        items << setup.item(name);
     return items;
 }
 
-} // namespace
-
-int runRead(const config::CommonOptions& common, const config::ReadOptions& options)
+void printDevice(terminal::Context& context, const config::ItemConfig& item,
+                 const driver::DeviceAnswer& answer, const QString& problem, bool quiet)
 {
-    driver::Workplace place(common);
+    if (!problem.isEmpty()) {
+        context.complain(item.name, problem);
+        return;
+    }
+    const QString text = value::decodeValue(*item.type, answer.answer.bytes).value();
+    context.out.line(quiet ? text : QStringLiteral("%1 = %2").arg(item.name, text));
+}
+
+void printDeviceJson(terminal::Context& context, const config::ItemConfig& item,
+                     const driver::DeviceAnswer& answer, const QString& problem)
+{
+    value::OrderedJson line;
+    driver::addAnswer(line, item, answer.answer,
+                      problem.isEmpty() ? value::decodeValue(*item.type, answer.answer.bytes)
+                                        : std::nullopt);
+    if (!problem.isEmpty())
+        line["problem"] = problem.toStdString();
+    context.out.line(value::jsonLine(line));
+}
+
+struct Read
+{
+    config::CommonOptions common;
+    QStringList items;
+    bool quiet = false;
+
+    int run() const;
+    int runOfService() const;
+    int runOfDevice() const;
+};
+
+int Read::run() const
+{
+    if (driver::isForDevice(common))
+        return runOfDevice();
+    driver::refuseDeviceOptions(common);
+    return runOfService();
+}
+
+int Read::runOfService() const
+{
+    terminal::Context context;
+    const driver::ServiceSetup setup(common, context);
     const driver::FirstValues first =
-        driver::fetchFirstValues(place.plugin, place.config, requestedItems(place, options.items),
-                                 place.unix_signals, int(options.timeout * 1000));
+        driver::fetchFirstValues(setup.plugin, setup.config, requestedItems(setup, items),
+                                 context.unix_signals, int(common.timeout * 1000));
     bool complete = true;
     for (const driver::FirstValue& value : first.values) {
         const QString problem = problemOf(value, first);
         complete = complete && problem.isEmpty();
         if (common.json)
-            printJson(place, value, problem, first.status);
+            printJson(context, value, problem, first.status);
         else
-            printText(place, value, problem, options.quiet);
+            printText(context, value, problem, quiet);
     }
     return complete ? terminal::exitDone : terminal::exitRefused;
+}
+
+int Read::runOfDevice() const
+{
+    terminal::Context context;
+    driver::DeviceSetup setup(common, items, context);
+    driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
+    const QString link_problem = host.open();
+    if (!link_problem.isEmpty()) {
+        setup.complainOfLink(link_problem);
+        return terminal::exitRefused;
+    }
+    bool complete = true;
+    for (const config::ItemConfig& item : qAsConst(setup.config.items)) {
+        const driver::DeviceAnswer answer = host.read(item);
+        const QString problem = setup.problemOf(item, answer);
+        complete = complete && problem.isEmpty();
+        if (common.json)
+            printDeviceJson(context, item, answer, problem);
+        else
+            printDevice(context, item, answer, problem, quiet);
+        if (context.unix_signals.endRequested())
+            return terminal::exitRefused;
+    }
+    return complete ? terminal::exitDone : terminal::exitRefused;
+}
+
+} // namespace
+
+void addRead(CLI::App& app, Run& run)
+{
+    const auto options = std::make_shared<Read>();
+    CLI::App* command =
+        app.add_subcommand("read", "Read items once, as the service or the device has them");
+    command->footer(read_text);
+    addTexts(command, "ITEM", options->items,
+             "Names of items; of a device without --config: addresses")
+        ->type_name("")
+        ->required();
+    addCommon(command, options->common);
+    addService(command, options->common);
+    addTimeout(command, options->common.timeout, "Longest wait for the values, or for the link");
+    command->add_flag("--json", options->common.json, "One line of JSON for every item");
+    command->add_flag("--quiet", options->quiet, "The values only");
+    addLink(command, options->common.link);
+    addRequest(command, options->common);
+    command->callback([command, options, &run] {
+        complete(command, options->common);
+        run = [options] { return options->run(); };
+    });
 }
 
 } // namespace tovik_host

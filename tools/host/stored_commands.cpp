@@ -1,6 +1,4 @@
-#include "tools/host/stored_commands.h"
-
-#include "tools/host/command_options.h"
+#include "tools/host/commands.h"
 #include "tools/host/stored/convert.h"
 
 #include <memory>
@@ -51,17 +49,9 @@ CLI::Option* addWord(CLI::App* command, const char* name, const char* descriptio
         ->check(CLI::IsMember(std::move(words)));
 }
 
-CLI::Option* addPath(CLI::App* command, const char* name, const char* description, QString* path)
-{
-    const auto set = [=](const std::string& word) { *path = text(word); };
-    return command->add_option_function<std::string>(name, set, description)
-        ->type_name("")
-        ->required();
-}
-
 std::string checkVersion(const std::string& word)
 {
-    if (stored::versionOf(text(word)))
+    if (stored::versionOf(QString::fromStdString(word)))
         return std::string();
     return "\"" + word + "\" is no stream version: give a number from " +
            std::to_string(stored::oldest_version) + " to " +
@@ -70,7 +60,9 @@ std::string checkVersion(const std::string& word)
 
 void addInput(CLI::App* command, const Target& options)
 {
-    addPath(command, "IN", "The file to read; - for the standard input", &options->input);
+    addText(command, "IN", options->input, "The file to read; - for the standard input")
+        ->type_name("")
+        ->required();
     addWord(command, "--from", "What IN is: json or stream (default: looks)", {"json", "stream"},
             "json", &options->from_json)
         ->type_name("KIND");
@@ -80,7 +72,7 @@ void addFormat(CLI::App* command, const Target& options)
 {
     stored::Hints* const format = &options->format;
     const auto set_version = [=](const std::string& word) {
-        const int version = *stored::versionOf(text(word));
+        const int version = *stored::versionOf(QString::fromStdString(word));
         format->versions = stored::Versions{version, version};
     };
     command
@@ -104,14 +96,16 @@ void addFormat(CLI::App* command, const Target& options)
 
 } // namespace
 
-void addConvert(CLI::App& app, std::function<int()>& run)
+void addConvert(CLI::App& app, Run& run)
 {
     CLI::App* const command =
         app.add_subcommand("convert", "Turn a stored configuration into JSON, and back");
     const Target options = std::make_shared<stored::Options>();
     command->footer(convert_text);
     addInput(command, options);
-    addPath(command, "OUT", "The file to write; - for the standard output", &options->output);
+    addText(command, "OUT", options->output, "The file to write; - for the standard output")
+        ->type_name("")
+        ->required();
     addWord(command, "--to",
             "What OUT is: json or stream (default: json if OUT ends with .json, or if it is - and "
             "IN is a stream; stream if IN is JSON)",
@@ -123,7 +117,7 @@ void addConvert(CLI::App& app, std::function<int()>& run)
     command->callback([options, &run] { run = [options] { return stored::convert(*options); }; });
 }
 
-void addShow(CLI::App& app, std::function<int()>& run)
+void addShow(CLI::App& app, Run& run)
 {
     CLI::App* const command = app.add_subcommand("show", "Show a stored configuration");
     const Target options = std::make_shared<stored::Options>();

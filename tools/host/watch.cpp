@@ -1,8 +1,8 @@
-#include "tools/host/watch.h"
+#include "tools/host/commands.h"
 
-#include "tools/host/driver/workplace.h"
+#include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/watch/make_watch_view.h"
+#include "tools/host/watch/watch_view.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -13,6 +13,18 @@
 namespace tovik_host {
 
 namespace {
+
+const char watch_text[] =
+    "Reads all items again and again and shows what changes: a live table on a terminal,\n"
+    "a line for every change elsewhere. Ends with Ctrl-C or after --seconds.\n"
+    "Values are what a host sees: of a cloud driver zeros and empty texts until the first cycle\n"
+    "is done. A link that is lost is opened again; until then the status is offline.\n"
+    "\n"
+    "Example:\n"
+    "  tovik-host watch --config plant.json --seconds 60 --json\n"
+    "With a device:\n"
+    "  tovik-host watch 4x1 4x10=32Bit-FLOAT --library ./libmodbus_drv.so.1 \\\n"
+    "      --link tcp:192.168.1.5:502 --interval 1000";
 
 /// Reads every item once and tells the view.
 /// \param clock a steady one, for what happens in a time
@@ -32,57 +44,113 @@ void readRound(driver::DriverSession& session, const QElapsedTimer& clock, watch
 }
 
 /// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
-void watchUntilEnd(driver::Workplace& place, const config::WatchOptions& options,
+void watchUntilEnd(terminal::Context& context, double seconds, int interval,
                    const std::function<void()>& round)
 {
     QEventLoop loop;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
         round();
-        if (place.out.broken())
+        if (context.out.broken())
             loop.quit();
     });
-    QObject::connect(&place.unix_signals, &terminal::UnixSignals::endAsked, &loop,
+    QObject::connect(&context.unix_signals, &terminal::UnixSignals::endAsked, &loop,
                      &QEventLoop::quit);
-    QObject::connect(&place.unix_signals, &terminal::UnixSignals::terminalResized, &loop, round);
-    if (options.seconds > 0)
-        QTimer::singleShot(int(options.seconds * 1000), &loop, &QEventLoop::quit);
-    timer.start(options.interval);
+    QObject::connect(&context.unix_signals, &terminal::UnixSignals::terminalResized, &loop, round);
+    if (seconds > 0)
+        QTimer::singleShot(int(seconds * 1000), &loop, &QEventLoop::quit);
+    timer.start(interval);
     round();
-    if (!place.unix_signals.endRequested() && !place.out.broken())
+    if (!context.unix_signals.endRequested() && !context.out.broken())
         loop.exec();
+}
+
+struct Watch
+{
+    config::CommonOptions common;
+    QStringList items;  ///< Of a device only.
+    double seconds = 0; ///< 0: until a signal.
+    int interval = 500; ///< Milliseconds between the rounds of reads.
+    double metrics = 0; ///< Seconds between reports of the driver's numbers; 0: none.
+
+    int run() const;
+    int runOfService() const;
+};
+
+int Watch::run() const
+{
+    if (driver::isForDevice(common))
+        return watchDevice(common, items, seconds, interval);
+    driver::refuseDeviceOptions(common);
+    return runOfService();
+}
+
+int Watch::runOfService() const
+{
+    terminal::Context context;
+    const driver::ServiceSetup setup(common, context);
+    const std::unique_ptr<watch::WatchView> view = watch::makeWatchView(common, context);
+    const QDateTime start = QDateTime::currentDateTime();
+    watch::WatchModel model(setup.config.items, start);
+    view->start({setup.plugin.path(), setup.plugin.versionText(), setup.shownUrl(),
+                 setup.config.service.project},
+                start);
+    {
+        driver::DriverSession session(setup.plugin, setup.config, setup.config.items);
+        QElapsedTimer clock;
+        clock.start();
+        QTimer reports;
+        QObject::connect(&reports, &QTimer::timeout, &reports, [&] {
+            model.takeNumbers(session.numbers(), clock.elapsed());
+            view->numbersDue(model, QDateTime::currentDateTime());
+        });
+        if (metrics > 0) {
+            reports.start(int(metrics * 1000));
+            if (!session.numbers().isAny())
+                context.warn(QStringLiteral("this driver has no metrics"));
+        }
+        watchUntilEnd(context, seconds, interval, [&] { readRound(session, clock, model, *view); });
+    }
+    view->end(QDateTime::currentDateTime());
+    return terminal::exitDone;
 }
 
 } // namespace
 
-int runWatch(const config::CommonOptions& common, const config::WatchOptions& options)
+void addWatch(CLI::App& app, Run& run)
 {
-    driver::Workplace place(common);
-    const std::unique_ptr<watch::WatchView> view =
-        watch::makeWatchView(common, place.out, place.log, place.unix_signals);
-    const QDateTime start = QDateTime::currentDateTime();
-    watch::WatchModel model(place.config.items, start);
-    view->start({place.plugin.path(), place.plugin.versionText(), place.shownUrl(),
-                 place.config.service.project},
-                start);
-    {
-        driver::DriverSession session(place.plugin, place.config, place.config.items);
-        QElapsedTimer clock;
-        clock.start();
-        QTimer metrics;
-        QObject::connect(&metrics, &QTimer::timeout, &metrics, [&] {
-            model.takeNumbers(session.numbers(), clock.elapsed());
-            view->numbersDue(model, QDateTime::currentDateTime());
-        });
-        if (options.metrics > 0) {
-            metrics.start(int(options.metrics * 1000));
-            if (!session.numbers().isAny())
-                place.err.line(QStringLiteral("tovik-host: warning: this driver has no metrics"));
-        }
-        watchUntilEnd(place, options, [&] { readRound(session, clock, model, *view); });
-    }
-    view->end(QDateTime::currentDateTime());
-    return terminal::exitDone;
+    const auto options = std::make_shared<Watch>();
+    CLI::App* command = app.add_subcommand("watch", "Show items live as the driver serves them");
+    command->footer(watch_text);
+    addTexts(command, "ADDRESS", options->items,
+             "Of a device: addresses, or with --config names of items")
+        ->type_name("");
+    addCommon(command, options->common);
+    addService(command, options->common);
+    command->add_option("--seconds", options->seconds, "End after this time")
+        ->type_name("SECONDS")
+        ->check(secondsWithin(0.1, 1000000));
+    command->add_option("--interval", options->interval, "Time between reads")
+        ->type_name("MS")
+        ->check(CLI::Range(20, 3600000))
+        ->capture_default_str();
+    command->add_flag("--json", options->common.json, "One line of JSON for every change");
+    markOfService(
+        command
+            ->add_option("--metrics", options->metrics,
+                         "Also report cycle time, reads per second, errors and ages so often")
+            ->type_name("SECONDS")
+            ->check(secondsWithin(0.1, 86400)));
+    addLink(command, options->common.link);
+    addRequest(command, options->common);
+    addTimeout(command, options->common.timeout, "Longest wait for the link", true);
+    command->callback([command, options, &run] {
+        complete(command, options->common);
+        QStringList& of_device = options->common.device_options;
+        if (!options->items.isEmpty())
+            of_device << QStringLiteral("\"%1\"").arg(options->items.first());
+        run = [options] { return options->run(); };
+    });
 }
 
 } // namespace tovik_host

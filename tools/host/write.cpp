@@ -1,45 +1,124 @@
-#include "tools/host/write.h"
-
-#include "tools/host/driver/confirm.h"
+#include "tools/host/commands.h"
+#include "tools/host/driver/device_host.h"
 #include "tools/host/driver/sending.h"
-#include "tools/host/driver/workplace.h"
+#include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
-#include "tools/host/terminal/usage_error.h"
 
 namespace tovik_host {
 
 namespace {
 
-int milliseconds(double seconds)
+const char write_text[] =
+    "Writes one value, checked against the limits of the item's type, and waits until the\n"
+    "driver has sent it. --confirm starts another driver, which knows nothing of the write,\n"
+    "and waits until that one hears the value from the service. A device itself says whether\n"
+    "it has taken the value.\n"
+    "A value that begins with a minus sign and is no plain number goes behind \"--\".\n"
+    "\n"
+    "Example:\n"
+    "  tovik-host write Pump.Speed 1200 --config plant.json --confirm 5\n"
+    "With a device:\n"
+    "  tovik-host write 4x1 1200 --library ./libmodbus_drv.so.1 --link tcp:192.168.1.5:502";
+
+struct Write
 {
-    return int(seconds * 1000);
+    config::CommonOptions common;
+    QString item;
+    QString value;
+    double confirm = 0; ///< Seconds; 0: is not confirmed.
+
+    int run() const;
+    int runOfService() const;
+    int runOfDevice() const;
+};
+
+/// The value's bytes. Throws UsageError when it is none of the item's type.
+QByteArray encoded(const config::ItemConfig& item, const QString& value)
+{
+    const value::EncodedValue encoded = value::encodeValue(*item.type, value, item.length);
+    if (!encoded.ok())
+        throw terminal::UsageError(QStringLiteral("%1: %2").arg(item.name, encoded.problem));
+    return encoded.bytes;
+}
+
+QString doneText(const config::ItemConfig& item, const QByteArray& bytes, const QString& done)
+{
+    return QStringLiteral("%1 = %2  %3")
+        .arg(item.name, value::decodeValue(*item.type, bytes).value_or(QString()), done);
+}
+
+int Write::run() const
+{
+    if (driver::isForDevice(common))
+        return runOfDevice();
+    driver::refuseDeviceOptions(common);
+    return runOfService();
+}
+
+int Write::runOfService() const
+{
+    terminal::Context context;
+    const driver::ServiceSetup setup(common, context);
+    const config::ItemConfig& to = setup.item(item);
+    const QByteArray bytes = encoded(to, value);
+    QString problem = driver::sendValue(context, setup, to, bytes, int(common.timeout * 1000));
+    if (problem.isEmpty() && confirm > 0)
+        problem = driver::confirmValue(context, setup, to, bytes, int(confirm * 1000));
+    if (!problem.isEmpty()) {
+        context.complain(to.name, problem);
+        return terminal::exitRefused;
+    }
+    context.out.line(
+        doneText(to, bytes, confirm > 0 ? QStringLiteral("confirmed") : QStringLiteral("sent")));
+    return terminal::exitDone;
+}
+
+int Write::runOfDevice() const
+{
+    terminal::Context context;
+    driver::DeviceSetup setup(common, {item}, context);
+    const config::ItemConfig& to = setup.config.items.first();
+    const QByteArray bytes = encoded(to, value);
+    driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
+    const QString link_problem = host.open();
+    if (!link_problem.isEmpty()) {
+        setup.complainOfLink(link_problem);
+        return terminal::exitRefused;
+    }
+    const QString problem = setup.failureOf(host.write(to, bytes));
+    if (!problem.isEmpty()) {
+        context.complain(to.name, QStringLiteral("not written: ") + problem);
+        return terminal::exitRefused;
+    }
+    context.out.line(doneText(to, bytes, QStringLiteral("written")));
+    return terminal::exitDone;
 }
 
 } // namespace
 
-int runWrite(const config::CommonOptions& common, const config::WriteOptions& options)
+void addWrite(CLI::App& app, Run& run)
 {
-    driver::Workplace place(common);
-    const config::ItemConfig& item = place.item(options.item);
-    const value::EncodedValue encoded = value::encodeValue(*item.type, options.value, item.length);
-    if (!encoded.ok())
-        throw terminal::UsageError(QStringLiteral("%1: %2").arg(item.name, encoded.problem));
-    const QString shown = value::decodeValue(*item.type, encoded.bytes).value_or(QString());
-
-    QString problem = driver::sendValue(place, item, encoded.bytes, milliseconds(options.timeout));
-    if (problem.isEmpty() && options.confirm > 0)
-        problem = driver::confirmValue(place, item, encoded.bytes, milliseconds(options.confirm));
-    if (!problem.isEmpty()) {
-        place.err.line(QStringLiteral("tovik-host: %1: %2")
-                           .arg(terminal::printable(item.name), terminal::printable(problem)));
-        return terminal::exitRefused;
-    }
-    place.out.line(
-        QStringLiteral("%1 = %2  %3")
-            .arg(item.name, shown,
-                 options.confirm > 0 ? QStringLiteral("confirmed") : QStringLiteral("sent")));
-    return terminal::exitDone;
+    const auto options = std::make_shared<Write>();
+    CLI::App* command = app.add_subcommand("write", "Write one value to an item");
+    command->footer(write_text);
+    addText(command, "ITEM", options->item,
+            "Name of the item; of a device without --config: address")
+        ->type_name("")
+        ->required();
+    addText(command, "VALUE", options->value, "New value")->type_name("")->required();
+    addCommon(command, options->common);
+    addService(command, options->common);
+    addTimeout(command, options->common.timeout, "Longest wait until it is sent, or for the link");
+    markOfService(
+        command->add_option("--confirm", options->confirm, "Wait until the service shows the value")
+            ->type_name("SECONDS")
+            ->check(secondsWithin(0.1, 86400)));
+    addLink(command, options->common.link);
+    addRequest(command, options->common);
+    command->callback([command, options, &run] {
+        complete(command, options->common);
+        run = [options] { return options->run(); };
+    });
 }
 
 } // namespace tovik_host

@@ -4,11 +4,9 @@
 #include "tools/host/check/check_verdict.h"
 #include "tools/host/check/check_way.h"
 #include "tools/host/check/probe.h"
-#include "tools/host/driver/workplace.h"
+#include "tools/host/driver/setup.h"
 #include "tools/host/service/cloud_client.h"
-#include "tools/host/terminal/debug_log.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/usage_error.h"
 
 #include <memory>
 
@@ -52,18 +50,14 @@ QVector<config::ItemConfig> matchingItems(const QVector<config::ItemConfig>& ite
 class Walk
 {
 public:
-    Walk(const config::CommonOptions& common, const CheckOptions& options)
-        : config_(driver::hostConfig(common)),
+    Walk(const config::CommonOptions& common, const QStringList& items)
+        : config_(driver::hostConfig(common, context_)),
           url_(config_.service.url),
-          items_(matchingItems(config_.items, options.items)),
-          out_(STDOUT_FILENO),
-          timeout_(options.timeout),
+          items_(matchingItems(config_.items, items)),
+          timeout_(common.timeout),
           as_json_(common.json)
     {
-        if (!common.log.isEmpty())
-            log_.writeToFile(common.log);
-        if (common.verbose)
-            log_.echo();
+        context_.log.start(common.log, common.verbose);
     }
 
     int run()
@@ -72,20 +66,20 @@ public:
         if (reachService() && converse())
             readItems();
         showNotTried();
-        const bool is_interrupted = unix_signals_.endRequested();
+        const bool is_interrupted = context_.unix_signals.endRequested();
         const Verdict verdict = judgeAll(steps_, is_interrupted);
         for (const QString& line : verdictLines(verdict, as_json_))
-            out_.line(line);
+            context_.out.line(line);
         return verdict.is_well ? terminal::exitDone : terminal::exitRefused;
     }
 
 private:
-    /// Shows \a step and keeps it. False: it is one that nothing comes behind.
+    /// Shows \a step and keeps it. False: it is one that nothing comes after.
     bool show(const CheckStep& step)
     {
         steps_ << step;
-        out_.line(stepLine(step, as_json_));
-        return step.judgement != Judgement::failure && !unix_signals_.endRequested();
+        context_.out.line(stepLine(step, as_json_));
+        return step.judgement != Judgement::failure && !context_.unix_signals.endRequested();
     }
 
     bool isEncrypted() const { return url_.scheme() == QLatin1String("https"); }
@@ -97,12 +91,10 @@ private:
     void readItem(ItemFinding* finding);
     void showNotTried();
 
-    terminal::DebugLog log_;
-    terminal::UnixSignals unix_signals_;
+    terminal::Context context_;
     config::HostConfig config_;
     QUrl url_;
     QVector<config::ItemConfig> items_;
-    terminal::Output out_;
     double timeout_;
     bool as_json_;
     CheckSteps steps_;
@@ -118,7 +110,7 @@ bool Walk::reachService()
     const ProxyFacts via = proxyFacts(proxy);
     if (via.isInForce())
         show(judgeProxy(via));
-    const Probe probe(unix_signals_, timeout_);
+    const Probe probe(context_.unix_signals, timeout_);
     const NameFacts name = probe.lookUp(via.isInForce() ? via.host : url_.host());
     if (!show(judgeName(name, timeout_)))
         return false;
@@ -131,7 +123,7 @@ bool Walk::reachService()
     }
     for (const CheckStep& step : judgeConnections(connections, timeout_))
         show(step);
-    if (address.isEmpty() || unix_signals_.endRequested())
+    if (address.isEmpty() || context_.unix_signals.endRequested())
         return false;
     return greet(via.isInForce() ? url_.host() : address, proxy);
 }
@@ -139,7 +131,7 @@ bool Walk::reachService()
 /// The first words with the service at \a address.
 bool Walk::greet(const QString& address, const QNetworkProxy& proxy)
 {
-    const Probe probe(unix_signals_, timeout_);
+    const Probe probe(context_.unix_signals, timeout_);
     if (isEncrypted()) {
         const TlsFacts facts = probe.shakeHands(url_, address, proxy);
         if (!show(judgeHandshake(facts, timeout_)))
@@ -156,7 +148,7 @@ bool Walk::greet(const QString& address, const QNetworkProxy& proxy)
 bool Walk::converse()
 {
     client_ = std::make_unique<service::CloudClient>(config_.service);
-    QObject::connect(&unix_signals_, &terminal::UnixSignals::endAsked, client_.get(),
+    QObject::connect(&context_.unix_signals, &terminal::UnixSignals::endAsked, client_.get(),
                      &service::CloudClient::interrupt);
     if (!show(judgeConversation("login", client_->login(timeout_))))
         return false;
@@ -172,14 +164,14 @@ void Walk::readItems()
     bool is_complete = items_.size() == config_.items.size();
     for (const config::ItemConfig& item : items_) {
         ItemFinding finding = lookUpItem(item, catalogue);
-        if (timeouts < most_timeouts && !unix_signals_.endRequested())
+        if (timeouts < most_timeouts && !context_.unix_signals.endRequested())
             readItem(&finding);
         timeouts = finding.outcome.kind == service::ClientOutcome::TimedOut ? timeouts + 1 : 0;
         is_complete = is_complete && finding.is_read;
         findings << finding;
         show(judgeItem(finding));
     }
-    if (!findings.isEmpty() && !unix_signals_.endRequested())
+    if (!findings.isEmpty() && !context_.unix_signals.endRequested())
         show(judgeCycle(findings, is_complete));
 }
 
@@ -190,7 +182,7 @@ void Walk::readItem(ItemFinding* finding)
         finding->item.id, QString::fromLatin1(finding->item.type->name), timeout_, &finding->value);
 }
 
-/// What the way would have had behind its last step.
+/// What the way would have had after its last step.
 void Walk::showNotTried()
 {
     QStringList names = {QStringLiteral("name"), QStringLiteral("connect"),
@@ -211,9 +203,9 @@ void Walk::showNotTried()
 
 } // namespace
 
-int runCheck(const config::CommonOptions& common, const CheckOptions& options)
+int runCheck(const config::CommonOptions& common, const QStringList& items)
 {
-    return Walk(common, options).run();
+    return Walk(common, items).run();
 }
 
 } // namespace tovik_host::check

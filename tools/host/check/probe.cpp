@@ -1,10 +1,15 @@
 #include "tools/host/check/probe.h"
 
-#include "tools/host/terminal/waiter.h"
+#include "tools/host/terminal/unix_signals.h"
 
 #include <QElapsedTimer>
 #include <QHostAddress>
 #include <QHostInfo>
+#include <QSslCertificate>
+#include <QSslCipher>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <QSslSocket>
 #include <QTcpSocket>
 
 #include <optional>
@@ -115,6 +120,177 @@ ConnectFacts Probe::connect(const QString& address, int port) const
         facts.end = endOf(socket.error());
         facts.reason = socket.errorString();
     }
+    return facts;
+}
+
+namespace {
+
+QString keyText(const QSslKey& key)
+{
+    const int bits = key.length();
+    switch (key.algorithm()) {
+    case QSsl::Rsa:
+        return QStringLiteral("RSA, %1 bits").arg(bits);
+    case QSsl::Ec:
+        return QStringLiteral("elliptic curve, %1 bits").arg(bits);
+    case QSsl::Dsa:
+        return QStringLiteral("DSA, %1 bits").arg(bits);
+    default:
+        return QStringLiteral("of a kind that Qt does not know");
+    }
+}
+
+QString nameOf(const QStringList& common, const QStringList& organisation)
+{
+    const QStringList names = common.isEmpty() ? organisation : common;
+    return names.isEmpty() ? QStringLiteral("(no name)") : names.join(QStringLiteral(", "));
+}
+
+CertificateFacts certificateFacts(const QSslCertificate& certificate,
+                                  const QList<QSslError>& errors)
+{
+    CertificateFacts facts;
+    facts.subject = nameOf(certificate.subjectInfo(QSslCertificate::CommonName),
+                           certificate.subjectInfo(QSslCertificate::Organization));
+    facts.issuer = nameOf(certificate.issuerInfo(QSslCertificate::CommonName),
+                          certificate.issuerInfo(QSslCertificate::Organization));
+    facts.valid_from = certificate.effectiveDate();
+    facts.valid_until = certificate.expiryDate();
+    facts.names = certificate.subjectAlternativeNames().values();
+    facts.names.sort();
+    facts.key = keyText(certificate.publicKey());
+    facts.is_self_signed = certificate.isSelfSigned();
+    for (const QSslError& error : errors) {
+        if (!facts.complaints.contains(error.errorString()))
+            facts.complaints << error.errorString();
+    }
+    return facts;
+}
+
+QString protocolText(QSsl::SslProtocol protocol)
+{
+    switch (protocol) {
+    case QSsl::TlsV1_0:
+        return QStringLiteral("TLS 1.0");
+    case QSsl::TlsV1_1:
+        return QStringLiteral("TLS 1.1");
+    case QSsl::TlsV1_2:
+        return QStringLiteral("TLS 1.2");
+    case QSsl::TlsV1_3:
+        return QStringLiteral("TLS 1.3");
+    default:
+        return QStringLiteral("TLS of unknown version");
+    }
+}
+
+void takeSession(const QSslSocket& socket, const QList<QSslError>& errors, TlsFacts* facts)
+{
+    facts->spoken = Spoken::tls;
+    facts->protocol = protocolText(socket.sessionProtocol());
+    facts->cipher = socket.sessionCipher().name();
+    const QSslCertificate certificate = socket.peerCertificate();
+    facts->has_certificate = !certificate.isNull();
+    if (facts->has_certificate)
+        facts->certificate = certificateFacts(certificate, errors);
+}
+
+} // namespace
+
+SslLibraryFacts probeSslLibrary()
+{
+    SslLibraryFacts facts;
+    facts.is_supported = QSslSocket::supportsSsl();
+    facts.built_for = QSslSocket::sslLibraryBuildVersionNumber();
+    facts.built_for_text = QSslSocket::sslLibraryBuildVersionString();
+    facts.running = facts.is_supported ? QSslSocket::sslLibraryVersionNumber() : 0;
+    facts.running_text = facts.is_supported ? QSslSocket::sslLibraryVersionString() : QString();
+    return facts;
+}
+
+TlsFacts Probe::shakeHands(const QUrl& url, const QString& address,
+                           const QNetworkProxy& proxy) const
+{
+    TlsFacts facts = tryTls(url, address, proxy);
+    const bool is_direct = proxy.type() == QNetworkProxy::NoProxy;
+    if (facts.end != ProbeEnd::done && facts.end != ProbeEnd::interrupted && is_direct)
+        facts.spoken = tryHttp(url, address).spoken;
+    return facts;
+}
+
+TlsFacts Probe::speakHttp(const QUrl& url, const QString& address) const
+{
+    TlsFacts facts = tryHttp(url, address);
+    // Some services tell a client in plain HTTP that their port is one for TLS.
+    const bool is_http = facts.spoken == Spoken::http && !facts.is_bad_request;
+    if (is_http || facts.end == ProbeEnd::interrupted)
+        return facts;
+    const TlsFacts tls = tryTls(url, address, QNetworkProxy::NoProxy);
+    if (tls.spoken == Spoken::tls)
+        facts.spoken = Spoken::tls;
+    return facts;
+}
+
+TlsFacts Probe::tryTls(const QUrl& url, const QString& address, const QNetworkProxy& proxy) const
+{
+    TlsFacts facts;
+    QSslSocket socket;
+    socket.setProxy(proxy);
+    // As good as not verifying; but the objections are told.
+    socket.setPeerVerifyMode(QSslSocket::QueryPeer);
+    QList<QSslError> errors;
+    bool is_over = false;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    const auto over = [&] {
+        facts.seconds = double(elapsed.nsecsElapsed()) / 1e9;
+        is_over = true;
+    };
+    QObject::connect(&socket, QOverload<const QList<QSslError>&>::of(&QSslSocket::sslErrors),
+                     &socket, [&](const QList<QSslError>& more) { errors += more; });
+    QObject::connect(&socket, &QSslSocket::encrypted, &socket, over);
+    QObject::connect(&socket, &QAbstractSocket::errorOccurred, &socket, over);
+    socket.connectToHostEncrypted(address, quint16(portOf(url)), url.host());
+    if (!wait([&] { return is_over; }, &facts.end)) {
+        over();
+    } else if (socket.isEncrypted()) {
+        takeSession(socket, errors, &facts);
+    } else {
+        facts.end = ProbeEnd::failed;
+        facts.reason = socket.errorString();
+    }
+    QObject::disconnect(&socket, nullptr, nullptr, nullptr);
+    return facts;
+}
+
+TlsFacts Probe::tryHttp(const QUrl& url, const QString& address) const
+{
+    const int enough = int(qstrlen("HTTP/1.1 400"));
+    TlsFacts facts;
+    QTcpSocket socket;
+    socket.setProxy(QNetworkProxy::NoProxy);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    QByteArray answer;
+    bool is_over = false;
+    QObject::connect(&socket, &QTcpSocket::connected, &socket, [&] {
+        socket.write("GET / HTTP/1.1\r\nHost: " + url.host(QUrl::FullyEncoded).toLatin1() +
+                     "\r\nConnection: close\r\n\r\n");
+    });
+    QObject::connect(&socket, &QTcpSocket::readyRead, &socket, [&] {
+        answer += socket.readAll();
+        is_over = is_over || answer.size() >= enough;
+    });
+    QObject::connect(&socket, &QAbstractSocket::errorOccurred, &socket, [&] { is_over = true; });
+    socket.connectToHost(QHostAddress(address), quint16(portOf(url)));
+    if (wait([&] { return is_over; }, &facts.end) && answer.isEmpty()) {
+        facts.end = ProbeEnd::failed;
+        facts.reason = socket.errorString();
+    }
+    facts.seconds = double(elapsed.nsecsElapsed()) / 1e9;
+    if (!answer.isEmpty())
+        facts.spoken = answer.startsWith("HTTP/") ? Spoken::http : Spoken::other;
+    facts.is_bad_request = answer.mid(enough - 3, 3) == "400";
+    QObject::disconnect(&socket, nullptr, nullptr, nullptr);
     return facts;
 }
 

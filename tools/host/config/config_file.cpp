@@ -1,10 +1,11 @@
 #include "tools/host/config/config_file.h"
 
-#include "tools/host/config/item_list.h"
 #include "tools/host/config/member_reader.h"
 #include "tools/host/config/password.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/value/json_text.h"
 
+#include <QHash>
 #include <QUrl>
 
 namespace tovik_host::config {
@@ -113,6 +114,76 @@ LoadedConfig loadConfig(const QString& path, bool with_password)
     loaded.config.items = readItems(file, &loaded.warnings);
     loaded.config.error_handling = readErrorHandling(file);
     return loaded;
+}
+
+QVector<ItemConfig> readItemList(const JsonFile& file, const ItemReader& read_item,
+                                 const QString& if_named_twice, QStringList* warnings)
+{
+    const MemberReader::Pointer list("/items");
+    const nlohmann::json& elements = file.root.at(list);
+    if (!elements.is_array())
+        file.fail(list, QStringLiteral("must be a list: [ ... ]"));
+    if (elements.empty())
+        file.fail(list, QStringLiteral("must name at least one item"));
+    QVector<ItemConfig> items;
+    QHash<QString, std::size_t> first_of_name;
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        items << read_item(list / i);
+        const QString& name = items.last().name;
+        if (!first_of_name.contains(name)) {
+            first_of_name.insert(name, i);
+            continue;
+        }
+        *warnings << QStringLiteral("%1: items[%2] has the name \"%3\" already; %4")
+                         .arg(file.place(list / i / "name"))
+                         .arg(first_of_name.value(name))
+                         .arg(name, if_named_twice);
+    }
+    return items;
+}
+
+namespace {
+
+value::OrderedJson jsonOf(const Account& account, bool with_password)
+{
+    value::OrderedJson service;
+    // The address may hold a password of its own.
+    const QString url = with_password ? account.service.url
+                                      : QUrl(account.service.url).toString(QUrl::RemoveUserInfo);
+    if (!url.isEmpty())
+        service["url"] = url.toStdString();
+    service["project"] = account.service.project.toStdString();
+    service["email"] = account.service.email.toStdString();
+    if (with_password)
+        service["password"] = account.service.password.toStdString();
+    else if (!account.password_file.isEmpty())
+        service["password_file"] = account.password_file.toStdString();
+    else
+        service["password_env"] =
+            (account.password_env.isEmpty() ? defaultPasswordVariable() : account.password_env)
+                .toStdString();
+    return service;
+}
+
+value::OrderedJson jsonOf(const ItemConfig& item)
+{
+    value::OrderedJson json = {{"name", item.name.toStdString()},
+                               {"id", item.id.toStdString()},
+                               {"type", item.type->name}};
+    if (item.length > 0)
+        json["length"] = item.length;
+    return json;
+}
+
+} // namespace
+
+QString configJson(const Account& account, const QVector<ItemConfig>& items, bool with_password)
+{
+    value::OrderedJson list = value::OrderedJson::array();
+    for (const ItemConfig& item : items)
+        list.push_back(jsonOf(item));
+    const value::OrderedJson root = {{"service", jsonOf(account, with_password)}, {"items", list}};
+    return QString::fromStdString(root.dump(2)) + QLatin1Char('\n');
 }
 
 } // namespace tovik_host::config

@@ -2,8 +2,14 @@
 #define TOOLS_HOST_CONFIG_CONFIG_FILE_H
 
 #include "tools/host/config/config.h"
+#include "tools/host/config/member_reader.h"
+#include "tools/host/config/service_account.h"
 
+#include <QString>
 #include <QStringList>
+#include <QVector>
+
+#include <functional>
 
 namespace tovik_host::config {
 
@@ -25,6 +31,20 @@ LoadedConfig loadConfig(const QString& path, bool with_password = true);
 /// Throws UsageError unless \a url is an address that the driver can use.
 /// \param origin what the message names as the source of the address.
 void checkUrl(const QString& url, const QString& origin);
+
+/// Reads one item of a configuration file.
+using ItemReader = std::function<ItemConfig(const MemberReader::Pointer& pointer)>;
+
+/// Reads the member "items" of \a file, which exists, each by \a read_item. Throws UsageError when
+/// it is no list or an empty one.
+/// \param if_named_twice what becomes of an item whose name another one has already, for the
+///        warning about it
+QVector<ItemConfig> readItemList(const JsonFile& file, const ItemReader& read_item,
+                                 const QString& if_named_twice, QStringList* warnings);
+
+/// A configuration as loadConfig() reads it; ends with a line break. Without the password it says
+/// where to find it.
+QString configJson(const Account& account, const QVector<ItemConfig>& items, bool with_password);
 
 } // namespace tovik_host::config
 

@@ -1,9 +1,9 @@
 #include "tools/host/config/device_file.h"
 
-#include "tools/host/config/device_limits.h"
-#include "tools/host/config/item_list.h"
+#include "tools/host/config/config_file.h"
 #include "tools/host/config/member_reader.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/config/options.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <limits>
 

@@ -8,6 +8,18 @@
 
 namespace tovik_host::config {
 
+/// \file
+/// The largest numbers that options and configurations of devices may have; times in milliseconds.
+namespace limits {
+
+const int request_delay = 60000;
+const int response_timeout = 600000;
+const int retries = 100;
+const int station = 65535;
+const int length = 65535;
+
+} // namespace limits
+
 /// The link to a device and its settings, as far as they are given; times in milliseconds.
 struct LinkOptions
 {
@@ -43,38 +55,9 @@ struct CommonOptions
     QString log;          ///< The driver's debug lines go to this file; empty: to none.
     LinkOptions link;
     RequestOptions request;
-    double link_timeout = 10;    ///< Seconds that opening the link may take.
+    double timeout = 10;         ///< Seconds, for each step or for opening the link.
     QStringList device_options;  ///< The given options that only a device has, as written.
     QStringList service_options; ///< The given options that only a service has.
-};
-
-struct WatchOptions
-{
-    QStringList items;  ///< Of a device only.
-    double seconds = 0; ///< 0: until a signal.
-    int interval = 500; ///< Milliseconds between the rounds of reads.
-    double metrics = 0; ///< Seconds between reports of the driver's numbers; 0: none.
-};
-
-struct ReadOptions
-{
-    QStringList items;
-    bool quiet = false;
-    double timeout = 10;
-};
-
-struct WriteOptions
-{
-    QString item;
-    QString value;
-    double confirm = 0; ///< 0: is not confirmed.
-    double timeout = 10;
-};
-
-struct RawOptions
-{
-    QStringList bytes; ///< Hexadecimal digits.
-    bool force = false;
 };
 
 } // namespace tovik_host::config

@@ -1,9 +1,9 @@
 #include "tools/host/config/service_account.h"
 
 #include "tools/host/config/config_file.h"
-#include "tools/host/config/first_line.h"
 #include "tools/host/config/member_reader.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/config/password.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "tools/host/driver/device_config.h"
 
 #include "tools/host/config/device_file.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 namespace tovik_host::driver {
 
@@ -159,7 +159,7 @@ DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList
     config.link = linkOf(common, file);
     config.settings = settingsOf(common.link, file.link);
     config.unit = chosen(common.link.unit, file.link.unit, defaultUnit());
-    config.open_milliseconds = int(common.link_timeout * 1000);
+    config.open_milliseconds = int(common.timeout * 1000);
     return config;
 }
 

@@ -1,6 +1,6 @@
 #include "tools/host/driver/device_session.h"
 
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include "interface/addr_data.h"
 

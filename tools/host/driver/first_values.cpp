@@ -1,6 +1,6 @@
 #include "tools/host/driver/first_values.h"
 
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/status_text.h"
 
 namespace tovik_host::driver {

@@ -2,7 +2,7 @@
 #define TOOLS_HOST_DRIVER_FIRST_VALUES_H
 
 #include "tools/host/driver/driver_session.h"
-#include "tools/host/terminal/waiter.h"
+#include "tools/host/terminal/unix_signals.h"
 
 namespace tovik_host::driver {
 

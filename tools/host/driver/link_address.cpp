@@ -1,6 +1,6 @@
 #include "tools/host/driver/link_address.h"
 
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <QHostAddress>
 #include <QStringList>

@@ -1,6 +1,6 @@
 #include "tools/host/driver/plugin.h"
 
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <QDir>
 #include <QFileInfo>

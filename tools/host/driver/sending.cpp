@@ -1,7 +1,7 @@
 #include "tools/host/driver/sending.h"
 
 #include "tools/host/driver/driver_session.h"
-#include "tools/host/terminal/waiter.h"
+#include "tools/host/terminal/unix_signals.h"
 #include "tools/host/value/status_text.h"
 
 #include <QElapsedTimer>
@@ -34,10 +34,11 @@ QString withStatus(const QString& problem, int status)
 }
 
 /// The status follows the driver's count of failed writes a moment later.
-int statusOfFailure(Workplace& place, DriverSession& session, const config::ItemConfig& item)
+int statusOfFailure(const terminal::UnixSignals& unix_signals, DriverSession& session,
+                    const config::ItemConfig& item)
 {
     int status = 0;
-    terminal::waitUntil(place.unix_signals, 1000, [&] {
+    terminal::waitUntil(unix_signals, 1000, [&] {
         status = session.read(item.name, item.length).status;
         return status != 0;
     });
@@ -65,28 +66,28 @@ QString unfinished(terminal::Waited waited, const QString& problem)
 
 } // namespace
 
-QString sendValue(Workplace& place, const config::ItemConfig& item, const QByteArray& bytes,
-                  int milliseconds)
+QString sendValue(terminal::Context& context, const ServiceSetup& setup,
+                  const config::ItemConfig& item, const QByteArray& bytes, int milliseconds)
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    config::HostConfig config = place.config;
+    config::HostConfig config = setup.config;
     config.error_handling = config::ErrorHandling();
-    DriverSession session(place.plugin, config, {item});
+    DriverSession session(setup.plugin, config, {item});
 
     if (!session.numbers().write_count)
         return QStringLiteral("this library does not tell what becomes of a write");
 
     Connection connection;
     terminal::Waited waited = terminal::waitUntil(
-        place.unix_signals, milliseconds, [&] { return connection.isDecided(session, item); });
+        context.unix_signals, milliseconds, [&] { return connection.isDecided(session, item); });
     if (!connection.made)
         return unfinished(waited, withStatus(QStringLiteral("no connection"), connection.status));
 
     const value::DriverNumbers before = session.numbers();
     value::DriverNumbers now = before;
     session.write(item.name, bytes);
-    waited = terminal::waitUntil(place.unix_signals, milliseconds - int(elapsed.elapsed()), [&] {
+    waited = terminal::waitUntil(context.unix_signals, milliseconds - int(elapsed.elapsed()), [&] {
         now = session.numbers();
         return now.write_count != before.write_count ||
                now.failed_write_count != before.failed_write_count;
@@ -97,7 +98,34 @@ QString sendValue(Workplace& place, const config::ItemConfig& item, const QByteA
     }
     return now.write_count != before.write_count
                ? QString()
-               : failureText(statusOfFailure(place, session, item));
+               : failureText(statusOfFailure(context.unix_signals, session, item));
+}
+
+QString confirmValue(terminal::Context& context, const ServiceSetup& setup,
+                     const config::ItemConfig& item, const QByteArray& bytes, int milliseconds)
+{
+    config::HostConfig config = setup.config;
+    config.error_handling = config::ErrorHandling();
+    DriverSession session(setup.plugin, config, {item});
+    bool has_come = false;
+    Answer latest;
+    const terminal::Waited waited = terminal::waitUntil(context.unix_signals, milliseconds, [&] {
+        has_come = session.numbers().ages.value(0).has_value();
+        latest = session.read(item.name, item.length);
+        return has_come && value::sameValue(*item.type, latest.bytes, bytes);
+    });
+    if (waited == terminal::Waited::met)
+        return QString();
+    if (waited == terminal::Waited::interrupted)
+        return QStringLiteral("sent, but interrupted before the service showed it");
+    if (latest.status != 0) {
+        return QStringLiteral("sent, but not confirmed in time: %1 (%2)")
+            .arg(value::statusText(latest.status), value::statusCode(latest.status));
+    }
+    if (!has_come)
+        return QStringLiteral("sent, but the service has shown no value in time");
+    return QStringLiteral("sent, but the service shows %1")
+        .arg(value::decodeValue(*item.type, latest.bytes).value_or(QStringLiteral("no value")));
 }
 
 } // namespace tovik_host::driver

@@ -1,7 +1,7 @@
 #include "tools/host/service/catalogue_file.h"
 
 #include "tools/host/config/config_file.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/host_value.h"
 #include "tools/host/value/json_text.h"
 

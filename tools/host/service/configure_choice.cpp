@@ -1,6 +1,6 @@
 #include "tools/host/service/configure_choice.h"
 
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/host_value.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 
 #include "tools/host/service/catalogue_text.h"
 #include "tools/host/service/configure_names.h"
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/text_width.h"
-#include "tools/host/terminal/usage_error.h"
 
 #include <QRegularExpression>
 

@@ -3,9 +3,9 @@
 #include "tools/host/config/config_file.h"
 #include "tools/host/stored/detection.h"
 #include "tools/host/stored/json.h"
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/output.h"
 #include "tools/host/terminal/text_width.h"
-#include "tools/host/terminal/usage_error.h"
 
 #include <QFile>
 #include <QUrl>

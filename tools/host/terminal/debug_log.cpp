@@ -1,6 +1,6 @@
 #include "tools/host/terminal/debug_log.h"
 
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -58,6 +58,14 @@ void DebugLog::echo()
 {
     const QMutexLocker locker(&lock_);
     echoes_ = true;
+}
+
+void DebugLog::start(const QString& path, bool echoes)
+{
+    if (!path.isEmpty())
+        writeToFile(path);
+    if (echoes)
+        echo();
 }
 
 QStringList DebugLog::lastLines(int count) const

@@ -25,6 +25,8 @@ public:
     void writeToFile(const QString& path);
     /// Writes every further line to the standard error as well.
     void echo();
+    /// Both as the options say; an empty \a path: to no file.
+    void start(const QString& path, bool echoes);
     /// The latest lines, oldest first; a line that came several times in a row stands there once,
     /// with their number.
     QStringList lastLines(int count) const;

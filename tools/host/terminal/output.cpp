@@ -1,7 +1,7 @@
 #include "tools/host/terminal/output.h"
 
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/text_width.h"
-#include "tools/host/terminal/usage_error.h"
 
 #include <QFileInfo>
 #include <QSaveFile>

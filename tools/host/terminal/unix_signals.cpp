@@ -1,12 +1,15 @@
 #include "tools/host/terminal/unix_signals.h"
 
-#include <QSocketNotifier>
-
-#include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QSocketNotifier>
+#include <QTimer>
+
 #include <cerrno>
+#include <csignal>
 
 namespace tovik_host::terminal {
 
@@ -76,6 +79,32 @@ void UnixSignals::onReadable()
         return;
     end_requested_ = true;
     Q_EMIT endAsked();
+}
+
+Waited waitUntil(const UnixSignals& unix_signals, int milliseconds,
+                 const std::function<bool()>& condition)
+{
+    const int tick = 20;
+    Waited result = Waited::met;
+    QEventLoop loop;
+    QTimer timer;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    const auto look = [&] {
+        if (condition())
+            result = Waited::met;
+        else if (unix_signals.endRequested())
+            result = Waited::interrupted;
+        else if (elapsed.elapsed() >= milliseconds)
+            result = Waited::timed_out;
+        else
+            return;
+        loop.quit();
+    };
+    QObject::connect(&timer, &QTimer::timeout, &loop, look);
+    timer.start(tick);
+    loop.exec();
+    return result;
 }
 
 } // namespace tovik_host::terminal

@@ -4,6 +4,7 @@
 #include <QObject>
 
 #include <array>
+#include <functional>
 
 class QSocketNotifier;
 
@@ -38,6 +39,19 @@ private:
     QSocketNotifier* notifier_ = nullptr;
     bool end_requested_ = false;
 };
+
+/// How a wait ended.
+enum class Waited
+{
+    met,
+    timed_out,
+    interrupted
+};
+
+/// Runs the event loop until \a condition holds, which is asked every few milliseconds, until
+/// \a milliseconds have passed, or until \a unix_signals ask the program to end.
+Waited waitUntil(const UnixSignals& unix_signals, int milliseconds,
+                 const std::function<bool()>& condition);
 
 } // namespace tovik_host::terminal
 

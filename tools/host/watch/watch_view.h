@@ -1,9 +1,13 @@
 #ifndef TOOLS_HOST_WATCH_WATCH_VIEW_H
 #define TOOLS_HOST_WATCH_WATCH_VIEW_H
 
+#include "tools/host/config/options.h"
+#include "tools/host/terminal/context.h"
 #include "tools/host/watch/watch_model.h"
 
 #include <QString>
+
+#include <memory>
 
 namespace tovik_host::watch {
 
@@ -32,6 +36,14 @@ public:
     virtual void numbersDue(const WatchModel& model, const QDateTime& now) = 0;
     virtual void end(const QDateTime& now) = 0;
 };
+
+/// The view that the options and the standard output ask for: JSON, a live table on a terminal, or
+/// lines. All that it is made from must outlive it.
+std::unique_ptr<WatchView> makeWatchView(const config::CommonOptions& common,
+                                         terminal::Context& context);
+
+/// Whether makeWatchView() makes a table, beside which nothing else may be written.
+bool isWatchedOnTerminal(const config::CommonOptions& common);
 
 } // namespace tovik_host::watch
 

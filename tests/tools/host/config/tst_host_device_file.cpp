@@ -1,5 +1,5 @@
 #include "tools/host/config/device_file.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

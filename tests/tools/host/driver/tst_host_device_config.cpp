@@ -1,5 +1,5 @@
 #include "tools/host/driver/device_config.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include "interface/drv_ethernet.h"
 

@@ -1,5 +1,5 @@
 #include "tools/host/service/configure_choice.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <QtTest>
 

@@ -1,8 +1,7 @@
 #include "tools/host/config/config_file.h"
-#include "tools/host/config/configure_file.h"
 #include "tools/host/service/configure_names.h"
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/output.h"
-#include "tools/host/terminal/usage_error.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

@@ -1,7 +1,7 @@
 #include "tests/property/records.h"
 #include "tests/tools/host/stored/stored_samples.h"
 #include "tools/host/stored/stream.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
 #include "tools/host/terminal/debug_log.h"
-#include "tools/host/terminal/usage_error.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>

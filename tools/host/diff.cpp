@@ -1,5 +1,4 @@
-#include "tools/host/diff_command.h"
-
+#include "tools/host/commands.h"
 #include "tools/host/config/config_file.h"
 #include "tools/host/service/catalogue_file.h"
 #include "tools/host/service/diff_items.h"
@@ -8,13 +7,33 @@
 
 #include <QUrl>
 
-#include <unistd.h>
-
 #include <algorithm>
 
 namespace tovik_host {
 
 namespace {
+
+const char diff_text[] =
+    "Compares two saved catalogues, or a configuration with a catalogue; without NEW with the\n"
+    "service's catalogue of now. Items are the same if they have the same id. With a\n"
+    "configuration only its items count: gone, renamed, of another type.\n"
+    "\n"
+    "Exit codes, as of diff: 0 no difference; 1 differences; 2 trouble, also with the service.\n"
+    "\n"
+    "Examples:\n"
+    "  tovik-host diff plant.catalogue.json\n"
+    "  tovik-host diff plant.json new.catalogue.json --json";
+
+struct Diff
+{
+    service::ServiceOptions service;
+    QString before;      ///< A saved catalogue or a configuration.
+    QString after;       ///< Likewise; empty: the service is asked.
+    QStringList ignored; ///< Kinds of differences that do not count.
+    bool json = false;
+
+    int run() const;
+};
 
 /// One side, and the account that its file names.
 struct LoadedSide
@@ -49,10 +68,12 @@ std::optional<LoadedSide> sideFromService(const service::ServiceOptions& service
 {
     config::Account account = config::resolveAccount(service.account, before.account);
     config::requireAccount(account);
-    service::ServicePlace place(service);
-    if (!place.askForPassword(&account))
+    terminal::Context context;
+    context.log.start(service.log, service.verbose);
+    if (!service::askForPassword(context, &account))
         return std::nullopt;
-    const std::optional<service::Catalogue> catalogue = place.fetchCatalogue(account);
+    const std::optional<service::Catalogue> catalogue =
+        service::fetchCatalogue(context, service, account);
     if (!catalogue)
         return std::nullopt;
     return LoadedSide{QUrl(account.service.url).toString(QUrl::RemoveUserInfo),
@@ -85,34 +106,55 @@ QString asJson(const LoadedSide& before, const LoadedSide& after,
     return QString::fromStdString(root.dump(2)) + QLatin1Char('\n');
 }
 
-} // namespace
-
-int runDiff(const service::ServiceOptions& service, const DiffOptions& options)
+int Diff::run() const
 {
-    const bool asks_service = options.after.isEmpty();
-    const LoadedSide before = sideFromFile(options.before, asks_service);
-    const std::optional<LoadedSide> after =
-        asks_service ? sideFromService(service, before) : sideFromFile(options.after, false);
-    if (!after)
+    const bool asks_service = after.isEmpty();
+    const LoadedSide old_side = sideFromFile(before, asks_service);
+    const std::optional<LoadedSide> new_side =
+        asks_service ? sideFromService(service, old_side) : sideFromFile(after, false);
+    if (!new_side)
         return terminal::exitUsage;
-    QVector<service::Difference> differences = service::findDifferences(before.side, after->side);
+    QVector<service::Difference> differences =
+        service::findDifferences(old_side.side, new_side->side);
     differences.erase(std::remove_if(differences.begin(), differences.end(),
-                                     [&options](const service::Difference& difference) {
-                                         return options.ignored.contains(
+                                     [this](const service::Difference& difference) {
+                                         return ignored.contains(
                                              service::kindName(difference.kind));
                                      }),
                       differences.end());
     QString text;
-    if (options.json) {
-        text = asJson(before, *after, differences);
+    if (json) {
+        text = asJson(old_side, *new_side, differences);
     } else {
         for (const service::Difference& difference : differences)
             text += service::differenceLine(difference) + QLatin1Char('\n');
     }
-    terminal::Output out(STDOUT_FILENO);
-    out.write(text);
-    return service::codeAfterWriting(out, differences.isEmpty() ? terminal::exitDone
-                                                                : terminal::exitRefused);
+    terminal::Context context;
+    context.out.write(text);
+    return context.codeAfterWriting(differences.isEmpty() ? terminal::exitDone
+                                                          : terminal::exitRefused);
+}
+
+} // namespace
+
+void addDiff(CLI::App& app, Run& run)
+{
+    const auto options = std::make_shared<Diff>();
+    CLI::App* command = app.add_subcommand("diff", "Show what has changed in a catalogue");
+    command->footer(diff_text);
+    addText(command, "OLD", options->before, "Saved catalogue, or a configuration")
+        ->type_name("")
+        ->required();
+    addText(command, "NEW", options->after, "The same; without it the service is asked")
+        ->type_name("");
+    addTexts(command, "--ignore", options->ignored, "Differences that do not count; repeatable")
+        ->type_name("KIND")
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember(std::set<std::string>{"gone", "added", "renamed", "type", "moved",
+                                                    "length", "group-renamed", "access"}));
+    command->add_flag("--json", options->json, "As JSON");
+    addServiceOptions(command, options->service);
+    setRun(command, options, run);
 }
 
 } // namespace tovik_host

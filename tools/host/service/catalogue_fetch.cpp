@@ -1,42 +1,19 @@
-#include "tools/host/service/service_place.h"
+#include "tools/host/service/catalogue_fetch.h"
 
 #include "tools/host/service/catalogue_progress.h"
 #include "tools/host/service/cloud_client.h"
-#include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/line_input.h"
 #include "tools/host/terminal/text_width.h"
 
 #include <QUrl>
 
-#include <cerrno>
 #include <unistd.h>
 
 namespace tovik_host::service {
 
-int codeAfterWriting(const terminal::Output& out, int code)
+bool askForPassword(terminal::Context& context, config::Account* account)
 {
-    if (out.error() == 0 || out.error() == EPIPE)
-        return code;
-    terminal::Output(STDERR_FILENO)
-        .line(QStringLiteral("tovik-host: cannot write the standard output: ") +
-              qt_error_string(out.error()));
-    return terminal::exitUsage;
-}
-
-ServicePlace::ServicePlace(const ServiceOptions& service_options)
-    : options(service_options),
-      out(STDOUT_FILENO),
-      err(STDERR_FILENO)
-{
-    if (!options.log.isEmpty())
-        log.writeToFile(options.log);
-    if (options.verbose)
-        log.echo();
-}
-
-bool ServicePlace::askForPassword(config::Account* account)
-{
-    terminal::LineInput input(STDIN_FILENO, err, unix_signals);
+    terminal::LineInput input(STDIN_FILENO, context.err, context.unix_signals);
     if (account->has_password || !input.isTerminal())
         return true;
     const std::optional<QString> answer =
@@ -44,7 +21,7 @@ bool ServicePlace::askForPassword(config::Account* account)
                               .arg(terminal::printable(account->service.email),
                                    terminal::printable(account->service.project)));
     if (!answer) {
-        complain(QStringLiteral("no password was given"));
+        context.complain(QStringLiteral("no password was given"));
         return false;
     }
     account->service.password = *answer;
@@ -52,27 +29,29 @@ bool ServicePlace::askForPassword(config::Account* account)
     return true;
 }
 
-std::optional<Catalogue> ServicePlace::fetchCatalogue(const config::Account& account)
+std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const ServiceOptions& options,
+                                        const config::Account& account)
 {
     CloudClient client(account.service);
-    QObject::connect(&unix_signals, &terminal::UnixSignals::endAsked, &client,
+    QObject::connect(&context.unix_signals, &terminal::UnixSignals::endAsked, &client,
                      &CloudClient::interrupt);
-    if (unix_signals.endRequested())
+    if (context.unix_signals.endRequested())
         client.interrupt();
     const QString url = QUrl(account.service.url).toString(QUrl::RemoveUserInfo);
     const ClientOutcome login = client.login(options.timeout);
     if (login.kind != ClientOutcome::Done) {
-        complain(
+        context.complain(
             QStringLiteral("login at %1 failed: %2").arg(url, terminal::printable(login.reason)));
         if (!account.has_password)
-            warn(QStringLiteral("no password was given; set %1, or use --password-file")
-                     .arg(account.password_env));
+            context.warn(QStringLiteral("no password was given; set %1, or use --password-file")
+                             .arg(account.password_env));
         return std::nullopt;
     }
     ClientOutcome loading;
     CatalogueProgress latest;
     {
-        ProgressView view(err, options.quiet || options.verbose, isatty(STDERR_FILENO) == 1);
+        ProgressView view(context.err, options.quiet || options.verbose,
+                          isatty(STDERR_FILENO) == 1);
         loading = client.loadCatalogue(options.timeout, [&](const CatalogueProgress& progress) {
             latest = progress;
             view.show(progress);
@@ -84,22 +63,12 @@ std::optional<Catalogue> ServicePlace::fetchCatalogue(const config::Account& acc
                                   : QStringLiteral(" after %1 of %2")
                                         .arg(latest.groups_loaded)
                                         .arg(counted(latest.groups_known, QStringLiteral("group")));
-        complain(QStringLiteral("loading the catalogue failed%1: %2")
-                     .arg(where, terminal::printable(loading.reason)));
+        context.complain(QStringLiteral("loading the catalogue failed%1: %2")
+                             .arg(where, terminal::printable(loading.reason)));
         return std::nullopt;
     }
     return Catalogue{account.service.url, account.service.project, account.service.email,
                      catalogueGroups(client.groups())};
-}
-
-void ServicePlace::complain(const QString& problem)
-{
-    err.line(QStringLiteral("tovik-host: ") + problem);
-}
-
-void ServicePlace::warn(const QString& text)
-{
-    complain(QStringLiteral("warning: ") + text);
 }
 
 } // namespace tovik_host::service

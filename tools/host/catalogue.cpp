@@ -1,0 +1,76 @@
+#include "tools/host/commands.h"
+#include "tools/host/service/catalogue_file.h"
+#include "tools/host/service/catalogue_text.h"
+#include "tools/host/terminal/exit_code.h"
+
+#include <unistd.h>
+
+namespace tovik_host {
+
+namespace {
+
+const char catalogue_text[] =
+    "Logs in with the driver's own client and prints what the service offers to the account:\n"
+    "a tree on a terminal, a table elsewhere. A configuration can be made from the JSON form,\n"
+    "and two of them can be compared.\n"
+    "The password comes from --password-file, from the variable that --password-env names,\n"
+    "from the configuration, or from the variable TOVIK_PASSWORD; else it is asked for.\n"
+    "\n"
+    "Example:\n"
+    "  tovik-host catalogue --url https://cloud.example --project plant \\\n"
+    "      --email operator@example.com --json > plant.catalogue.json";
+
+struct Catalogue
+{
+    service::ServiceOptions service;
+    bool tree = false;
+    bool table = false;
+    bool json = false;
+
+    QString textOf(const service::Catalogue& catalogue) const;
+    int run() const;
+};
+
+/// A tree on a terminal and a table elsewhere, unless the options say otherwise.
+QString Catalogue::textOf(const service::Catalogue& catalogue) const
+{
+    if (json)
+        return service::catalogueJson(catalogue);
+    return tree || (!table && isatty(STDOUT_FILENO) == 1) ? service::catalogueTree(catalogue)
+                                                          : service::catalogueTable(catalogue);
+}
+
+int Catalogue::run() const
+{
+    config::Account account = config::resolveAccount(service.account, config::Account());
+    config::requireAccount(account);
+    terminal::Context context;
+    context.log.start(service.log, service.verbose);
+    if (!service::askForPassword(context, &account))
+        return terminal::exitRefused;
+    const std::optional<service::Catalogue> catalogue =
+        service::fetchCatalogue(context, service, account);
+    if (!catalogue)
+        return terminal::exitRefused;
+    context.out.write(textOf(*catalogue));
+    return context.codeAfterWriting(terminal::exitDone);
+}
+
+} // namespace
+
+void addCatalogue(CLI::App& app, Run& run)
+{
+    const auto options = std::make_shared<Catalogue>();
+    CLI::App* command =
+        app.add_subcommand("catalogue", "Print the groups and items that a service offers");
+    command->footer(catalogue_text);
+    addServiceOptions(command, options->service);
+    CLI::Option* tree = command->add_flag("--tree", options->tree, "As a tree");
+    CLI::Option* table = command->add_flag("--table", options->table, "As a table")->excludes(tree);
+    command->add_flag("--json", options->json, "As JSON, for configure and diff")
+        ->excludes(tree)
+        ->excludes(table);
+    setRun(command, options, run);
+}
+
+} // namespace tovik_host

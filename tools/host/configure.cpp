@@ -1,0 +1,231 @@
+#include "tools/host/commands.h"
+#include "tools/host/config/config_file.h"
+#include "tools/host/service/catalogue_file.h"
+#include "tools/host/service/configure_dialogue.h"
+#include "tools/host/service/configure_names.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/line_input.h"
+#include "tools/host/terminal/text_width.h"
+
+#include <QFileInfo>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace tovik_host {
+
+namespace {
+
+const char configure_text[] =
+    "Makes a configuration for watch, read and write from the service's catalogue or a saved\n"
+    "one. A pattern is GROUP/ITEM, or the name of an item, in which * stands for any\n"
+    "characters, ? for one, [abc] for one of several ([[] for a bracket); or an id as it is.\n"
+    "What is the whole name of an item stands for it alone. Items are called Group.Item; a name\n"
+    "that is taken gets a number. Instead of the password the file says where to find it.\n"
+    "Exit codes: as of the other commands; 1 also if nothing was chosen.\n"
+    "\n"
+    "Examples:\n"
+    "  tovik-host configure 'Boiler/*' --exclude '*test*' --url https://cloud.example \\\n"
+    "      --project plant --email operator@example.com --output plant.json\n"
+    "  tovik-host configure --catalogue plant.catalogue.json --type Bit --output bits.json\n"
+    "  tovik-host configure --config plant.json --interactive --output chosen.json";
+
+struct Configure
+{
+    service::ServiceOptions service;
+    QString catalogue; ///< A saved catalogue; empty: the service is asked.
+    service::ItemFilter filter;
+    bool interactive = false;
+    QString output; ///< Empty: the standard output.
+    bool force = false;
+    bool with_password = false;
+
+    int run() const;
+};
+
+/// A folder that cannot be written to is better known of before the user has chosen.
+void checkFolder(const QString& output)
+{
+    const QFileInfo folder(QFileInfo(output).absolutePath());
+    if (!folder.isDir()) {
+        throw terminal::UsageError(
+            QStringLiteral("cannot write %1: there is no folder %2")
+                .arg(terminal::printable(output), terminal::printable(folder.filePath())));
+    }
+    if (!folder.isWritable()) {
+        throw terminal::UsageError(
+            QStringLiteral("cannot write %1: the folder %2 is not writable")
+                .arg(terminal::printable(output), terminal::printable(folder.filePath())));
+    }
+}
+
+/// What is wrong with the options, before anybody is asked for anything.
+void checkOptions(const Configure& options)
+{
+    if (!options.output.isEmpty()) {
+        terminal::checkOutputFile(options.output, options.force);
+        checkFolder(options.output);
+    }
+    const service::ItemFilter& filter = options.filter;
+    service::checkFilter(filter);
+    if (!options.interactive && filter.patterns.isEmpty() && filter.types.isEmpty()) {
+        throw terminal::UsageError(
+            QStringLiteral("which items? Give patterns such as 'Boiler/*' (or '*' for "
+                           "all), --type TYPE, or --interactive"));
+    }
+}
+
+service::Catalogue catalogueFromFile(const QString& path)
+{
+    const config::JsonFile file = service::readJsonAs(path, QStringLiteral("catalogue"));
+    return service::readCatalogue(file);
+}
+
+config::Account accountFor(const service::ServiceOptions& service, const service::Catalogue& saved,
+                           bool needs_password)
+{
+    config::Account account;
+    account.service.url = saved.url;
+    account.service.project = saved.project;
+    account.service.email = saved.email;
+    account = config::resolveAccount(service.account, account, needs_password);
+    config::requireAccount(account);
+    return account;
+}
+
+/// Items per page of the dialogue: what leaves room for a heading and the prompt.
+int pageSize()
+{
+    winsize size = {};
+    const bool is_known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0;
+    return (is_known ? int(size.ws_row) : 24) - 4;
+}
+
+/// Lets the user choose; nothing if the user leaves.
+std::optional<QVector<service::OfferedItem>> choose(terminal::Context& context,
+                                                    const QVector<service::OfferedItem>& offered)
+{
+    terminal::LineInput input(STDIN_FILENO, context.err, context.unix_signals);
+    service::ConfigureDialogue dialogue(offered, pageSize());
+    context.err.write(dialogue.opening());
+    while (dialogue.state() == service::ConfigureDialogue::State::open) {
+        const std::optional<QString> line = input.ask(dialogue.prompt());
+        if (!line) {
+            context.err.line(QString());
+            return std::nullopt;
+        }
+        context.err.write(dialogue.answer(*line));
+    }
+    if (dialogue.state() == service::ConfigureDialogue::State::quit)
+        return std::nullopt;
+    return dialogue.chosen();
+}
+
+/// The wanted items; nothing if there are none, which has been said then.
+std::optional<QVector<service::OfferedItem>> wantedItems(terminal::Context& context,
+                                                         const service::Catalogue& catalogue,
+                                                         const Configure& options)
+{
+    const service::FilteredItems filtered =
+        service::filterItems(service::offeredItems(catalogue), options.filter);
+    if (filtered.items.isEmpty()) {
+        context.complain(
+            QStringLiteral("nothing is chosen of %1%2")
+                .arg(service::counted(catalogue.itemCount(), QStringLiteral("item")),
+                     filtered.without_match.isEmpty()
+                         ? QStringLiteral(": no item meets all of the conditions")
+                         : QStringLiteral("; nothing in the catalogue matches %1")
+                               .arg(filtered.without_match.join(QStringLiteral(", ")))));
+        return std::nullopt;
+    }
+    for (const QString& pattern : filtered.without_match)
+        context.warn(QStringLiteral("nothing in the catalogue matches %1").arg(pattern));
+    if (!options.interactive)
+        return filtered.items;
+    const auto chosen = choose(context, filtered.items);
+    if (!chosen)
+        context.complain(QStringLiteral("nothing is chosen, and nothing was written"));
+    return chosen;
+}
+
+void write(terminal::Context& context, const config::Account& account,
+           const QVector<config::ItemConfig>& items, const Configure& options)
+{
+    const QString text = config::configJson(account, items, options.with_password);
+    if (options.output.isEmpty()) {
+        context.out.write(text);
+        return;
+    }
+    terminal::checkOutputFile(options.output, options.force);
+    terminal::saveFile(options.output, text.toUtf8(), options.with_password);
+    if (!options.service.quiet) {
+        context.err.line(
+            QStringLiteral("%1: %2").arg(terminal::printable(options.output),
+                                         service::counted(items.size(), QStringLiteral("item"))));
+    }
+}
+
+int Configure::run() const
+{
+    checkOptions(*this);
+    std::optional<service::Catalogue> offered;
+    if (!catalogue.isEmpty())
+        offered = catalogueFromFile(catalogue);
+    const bool needs_password = !offered || with_password;
+    config::Account account =
+        accountFor(service, offered.value_or(service::Catalogue()), needs_password);
+    terminal::Context context;
+    context.log.start(service.log, service.verbose);
+    if (needs_password && !service::askForPassword(context, &account))
+        return terminal::exitRefused;
+    if (with_password && !account.has_password) {
+        throw terminal::UsageError(
+            QStringLiteral("--with-password: there is no password; set %1, or use "
+                           "--password-file")
+                .arg(account.password_env));
+    }
+    if (!offered)
+        offered = service::fetchCatalogue(context, service, account);
+    if (!offered)
+        return terminal::exitRefused;
+    const auto items = wantedItems(context, *offered, *this);
+    if (!items)
+        return terminal::exitRefused;
+    const service::NamedItems named = service::nameItems(*items);
+    for (const QString& warning : named.warnings)
+        context.warn(warning);
+    write(context, account, named.items, *this);
+    return context.codeAfterWriting(terminal::exitDone);
+}
+
+} // namespace
+
+void addConfigure(CLI::App& app, Run& run)
+{
+    const auto options = std::make_shared<Configure>();
+    CLI::App* command =
+        app.add_subcommand("configure", "Make a configuration from a service's catalogue");
+    command->footer(configure_text);
+    service::ItemFilter& filter = options->filter;
+    addTexts(command, "PATTERN", filter.patterns, "Items to choose, such as 'Boiler/*'")
+        ->type_name("");
+    addTexts(command, "--exclude", filter.excluded, "Items to leave out; repeatable")
+        ->type_name("PATTERN")
+        ->allow_extra_args(false);
+    addTexts(command, "--type", filter.types, "Only items of this type; repeatable")
+        ->type_name("TYPE")
+        ->allow_extra_args(false);
+    command->add_flag("--interactive", options->interactive, "Choose among them in a dialogue");
+    addText(command, "--catalogue", options->catalogue,
+            "Saved catalogue (catalogue --json), instead of asking the service")
+        ->type_name("FILE");
+    addText(command, "--output", options->output, "File to write (default: standard output)")
+        ->type_name("FILE");
+    command->add_flag("--force", options->force, "Replace an existing file");
+    command->add_flag("--with-password", options->with_password,
+                      "Put the password into the configuration, as plain text");
+    addServiceOptions(command, options->service);
+    setRun(command, options, run);
+}
+
+} // namespace tovik_host

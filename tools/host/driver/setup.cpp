@@ -1,0 +1,130 @@
+#include "tools/host/driver/setup.h"
+
+#include "tools/host/config/config_file.h"
+#include "tools/host/config/password.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/value/status_text.h"
+
+#include <QCoreApplication>
+#include <QUrl>
+
+namespace tovik_host::driver {
+
+namespace {
+
+Plugin pluginFor(const config::CommonOptions& common)
+{
+    if (!common.library.isEmpty())
+        return Plugin(common.library);
+    return Plugin::loadFirst(Plugin::candidates(QCoreApplication::applicationDirPath()));
+}
+
+DeviceConfig configFor(const config::CommonOptions& common, const QStringList& addresses,
+                       terminal::Context& context)
+{
+    QStringList warnings;
+    DeviceConfig config = deviceConfig(common, addresses, &warnings);
+    for (const QString& warning : warnings)
+        context.warn(warning);
+    return config;
+}
+
+/// What a user can try first.
+QString adviceFor(const Answer& answer, const DeviceConfig& config)
+{
+    switch (answer.status) {
+    case result_code::no_answer_in_time:
+        return QStringLiteral("; are station, link settings and --response-timeout (%1 ms) right?")
+            .arg(config.settings.response_timeout);
+    case result_code::invalid_length:
+        return QStringLiteral("; does the driver know this address, and is the type right? "
+                              "--verbose shows its log");
+    default:
+        return answer.status_of.wordsFor(answer.status).isEmpty()
+                   ? QStringLiteral("; what it means, the driver's documentation says")
+                   : QString();
+    }
+}
+
+} // namespace
+
+config::HostConfig hostConfig(const config::CommonOptions& common, terminal::Context& context)
+{
+    const config::LoadedConfig loaded = config::loadConfig(common.config);
+    for (const QString& warning : loaded.warnings)
+        context.warn(warning);
+    config::HostConfig config = loaded.config;
+    const QString given = config::givenAddress(common.url, common.url_file);
+    if (!given.isEmpty())
+        config.service.url = given;
+    if (config.service.url.isEmpty()) {
+        throw terminal::UsageError(
+            QStringLiteral("%1: \"service\" has no \"url\", and neither --url nor --url-file "
+                           "gives one")
+                .arg(common.config));
+    }
+    return config;
+}
+
+ServiceSetup::ServiceSetup(const config::CommonOptions& common, terminal::Context& context)
+    : config(hostConfig(common, context)),
+      plugin(pluginFor(common))
+{
+    context.log.start(common.log, common.verbose);
+}
+
+const config::ItemConfig& ServiceSetup::item(const QString& name) const
+{
+    if (const config::ItemConfig* found = config::findItem(config, name))
+        return *found;
+    throw terminal::UsageError(QStringLiteral("the configuration has no item \"%1\"").arg(name));
+}
+
+QString ServiceSetup::shownUrl() const
+{
+    return QUrl(config.service.url).toDisplayString();
+}
+
+DeviceSetup::DeviceSetup(const config::CommonOptions& common, const QStringList& addresses,
+                         terminal::Context& used)
+    : context(used),
+      config(configFor(common, addresses, used)),
+      plugin(common.library)
+{
+    context.log.start(common.log, common.verbose);
+}
+
+void DeviceSetup::complainOfLink(const QString& problem)
+{
+    context.complain(linkText(config.link), problem);
+}
+
+QString DeviceSetup::failureOf(const DeviceAnswer& answer) const
+{
+    const int status = answer.answer.status;
+    if (context.unix_signals.endRequested() && (!answer.answer.arrived || status != 0))
+        return QStringLiteral("interrupted");
+    if (!answer.answer.arrived) {
+        return QStringLiteral("the driver does not answer; a driver of a device answers each "
+                              "request before it returns from it");
+    }
+    if (status == 0)
+        return QString();
+    return value::statusTextWithCode(status, answer.answer.status_of) +
+           (answer.link_problem.isEmpty() ? adviceFor(answer.answer, config)
+                                          : QStringLiteral(": ") + answer.link_problem);
+}
+
+QString DeviceSetup::problemOf(const config::ItemConfig& item, const DeviceAnswer& answer) const
+{
+    const QString failure = failureOf(answer);
+    if (!failure.isEmpty())
+        return failure;
+    const QByteArray& bytes = answer.answer.bytes;
+    if (value::decodeValue(*item.type, bytes))
+        return QString();
+    return QStringLiteral("the driver's bytes [%1] are no %2")
+        .arg(value::hexText(bytes), QLatin1String(item.type->name));
+}
+
+} // namespace tovik_host::driver

@@ -1,0 +1,52 @@
+#ifndef TOOLS_HOST_DRIVER_SETUP_H
+#define TOOLS_HOST_DRIVER_SETUP_H
+
+#include "tools/host/config/options.h"
+#include "tools/host/driver/device_config.h"
+#include "tools/host/driver/device_session.h"
+#include "tools/host/driver/plugin.h"
+#include "tools/host/terminal/context.h"
+
+namespace tovik_host::driver {
+
+/// The configuration that the options name, with the address that they give. Throws UsageError.
+config::HostConfig hostConfig(const config::CommonOptions& common, terminal::Context& context);
+
+/// A cloud driver, and what it is to be told.
+struct ServiceSetup
+{
+    /// Loads the configuration and the library, and starts the log. Throws UsageError.
+    ServiceSetup(const config::CommonOptions& common, terminal::Context& context);
+
+    /// The item of that name. Throws UsageError when the configuration has none.
+    const config::ItemConfig& item(const QString& name) const;
+    /// The service's address without a password, for showing.
+    QString shownUrl() const;
+
+    config::HostConfig config;
+    Plugin plugin;
+};
+
+/// The driver of a device on a link, and what it is to be told.
+struct DeviceSetup
+{
+    /// Reads options and configuration, loads the library and starts the log. Throws UsageError.
+    /// \param addresses as for deviceConfig().
+    DeviceSetup(const config::CommonOptions& common, const QStringList& addresses,
+                terminal::Context& context);
+
+    /// Says on the standard error that the link cannot be opened, and why.
+    void complainOfLink(const QString& problem);
+    /// Why there is no value in \a answer, for the user; empty if there is one.
+    QString problemOf(const config::ItemConfig& item, const DeviceAnswer& answer) const;
+    /// Why a request failed; empty if it did not.
+    QString failureOf(const DeviceAnswer& answer) const;
+
+    terminal::Context& context;
+    DeviceConfig config;
+    Plugin plugin;
+};
+
+} // namespace tovik_host::driver
+
+#endif

@@ -1,0 +1,132 @@
+#include "tools/host/commands.h"
+#include "tools/host/driver/device_host.h"
+#include "tools/host/driver/setup.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/value/hex_bytes.h"
+#include "tools/host/value/json_text.h"
+#include "tools/host/value/status_text.h"
+
+namespace tovik_host {
+
+namespace {
+
+const char raw_text[] =
+    "Sends bytes to the device as they are (transparent mode) and prints the answer as\n"
+    "hexadecimal digits. The frame must be complete, with its checksum.\n"
+    "The answer is complete once no byte has come for a number of polls; all of it must fit\n"
+    "into --response-timeout, 1000 ms by default. The library's own default of 10 ms never\n"
+    "suffices: over TCP 12 polls of 1 ms are needed at least, over a serial line 52 of 1.5\n"
+    "characters each. A poll counts for its shortest time, so the wait may be twice as long.\n"
+    "\n"
+    "Example:\n"
+    "  tovik-host raw 01 03 00 00 00 0A C5 CD --library ./libmodbus_drv.so.1 \\\n"
+    "      --link serial:/dev/ttyUSB0,9600,8N1 --response-timeout 2000";
+
+QString subject()
+{
+    return QStringLiteral("raw");
+}
+
+void printJson(terminal::Context& context, const QByteArray& request, const driver::Answer& answer,
+               const QString& problem)
+{
+    value::OrderedJson line;
+    line["request"] = request.toHex().toStdString();
+    line["response"] = answer.bytes.toHex().toStdString();
+    line["status"] = answer.arrived
+                         ? value::OrderedJson(value::statusCode(answer.status).toStdString())
+                         : value::OrderedJson(nullptr);
+    line["status_text"] = answer.arrived
+                              ? value::statusText(answer.status, answer.status_of).toStdString()
+                              : std::string("no answer");
+    if (!problem.isEmpty())
+        line["problem"] = problem.toStdString();
+    context.out.line(value::jsonLine(line));
+}
+
+/// Why there is no answer; what a silent device means is different here from a read.
+QString problemOf(const driver::DeviceSetup& setup, const driver::DeviceAnswer& answer)
+{
+    const bool silent =
+        answer.answer.arrived && answer.answer.status == result_code::no_answer_in_time;
+    if (!silent || !answer.link_problem.isEmpty() || setup.context.unix_signals.endRequested())
+        return setup.failureOf(answer);
+    return QStringLiteral("no complete answer within the budget of %1 ms; is the frame complete, "
+                          "with its checksum? A slow device needs a longer --response-timeout")
+        .arg(setup.config.settings.response_timeout);
+}
+
+struct Raw
+{
+    config::CommonOptions common;
+    QStringList bytes; ///< Hexadecimal digits.
+    bool force = false;
+
+    int run() const;
+};
+
+int Raw::run() const
+{
+    if (!driver::isForDevice(common)) {
+        throw terminal::UsageError(
+            QStringLiteral("raw is for a device on a link, and there is none: add "
+                           "--link tcp:HOST:PORT or --link serial:DEVICE"));
+    }
+    const value::HexBytes request = value::parseHexBytes(bytes);
+    if (!request.problem.isEmpty())
+        throw terminal::UsageError(request.problem);
+    terminal::Context context;
+    driver::DeviceSetup setup(common, {}, context);
+    driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
+    const QString link_problem = host.open();
+    if (!link_problem.isEmpty()) {
+        setup.complainOfLink(link_problem);
+        return terminal::exitRefused;
+    }
+    if (!force && !host.supportsRaw()) {
+        context.complain(subject(), QStringLiteral("the driver says that it does not support the "
+                                                   "transparent mode; --force tries all the same"));
+        return terminal::exitRefused;
+    }
+    const driver::DeviceAnswer answer = host.sendRaw(request.bytes);
+    const QString problem = problemOf(setup, answer);
+    if (common.json)
+        printJson(context, request.bytes, answer.answer, problem);
+    else if (problem.isEmpty())
+        context.out.line(value::hexText(answer.answer.bytes));
+    else
+        context.complain(subject(), problem);
+    return problem.isEmpty() ? terminal::exitDone : terminal::exitRefused;
+}
+
+} // namespace
+
+void addRaw(CLI::App& app, Run& run)
+{
+    const auto options = std::make_shared<Raw>();
+    CLI::App* command = app.add_subcommand("raw", "Send bytes to a device as they are");
+    command->footer(raw_text);
+    addTexts(command, "HEX", options->bytes, "Bytes, such as 01 03 00 0A or 0103000A")
+        ->type_name("")
+        ->required();
+    addCommon(command, options->common);
+    const CLI::Option* timeout = addTimeout(
+        command, options->common.timeout,
+        "Longest wait for the answer, as --response-timeout; the link has 10 s at least");
+    command->add_flag("--json", options->common.json, "One line of JSON");
+    command->add_flag("--force", options->force,
+                      "Even if the driver says that it does not support it");
+    addLink(command, options->common.link);
+    command->callback([command, timeout, options, &run] {
+        config::CommonOptions& common = options->common;
+        complete(command, common);
+        if (timeout->count() > 0 && !common.link.response_timeout) {
+            common.link.response_timeout =
+                std::min(int(common.timeout * 1000), config::limits::response_timeout);
+        }
+        common.timeout = std::max(common.timeout, 10.0);
+        run = [options] { return options->run(); };
+    });
+}
+
+} // namespace tovik_host

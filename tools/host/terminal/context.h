@@ -1,0 +1,31 @@
+#ifndef TOOLS_HOST_TERMINAL_CONTEXT_H
+#define TOOLS_HOST_TERMINAL_CONTEXT_H
+
+#include "tools/host/terminal/debug_log.h"
+#include "tools/host/terminal/output.h"
+#include "tools/host/terminal/unix_signals.h"
+
+#include <unistd.h>
+
+namespace tovik_host::terminal {
+
+/// What every command works with.
+struct Context
+{
+    /// Messages on the standard error.
+    void complain(const QString& problem);
+    void complain(const QString& subject, const QString& problem);
+    void warn(const QString& text);
+    /// The exit code of a command that ends with \a code and has printed its result: if that could
+    /// not be written, it says so. A reader that has gone has had all that it wanted.
+    int codeAfterWriting(int code);
+
+    DebugLog log;
+    UnixSignals unix_signals;
+    Output out{STDOUT_FILENO};
+    Output err{STDERR_FILENO};
+};
+
+} // namespace tovik_host::terminal
+
+#endif

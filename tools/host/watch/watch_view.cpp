@@ -1,0 +1,29 @@
+#include "tools/host/watch/watch_view.h"
+
+#include "tools/host/watch/json_view.h"
+#include "tools/host/watch/line_view.h"
+#include "tools/host/watch/terminal_view.h"
+
+namespace tovik_host::watch {
+
+bool isWatchedOnTerminal(const config::CommonOptions& common)
+{
+    return !common.json && ::isatty(STDOUT_FILENO) != 0;
+}
+
+std::unique_ptr<WatchView> makeWatchView(const config::CommonOptions& common,
+                                         terminal::Context& context)
+{
+    if (common.json)
+        return std::make_unique<JsonView>(context.out);
+    if (!isWatchedOnTerminal(common))
+        return std::make_unique<LineView>(context.out);
+    auto view = std::make_unique<TerminalView>(STDOUT_FILENO, context.out, context.log,
+                                               common.log.isEmpty() && !common.verbose);
+    TerminalView* table = view.get();
+    QObject::connect(&context.unix_signals, &terminal::UnixSignals::terminalResized,
+                     &context.unix_signals, [table] { table->resized(); });
+    return view;
+}
+
+} // namespace tovik_host::watch

@@ -51,6 +51,21 @@ void judgeCount(const Rise& rise, double most, const char* what, const char* wha
     complainIf(rise.by() > 0, verdict, what_rose, rise.to, rise.from);
 }
 
+/// Of what a client that polls has more of.
+Rise riseOfPolling(const Samples& samples, Reading read)
+{
+    Samples polling;
+    std::copy_if(samples.begin(), samples.end(), std::back_inserter(polling),
+                 [](const SoakSample& sample) { return sample.is_polling; });
+    Rise rise = riseOf(samples, read);
+    if (polling.size() >= fewest_samples) {
+        const double most = rise.most;
+        rise = riseOf(polling, read);
+        rise.most = most;
+    }
+    return rise;
+}
+
 void judgeTimers(const Samples& samples, int kept, SoakVerdict* verdict)
 {
     // The reconnect timer, the monitor timer, and those of the connections before, as far as kept.
@@ -83,8 +98,9 @@ SoakVerdict judge(const Samples& all, const SoakCeilings& ceilings)
     verdict.heap_kib =
         riseOf(samples, [](const SoakSample& s) { return double(s.facts.heap_kib); });
     verdict.descriptors =
-        riseOf(samples, [](const SoakSample& s) { return double(s.facts.descriptors); });
-    verdict.threads = riseOf(samples, [](const SoakSample& s) { return double(s.facts.threads); });
+        riseOfPolling(samples, [](const SoakSample& s) { return double(s.facts.descriptors); });
+    verdict.threads =
+        riseOfPolling(samples, [](const SoakSample& s) { return double(s.facts.threads); });
     verdict.timers = riseOf(samples, [](const SoakSample& s) { return double(s.timers); });
     verdict.reconnects = samples.back().reconnects - samples.front().reconnects;
 

@@ -11,8 +11,9 @@ struct SoakSample
 {
     double seconds = 0; ///< Since the start.
     ProcessFacts facts;
-    int timers = 0;     ///< Of the client.
-    int reconnects = 0; ///< Connections that were made after the first one.
+    bool is_polling = true; ///< The client has no failure to get over.
+    int timers = 0;         ///< Of the client.
+    int reconnects = 0;     ///< Connections that were made after the first one.
 };
 
 /// What may stay behind of a run. None of it depends on how fast the machine is.
@@ -32,7 +33,9 @@ struct SoakCeilings
 };
 
 /// How a quantity has changed after the warm-up. Requests come and go, so what matters is what is
-/// left between them: the least of a stretch of time, here of the first and the last quarter.
+/// left between them: the least of a stretch of time, here of the first and the last quarter. A
+/// client whose service is away has fewer descriptors and threads than any that polls; those are
+/// compared among the samples of one that polls.
 struct Rise
 {
     double from = 0;

@@ -152,6 +152,7 @@ void SoakRun::sample()
     SoakSample now;
     now.seconds = double(clock_.elapsed()) / 1000;
     now.facts = processFacts();
+    now.is_polling = host_->driver->property("connected").toBool();
     // Timers before reconnects: a connection between the two only makes room for one more.
     now.timers = soak_timer_count;
     now.reconnects = host_->driver->property("reconnect_count").toInt();

@@ -63,6 +63,13 @@ void TestSoakJudge::passes_data()
             sample->facts.descriptors = 60;
         }
     });
+    row("a service that is away at the beginning only", [](SoakSample* sample, int i) {
+        sample->is_polling = i < 130 || i > 140;
+        if (!sample->is_polling) {
+            sample->facts.descriptors = 10;
+            sample->facts.threads = 3;
+        }
+    });
     row("what a reconnect leaves by design", [](SoakSample* sample, int i) {
         sample->reconnects = i;
         sample->timers = qMin(i, 100) + 2;
@@ -92,6 +99,13 @@ void TestSoakJudge::complains_data()
         [](SoakSample* sample, int i) { sample->facts.resident_kib += 20 * i; });
     row("a descriptor that stays", "descriptors between requests",
         [](SoakSample* sample, int i) { sample->facts.descriptors += i > 300 ? 1 : 0; });
+    row("a descriptor that stays, of a client that is away at the end",
+        "descriptors between requests", [](SoakSample* sample, int i) {
+            sample->is_polling = i < 560;
+            sample->facts.descriptors += i > 300 ? 1 : 0;
+            if (!sample->is_polling)
+                sample->facts.descriptors = 10;
+        });
     row("a thread that stays", "threads between requests",
         [](SoakSample* sample, int i) { sample->facts.threads += i > 300 ? 1 : 0; });
     row("more descriptors at once than requests need", "descriptors: 65.0",

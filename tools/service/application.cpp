@@ -2,6 +2,7 @@
 
 #include "tools/service/control/control_api.h"
 #include "tools/service/http/front_end.h"
+#include "tools/service/http/handshake_fault.h"
 #include "tools/service/http/service_front.h"
 
 #include <unistd.h>
@@ -37,7 +38,6 @@ public:
 
 private:
     std::unique_ptr<http::TlsContext> makeTls();
-    http::CertificateChoice chooseCertificate();
     control::ControlTargets controlTargets();
     std::string serviceUrl() const;
     void admit();
@@ -134,18 +134,10 @@ std::unique_ptr<http::TlsContext> Application::makeTls()
     settings.version = options_.tls_version;
     settings.certificate_file = options_.certificate_file;
     settings.key_file = options_.key_file;
-    settings.choose = [this] { return chooseCertificate(); };
+    settings.plan = [this](bool is_resumption) {
+        return http::planHandshake(faults_, log_, is_resumption);
+    };
     return std::make_unique<http::TlsContext>(std::move(settings));
-}
-
-http::CertificateChoice Application::chooseCertificate()
-{
-    const faults::FaultPointer fault = faults_.takeForHandshake();
-    if (!fault)
-        return http::CertificateChoice::Good;
-    log_.note("handshake: fault " + std::to_string(fault->id) + " applied, " + fault->spec.text);
-    return fault->spec.kind() == faults::FaultKind::Expired ? http::CertificateChoice::Expired
-                                                            : http::CertificateChoice::WrongHost;
 }
 
 control::ControlTargets Application::controlTargets()

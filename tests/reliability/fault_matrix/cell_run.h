@@ -1,8 +1,8 @@
 #ifndef TESTS_RELIABILITY_FAULT_MATRIX_CELL_RUN_H
 #define TESTS_RELIABILITY_FAULT_MATRIX_CELL_RUN_H
 
-#include "tests/reliability/fault_matrix/local_cloud.h"
 #include "tests/reliability/fault_matrix/measurement.h"
+#include "tests/support/local_cloud.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_service.h"
 #include "tests/system/plugin.h"

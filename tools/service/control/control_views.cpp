@@ -26,6 +26,8 @@ std::string defaultOf(const faults::FaultSpec& spec, const std::string& key)
         return std::to_string(spec.status);
     if (key == "member")
         return spec.member;
+    if (key == "version")
+        return spec.version;
     if (key == "after")
         return std::to_string(spec.after);
     if (key == "count" && spec.count)

@@ -75,6 +75,13 @@ void setText(FaultSpec& spec, const std::string& key, const std::string& value)
     (key == "item" ? spec.item : key == "group" ? spec.group : spec.member) = value;
 }
 
+void setVersion(FaultSpec& spec, const std::string& value)
+{
+    if (value != "1.2" && value != "1.3")
+        fail(spec.text, "version= needs 1.2 or 1.3, not \"" + value + "\"");
+    spec.version = value;
+}
+
 void setKey(FaultSpec& spec, const std::string& key, const std::string& value)
 {
     static const std::set<std::string> text_keys{"item", "group", "member"};
@@ -82,6 +89,8 @@ void setKey(FaultSpec& spec, const std::string& key, const std::string& value)
         setText(spec, key, value);
     } else if (key == "path") {
         setPath(spec, value);
+    } else if (key == "version") {
+        setVersion(spec, value);
     } else if (key == "count") {
         spec.count = integer(spec.text, key, value, 1, most_count);
     } else if (key == "after") {
@@ -104,7 +113,7 @@ void setDefaults(FaultSpec& spec)
     spec.ms = spec.kind() == FaultKind::Drip ? 20 : 1000;
     spec.code = 255;
     spec.status = 500;
-    if (spec.kind() == FaultKind::TokenExpiry)
+    if (spec.kind() == FaultKind::TokenExpiry || spec.kind() == FaultKind::TicketsLost)
         spec.count = 1;
 }
 
@@ -133,6 +142,7 @@ const std::vector<FaultDefinition>& faultDefinitions()
 {
     using Kind = FaultKind;
     constexpr FaultStage request = FaultStage::Request;
+    constexpr FaultStage handshake = FaultStage::Handshake;
     static const std::vector<FaultDefinition> definitions{
         {Kind::Refuse, "refuse", FaultStage::Port, "", "the port refuses connections"},
         {Kind::Reset, "reset", request, "", "connection reset before any reply"},
@@ -153,9 +163,17 @@ const std::vector<FaultDefinition>& faultDefinitions()
          "HTTP status= (500) without a body"},
         {Kind::TokenExpiry, "token-expiry", request, "",
          "all tokens become unknown before the request; count=1 unless given"},
-        {Kind::WrongHost, "wrong-host", FaultStage::Handshake, "",
-         "certificate for another host name"},
-        {Kind::Expired, "expired", FaultStage::Handshake, "", "certificate that has expired"},
+        {Kind::WrongHost, "wrong-host", handshake, "", "certificate for another host name"},
+        {Kind::Expired, "expired", handshake, "", "certificate that has expired"},
+        {Kind::TicketsLost, "tickets-lost", handshake, "",
+         "no TLS session of before can be resumed; count=1 unless given"},
+        {Kind::NoTickets, "no-tickets", handshake, "",
+         "no TLS session can be resumed, and none is offered"},
+        {Kind::ResumeClose, "resume-close", handshake, "",
+         "closes when a client asks for resumption"},
+        {Kind::ResumeReset, "resume-reset", handshake, "",
+         "connection reset when a session has been resumed"},
+        {Kind::TlsVersion, "tls-version", handshake, "version", "speaks TLS version= (1.2) only"},
     };
     return definitions;
 }
@@ -175,8 +193,9 @@ std::string faultHelp()
             "  count=N       strikes N times (no limit)\n"
             "  seconds=S     is over after S seconds (no limit)\n"
             "  after=N       lets the first N pass that it could strike (0)\n"
-            "refuse takes only seconds=; wrong-host and expired take only count=, seconds= and "
-            "after=.\n";
+            "refuse takes only seconds=; faults of the TLS handshake, from wrong-host on, only "
+            "count=,\n"
+            "seconds=, after= and their own.\n";
     return text.str();
 }
 
@@ -210,12 +229,17 @@ FaultSpec parseFault(const std::string& text)
     return spec;
 }
 
+bool needsResumption(FaultKind kind)
+{
+    return kind == FaultKind::ResumeClose || kind == FaultKind::ResumeReset;
+}
+
 std::string tlsProblem(const FaultSpec& fault, bool has_tls)
 {
     if (has_tls || fault.definition->stage != FaultStage::Handshake)
         return {};
     return std::string("fault \"") + fault.definition->name +
-           "\" is about certificates, but the service runs without TLS (--http)";
+           "\" is about the TLS handshake, but the service runs without TLS (--http)";
 }
 
 } // namespace tovik_service::faults

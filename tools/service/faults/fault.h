@@ -30,7 +30,12 @@ enum class FaultKind
     Http500Empty,
     TokenExpiry,
     WrongHost,
-    Expired
+    Expired,
+    TicketsLost,
+    NoTickets,
+    ResumeClose,
+    ResumeReset,
+    TlsVersion
 };
 
 /// When a fault strikes: at the port, in the TLS handshake, or in a request.
@@ -66,6 +71,7 @@ struct FaultSpec
     int code = 0;
     int status = 0;
     std::string member = "errorcode";
+    std::string version = "1.2";
 
     FaultKind kind() const { return definition->kind; }
 };
@@ -88,6 +94,9 @@ std::string faultHelp();
 
 /// Reads NAME[:key=value,...]; throws FaultError.
 FaultSpec parseFault(const std::string& text);
+
+/// True for faults that strike only handshakes in which the client asks for resumption.
+bool needsResumption(FaultKind kind);
 
 /// Why a fault cannot be used without TLS, or nothing.
 std::string tlsProblem(const FaultSpec& fault, bool has_tls);

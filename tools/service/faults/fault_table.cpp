@@ -10,13 +10,11 @@ namespace {
 
 constexpr std::size_t most_faults = 1000;
 
-bool fits(const FaultSpec& spec, const RequestFacts* facts)
+bool fitsRequest(const FaultSpec& spec, const RequestFacts& facts)
 {
-    if (facts == nullptr)
-        return true;
-    return (!spec.path || *spec.path == facts->path) &&
-           (spec.item.empty() || spec.item == facts->item) &&
-           (spec.group.empty() || spec.group == facts->group);
+    return (!spec.path || *spec.path == facts.path) &&
+           (spec.item.empty() || spec.item == facts.item) &&
+           (spec.group.empty() || spec.group == facts.group);
 }
 
 } // namespace
@@ -55,12 +53,15 @@ void FaultTable::clear()
 
 FaultPointer FaultTable::takeForRequest(const RequestFacts& facts)
 {
-    return take(FaultStage::Request, &facts);
+    return take(FaultStage::Request,
+                [&facts](const FaultSpec& spec) { return fitsRequest(spec, facts); });
 }
 
-FaultPointer FaultTable::takeForHandshake()
+FaultPointer FaultTable::takeForHandshake(const HandshakeFacts& facts)
 {
-    return take(FaultStage::Handshake, nullptr);
+    return take(FaultStage::Handshake, [&facts](const FaultSpec& spec) {
+        return facts.is_resumption || !needsResumption(spec.kind());
+    });
 }
 
 bool FaultTable::isRefusing() const
@@ -86,15 +87,13 @@ bool FaultTable::isActive(const ActiveFault& fault) const
     return !used_up && fault.isInForce(clock_());
 }
 
-FaultPointer FaultTable::take(FaultStage stage, const RequestFacts* facts)
+FaultPointer FaultTable::take(FaultStage stage, const std::function<bool(const FaultSpec&)>& fits)
 {
     const std::lock_guard<std::mutex> lock(mutex_);
     FaultPointer taken;
     for (const FaultPointer& fault : faults_) {
-        if (fault->spec.definition->stage != stage || !isActive(*fault) ||
-            !fits(fault->spec, facts)) {
+        if (fault->spec.definition->stage != stage || !isActive(*fault) || !fits(fault->spec))
             continue;
-        }
         const bool skips = fault->seen_++ < fault->spec.after;
         if (!skips && !taken) {
             taken = fault;

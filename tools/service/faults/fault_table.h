@@ -5,12 +5,19 @@
 #include "tools/service/plant/clock.h"
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 namespace tovik_service::faults {
+
+/// What a fault needs to know of a TLS handshake.
+struct HandshakeFacts
+{
+    bool is_resumption = false; ///< The client asks for it.
+};
 
 /// What a fault needs to know of a request.
 struct RequestFacts
@@ -75,7 +82,7 @@ public:
     FaultPointer takeForRequest(const RequestFacts& facts);
 
     /// The fault for a TLS handshake, or null; counts it as applied.
-    FaultPointer takeForHandshake();
+    FaultPointer takeForHandshake(const HandshakeFacts& facts);
 
     /// True while the port shall refuse connections.
     bool isRefusing() const;
@@ -85,7 +92,7 @@ public:
 
 private:
     bool isActive(const ActiveFault& fault) const;
-    FaultPointer take(FaultStage stage, const RequestFacts* facts);
+    FaultPointer take(FaultStage stage, const std::function<bool(const FaultSpec&)>& fits);
     void dropFinished();
 
     plant::Clock clock_;

@@ -63,13 +63,20 @@ std::string Connection::handshake()
 {
     if (tls_ == nullptr)
         return {};
-    session_ = tls_->newSession(socket_.get());
+    session_ = tls_->newSession(socket_.get(), &plan_);
     if (!session_)
         return opensslError();
     ERR_clear_error();
-    if (SSL_accept(session_.get()) == 1)
+    const int result = SSL_accept(session_.get());
+    if (result == 1 && plan_.resets) {
+        drop(true);
+        return "reset by a fault";
+    }
+    if (result == 1)
         return {};
     tls_broken_ = true;
+    if (plan_.closes)
+        return "closed by a fault";
     return ERR_peek_error() == 0 ? "the client left or stayed silent" : opensslError();
 }
 
@@ -93,6 +100,13 @@ void Connection::drop(bool with_reset)
 {
     dropped_ = true;
     reset_on_close_ = reset_on_close_ || with_reset;
+}
+
+std::optional<bool> Connection::isResumed() const
+{
+    if (!session_)
+        return {};
+    return SSL_session_reused(session_.get()) == 1;
 }
 
 void Connection::interrupt()

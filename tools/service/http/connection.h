@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace tovik_service::http {
@@ -40,6 +41,9 @@ public:
     void resetInBody() { reset_in_body_ = true; }
 
     bool isDropped() const { return dropped_; }
+
+    /// Whether a TLS session of before was resumed; nothing without TLS.
+    std::optional<bool> isResumed() const;
 
     /// The client's address and port, as in a URL.
     std::string clientAddress() const;
@@ -73,6 +77,7 @@ private:
     FileDescriptor socket_;
     std::mutex close_mutex_;
     TlsContext* tls_;
+    HandshakePlan plan_;
     TlsContext::SessionPointer session_;
     bool tls_broken_ = false;
     bool dropped_ = false;

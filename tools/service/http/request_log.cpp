@@ -50,6 +50,7 @@ plant::Json toJson(const RequestRecord& record)
             {"errorcode", record.error_code ? plant::Json(*record.error_code) : plant::Json()},
             {"status", record.status},
             {"fault", record.fault},
+            {"resumed", record.resumed ? plant::Json(*record.resumed) : plant::Json()},
             {"duration_ms", record.milliseconds},
             {"body", record.body}};
 }

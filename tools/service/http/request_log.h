@@ -23,6 +23,7 @@ struct RequestRecord
     std::optional<int> error_code;
     int status = 0; ///< 0 if no reply went out
     std::string fault;
+    std::optional<bool> resumed; ///< the TLS session of the connection; nothing without TLS
     double milliseconds = 0;
     plant::Json body;
 };

@@ -141,6 +141,7 @@ void ServiceFront::finish(const Exchange& exchange, int status)
     record.error_code = exchange.error_code;
     record.status = status;
     record.fault = exchange.fault ? exchange.fault->spec.text : "";
+    record.resumed = HttpEngine::current().isResumed();
     record.milliseconds = std::round((plant::steadySeconds() - exchange.start) * 1e6) / 1e3;
     record.body = plant::maskedBody(exchange.body);
     record.number = requests_.add(record);
@@ -153,7 +154,9 @@ void ServiceFront::finish(const Exchange& exchange, int status)
         log_.note(what + ": refused with error code " + std::to_string(*exchange.error_code) +
                   ", " + exchange.problem);
     }
-    log_.detail(what + ": status " + std::to_string(status) + ", " + plant::toText(record.body));
+    log_.detail(what + ": status " + std::to_string(status) + ", " +
+                (record.resumed.value_or(false) ? "TLS session resumed, " : "") +
+                plant::toText(record.body));
 }
 
 void ServiceFront::refuseUnknown(const httplib::Request& request, httplib::Response& response,
@@ -164,6 +167,7 @@ void ServiceFront::refuseUnknown(const httplib::Request& request, httplib::Respo
     record.path = plant::shownText(request.path);
     record.error_code = plant::codeMalformed;
     record.status = status;
+    record.resumed = HttpEngine::current().isResumed();
     record.number = requests_.add(record);
     log_.note("request " + std::to_string(record.number) + ": refused with status " +
               std::to_string(status) + ", " + request.method + " " +

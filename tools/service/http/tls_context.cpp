@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <random>
 #include <stdexcept>
 #include <utility>
@@ -109,6 +110,26 @@ std::string alternativeNames(const std::string& host)
     return names;
 }
 
+/// Only "1.2" or "1.3", or both if it is empty.
+bool restrictVersions(SSL* session, const std::string& version)
+{
+    const int lowest = version == "1.3" ? TLS1_3_VERSION : TLS1_2_VERSION;
+    const int highest = version == "1.2" ? TLS1_2_VERSION : TLS1_3_VERSION;
+    return SSL_set_min_proto_version(session, lowest) == 1 &&
+           SSL_set_max_proto_version(session, highest) == 1;
+}
+
+/// To be asked while the client's first message is at hand.
+bool asksForResumption(SSL* session)
+{
+    const unsigned char* bytes = nullptr;
+    std::size_t size = 0;
+    if (SSL_client_hello_get0_ext(session, TLSEXT_TYPE_psk, &bytes, &size) == 1)
+        return true;
+    return SSL_client_hello_get0_ext(session, TLSEXT_TYPE_session_ticket, &bytes, &size) == 1 &&
+           size > 0;
+}
+
 } // namespace
 
 std::string opensslError()
@@ -128,11 +149,12 @@ TlsContext::TlsContext(TlsSettings settings)
 {
     require(context_ != nullptr, "cannot start TLS");
     SSL_CTX* context = context_.get();
-    // A resumed session shows no certificate, so faults of the certificate would be missed.
+    // Sessions are in the clients' hands alone, as tickets.
     SSL_CTX_set_session_cache_mode(context, SSL_SESS_CACHE_OFF);
-    SSL_CTX_set_options(context, SSL_OP_NO_TICKET | SSL_OP_IGNORE_UNEXPECTED_EOF);
-    SSL_CTX_set_num_tickets(context, 0);
-    restrictVersions();
+    SSL_CTX_set_options(context, SSL_OP_IGNORE_UNEXPECTED_EOF);
+    SSL_CTX_set_num_tickets(context, 1);
+    SSL_CTX_set_session_ticket_cb(context, &TlsContext::markTicket, &TlsContext::judgeTicket, this);
+    SSL_CTX_set_client_hello_cb(context, &TlsContext::takeHello, this);
     makeOwn();
     if (settings_.certificate_file.empty()) {
         require(SSL_CTX_use_certificate(context, good_.get()) == 1 &&
@@ -141,13 +163,14 @@ TlsContext::TlsContext(TlsSettings settings)
     } else {
         loadFiles();
     }
-    SSL_CTX_set_cert_cb(context, &TlsContext::chooseCertificate, this);
 }
 
-TlsContext::SessionPointer TlsContext::newSession(int descriptor)
+TlsContext::SessionPointer TlsContext::newSession(int descriptor, HandshakePlan* plan)
 {
     SessionPointer session(SSL_new(context_.get()));
-    if (session && SSL_set_fd(session.get(), descriptor) != 1)
+    if (session &&
+        (SSL_set_fd(session.get(), descriptor) != 1 || SSL_set_app_data(session.get(), plan) != 1 ||
+         !restrictVersions(session.get(), settings_.version)))
         session.reset();
     return session;
 }
@@ -158,31 +181,60 @@ std::string TlsContext::certificatesPem() const
     return toPem(shown) + toPem(wrong_host_.get()) + toPem(expired_.get());
 }
 
-int TlsContext::chooseCertificate(SSL* session, void* self)
+// Before anything is decided: sessions, version and certificate.
+int TlsContext::takeHello(SSL* session, int*, void* self)
 {
-    const auto* context = static_cast<const TlsContext*>(self);
-    const CertificateChoice choice =
-        context->settings_.choose ? context->settings_.choose() : CertificateChoice::Good;
-    if (choice == CertificateChoice::Good)
-        return 1;
-    X509* certificate =
-        choice == CertificateChoice::Expired ? context->expired_.get() : context->wrong_host_.get();
-    SSL_certs_clear(session);
-    return SSL_use_certificate(session, certificate) == 1 &&
-                   SSL_use_PrivateKey(session, context->own_key_.get()) == 1
-               ? 1
-               : 0;
+    auto* context = static_cast<TlsContext*>(self);
+    auto* plan = static_cast<HandshakePlan*>(SSL_get_app_data(session));
+    if (context->settings_.plan)
+        *plan = context->settings_.plan(asksForResumption(session));
+    if (plan->closes)
+        return SSL_CLIENT_HELLO_RETRY; // hands the connection back without a word
+    return context->apply(*plan, session) ? SSL_CLIENT_HELLO_SUCCESS : SSL_CLIENT_HELLO_ERROR;
 }
 
-void TlsContext::restrictVersions()
+bool TlsContext::apply(const HandshakePlan& plan, SSL* session)
 {
-    const bool only13 = settings_.version == "1.3";
-    const bool only12 = settings_.version == "1.2";
-    const int lowest = only13 ? TLS1_3_VERSION : TLS1_2_VERSION;
-    const int highest = only12 ? TLS1_2_VERSION : TLS1_3_VERSION;
-    require(SSL_CTX_set_min_proto_version(context_.get(), lowest) == 1 &&
-                SSL_CTX_set_max_proto_version(context_.get(), highest) == 1,
-            "cannot set the TLS version");
+    if (plan.forgets_sessions)
+        ++generation_;
+    if (!plan.offers_sessions) {
+        SSL_set_options(session, SSL_OP_NO_TICKET);
+        SSL_set_num_tickets(session, 0);
+    }
+    if (!plan.version.empty() && !restrictVersions(session, plan.version))
+        return false;
+    if (plan.certificate == CertificateChoice::Good)
+        return true;
+    X509* certificate =
+        plan.certificate == CertificateChoice::Expired ? expired_.get() : wrong_host_.get();
+    SSL_certs_clear(session);
+    return SSL_use_certificate(session, certificate) == 1 &&
+           SSL_use_PrivateKey(session, own_key_.get()) == 1;
+}
+
+int TlsContext::markTicket(SSL* session, void* self)
+{
+    const std::uint32_t generation = static_cast<TlsContext*>(self)->generation_;
+    return SSL_SESSION_set1_ticket_appdata(SSL_get_session(session), &generation,
+                                           sizeof generation);
+}
+
+SSL_TICKET_RETURN TlsContext::judgeTicket(SSL* session, SSL_SESSION* ticket, const unsigned char*,
+                                          std::size_t, SSL_TICKET_STATUS status, void* self)
+{
+    if (status != SSL_TICKET_SUCCESS && status != SSL_TICKET_SUCCESS_RENEW)
+        return SSL_TICKET_RETURN_IGNORE_RENEW;
+    void* mark = nullptr;
+    std::size_t size = 0;
+    std::uint32_t generation = 0;
+    if (SSL_SESSION_get0_ticket_appdata(ticket, &mark, &size) == 1 && size == sizeof generation)
+        std::memcpy(&generation, mark, size);
+    const bool is_known = generation == static_cast<TlsContext*>(self)->generation_;
+    // A resumed session shows no certificate, so its faults would be missed.
+    const auto* plan = static_cast<const HandshakePlan*>(SSL_get_app_data(session));
+    return is_known && plan->certificate == CertificateChoice::Good
+               ? SSL_TICKET_RETURN_USE
+               : SSL_TICKET_RETURN_IGNORE_RENEW;
 }
 
 void TlsContext::loadFiles()

@@ -5,6 +5,9 @@
 #include <openssl/ssl.h>
 #include <openssl/x509.h>
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -38,6 +41,17 @@ enum class CertificateChoice
     Expired
 };
 
+/// How one handshake shall go.
+struct HandshakePlan
+{
+    CertificateChoice certificate = CertificateChoice::Good;
+    std::string version;           ///< "1.2", "1.3", or empty: as the settings say
+    bool forgets_sessions = false; ///< from now on, no earlier one can be resumed
+    bool offers_sessions = true;
+    bool closes = false; ///< in place of an answer
+    bool resets = false; ///< when it is done
+};
+
 /// How the service shall speak TLS.
 struct TlsSettings
 {
@@ -46,7 +60,8 @@ struct TlsSettings
     std::string version;          ///< "1.2", "1.3", or empty for both
     std::string certificate_file; ///< empty: self-made
     std::string key_file;
-    std::function<CertificateChoice()> choose; ///< asked once for each handshake
+    /// Asked once for each handshake, with whether the client asks for resumption.
+    std::function<HandshakePlan(bool)> plan;
 };
 
 /// The server's side of TLS: keys, certificates and protocol versions.
@@ -58,15 +73,20 @@ public:
     /// Throws std::runtime_error.
     explicit TlsContext(TlsSettings settings);
 
-    /// A session over this socket, before its handshake.
-    SessionPointer newSession(int descriptor);
+    /// A session over this socket, before its handshake. The plan, which must outlive it, is made
+    /// when the client has said what it wants.
+    SessionPointer newSession(int descriptor, HandshakePlan* plan);
 
     /// All certificates that can be shown, for clients that shall trust them.
     std::string certificatesPem() const;
 
 private:
-    static int chooseCertificate(SSL* session, void* self);
-    void restrictVersions();
+    static int takeHello(SSL* session, int* alert, void* self);
+    static int markTicket(SSL* session, void* self);
+    static SSL_TICKET_RETURN judgeTicket(SSL* session, SSL_SESSION* ticket,
+                                         const unsigned char* name, std::size_t name_size,
+                                         SSL_TICKET_STATUS status, void* self);
+    bool apply(const HandshakePlan& plan, SSL* session);
     void loadFiles();
     void makeOwn();
 
@@ -76,6 +96,7 @@ private:
     CertificatePointer good_;
     CertificatePointer wrong_host_;
     CertificatePointer expired_;
+    std::atomic<std::uint32_t> generation_{0}; ///< of the sessions that can be resumed
 };
 
 /// The oldest waiting OpenSSL error in words.

@@ -38,6 +38,7 @@ void TestCloudFaultSpec::readsAllKeys()
     QCOMPARE(parseFault("errorcode:code=9").code, 9);
     QCOMPARE(parseFault("http500:status=503").status, 503);
     QVERIFY(parseFault("missing:member=token").member == "token");
+    QVERIFY(parseFault("tls-version:version=1.3").version == "1.3");
 }
 
 void TestCloudFaultSpec::hasDefaults()
@@ -49,6 +50,8 @@ void TestCloudFaultSpec::hasDefaults()
     QCOMPARE(parseFault("errorcode").code, 255);
     QCOMPARE(*parseFault("token-expiry").count, 1);
     QCOMPARE(*parseFault("token-expiry:count=4").count, 4);
+    QCOMPARE(*parseFault("tickets-lost").count, 1);
+    QVERIFY(parseFault("tls-version").version == "1.2");
 }
 
 void TestCloudFaultSpec::rejects_data()
@@ -76,6 +79,7 @@ void TestCloudFaultSpec::rejects_data()
     row("group of a login", "hang:path=login,group=a", "group= works with");
     row("count of refuse", "refuse:count=1", "refuse takes no key \"count\"");
     row("path of a certificate", "expired:path=login", "expired takes no key \"path\"");
+    row("no version of TLS", "tls-version:version=1.1", "version= needs 1.2 or 1.3, not \"1.1\"");
     row("empty item", "hang:item=", "item= needs a value");
 }
 

@@ -19,6 +19,7 @@ private slots:
     void removalEndsWhatIsGoingOn();
     void refusesWhileActive();
     void handshakesAreCountedApart();
+    void someWaitForAResumption();
 };
 
 namespace {
@@ -126,9 +127,19 @@ void TestCloudFaultTable::handshakesAreCountedApart()
     FaultTable table;
     table.add(parseFault("expired:count=1,after=1"));
     QVERIFY(!table.takeForRequest(value_of_a));
-    QVERIFY(!table.takeForHandshake());
-    QVERIFY(table.takeForHandshake());
-    QVERIFY(!table.takeForHandshake());
+    QVERIFY(!table.takeForHandshake({}));
+    QVERIFY(table.takeForHandshake({}));
+    QVERIFY(!table.takeForHandshake({}));
+}
+
+void TestCloudFaultTable::someWaitForAResumption()
+{
+    FaultTable table;
+    table.add(parseFault("resume-close:count=1"));
+    table.add(parseFault("resume-reset"));
+    QVERIFY(!table.takeForHandshake({}));
+    QVERIFY(table.takeForHandshake({true})->spec.kind() == FaultKind::ResumeClose);
+    QVERIFY(table.takeForHandshake({true})->spec.kind() == FaultKind::ResumeReset);
 }
 
 QTEST_APPLESS_MAIN(TestCloudFaultTable)

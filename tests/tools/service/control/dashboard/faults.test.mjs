@@ -55,7 +55,7 @@ test('a fault is put together, strikes, goes off and on again', async () => {
 
 test('every kind is offered, with its keys alone', async () => {
     const kinds = await page.getByLabel('Kind of fault').locator('option').allTextContents();
-    assert.equal(kinds.length, 18);
+    assert.equal(kinds.length, 23);
     assert.ok(kinds.includes('wrong-host (needs TLS)'));
     const form = page.locator('#fault-form');
     const open = () => form.locator('[data-key]:enabled').evaluateAll(

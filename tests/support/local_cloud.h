@@ -1,20 +1,20 @@
-#ifndef TESTS_RELIABILITY_FAULT_MATRIX_LOCAL_CLOUD_H
-#define TESTS_RELIABILITY_FAULT_MATRIX_LOCAL_CLOUD_H
+#ifndef TESTS_SUPPORT_LOCAL_CLOUD_H
+#define TESTS_SUPPORT_LOCAL_CLOUD_H
 
 #include "tools/service/http/front_end.h"
 #include "tools/service/http/service_front.h"
 #include "tools/service/http/tls_context.h"
 
 #include <string>
-
-namespace fault_matrix {
+#include <vector>
 
 /// The simulated service inside this process, over HTTPS on a free port, with a plant of a few
 /// items.
 class LocalCloud
 {
 public:
-    LocalCloud();
+    /// \param tls "1.2", "1.3", or empty for both
+    explicit LocalCloud(const std::string& tls = {});
     ~LocalCloud();
 
     std::string url() const;
@@ -31,8 +31,11 @@ public:
     void set(const std::string& item, int value);
     int value(const std::string& item);
 
+    /// Of every request so far, whether its connection resumed a TLS session.
+    std::vector<bool> resumptions() const;
+
 private:
-    tovik_service::http::TlsSettings tlsSettings();
+    tovik_service::http::TlsSettings tlsSettings(const std::string& tls);
 
     tovik_service::http::EventLog log_;
     tovik_service::plant::Plant plant_;
@@ -43,7 +46,5 @@ private:
     tovik_service::http::ServiceFront service_;
     tovik_service::http::FrontEnd port_;
 };
-
-} // namespace fault_matrix
 
 #endif

@@ -1,6 +1,6 @@
-#include "tests/reliability/fault_matrix/local_cloud.h"
+#include "tests/support/local_cloud.h"
 
-namespace fault_matrix {
+#include "tools/service/http/handshake_fault.h"
 
 namespace {
 
@@ -16,11 +16,11 @@ const char plant_text[] = R"({
 
 } // namespace
 
-LocalCloud::LocalCloud()
+LocalCloud::LocalCloud(const std::string& tls)
     : log_("/dev/null", false),
       plant_(tovik_service::plant::parseProject(plant_text), std::nullopt),
       tokens_(std::nullopt),
-      tls_(tlsSettings()),
+      tls_(tlsSettings(tls)),
       service_(plant_, tokens_, faults_, requests_, log_),
       port_(service_.engine(), &tls_, "127.0.0.1", 0, log_)
 {
@@ -33,18 +33,14 @@ LocalCloud::~LocalCloud()
     port_.stop();
 }
 
-tovik_service::http::TlsSettings LocalCloud::tlsSettings()
+tovik_service::http::TlsSettings LocalCloud::tlsSettings(const std::string& tls)
 {
     tovik_service::http::TlsSettings settings;
     settings.host = "127.0.0.1";
     settings.key_type = tovik_service::http::KeyType::P256;
-    settings.choose = [this] {
-        const tovik_service::faults::FaultPointer fault = faults_.takeForHandshake();
-        if (!fault)
-            return tovik_service::http::CertificateChoice::Good;
-        return fault->spec.kind() == tovik_service::faults::FaultKind::Expired
-                   ? tovik_service::http::CertificateChoice::Expired
-                   : tovik_service::http::CertificateChoice::WrongHost;
+    settings.version = tls;
+    settings.plan = [this](bool is_resumption) {
+        return tovik_service::http::planHandshake(faults_, log_, is_resumption);
     };
     return settings;
 }
@@ -90,4 +86,10 @@ int LocalCloud::value(const std::string& item)
     return plant_.item(item)->value.get<int>();
 }
 
-} // namespace fault_matrix
+std::vector<bool> LocalCloud::resumptions() const
+{
+    std::vector<bool> resumptions;
+    for (const tovik_service::http::RequestRecord& record : requests_.since(0))
+        resumptions.push_back(record.resumed.value_or(false));
+    return resumptions;
+}

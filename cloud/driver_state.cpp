@@ -147,7 +147,7 @@ void DriverState::takeValues(const QList<MonitorDataItem>& values)
             continue;
         item.value = values.at(entry).value;
         const qint64 moment = read_at.value(entry, never);
-        if (moment != never && i < taken_at_.size())
+        if (moment != never)
             taken_at_[i] = moment;
     }
 }

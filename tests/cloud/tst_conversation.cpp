@@ -5,6 +5,8 @@
 
 #include <QTest>
 
+#include <stdexcept>
+
 #include <memory>
 
 using service::Outcome;
@@ -43,6 +45,7 @@ private Q_SLOTS:
     void addressIsAskedBeforeEveryRequest();
     void progressOfACatalogue_data();
     void progressOfACatalogue();
+    void elementThatIsNoGroup();
     void groupsBeforeAFailureStay();
     void valueOfAnotherKind_data();
     void valueOfAnotherKind();
@@ -222,6 +225,24 @@ void TestConversation::progressOfACatalogue()
     Conversation(&property_).groupList(latin1(token), &loaded, note);
     QTEST(steps, "steps");
     QCOMPARE(loaded.size(), qMax(0, steps.size() - 1));
+}
+
+/// It is not counted, and raises its error when its turn has come.
+void TestConversation::elementThatIsNoGroup()
+{
+    service_->queue("{\"errorcode\":0,\"Number\":2,\"groups\":["
+                    "{\"group_id\":\"g\",\"name\":\"One\"},5]}");
+    service_->queue(two_items);
+    QList<PropertyTovikIotGroup> loaded;
+    int known = 0;
+    const auto note = [&known](const Conversation::Progress& progress) {
+        known = progress.groups_known;
+    };
+    const Conversation conversation(&property_);
+    QVERIFY_EXCEPTION_THROWN(conversation.groupList(latin1(token), &loaded, note),
+                             std::runtime_error);
+    QCOMPARE(known, 1);
+    QCOMPARE(loaded.size(), 1);
 }
 
 void TestConversation::groupsBeforeAFailureStay()

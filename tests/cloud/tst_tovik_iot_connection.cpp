@@ -44,6 +44,7 @@ private Q_SLOTS:
     void loginReplies();
     void failedLoginKeepsTheToken();
     void emptyTokenReplacesTheToken();
+    void failureOfAClientThatWasNeverStarted();
     void connectsByLoginAndCatalogue();
     void connectFailsWithTheLogin();
     void firstConnectSucceeds();
@@ -189,6 +190,17 @@ void TestTovikIotConnection::emptyTokenReplacesTheToken()
     service_->reset();
     client_->SlotWriteValue(0, 1);
     QVERIFY(service_->bodies().first().contains("\"token\":\"\""));
+}
+
+/// Its reconnect timer is made by its start, so there is none to wait for.
+void TestTovikIotConnection::failureOfAClientThatWasNeverStarted()
+{
+    serveOneItem();
+    service_->queue("{\"errorcode\":8}");
+    QSignalSpy results(client_.get(), SIGNAL(EmitUpdateErrCode(int)));
+    client_->SlotWriteValue(0, 1);
+    QCOMPARE(results, (QList<QList<QVariant>>{{8}}));
+    QVERIFY(client_->findChildren<QTimer*>().isEmpty());
 }
 
 void TestTovikIotConnection::connectsByLoginAndCatalogue()

@@ -16,6 +16,7 @@ public:
     static const int wrong_answer = 0x30000001;
 
     using DriverBasic::pauseThread;
+    using DriverBasic::stopRequested;
     using DriverBasic::waitForLinkInput;
 
     explicit TestDriver(DrvSerial* serial, DrvEthernet* ethernet = nullptr);

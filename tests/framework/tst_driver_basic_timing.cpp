@@ -1,7 +1,10 @@
 #include "tests/framework/test_driver.h"
 #include "tests/support/log_recorder.h"
 
+#include <QElapsedTimer>
 #include <QTest>
+
+#include <cstring>
 
 namespace {
 
@@ -39,6 +42,10 @@ private Q_SLOTS:
     void ethernetSettingsAreReadAgain();
     void withoutTheLinkNothingHappens();
     void eachLinkHasItsOwnSettings();
+    void pause_data();
+    void pause();
+    void stopFlag_data();
+    void stopFlag();
 };
 
 void TestDriverBasicTiming::computedByHand_data()
@@ -216,6 +223,42 @@ void TestDriverBasicTiming::eachLinkHasItsOwnSettings()
     Q_EMIT driver.SigUpdateDrvEthernet();
     QCOMPARE(settingsOf(driver), changed);
     QCOMPARE(driver.device_, static_cast<QIODevice*>(&serial));
+}
+
+void TestDriverBasicTiming::pause_data()
+{
+    QTest::addColumn<int>("milliseconds");
+    QTest::newRow("none") << 0;
+    QTest::newRow("less than none") << -5;
+    QTest::newRow("a frame's") << 40;
+}
+
+void TestDriverBasicTiming::pause()
+{
+    QFETCH(int, milliseconds);
+    QElapsedTimer time;
+    time.start();
+    TestDriver::pauseThread(milliseconds);
+    QVERIFY(time.elapsed() >= milliseconds);
+    QVERIFY(time.elapsed() < milliseconds + 10000);
+}
+
+void TestDriverBasicTiming::stopFlag_data()
+{
+    QTest::addColumn<QByteArray>("first_bytes"); // as they lie in memory
+    QTest::addColumn<bool>("stops");
+    QTest::newRow("not set") << QByteArray(sizeof(quintptr), '\0') << false;
+    QTest::newRow("1") << QByteArray("\1") << true;
+    QTest::newRow("only the first byte counts") << QByteArray("\0\1", 2) << false;
+    QTest::newRow("any value of it") << QByteArray("\x80") << true;
+}
+
+void TestDriverBasicTiming::stopFlag()
+{
+    QFETCH(QByteArray, first_bytes);
+    TestDriver driver(nullptr);
+    std::memcpy(&driver.stop_flag, first_bytes.constData(), size_t(first_bytes.size()));
+    QTEST(driver.stopRequested(), "stops");
 }
 
 QTEST_GUILESS_MAIN(TestDriverBasicTiming)

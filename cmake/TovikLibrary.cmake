@@ -38,6 +38,7 @@ set(TOVIK_CLIENT_SOURCES
   cloud/service_message.h cloud/service_message.cpp
   cloud/tovik_iot.h cloud/tovik_iot.cpp
   cloud/write_queue.h cloud/write_queue.cpp
+  compat/session_bytes.h compat/session_bytes.cpp
   compat/text.h compat/text.cpp
   compat/twos_complement.h
   compat/write_channel.h

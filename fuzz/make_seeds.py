@@ -249,8 +249,50 @@ def modbus():
                   bytes([8 | write_it, 0, 4 * write_it, 2, 17, 0, 4, 4]) + b"\1\2\3\4" + address)
 
 
+def der(tag, contents):
+    size = len(contents)
+    if size < 0x80:
+        return bytes([tag, size]) + contents
+    length = size.to_bytes((size.bit_length() + 7) // 8, "big")
+    return bytes([tag, 0x80 | len(length)]) + length + contents
+
+
+def certificate():
+    """Of an Ed25519 key, with a signature that nobody checks."""
+    algorithm = der(0x30, b"\x06\x03\x2b\x65\x70")
+    name = der(0x30, der(0x31, der(0x30, b"\x06\x03\x55\x04\x03" + der(0x0C, b"service"))))
+    validity = der(0x30, der(0x17, b"260101000000Z") + der(0x17, b"360101000000Z"))
+    key = der(0x30, algorithm + der(0x03, b"\0" + bytes(range(32))))
+    body = der(0x30, b"\x02\x01\x01" + algorithm + name + validity + name + key)
+    return der(0x30, body + algorithm + der(0x03, b"\0" + bytes(64)))
+
+
+def sessions():
+    def session(version, cipher, *others):
+        return der(0x30, b"\x02\x01\x01" + der(0x02, version) + der(0x04, cipher) +
+                   der(0x04, bytes(32)) + der(0x04, bytes(range(48))) + b"".join(others))
+    times = der(0xA1, der(0x02, b"\x65\0\0\0")) + der(0xA2, der(0x02, b"\x1c\x20"))
+    peer = der(0xA3, certificate())
+    context = der(0xA4, der(0x04, b""))
+    ticket = der(0xA9, der(0x02, b"\x1c\x20")) + der(0xAA, der(0x04, bytes(range(160))))
+    tls12, tls13 = (b"\x03\x03", b"\xc0\x2f"), (b"\x03\x04", b"\x13\x02")
+    write("session", "tls12", session(*tls12, times, peer, context, ticket))
+    write("session", "tls13", session(*tls13, times, peer, context, ticket,
+                                      der(0xAE, der(0x02, b"\x12\x34"))))
+    write("session", "no_certificate", session(*tls13, times, context, ticket))
+    write("session", "short", session(*tls12, peer))
+    write("session", "bytes_for_a_certificate",
+          session(*tls12, times, der(0xA3, bytes(60)), context))
+    write("session", "two_certificates", session(*tls12, times, peer, peer))
+    write("session", "wrong_order", session(*tls12, peer, times))
+    write("session", "other_element", session(*tls12, times, peer, der(0x04, b"")))
+    write("session", "something_behind", session(*tls12, times, peer) + b"x")
+    write("session", "no_sequence", der(0x31, session(*tls12, times, peer)[3:]))
+
+
 streams()
 replies()
 host_bytes()
 protocol()
 modbus()
+sessions()

@@ -47,6 +47,9 @@ void runModbusRtu(const QByteArray& input);
 /// Looks for the answer to a Modbus request on a TCP connection.
 void runModbusTcp(const QByteArray& input);
 
+/// Takes the certificate out of a TLS session.
+void runSession(const QByteArray& input);
+
 /// A target by name.
 struct Target
 {

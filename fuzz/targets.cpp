@@ -8,7 +8,7 @@ const Target targets[] = {
     {"value", runValue},          {"host_bytes", runHostBytes},
     {"protocol", runProtocol},    {"modbus_request", runModbusRequest},
     {"modbus_pdu", runModbusPdu}, {"modbus_rtu", runModbusRtu},
-    {"modbus_tcp", runModbusTcp},
+    {"modbus_tcp", runModbusTcp}, {"session", runSession},
 };
 
 const int target_count = int(sizeof targets / sizeof targets[0]);

@@ -45,7 +45,12 @@ int countOfGroups(const picojson::array& elements)
 
 } // namespace
 
-Conversation::Conversation(const PropertyTovikIot* property) : property_(property) {}
+Conversation::Conversation(const PropertyTovikIot* property)
+    : property_(property),
+      memory_(new PostMemory)
+{}
+
+Conversation::~Conversation() {}
 
 QString Conversation::urlOf(const service::Operation& operation) const
 {
@@ -55,7 +60,7 @@ QString Conversation::urlOf(const service::Operation& operation) const
 Outcome Conversation::call(const service::Operation& operation, const picojson::object& members,
                            picojson::object* reply) const
 {
-    Post post(service::requestBody(members), urlOf(operation));
+    Post post(service::requestBody(members), urlOf(operation), memory_.data());
     post.wait();
     return takeReply(&post, operation, reply);
 }
@@ -173,7 +178,7 @@ Post* Conversation::postWrite(const QString& token, const PropertyTovikIotDataIt
     members["dataitem_id"] = service::member(item.dataitem_id);
     if (const DataItemType* type = findDataItemType(item.type))
         members["value"] = type->to_json(value);
-    return new Post(service::requestBody(members), urlOf(service::write));
+    return new Post(service::requestBody(members), urlOf(service::write), memory_.data());
 }
 
 Outcome Conversation::takeWrite(Post* post) const

@@ -5,12 +5,14 @@
 #include "property/property_tovik_iot.h"
 
 #include <QList>
+#include <QScopedPointer>
 #include <QString>
 #include <QVariant>
 
 #include <functional>
 
 class Post;
+struct PostMemory;
 
 /// The five operations of the service, each once: a request, its reply taken apart, the lines that
 /// it logs, and an outcome that says how it ended and why.
@@ -34,6 +36,7 @@ public:
 
     /// \param property says where the service is; not owned, and asked before every request.
     explicit Conversation(const PropertyTovikIot* property);
+    ~Conversation();
 
     /// Logs in.
     /// \param token receives the service's; it stays as it is when the reply has none.
@@ -62,12 +65,18 @@ public:
     service::Outcome takeWrite(Post* post) const;
     /// @}
 
+    /// What its posts hand on to each other, for others to the same service.
+    PostMemory* memory() const { return memory_.data(); }
+
 private:
+    Q_DISABLE_COPY(Conversation)
+
     QString urlOf(const service::Operation& operation) const;
     service::Outcome call(const service::Operation& operation, const picojson::object& members,
                           picojson::object* reply) const;
 
     const PropertyTovikIot* property_;
+    const QScopedPointer<PostMemory> memory_;
 };
 
 #endif

@@ -10,21 +10,32 @@
 #include <QSslSocket>
 #include <QUrl>
 
-Post::Post(const QString& body, const QString& url) : reply_(0)
+Post::Post(const QString& body, const QString& url, PostMemory* memory)
+    : memory_(memory),
+      prompt_(QUrl(url), &memory->sockets),
+      reply_(0)
 {
     QNetworkRequest request((QUrl(url)));
     request.setRawHeader(QByteArray("Content-Type"), QByteArray("application/json"));
     QSslConfiguration ssl = request.sslConfiguration();
     ssl.setPeerVerifyMode(QSslSocket::VerifyNone);
     request.setSslConfiguration(ssl);
+    memory_->session.offer(&request);
 
     const QByteArray bytes = body.toLocal8Bit();
     reply_ = manager_.post(request, bytes);
     whole_post::handOverBody(reply_, bytes.size());
+    prompt_.watch(reply_);
+    connect(reply_, SIGNAL(finished()), this, SLOT(takeSession()));
     connect(reply_, SIGNAL(finished()), this, SIGNAL(EmitFinished()));
 }
 
 Post::~Post() {}
+
+void Post::takeSession()
+{
+    memory_->session.take(*reply_);
+}
 
 void Post::wait()
 {

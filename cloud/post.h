@@ -1,6 +1,9 @@
 #ifndef CLOUD_POST_H
 #define CLOUD_POST_H
 
+#include "compat/prompt_request.h"
+#include "compat/tls_session.h"
+
 #include <QNetworkAccessManager>
 #include <QObject>
 #include <QString>
@@ -8,6 +11,14 @@
 #include <string>
 
 class QNetworkReply;
+
+/// What the posts of a client hand on to each other, all of them in one thread: what makes the next
+/// one cheaper, and changes nothing of what it says.
+struct PostMemory
+{
+    TlsSession session;
+    SocketNumbers sockets;
+};
 
 /// One post of a JSON body, on its way from its making on. It has a connection of its own, takes
 /// any certificate, and knows no time-out. To be used, and deleted, in the thread that made it;
@@ -18,7 +29,8 @@ class Post : public QObject
 
 public:
     /// Posts \a body, in the local encoding, to \a url.
-    Post(const QString& body, const QString& url);
+    /// \param memory not owned
+    Post(const QString& body, const QString& url, PostMemory* memory);
     ~Post();
 
     /// Runs an event loop until the reply has finished, or the thread is told to quit. The post may
@@ -36,9 +48,14 @@ Q_SIGNALS:
     /// The whole reply is there, or the transport has failed. Nobody deletes the post inside.
     void EmitFinished();
 
+private Q_SLOTS:
+    void takeSession();
+
 private:
     Q_DISABLE_COPY(Post)
 
+    PostMemory* memory_;
+    PromptRequest prompt_;
     QNetworkAccessManager manager_;
     QNetworkReply* reply_;
 };

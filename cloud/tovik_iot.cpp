@@ -177,7 +177,7 @@ int TovikIot::WriteDataitemValue(QString token, PropertyTovikIotDataItem item,
 
 QString TovikIot::PostRequest(QString body, QString url)
 {
-    Post post(body, url);
+    Post post(body, url, conversation_.memory());
     post.wait();
     return text::fromLatin1(post.takeBytes());
 }

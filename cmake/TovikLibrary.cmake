@@ -38,8 +38,11 @@ set(TOVIK_CLIENT_SOURCES
   cloud/service_message.h cloud/service_message.cpp
   cloud/tovik_iot.h cloud/tovik_iot.cpp
   cloud/write_queue.h cloud/write_queue.cpp
+  compat/new_sockets.h compat/new_sockets.cpp
+  compat/prompt_request.h compat/prompt_request.cpp
   compat/session_bytes.h compat/session_bytes.cpp
   compat/text.h compat/text.cpp
+  compat/tls_session.h compat/tls_session.cpp
   compat/twos_complement.h
   compat/write_channel.h
   compat/whole_post.h compat/whole_post.cpp)

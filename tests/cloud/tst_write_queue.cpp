@@ -28,7 +28,7 @@ public:
     {
         if (index < 0)
             throw std::overflow_error("no number");
-        posts.append(new Post(value.toString(), url_));
+        posts.append(new Post(value.toString(), url_, &memory_));
         return posts.last();
     }
 
@@ -45,6 +45,7 @@ public:
 
 private:
     QString url_;
+    PostMemory memory_;
 };
 
 } // namespace

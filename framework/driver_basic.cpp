@@ -5,6 +5,7 @@
 #include "framework/result_code.h"
 
 #include <QDebug>
+#include <QElapsedTimer>
 #include <QMetaType>
 #include <QMutexLocker>
 
@@ -13,6 +14,7 @@ using namespace result_code;
 
 namespace {
 
+const int longest_turn = 50;               // ms
 const int longest_transparent_write = 100; // ms
 // Unchanged polls after which the answer to a transparent request is complete.
 const int stable_polls_of_tcp = 10;
@@ -55,6 +57,32 @@ int judgeFailure(int wait_code, int code, int received, int expected)
     }
     qDebug() << "Protocol_Invalid_Length:" << received << "(" << expected << ")";
     return invalid_length;
+}
+
+/// Waits for an answer in short turns, so that the host can stop a driver whose device is silent.
+template <typename IsThere>
+int waitUntil(const DriverBasic& driver, IsThere is_there, int* ready)
+{
+    *ready = 0;
+    if (!driver.device_)
+        return receive_failed;
+    QElapsedTimer waited;
+    waited.start();
+    for (;;) {
+        // Judged before the look, since this thread may have slept while the answer came.
+        const qint64 left = driver.response_timeout_ - waited.elapsed();
+        const bool is_complete = is_there();
+        *ready = link_io::available(driver.device_) > 0 ? 1 : 0;
+        if (is_complete)
+            return success;
+        if (isStopped(driver))
+            return stopped;
+        if (link_io::isLost(driver.device_))
+            return receive_failed;
+        if (left <= 0)
+            return no_answer_in_time;
+        link_io::waitForInput(driver.device_, int(qMin(left, qint64(longest_turn))));
+    }
 }
 
 /// Returns how many unchanged polls are enough on this link.
@@ -210,6 +238,23 @@ bool DriverBasic::stopRequested() const
 void DriverBasic::waitForLinkInput(int milliseconds)
 {
     link_io::waitForInput(device_, milliseconds);
+}
+
+int DriverBasic::waitForBytes(int count, int* ready)
+{
+    return waitUntil(
+        *this, [this, count] { return link_io::available(device_) >= count; }, ready);
+}
+
+int DriverBasic::waitForLine(const QByteArray& end, int* ready)
+{
+    return waitUntil(
+        *this, [&] { return device_->peek(link_io::available(device_)).contains(end); }, ready);
+}
+
+bool DriverBasic::isLinkLost() const
+{
+    return link_io::isLost(device_);
 }
 
 void DriverBasic::pauseThread(int milliseconds)

@@ -58,6 +58,13 @@ class TOVIK_EXPORT DriverBasic : public DrvInterface
     Q_OBJECT
 
 public:
+    enum
+    {
+        /// What request_build() returns where only the answer itself says how long it is. Whatever
+        /// has come goes to recv_abnormal_handler() then, which says whether it is whole.
+        unknown_length = -1
+    };
+
     /// \param name kept for the driver's own use, in name_
     /// \param serial the serial link, or null
     /// \param ethernet the TCP link, used if \a serial is null
@@ -88,7 +95,8 @@ public:
     /// \param data empty for a read, the bytes to be written for a write
     /// \param request empty
     /// \param station_no the station number of the device
-    /// \return the length of the expected answer in bytes; 0 if the request cannot be built, which
+    /// \return the length of the expected answer in bytes, or unknown_length; 0 if the request
+    /// cannot be built, which
     ///         answers the host with 0x20010003. Setting error_code_ cancels the exchange with that
     ///         code instead. Either way nothing is sent.
     virtual int request_build(E_CMD_DIR dir, QString address, int field1, int data_length,
@@ -193,6 +201,18 @@ protected:
     /// as Qt's own `waitForReadyRead()` does when it has waited in vain. Returns at once if the
     /// link is closed or lost; negative counts as 0.
     void waitForLinkInput(int milliseconds);
+    /// Waits until \a count bytes are waiting on the link: what request_send_wait() is for, where
+    /// the answer's length is known. Waits response_timeout_ at most, and hears a stop request
+    /// within 50 ms.
+    /// \param ready becomes 1 when anything is waiting, complete or not, else 0
+    /// \return 0, or of framework/result_code.h: stopped, receive_failed (the link is lost),
+    ///         no_answer_in_time
+    int waitForBytes(int count, int* ready);
+    /// The same, until \a end has come. Looks at all that is waiting, and takes nothing.
+    int waitForLine(const QByteArray& end, int* ready);
+    /// Whether the link is closed, closing or lost; a link that is still connecting is not. What
+    /// had come before can be read all the same.
+    bool isLinkLost() const;
     /// Pauses the driver's thread so long; nothing ends the pause early.
     static void pauseThread(int milliseconds);
 

@@ -112,6 +112,15 @@ qint64 available(const QIODevice* device)
     return qMax(qint64(0), device->bytesAvailable());
 }
 
+bool isLost(const QIODevice* device)
+{
+    if (!isUp(device) || device->bytesAvailable() < 0)
+        return true;
+    // Without an event loop a serial line that has hung up stays open.
+    const QextSerialPort* port = qobject_cast<const QextSerialPort*>(device);
+    return port && (port->lastError() == E_IO_ERROR || port->lastError() == E_READ_FAILED);
+}
+
 void waitForInput(QIODevice* device, int milliseconds)
 {
     const int time = qMax(0, milliseconds);

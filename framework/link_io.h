@@ -22,6 +22,9 @@ void pause(int milliseconds);
 /// The bytes that can be read now; 0 where the device says that its line is lost.
 qint64 available(const QIODevice* device);
 
+/// Whether the link is closed, closing or lost; a socket that is still connecting is not.
+bool isLost(const QIODevice* device);
+
 /// Waits until new input has arrived, at most so long; meanwhile what has been written leaves.
 /// Returns at once if the link is closed or lost.
 void waitForInput(QIODevice* device, int milliseconds);

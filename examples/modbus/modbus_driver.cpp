@@ -24,8 +24,7 @@ const int register_bytes = 2;
 } // namespace
 
 ModbusDriver::ModbusDriver(const QString& name, DrvSerial* serial, DrvEthernet* ethernet)
-    : DriverBasic(name, serial, ethernet),
-      link_(serial, ethernet)
+    : DriverBasic(name, serial, ethernet)
 {
     if (serial)
         framing_.reset(new RtuFraming);
@@ -64,10 +63,11 @@ bool ModbusDriver::collect()
 {
     if (is_transparent_)
         return false;
-    const QByteArray bytes = link_.take();
-    if (bytes.isEmpty())
+    // Much cheaper than readAll(), which makes room for 16 KiB first.
+    const qint64 held = device_->isReadable() ? device_->bytesAvailable() : 0;
+    if (held <= 0)
         return false;
-    framing_->add(bytes);
+    framing_->add(device_->read(held));
     line_idle_.start();
     return true;
 }
@@ -83,6 +83,11 @@ void ModbusDriver::listen(qint64 milliseconds)
         return;
     waitForLinkInput(static_cast<int>(qBound<qint64>(0, milliseconds, slice)));
     collect();
+}
+
+bool ModbusDriver::isLinkUp() const
+{
+    return !isLinkLost() && (serial_ || ethernet_->state() == QAbstractSocket::ConnectedState);
 }
 
 int ModbusDriver::lineTime(int characters) const
@@ -117,7 +122,7 @@ bool ModbusDriver::waitForSilence()
         }
         if (stopRequested())
             error_code_ = Stopped;
-        else if (!link_.isUp())
+        else if (!isLinkUp())
             error_code_ = NotConnected;
         else if (waited.elapsed() >= longest)
             error_code_ = LineNotSilent;
@@ -137,7 +142,7 @@ int ModbusDriver::request_build(E_CMD_DIR dir, QString address, int field1, int 
     error_code_ = planRequest(asked, transport(), &request_);
     if (error_code_ == Ok && stopRequested())
         error_code_ = Stopped;
-    if (error_code_ == Ok && !link_.isUp())
+    if (error_code_ == Ok && !isLinkUp())
         error_code_ = NotConnected;
     if (error_code_ != Ok || (serial_ && !waitForSilence()))
         return 0;
@@ -172,7 +177,7 @@ int ModbusDriver::waitForAnswer(qint64 budget)
             return Ok;
         if (stopRequested())
             return Stopped;
-        if (!link_.isUp()) {
+        if (!isLinkUp()) {
             answer_.status = LinkLost;
             return Ok;
         }
@@ -196,7 +201,7 @@ int ModbusDriver::waitAfterBroadcast(int sent_length)
         if (stopRequested())
             return Stopped;
         listen(qMax<qint64>(1, time - waited.elapsed()));
-        if (!link_.isUp()) {
+        if (!isLinkUp()) {
             answer_.status = LinkLost;
             return Ok;
         }

@@ -3,7 +3,6 @@
 
 #include "framework/driver_basic.h"
 #include "modbus_framing.h"
-#include "modbus_link.h"
 #include "modbus_request.h"
 
 #include <QElapsedTimer>
@@ -55,6 +54,8 @@ private:
     Q_DISABLE_COPY(ModbusDriver)
 
     modbus::Transport transport() const;
+    /// Whether a request may go: a link that is still connecting takes none.
+    bool isLinkUp() const;
     void writeBit(const modbus::HostRequest& asked);
     /// Takes input; if there is none, waits for it, at most so long.
     void listen(qint64 milliseconds);
@@ -69,7 +70,6 @@ private:
     /// How long so many characters take on the line, in milliseconds; 0 for TCP.
     int lineTime(int characters) const;
 
-    modbus::Link link_;
     std::unique_ptr<modbus::Framing> framing_;
     modbus::Request request_;
     modbus::Answer answer_;

@@ -2,8 +2,6 @@
 
 #include "framework/protocol_basic.h"
 
-#include <QElapsedTimer>
-
 namespace {
 
 const int most_significant_first = 0;
@@ -64,22 +62,7 @@ int TemplateDriver::request_build(E_CMD_DIR dir, QString address, int /*field1*/
 // anything to read on the link.
 int TemplateDriver::request_send_wait(int /*sent_length*/, int expected_length, int* ready)
 {
-    QElapsedTimer waiting;
-    waiting.start();
-    while (device_->bytesAvailable() < expected_length) {
-        const int left = response_timeout_ - static_cast<int>(waiting.elapsed());
-        *ready = device_->bytesAvailable() > 0;
-        if (stopRequested())
-            return result_code::stopped;
-        if (isLinkLost())
-            return result_code::receive_failed;
-        if (left <= 0)
-            return result_code::no_answer_in_time;
-        // In short turns, so that the host can stop a driver whose device is silent.
-        waitForLinkInput(qMin(left, 50));
-    }
-    *ready = 1;
-    return result_code::success;
+    return waitForBytes(expected_length, ready);
 }
 
 // 3. What does the answer say? Put what was read into `data`; return 0, or a code for the host.
@@ -101,13 +84,4 @@ int TemplateDriver::response_parse(E_CMD_DIR dir, QString /*address*/, int /*fie
         ProtocolBasic::extractArray(*data, digits.constData(), digits.size(), 2,
                                     most_significant_first, as_characters);
     return 0;
-}
-
-bool TemplateDriver::isLinkLost() const
-{
-    if (!serial_)
-        return ethernet_->state() != QAbstractSocket::ConnectedState;
-    // A line that has hung up stays open until the event loop runs.
-    const ulong error = serial_->lastError();
-    return !serial_->isOpen() || error == E_IO_ERROR || error == E_READ_FAILED;
 }

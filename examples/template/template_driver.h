@@ -40,9 +40,6 @@ public:
     int response_parse(E_CMD_DIR dir, QString address, int field1, int data_length,
                        QByteArray* data, QByteArray* request, QByteArray* response, int station_no,
                        int extra1, int extra2) override;
-
-private:
-    bool isLinkLost() const;
 };
 
 #endif

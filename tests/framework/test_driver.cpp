@@ -96,7 +96,7 @@ int TestDriver::request_send_wait(int sent_length, int expected_length, int* rea
         QString::fromLatin1("wait %1 %2 %3").arg(sent_length).arg(expected_length).arg(*ready);
     if (on_wait)
         return on_wait(expected_length, ready);
-    const bool complete = waitForBytes(waits_for ? waits_for : expected_length);
+    const bool complete = waitForSize(waits_for ? waits_for : expected_length);
     *ready = device_->bytesAvailable() > 0 ? 1 : 0;
     return complete ? 0 : 0x400A0000;
 }
@@ -107,7 +107,7 @@ void TestDriver::UpdateSerialParameter()
     DriverBasic::UpdateSerialParameter();
 }
 
-bool TestDriver::waitForBytes(int size) const
+bool TestDriver::waitForSize(int size) const
 {
     // Counted, not timed: a machine that stands still for a while is no reason to fail.
     int waited = 0;

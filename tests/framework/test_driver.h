@@ -16,7 +16,10 @@ public:
     static const int wrong_answer = 0x30000001;
 
     using DriverBasic::pauseThread;
+    using DriverBasic::isLinkLost;
     using DriverBasic::stopRequested;
+    using DriverBasic::waitForBytes;
+    using DriverBasic::waitForLine;
     using DriverBasic::waitForLinkInput;
 
     explicit TestDriver(DrvSerial* serial, DrvEthernet* ethernet = nullptr);
@@ -34,7 +37,7 @@ public:
 
     /// Waits on the link for \a size bytes, at most about `time_limit`. A connection that is lost
     /// ends the wait.
-    bool waitForBytes(int size) const;
+    bool waitForSize(int size) const;
 
     /// The hooks' calls in order, with all arguments; bytes in hex, "-" for none.
     QStringList takeCalls();

@@ -179,7 +179,7 @@ void TestDriverBasicDevices::repeatsUntilTheDeviceAnswers()
     driver->on_wait = [&](int expected, int* ready) {
         const int attempts = driver->countCalls("wait");
         driver->time_limit = attempts < 3 ? short_time : long_time;
-        const bool complete = driver->waitForBytes(expected);
+        const bool complete = driver->waitForSize(expected);
         // The next attempt must not overtake this one in the device.
         bench.device.waitForReceived(attempts * TestDevice::request_size);
         *ready = 1;

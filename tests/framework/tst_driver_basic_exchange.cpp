@@ -72,7 +72,7 @@ void TestDriverBasicExchange::respond(const QByteArray& response, int code)
     };
     driver_->on_wait = [this, response, code](int, int* ready) {
         bench_->device.send(response);
-        *ready = !response.isEmpty() && driver_->waitForBytes(response.size()) ? 1 : 0;
+        *ready = !response.isEmpty() && driver_->waitForSize(response.size()) ? 1 : 0;
         return code;
     };
 }
@@ -191,7 +191,7 @@ void TestDriverBasicExchange::defaultHooksNeverSucceed()
     // Even where the whole answer is there.
     driver_->on_wait = [this](int expected, int* ready) {
         bench_->device.send("12345");
-        *ready = driver_->waitForBytes(expected) ? 1 : 0;
+        *ready = driver_->waitForSize(expected) ? 1 : 0;
         return driver_->DriverBasic::request_send_wait(1, expected, ready);
     };
     driver_->error_code_ = 0;
@@ -214,7 +214,7 @@ void TestDriverBasicExchange::readyFlagStartsAtZero()
 void TestDriverBasicExchange::notReadyMeansNoResponse()
 {
     driver_->on_wait = [this](int expected, int*) {
-        return driver_->waitForBytes(expected) ? 0 : 1;
+        return driver_->waitForSize(expected) ? 0 : 1;
     };
     LogRecorder log;
     QByteArray data;

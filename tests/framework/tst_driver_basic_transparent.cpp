@@ -89,7 +89,7 @@ void TestDriverBasicTransparent::defaultBudgetIsTooShortForTcp()
     QCOMPARE(bench.transparent(request), QStringList(no_answer));
     QCOMPARE(bench.driver->error_code_, 0x400A0000);
     QVERIFY(bench.lockIsFree());
-    QVERIFY(bench.driver->waitForBytes(TestDevice::answerTo(request).size()));
+    QVERIFY(bench.driver->waitForSize(TestDevice::answerTo(request).size()));
 
     // What has come too late does not get into the next answer.
     bench.driver->response_timeout_ = 60000;

@@ -1,18 +1,7 @@
 #include "tests/tools/host/echo_driver/echo_driver.h"
 
-#include "framework/result_code.h"
-
 #include <QDebug>
-#include <QElapsedTimer>
 #include <QThread>
-
-using namespace result_code;
-
-namespace {
-
-const int turn = 10;
-
-} // namespace
 
 EchoDriver::EchoDriver(const QString& name, DrvSerial* serial, DrvEthernet* ethernet)
     : DriverBasic(name, serial, ethernet)
@@ -84,29 +73,7 @@ int EchoDriver::response_parse(E_CMD_DIR dir, QString, int, int, QByteArray* dat
     return 0;
 }
 
-bool EchoDriver::isLinkLost() const
-{
-    if (!serial_)
-        return ethernet_->state() != QAbstractSocket::ConnectedState;
-    // Without an event loop a line that has hung up stays open.
-    return !serial_->isOpen() || serial_->lastError() == E_IO_ERROR ||
-           serial_->lastError() == E_READ_FAILED;
-}
-
 int EchoDriver::request_send_wait(int, int expected_length, int* ready)
 {
-    QElapsedTimer waited;
-    waited.start();
-    while (device_->bytesAvailable() < expected_length) {
-        if (stopRequested())
-            return stopped;
-        if (isLinkLost())
-            return receive_failed;
-        if (waited.elapsed() >= response_timeout_)
-            return no_answer_in_time;
-        if (!device_->waitForReadyRead(turn))
-            QThread::msleep(1);
-    }
-    *ready = 1;
-    return 0;
+    return waitForBytes(expected_length, ready);
 }

@@ -39,8 +39,6 @@ private Q_SLOTS:
     void onRelease();
 
 private:
-    bool isLinkLost() const;
-
     bool released_ = false;
 };
 

@@ -15,8 +15,8 @@ public:
     /// What response_parse() returns for an answer to another request.
     static const int wrong_answer = 0x30000001;
 
-    using DriverBasic::pauseThread;
     using DriverBasic::isLinkLost;
+    using DriverBasic::pauseThread;
     using DriverBasic::stopRequested;
     using DriverBasic::waitForBytes;
     using DriverBasic::waitForLine;

@@ -177,8 +177,7 @@ void TestDriverBasicWaits::unknownLength()
     const LogRecorder log;
     DriverBench bench(ScriptedDevice::Line::Tcp);
     QVERIFY(bench.connectLink());
-    bench.device.setBehaviour(
-        [&](const QByteArray&) { return QList<DeviceStep>{step(answer)}; });
+    bench.device.setBehaviour([&](const QByteArray&) { return QList<DeviceStep>{step(answer)}; });
     TestDriver& driver = *bench.driver;
     driver.response_timeout_ = answer.endsWith('\r') ? long_time : short_time;
     driver.on_build = [](QByteArray*, QByteArray* request) {

@@ -1,6 +1,5 @@
+#include "tools/host/service/catalogue.h"
 #include "tools/host/commands.h"
-#include "tools/host/service/catalogue_file.h"
-#include "tools/host/service/catalogue_text.h"
 #include "tools/host/terminal/exit_code.h"
 
 #include <unistd.h>

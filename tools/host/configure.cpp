@@ -1,6 +1,6 @@
 #include "tools/host/commands.h"
 #include "tools/host/config/config_file.h"
-#include "tools/host/service/catalogue_file.h"
+#include "tools/host/service/catalogue.h"
 #include "tools/host/service/configure_dialogue.h"
 #include "tools/host/service/configure_names.h"
 #include "tools/host/terminal/exit_code.h"
@@ -73,12 +73,6 @@ void checkOptions(const Configure& options)
             QStringLiteral("which items? Give patterns such as 'Boiler/*' (or '*' for "
                            "all), --type TYPE, or --interactive"));
     }
-}
-
-service::Catalogue catalogueFromFile(const QString& path)
-{
-    const config::JsonFile file = service::readJsonAs(path, QStringLiteral("catalogue"));
-    return service::readCatalogue(file);
 }
 
 config::Account accountFor(const service::ServiceOptions& service, const service::Catalogue& saved,
@@ -170,7 +164,7 @@ int Configure::run() const
     checkOptions(*this);
     std::optional<service::Catalogue> offered;
     if (!catalogue.isEmpty())
-        offered = catalogueFromFile(catalogue);
+        offered = service::readCatalogue(config::readJson(catalogue, QStringLiteral("catalogue")));
     const bool needs_password = !offered || with_password;
     config::Account account =
         accountFor(service, offered.value_or(service::Catalogue()), needs_password);

@@ -1,6 +1,6 @@
 #include "tools/host/commands.h"
 #include "tools/host/config/config_file.h"
-#include "tools/host/service/catalogue_file.h"
+#include "tools/host/service/catalogue.h"
 #include "tools/host/service/diff_items.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/json_text.h"
@@ -46,10 +46,10 @@ struct LoadedSide
 LoadedSide sideFromFile(const QString& path, bool needs_account)
 {
     const config::JsonFile file =
-        service::readJsonAs(path, QStringLiteral("catalogue or configuration"));
+        config::readJson(path, QStringLiteral("catalogue or configuration"));
     LoadedSide loaded;
     loaded.name = path;
-    if (!service::isCatalogueFile(file)) {
+    if (!service::isCatalogue(file)) {
         loaded.side = service::diffSide(config::loadConfig(path, false).config);
         if (needs_account)
             loaded.account = config::accountOfConfig(path);
@@ -101,9 +101,8 @@ QString asJson(const LoadedSide& before, const LoadedSide& after,
             entry["same_name_id"] = plain(difference.same_name_id);
         list.push_back(entry);
     }
-    const value::OrderedJson root = {
-        {"old", plain(before.name)}, {"new", plain(after.name)}, {"differences", list}};
-    return QString::fromStdString(root.dump(2)) + QLatin1Char('\n');
+    return value::jsonText(
+        {{"old", plain(before.name)}, {"new", plain(after.name)}, {"differences", list}});
 }
 
 int Diff::run() const

@@ -1,5 +1,5 @@
 #include "tools/host/commands.h"
-#include "tools/host/stored/convert.h"
+#include "tools/host/stored/commands.h"
 
 #include <memory>
 
@@ -36,8 +36,6 @@ const char show_text[] =
     "\n"
     "Exit codes: 0 done; 1 the stream is damaged; 2 usage or file is wrong.";
 
-using Target = std::shared_ptr<stored::Options>;
-
 /// One of two words: whether it is \a word_of_true goes to \a choice.
 CLI::Option* addWord(CLI::App* command, const char* name, const char* description,
                      std::vector<std::string> words, const std::string& word_of_true,
@@ -54,30 +52,29 @@ std::string checkVersion(const std::string& word)
     if (stored::versionOf(QString::fromStdString(word)))
         return std::string();
     return "\"" + word + "\" is no stream version: give a number from " +
-           std::to_string(stored::oldest_version) + " to " +
-           std::to_string(stored::newestVersion()) + ", or a release of Qt such as Qt_4_8";
+           std::to_string(stored::all_versions.first) + " to " +
+           std::to_string(stored::all_versions.last) + ", or a release of Qt such as Qt_4_8";
 }
 
-void addInput(CLI::App* command, const Target& options)
+void addInput(CLI::App* command, stored::Source& input)
 {
-    addText(command, "IN", options->input, "The file to read; - for the standard input")
+    addText(command, "IN", input.path, "The file to read; - for the standard input")
         ->type_name("")
         ->required();
     addWord(command, "--from", "What IN is: json or stream (default: looks)", {"json", "stream"},
-            "json", &options->from_json)
+            "json", &input.is_json)
         ->type_name("KIND");
 }
 
-void addFormat(CLI::App* command, const Target& options)
+void addFormat(CLI::App* command, stored::Hints* format)
 {
-    stored::Hints* const format = &options->format;
     const auto set_version = [=](const std::string& word) {
         const int version = *stored::versionOf(QString::fromStdString(word));
         format->versions = stored::Versions{version, version};
     };
     command
         ->add_option_function<std::string>("--stream-version", set_version,
-                                           "7 to 19, or a release of Qt: 12 or Qt_4_8, Qt_5_15")
+                                           "1 to 19, or a release of Qt: 12 or Qt_4_8, Qt_5_15")
         ->type_name("VERSION")
         ->check(CLI::Validator(checkVersion, "", "stream version"));
     addWord(command, "--form", "record (bare) or variant (in a QVariant)", {"record", "variant"},
@@ -100,9 +97,9 @@ void addConvert(CLI::App& app, Run& run)
 {
     CLI::App* const command =
         app.add_subcommand("convert", "Turn a stored configuration into JSON, and back");
-    const Target options = std::make_shared<stored::Options>();
+    const auto options = std::make_shared<stored::Convert>();
     command->footer(convert_text);
-    addInput(command, options);
+    addInput(command, options->input);
     addText(command, "OUT", options->output, "The file to write; - for the standard output")
         ->type_name("")
         ->required();
@@ -113,21 +110,21 @@ void addConvert(CLI::App& app, Run& run)
         ->type_name("KIND");
     command->add_flag("--force", options->force, "Replace OUT if it exists");
     command->add_flag("--salvage", options->salvage, "Of a damaged stream, write what can be read");
-    addFormat(command, options);
-    command->callback([options, &run] { run = [options] { return stored::convert(*options); }; });
+    addFormat(command, &options->format);
+    setRun(command, options, run);
 }
 
 void addShow(CLI::App& app, Run& run)
 {
     CLI::App* const command = app.add_subcommand("show", "Show a stored configuration");
-    const Target options = std::make_shared<stored::Options>();
+    const auto options = std::make_shared<stored::Show>();
     command->footer(show_text);
-    addInput(command, options);
+    addInput(command, options->input);
     command->add_flag("--json", options->json, "As JSON, as convert writes it, with the problems");
     command->add_flag("--show-password", options->show_password,
                       "Show the password, too, and all texts of a damaged stream");
-    addFormat(command, options);
-    command->callback([options, &run] { run = [options] { return stored::show(*options); }; });
+    addFormat(command, &options->format);
+    setRun(command, options, run);
 }
 
 } // namespace tovik_host

@@ -1,9 +1,10 @@
 #ifndef TOOLS_HOST_CONFIG_CONFIG_FILE_H
 #define TOOLS_HOST_CONFIG_CONFIG_FILE_H
 
+#include "tools/host/config/account.h"
 #include "tools/host/config/config.h"
-#include "tools/host/config/member_reader.h"
-#include "tools/host/config/service_account.h"
+#include "tools/host/config/json_file.h"
+#include "tools/host/config/options.h"
 
 #include <QString>
 #include <QStringList>
@@ -28,23 +29,41 @@ struct LoadedConfig
 /// names; otherwise only a password that stands in the configuration itself is known.
 LoadedConfig loadConfig(const QString& path, bool with_password = true);
 
-/// Throws UsageError unless \a url is an address that the driver can use.
-/// \param origin what the message names as the source of the address.
-void checkUrl(const QString& url, const QString& origin);
-
-/// Reads one item of a configuration file.
-using ItemReader = std::function<ItemConfig(const MemberReader::Pointer& pointer)>;
-
-/// Reads the member "items" of \a file, which exists, each by \a read_item. Throws UsageError when
-/// it is no list or an empty one.
-/// \param if_named_twice what becomes of an item whose name another one has already, for the
-///        warning about it
-QVector<ItemConfig> readItemList(const JsonFile& file, const ItemReader& read_item,
-                                 const QString& if_named_twice, QStringList* warnings);
-
 /// A configuration as loadConfig() reads it; ends with a line break. Without the password it says
 /// where to find it.
 QString configJson(const Account& account, const QVector<ItemConfig>& items, bool with_password);
+
+/// A configuration file of a device.
+struct DeviceFile
+{
+    LinkOptions link;   ///< What the member "link" says.
+    QString link_place; ///< Where the link's address stands, for messages.
+    QVector<ItemConfig> items;
+    QStringList warnings;
+};
+
+/// Whether the configuration file \a path has a member "link". Throws UsageError.
+bool namesLink(const QString& path);
+
+/// Reads and checks the configuration file \a path of a device. Throws UsageError with file, line
+/// and member for anything that is wrong.
+/// \param defaults what an item has that does not say it.
+DeviceFile loadDeviceFile(const QString& path, const RequestOptions& defaults);
+
+/// The member "items" of \a root, each of them read by \a read_item. Throws UsageError when it is
+/// missing, no list or an empty one.
+/// \param if_named_twice what becomes of an item whose name another one has already, for the
+///        warning about it
+QVector<ItemConfig> readItemList(const JsonPlace& root,
+                                 const std::function<ItemConfig(const JsonPlace&)>& read_item,
+                                 const QString& if_named_twice, QStringList* warnings);
+
+/// An item's type as options and files name it. Throws UsageError.
+/// \param origin what the message names as the source.
+const value::ItemType& itemType(const QString& name, const QString& origin);
+
+/// The type that the member "type" of \a item names. Throws UsageError.
+const value::ItemType& itemType(const JsonPlace& item);
 
 } // namespace tovik_host::config
 

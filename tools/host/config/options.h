@@ -1,6 +1,8 @@
 #ifndef TOOLS_HOST_CONFIG_OPTIONS_H
 #define TOOLS_HOST_CONFIG_OPTIONS_H
 
+#include "tools/host/config/config.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -41,6 +43,10 @@ struct RequestOptions
     std::optional<int> field1;
     std::optional<int> extra1;
     std::optional<int> extra2;
+
+    QString typeName() const { return type.value_or(QStringLiteral("16Bit-UINT")); }
+    /// What is given, in the place of what \a request has.
+    void fill(ItemRequest* request) const;
 };
 
 /// What every command takes.

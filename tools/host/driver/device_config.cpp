@@ -1,16 +1,11 @@
 #include "tools/host/driver/device_config.h"
 
-#include "tools/host/config/device_file.h"
+#include "tools/host/config/config_file.h"
 #include "tools/host/terminal/exit_code.h"
 
 namespace tovik_host::driver {
 
 namespace {
-
-QString defaultUnit()
-{
-    return QStringLiteral("tovik-host");
-}
 
 /// The item that `ADDRESS` or `ADDRESS=TYPE` means.
 config::ItemConfig itemOf(const QString& text, const config::RequestOptions& options)
@@ -21,8 +16,7 @@ config::ItemConfig itemOf(const QString& text, const config::RequestOptions& opt
     if (item.name.isEmpty())
         throw terminal::UsageError(QStringLiteral("\"%1\": the address is empty").arg(text));
     item.request.address = item.name;
-    item.type = equals < 0 ? &config::itemType(options.type.value_or(QStringLiteral("16Bit-UINT")),
-                                               QStringLiteral("--type"))
+    item.type = equals < 0 ? &config::itemType(options.typeName(), QStringLiteral("--type"))
                            : &config::itemType(text.mid(equals + 1),
                                                QStringLiteral("\"%1\": behind \"=\"").arg(text));
     if (item.type->size == 0) {
@@ -32,10 +26,7 @@ config::ItemConfig itemOf(const QString& text, const config::RequestOptions& opt
         }
         item.length = *options.length;
     }
-    item.request.station = options.station.value_or(item.request.station);
-    item.request.field1 = options.field1.value_or(item.request.field1);
-    item.request.extra1 = options.extra1.value_or(item.request.extra1);
-    item.request.extra2 = options.extra2.value_or(item.request.extra2);
+    options.fill(&item.request);
     return item;
 }
 
@@ -75,24 +66,16 @@ QVector<config::ItemConfig> itemsNamed(const QStringList& names,
     return items;
 }
 
-/// The first that is given.
-template <typename Value>
-Value chosen(const std::optional<Value>& option, const std::optional<Value>& file, Value fallback)
+/// Takes what is given.
+void fill(DeviceConfig* config, const config::LinkOptions& link)
 {
-    return option.value_or(file.value_or(fallback));
-}
-
-LinkSettings settingsOf(const config::LinkOptions& options, const config::LinkOptions& file)
-{
-    LinkSettings settings;
-    settings.request_delay =
-        chosen(options.request_delay, file.request_delay, settings.request_delay);
-    settings.response_timeout =
-        chosen(options.response_timeout, file.response_timeout, settings.response_timeout);
-    settings.retries = chosen(options.retries, file.retries, settings.retries);
-    settings.link_param_a = chosen(options.link_param_a, file.link_param_a, settings.link_param_a);
-    settings.link_param_b = chosen(options.link_param_b, file.link_param_b, settings.link_param_b);
-    return settings;
+    LinkSettings& settings = config->settings;
+    config->unit = link.unit.value_or(config->unit);
+    settings.request_delay = link.request_delay.value_or(settings.request_delay);
+    settings.response_timeout = link.response_timeout.value_or(settings.response_timeout);
+    settings.retries = link.retries.value_or(settings.retries);
+    settings.link_param_a = link.link_param_a.value_or(settings.link_param_a);
+    settings.link_param_b = link.link_param_b.value_or(settings.link_param_b);
 }
 
 LinkAddress linkOf(const config::CommonOptions& common, const config::DeviceFile& file)
@@ -157,8 +140,8 @@ DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList
         config.items = itemsNamed(addresses, file.items, common.config);
     }
     config.link = linkOf(common, file);
-    config.settings = settingsOf(common.link, file.link);
-    config.unit = chosen(common.link.unit, file.link.unit, defaultUnit());
+    fill(&config, file.link);
+    fill(&config, common.link);
     config.open_milliseconds = int(common.timeout * 1000);
     return config;
 }

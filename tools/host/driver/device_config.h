@@ -29,7 +29,7 @@ struct DeviceConfig
 {
     LinkAddress link;
     LinkSettings settings;
-    QString unit;
+    QString unit = QStringLiteral("tovik-host");
     int open_milliseconds = 10000;     ///< The longest that an attempt to open the link may take.
     QVector<config::ItemConfig> items; ///< Those that the command is about, in its order.
 };

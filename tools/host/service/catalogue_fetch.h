@@ -1,8 +1,8 @@
 #ifndef TOOLS_HOST_SERVICE_CATALOGUE_FETCH_H
 #define TOOLS_HOST_SERVICE_CATALOGUE_FETCH_H
 
-#include "tools/host/config/service_account.h"
-#include "tools/host/service/catalogue_data.h"
+#include "tools/host/config/account.h"
+#include "tools/host/service/catalogue.h"
 #include "tools/host/terminal/context.h"
 
 #include <QString>

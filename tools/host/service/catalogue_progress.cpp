@@ -1,6 +1,6 @@
 #include "tools/host/service/catalogue_progress.h"
 
-#include "tools/host/service/catalogue_data.h"
+#include "tools/host/service/catalogue.h"
 
 namespace tovik_host::service {
 

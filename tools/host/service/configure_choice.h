@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_SERVICE_CONFIGURE_CHOICE_H
 #define TOOLS_HOST_SERVICE_CONFIGURE_CHOICE_H
 
-#include "tools/host/service/catalogue_data.h"
+#include "tools/host/service/catalogue.h"
 
 #include <QRegularExpression>
 #include <QString>

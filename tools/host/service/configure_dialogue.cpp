@@ -1,6 +1,6 @@
 #include "tools/host/service/configure_dialogue.h"
 
-#include "tools/host/service/catalogue_text.h"
+#include "tools/host/service/catalogue.h"
 #include "tools/host/service/configure_names.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/text_width.h"
@@ -242,7 +242,7 @@ QString ConfigureDialogue::line(int index) const
     return QStringLiteral("%1 %2  %3  %4")
         .arg(chosen_.at(index) ? QStringLiteral("*") : QStringLiteral(" "))
         .arg(index + 1, digits)
-        .arg(terminal::printable(item.path()), shownType(item.item));
+        .arg(terminal::printable(item.path()), item.item.shownType());
 }
 
 } // namespace tovik_host::service

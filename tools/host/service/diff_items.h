@@ -2,7 +2,7 @@
 #define TOOLS_HOST_SERVICE_DIFF_ITEMS_H
 
 #include "tools/host/config/config.h"
-#include "tools/host/service/catalogue_data.h"
+#include "tools/host/service/catalogue.h"
 
 #include <QString>
 #include <QVector>

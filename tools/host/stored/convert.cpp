@@ -1,19 +1,20 @@
-#include "tools/host/stored/convert.h"
-#include "tools/host/stored/file.h"
+#include "tools/host/stored/commands.h"
 #include "tools/host/stored/json.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/output.h"
 #include "tools/host/terminal/text_width.h"
-
-#include <unistd.h>
 
 namespace tovik_host::stored {
 
 namespace {
 
-void checkOutput(const Options& options)
+bool isStandard(const QString& output)
 {
-    if (options.output != QLatin1String("-")) {
+    return output == QLatin1String("-");
+}
+
+void checkOutput(const Convert& options)
+{
+    if (!isStandard(options.output)) {
         terminal::checkOutputFile(options.output, options.force);
     } else if (!options.force && ::isatty(STDOUT_FILENO) != 0) {
         throw terminal::UsageError(
@@ -24,13 +25,13 @@ void checkOutput(const Options& options)
 }
 
 /// Whether JSON is to be written.
-bool choosesJson(const Options& options, File::Kind kind)
+bool choosesJson(const Convert& options, File::Kind kind)
 {
     if (options.to_json)
         return *options.to_json;
     if (options.output.endsWith(QLatin1String(".json")))
         return true;
-    if (kind == File::stream && options.output != QLatin1String("-")) {
+    if (kind == File::stream && !isStandard(options.output)) {
         throw terminal::UsageError(
             QStringLiteral("a stream can be turned into JSON or into another stream: "
                            "add --to json or --to stream, or give %1 a name that ends "
@@ -38,18 +39,6 @@ bool choosesJson(const Options& options, File::Kind kind)
                 .arg(terminal::printable(options.output)));
     }
     return kind == File::stream;
-}
-
-/// What to say of a damaged stream that is not written; nothing if it is.
-QString refusal(const File& file, bool salvage)
-{
-    if (file.problems.isEmpty() || (salvage && file.record.known > 0))
-        return QString();
-    return file.record.known == 0
-               ? QStringLiteral("nothing of a configuration record can be read, and nothing was "
-                                "written")
-               : QStringLiteral("nothing was written; --salvage writes what can be read, with "
-                                "defaults for the rest");
 }
 
 /// The bytes in the one format that the hints leave, or in several that do not differ.
@@ -79,40 +68,55 @@ QByteArray streamOf(const PropertyTovikIot& record, Hints hints)
                            "%2 in %3 precision; version %4 in double precision keeps "
                            "all")
                 .arg(loss, QString::number(formats.front().version),
-                     choices[2].word(*hints.single_precision), QString::number(newestVersion())));
+                     choices[2].word(*hints.single_precision), QString::number(all_versions.last)));
     }
     return bytes;
 }
 
-} // namespace
-
-int convert(const Options& options)
+QByteArray jsonOf(const PropertyTovikIot& record, const Hints& format)
 {
-    checkOutput(options);
-    const bool to_stream = options.to_json == false;
-    File file = readFile(options.input, options.from_json, to_stream ? Hints() : options.format,
-                         to_stream ? QStringLiteral("The options describe OUT; convert IN to JSON "
-                                                    "first, with --to json and one of these")
-                                   : QStringLiteral("Say which it is"));
-    const bool to_json = choosesJson(options, file.kind);
-    file.notes << file.conversion_notes;
-    report(file, options.input);
-    const QString refused = refusal(file, options.salvage);
-    if (!refused.isEmpty()) {
-        report(refused);
-        return terminal::exitRefused;
-    }
-    const Hints format = merged(options.format, file.format);
-    const PropertyTovikIot& record = file.record.property;
-    if (!to_json) {
-        writeFile(options.output, streamOf(record, format), file.isSecret());
-        return terminal::exitDone;
-    }
     value::OrderedJson json = {{"stream", formatToJson(format)},
-                               {"tovik_iot", recordToJson({record})}};
+                               {"tovik_iot", recordToJson(record)}};
     if (json["stream"].empty())
         json.erase("stream");
-    writeFile(options.output, fileText(json), file.isSecret());
+    return value::jsonText(json).toUtf8();
+}
+
+} // namespace
+
+int Convert::run() const
+{
+    checkOutput(*this);
+    const bool to_stream = to_json == false;
+    File file = input.read(to_stream ? Hints() : format,
+                           to_stream ? QStringLiteral("The options describe OUT; convert IN to "
+                                                      "JSON first, with --to json and one of these")
+                                     : QStringLiteral("Say which it is"));
+    const bool writes_json = choosesJson(*this, file.kind);
+    file.notes << file.conversion_notes;
+    terminal::Streams streams;
+    file.report(streams);
+    if (file.isDamaged() && (!salvage || file.reading.known == 0)) {
+        streams.complain(
+            file.reading.known == 0
+                ? QStringLiteral("nothing of a configuration record can be read, and nothing was "
+                                 "written")
+                : QStringLiteral("nothing was written; --salvage writes what can be read, with "
+                                 "defaults for the rest"));
+        return terminal::exitRefused;
+    }
+    const Hints known = merged(format, file.format);
+    const PropertyTovikIot& record = file.reading.record;
+    const QByteArray bytes = writes_json ? jsonOf(record, known) : streamOf(record, known);
+    if (!isStandard(output)) {
+        terminal::saveFile(output, bytes, file.isSecret());
+        return terminal::exitDone;
+    }
+    streams.out.write(bytes);
+    if (streams.out.error() != 0) {
+        throw terminal::UsageError(QStringLiteral("cannot write the standard output: %1")
+                                       .arg(qt_error_string(streams.out.error())));
+    }
     return terminal::exitDone;
 }
 

@@ -1,4 +1,4 @@
-#include "tools/host/stored/detection.h"
+#include "tools/host/stored/stream.h"
 
 #include <QCryptographicHash>
 #include <QStringList>
@@ -9,86 +9,93 @@ namespace tovik_host::stored {
 
 namespace {
 
-/// A result, and the formats that give it, which differ in their versions only.
+/// A format in which the bytes can be read, and a hash of what they hold then.
 struct Fit
 {
-    Format format; ///< The likeliest one.
-    Versions versions;
-    QByteArray content; ///< A hash of it.
+    Format format;
+    QByteArray content;
 };
 
-/// Adds the format to a fit that is like it, if there is one.
-bool join(std::vector<Fit>& fits, const Format& format, const QByteArray& content)
+QString optionsOf(const Format& format)
 {
-    for (Fit& fit : fits) {
-        const bool is_alike =
-            std::all_of(choices.begin(), choices.end(), [&](const Choice& choice) {
-                return fit.format.*choice.setting == format.*choice.setting;
-            });
-        if (!is_alike || fit.content != content)
-            continue;
-        fit.versions.first = std::min(fit.versions.first, format.version);
-        fit.versions.last = std::max(fit.versions.last, format.version);
-        return true;
-    }
-    return false;
+    return QStringLiteral("--form %1 --stream-version %2 --byte-order %3 --float-precision %4")
+        .arg(choices[0].word(format.is_variant), QString::number(format.version),
+             choices[1].word(format.big_endian), choices[2].word(format.single_precision));
 }
 
-QString ambiguityOf(const std::vector<Fit>& fits)
+/// \param fits the likeliest one first
+Detected detectedOf(const Reading& reading, const std::vector<Fit>& fits)
 {
-    QStringList differing;
+    const Fit& first = fits.front();
+    Versions versions = {first.format.version, first.format.version};
+    QVector<QByteArray> contents;
+    QStringList options;
     for (const Fit& fit : fits) {
-        if (!differing.isEmpty() && fit.content == fits.front().content)
-            continue;
-        QString options = QStringLiteral("--form %1 --stream-version %2 --byte-order %3 "
-                                         "--float-precision %4");
-        differing << options.arg(
-            choices[0].word(fit.format.is_variant), QString::number(fit.format.version),
-            choices[1].word(fit.format.big_endian), choices[2].word(fit.format.single_precision));
+        const bool is_alike =
+            std::all_of(choices.begin(), choices.end(), [&](const Choice& choice) {
+                return fit.format.*choice.setting == first.format.*choice.setting;
+            });
+        if (is_alike && fit.content == first.content) {
+            versions.first = std::min(versions.first, fit.format.version);
+            versions.last = std::max(versions.last, fit.format.version);
+        }
+        if (!contents.contains(fit.content)) {
+            contents << fit.content;
+            options << optionsOf(fit.format);
+        }
     }
-    return differing.size() > 1 ? differing.join(QStringLiteral("\n  ")) : QString();
+    const bool is_ambiguous = options.size() > 1;
+    return {reading, first.format, versions,
+            is_ambiguous ? options.join(QStringLiteral("\n  ")) : QString()};
+}
+
+std::optional<Detected> detectWhole(const QByteArray& bytes, const Hints& hints)
+{
+    std::vector<Fit> fits;
+    Reading reading;
+    for (const Format& format : possibleFormats(hints)) {
+        const std::optional<PropertyTovikIot> record = readWhole(bytes, format);
+        if (!record)
+            continue;
+        if (fits.empty())
+            reading.record = *record;
+        fits.push_back(
+            {format, QCryptographicHash::hash(contentOf(*record), QCryptographicHash::Sha256)});
+    }
+    return fits.empty() ? std::nullopt : std::optional<Detected>(detectedOf(reading, fits));
 }
 
 Detected detectDamaged(const QByteArray& bytes, const Hints& hints)
 {
-    std::optional<Reading> best;
-    std::pair<bool, int> best_rank;
+    Reading best;
+    std::pair<bool, int> best_rank = {false, -1};
     std::vector<Fit> fits;
     for (const Format& format : possibleFormats(hints)) {
-        Reading next = readDamaged(bytes, format);
+        const Reading next = readDamaged(bytes, format);
         const std::pair<bool, int> rank = {format.is_variant && next.reach > 0, next.reach};
-        if (!best || rank > best_rank) {
-            fits = {{format, {format.version, format.version}, QByteArray()}};
-            best = std::move(next);
+        if (rank < best_rank)
+            continue;
+        if (rank > best_rank) {
+            best = next;
             best_rank = rank;
-        } else if (rank == best_rank) {
-            join(fits, format, QByteArray());
+            fits.clear();
         }
+        fits.push_back({format, QByteArray()});
     }
-    return {*best, fits.front().format, fits.front().versions, QString()};
+    return detectedOf(best, fits);
 }
 
 } // namespace
 
 Detected detect(const QByteArray& bytes, const Hints& hints)
 {
-    std::vector<Fit> fits;
-    PropertyTovikIot first;
-    for (const Format& format : possibleFormats(hints)) {
-        const std::optional<PropertyTovikIot> record = readWhole(bytes, format);
-        if (!record)
-            continue;
-        if (fits.empty())
-            first = *record;
-        const QByteArray content =
-            QCryptographicHash::hash(contentOf(*record), QCryptographicHash::Sha256);
-        if (!join(fits, format, content))
-            fits.push_back({format, {format.version, format.version}, content});
+    std::optional<Detected> detected = detectWhole(bytes, hints);
+    if (!detected && !hints.versions && !hints.is_variant.value_or(false)) {
+        Hints older = hints;
+        older.versions = Versions{all_versions.first, QDataStream::Qt_4_0 - 1};
+        detected = detectWhole(bytes, older);
     }
-    if (fits.empty())
-        return detectDamaged(bytes, hints);
-    return {
-        {{first}, {}, bytes.size()}, fits.front().format, fits.front().versions, ambiguityOf(fits)};
+    return detected ? *detected : detectDamaged(bytes, hints);
 }
 
 } // namespace tovik_host::stored

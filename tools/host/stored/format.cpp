@@ -1,35 +1,26 @@
 #include "tools/host/stored/format.h"
 
-#include <QDataStream>
+#include "tools/host/terminal/exit_code.h"
+
 #include <QRegularExpression>
+#include <QStringList>
 
 #include <algorithm>
-#include <iterator>
 
 namespace tovik_host::stored {
 
 namespace {
 
-struct Release
+/// The releases of Qt with each version, from version 1 on.
+const char releases[] = "1.0|2.0|2.1 2.2 2.3|3.0|3.1 3.2|3.3|4.0 4.1|4.2|4.3|4.4|4.5|4.6 4.7 4.8|"
+                        "5.0|5.1|5.2 5.3|5.4 5.5|5.6 5.7 5.8 5.9 5.10 5.11|5.12|5.13 5.14 5.15";
+
+QStringList releasesOf(int version)
 {
-    int major;
-    int minor;
-    int version;
-
-    QString text() const { return QStringLiteral("%1.%2").arg(major).arg(minor); }
-};
-
-/// The version of each release of Qt.
-const Release releases[] = {
-    {4, 0, 7},   {4, 1, 7},   {4, 2, 8},   {4, 3, 9},   {4, 4, 10}, {4, 5, 11},  {4, 6, 12},
-    {4, 7, 12},  {4, 8, 12},  {5, 0, 13},  {5, 1, 14},  {5, 2, 15}, {5, 3, 15},  {5, 4, 16},
-    {5, 5, 16},  {5, 6, 17},  {5, 7, 17},  {5, 8, 17},  {5, 9, 17}, {5, 10, 17}, {5, 11, 17},
-    {5, 12, 18}, {5, 13, 19}, {5, 14, 19}, {5, 15, 19},
-};
-
-static_assert(QDataStream::Qt_4_0 == oldest_version && QDataStream::Qt_4_5 == 11 &&
-                  QDataStream::Qt_5_4 == 16 && QDataStream::Qt_5_15 == 19,
-              "the versions of Qt");
+    const QString of_version =
+        QString::fromLatin1(releases).section(QLatin1Char('|'), version - 1, version - 1);
+    return of_version.split(QLatin1Char(' '));
+}
 
 bool isPossible(const Format& format, const Hints& hints)
 {
@@ -39,8 +30,9 @@ bool isPossible(const Format& format, const Hints& hints)
     // Where the precision says nothing, the usual one stands for both.
     const bool is_repeated =
         format.single_precision && !hints.single_precision && format.version < QDataStream::Qt_4_6;
-    return is_chosen && !is_repeated &&
-           hints.versions.value_or(Versions()).contains(format.version);
+    // Variants of a class are younger than its first versions.
+    const bool has_form = !format.is_variant || format.version >= QDataStream::Qt_4_0;
+    return is_chosen && !is_repeated && has_form;
 }
 
 } // namespace
@@ -51,18 +43,14 @@ const std::array<Choice, 3> choices = {{
     {"float_precision", "single", "double", &Format::single_precision, &Hints::single_precision},
 }};
 
-int newestVersion()
-{
-    return QDataStream::Qt_DefaultCompiledVersion;
-}
-
 std::vector<Format> possibleFormats(const Hints& hints)
 {
-    std::vector<int> versions = {QDataStream::Qt_4_8};
-    for (int version = newestVersion(); version >= oldest_version; --version) {
-        if (version != versions.front())
-            versions.push_back(version);
-    }
+    const Versions range = hints.versions.value_or(Versions());
+    std::vector<int> versions;
+    for (int version = range.last; version >= range.first; --version)
+        versions.push_back(version);
+    std::stable_partition(versions.begin(), versions.end(),
+                          [](int version) { return version == QDataStream::Qt_4_8; });
     std::vector<Format> formats;
     for (const bool single_precision : {false, true}) {
         for (const bool is_variant : {true, false}) {
@@ -74,6 +62,10 @@ std::vector<Format> possibleFormats(const Hints& hints)
                 }
             }
         }
+    }
+    if (formats.empty()) {
+        throw terminal::UsageError(
+            QStringLiteral("a stream of a version before 7 holds no variant of the record"));
     }
     return formats;
 }
@@ -92,23 +84,18 @@ Hints merged(const Hints& first, const Hints& second)
 
 std::optional<int> versionOf(const QString& text)
 {
-    bool is_number = false;
-    const int number = text.toInt(&is_number);
-    if (is_number)
-        return Versions().contains(number) ? std::optional<int>(number) : std::nullopt;
-    static const QRegularExpression name(QStringLiteral("^(?:Qt[_ ]?)?([45])[_.](\\d{1,2})$"));
-    const QRegularExpressionMatch match = name.match(text);
-    for (const Release& release : releases) {
-        if (match.hasMatch() && match.captured(1).toInt() == release.major &&
-            match.captured(2).toInt() == release.minor)
-            return release.version;
+    static const QRegularExpression start(QStringLiteral("^Qt[_ ]?"));
+    const QString name = QString(text).remove(start).replace(QLatin1Char('_'), QLatin1Char('.'));
+    for (int version = all_versions.first; version <= all_versions.last; ++version) {
+        if (text == QString::number(version) || releasesOf(version).contains(name))
+            return version;
     }
     return std::nullopt;
 }
 
 QString rangeText(const Versions& range)
 {
-    if (range.isOne())
+    if (range.first == range.last)
         return QString::number(range.first);
     return QStringLiteral("%1-%2").arg(range.first).arg(range.last);
 }
@@ -125,18 +112,12 @@ std::optional<Versions> rangeOf(const QString& text)
 
 QString rangeInWords(const Versions& range)
 {
-    const auto is_in = [&](const Release& release) { return range.contains(release.version); };
-    const Release* oldest = std::find_if(std::begin(releases), std::end(releases), is_in);
-    const Release* newest = oldest;
-    while (newest + 1 != std::end(releases) && is_in(newest[1]))
-        ++newest;
-    QString words = QString::number(range.first);
-    if (!range.isOne())
-        words += QStringLiteral(" to %1").arg(range.last);
-    words += QStringLiteral(" (Qt ") + oldest->text();
-    if (newest != oldest)
-        words += QStringLiteral(" to ") + newest->text();
-    return words + QLatin1Char(')');
+    const auto words = [](const QString& first, const QString& last) {
+        return first == last ? first : QStringLiteral("%1 to %2").arg(first, last);
+    };
+    return QStringLiteral("%1 (Qt %2)")
+        .arg(words(QString::number(range.first), QString::number(range.last)),
+             words(releasesOf(range.first).first(), releasesOf(range.last).last()));
 }
 
 } // namespace tovik_host::stored

@@ -1,6 +1,7 @@
 #ifndef TOOLS_HOST_STORED_FORMAT_H
 #define TOOLS_HOST_STORED_FORMAT_H
 
+#include <QDataStream>
 #include <QString>
 
 #include <array>
@@ -11,29 +12,26 @@
 /// The settings of a stream that decide how a record is stored.
 namespace tovik_host::stored {
 
-/// Qt 4.0; streams of older versions hold no such record.
-const int oldest_version = 7;
-/// The newest version that this program's Qt knows.
-int newestVersion();
-
 /// Everything that decides the bytes.
 struct Format
 {
     bool is_variant = true; ///< A variant that holds the record, or the record's members alone.
-    int version = 12;       ///< As `QDataStream` numbers them.
+    int version = QDataStream::Qt_4_8;
     bool big_endian = true;
     bool single_precision = false; ///< Floating numbers in 4 bytes; a setting since version 12.
 };
 
-/// Some versions that follow each other.
+/// Some versions that follow each other; by default those of Qt 4 and 5.
 struct Versions
 {
-    int first = oldest_version;
-    int last = newestVersion();
+    int first = QDataStream::Qt_4_0;
+    int last = QDataStream::Qt_DefaultCompiledVersion;
 
-    bool isOne() const { return first == last; }
     bool contains(int version) const { return version >= first && version <= last; }
 };
+
+/// All that the library reads: from Qt 1 to the Qt that this program is compiled with.
+const Versions all_versions = {1, QDataStream::Qt_DefaultCompiledVersion};
 
 /// What is known of a format beforehand.
 struct Hints
@@ -60,7 +58,8 @@ struct Choice
 extern const std::array<Choice, 3> choices;
 
 /// All formats that the hints allow, the most likely ones first: the usual precision, in a variant,
-/// big endian, of Qt 4.8, then of Qt 5. That is the order in which one of equals is chosen.
+/// big endian, of Qt 4.8, then of Qt 5. That is the order in which one of equals is chosen. Throws
+/// UsageError if there is none.
 std::vector<Format> possibleFormats(const Hints& hints);
 /// The hints of \a first, and of \a second where that says nothing.
 Hints merged(const Hints& first, const Hints& second);

@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_STORED_JSON_H
 #define TOOLS_HOST_STORED_JSON_H
 
-#include "tools/host/config/member_reader.h"
+#include "tools/host/config/json_file.h"
 #include "tools/host/stored/stream.h"
 #include "tools/host/value/json_text.h"
 
@@ -9,12 +9,10 @@
 /// The record as JSON that loses nothing: docs/configuration.md, "The record as JSON".
 namespace tovik_host::stored {
 
-/// The record; members that a damaged stream did not give are left out.
-value::OrderedJson recordToJson(const Record& record);
+/// The record; of its members, the first that are \a known.
+value::OrderedJson recordToJson(const PropertyTovikIot& record, int known = all_known);
 /// What is known of the format, as the member "stream".
 value::OrderedJson formatToJson(const Hints& format);
-/// The whole text of a file, with a line break at its end.
-QByteArray fileText(const value::OrderedJson& json);
 
 /// Reads the record that stands at "tovik_iot". Members that are missing have the record's
 /// defaults. Throws UsageError with file, line and member for anything that is wrong.

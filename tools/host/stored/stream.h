@@ -4,7 +4,6 @@
 #include "property/property_tovik_iot.h"
 #include "tools/host/stored/format.h"
 
-#include <QDataStream>
 #include <QVector>
 
 #include <limits>
@@ -45,33 +44,26 @@ constexpr bool is_structure =
     std::is_same_v<T, PropertyTovikIot> || std::is_same_v<T, PropertyTovikIotGroup> ||
     std::is_same_v<T, PropertyTovikIotDataItem>;
 
-/// A record, and how much of it a damaged stream gave.
-struct Record
-{
-    PropertyTovikIot property;
-    /// So many members are known, in the order of the stream; a list is one, followed by those of
-    /// its elements. All others have their defaults.
-    int known = std::numeric_limits<int>::max();
-};
-
 /// Something that a good stream does not have.
 struct Problem
 {
     int offset;     ///< Byte where the value begins that is wrong, or the wrong byte itself.
-    QString member; ///< "groups[2].dataitems[0].value"; empty in front of the record and behind it.
+    QString member; ///< "groups[2].dataitems[0].value"; empty before the record and after it.
     QString text;
 };
 
-/// Problems that are kept: one that stops the reading is always among them.
-const int most_problems = 20;
+const int all_known = std::numeric_limits<int>::max();
 
 /// What can be read of a stream, whole or not.
 struct Reading
 {
-    Record record;
-    QVector<Problem> problems; ///< In the order of the bytes; none if it is whole.
+    PropertyTovikIot record;
+    /// So many members are known, in the order of the stream; a list is one, followed by those of
+    /// its elements. All others have their defaults.
+    int known = all_known;
+    QVector<Problem> problems = {}; ///< The first one, and the one that stopped the reading.
     /// Bytes that fit the format. A stream that ends inside a member fits up to its end.
-    int reach;
+    int reach = 0;
 };
 
 /// The record as a host stores it.
@@ -79,9 +71,32 @@ QByteArray written(const PropertyTovikIot& record, const Format& format);
 /// The record in \a bytes, if there is nothing else: the library's operators read it up to the last
 /// byte, and write it in the same bytes again.
 std::optional<PropertyTovikIot> readWhole(const QByteArray& bytes, const Format& format);
-/// Reads any other bytes member by member, up to the first one that cannot be read. What Qt reads,
-/// but would write otherwise, is a problem behind which it goes on.
+/// Reads any other bytes member by member, up to the first one that cannot be read.
 Reading readDamaged(const QByteArray& bytes, const Format& format);
+
+/// What a stream's bytes hold, and in which format.
+struct Detected
+{
+    Reading reading;
+    Format format;     ///< One that fits.
+    Versions versions; ///< All that fit, from which the bytes do not tell the right one.
+    /// The formats that fit with different results, as options; empty if there is but one result.
+    QString ambiguity;
+};
+
+/// Finds out how the bytes were stored, as far as the hints leave that open.
+///
+/// A stream says nothing about its format, so all of them are tried: the format is one in which the
+/// library's operators read a record up to the last byte and write it in the same bytes again.
+/// Where several do with the same result, the first one of possibleFormats() is taken, together
+/// with all versions that do likewise. Where they give different results, nobody but the user can
+/// tell. The versions before Qt 4 are tried if no later one fits: most of what they hold, the later
+/// ones hold in the same bytes.
+///
+/// If none does, the stream is damaged, and the format is the one that fits furthest: one that
+/// begins as a variant of the record, which hardly any other bytes do, else the one with the most
+/// bytes before its first problem.
+Detected detect(const QByteArray& bytes, const Hints& hints);
 
 /// What the record holds, whatever format it was stored in.
 QByteArray contentOf(const PropertyTovikIot& record);
@@ -94,27 +109,6 @@ QString firstLoss(const PropertyTovikIot& record, const Format& format);
 QByteArray valueBytes(const QVariant& value);
 /// The opposite; nothing if the bytes are no value that the driver reads.
 std::optional<QVariant> valueOf(const QByteArray& bytes);
-
-// Common to both readings.
-
-/// Gives a stream the settings of the format.
-void prepare(QDataStream& stream, const Format& format);
-/// The number of types that are not Qt's own.
-quint32 ownTypeIn(int version);
-/// What a variant has in front of the record: type, null flag, and the type's name.
-QByteArray headerOf(const Format& format);
-/// Whether the bytes are the same. Entries of a hash may stand in another order: it has none.
-bool isSame(const QByteArray& left, const QByteArray& right);
-
-template <typename T>
-QByteArray bytesOf(const T& value, const Format& format)
-{
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    prepare(stream, format);
-    stream << value;
-    return bytes;
-}
 
 } // namespace tovik_host::stored
 

@@ -7,22 +7,22 @@
 
 namespace tovik_host::terminal {
 
-void Context::complain(const QString& problem)
+void Streams::complain(const QString& problem)
 {
     err.line(QStringLiteral("tovik-host: ") + problem);
 }
 
-void Context::complain(const QString& subject, const QString& problem)
+void Streams::complain(const QString& subject, const QString& problem)
 {
     complain(QStringLiteral("%1: %2").arg(printable(subject), printable(problem)));
 }
 
-void Context::warn(const QString& text)
+void Streams::warn(const QString& text)
 {
     complain(QStringLiteral("warning: ") + text);
 }
 
-int Context::codeAfterWriting(int code)
+int Streams::codeAfterWriting(int code)
 {
     if (out.error() == 0 || out.error() == EPIPE)
         return code;

@@ -9,10 +9,9 @@
 
 namespace tovik_host::terminal {
 
-/// What every command works with.
-struct Context
+/// Results on the standard output, messages on the standard error.
+struct Streams
 {
-    /// Messages on the standard error.
     void complain(const QString& problem);
     void complain(const QString& subject, const QString& problem);
     void warn(const QString& text);
@@ -20,10 +19,15 @@ struct Context
     /// not be written, it says so. A reader that has gone has had all that it wanted.
     int codeAfterWriting(int code);
 
-    DebugLog log;
-    UnixSignals unix_signals;
     Output out{STDOUT_FILENO};
     Output err{STDERR_FILENO};
+};
+
+/// What a command works with that waits for something.
+struct Context : Streams
+{
+    DebugLog log;
+    UnixSignals unix_signals;
 };
 
 } // namespace tovik_host::terminal

@@ -23,9 +23,8 @@ void reserveStandardDescriptors()
     }
 }
 
-void Output::write(const QString& text)
+void Output::write(const QByteArray& bytes)
 {
-    const QByteArray bytes = text.toUtf8();
     int done = 0;
     while (error_ == 0 && done < bytes.size()) {
         const ssize_t count =

@@ -18,7 +18,8 @@ public:
     explicit Output(int descriptor) : descriptor_(descriptor) {}
 
     /// Writes \a text as it is.
-    void write(const QString& text);
+    void write(const QString& text) { write(text.toUtf8()); }
+    void write(const QByteArray& bytes);
     /// Writes \a text and a line break.
     void line(const QString& text);
     /// Whether the reader has gone; all further writing is in vain.

@@ -1,7 +1,6 @@
 #include "tools/host/terminal/text_width.h"
 
 #include <QChar>
-#include <QVector>
 
 namespace tovik_host::terminal {
 
@@ -72,6 +71,31 @@ QString fitted(const QString& text, int columns)
 {
     const QString kept = clipped(text, columns);
     return kept + QString(qMax(0, columns - displayWidth(kept)), QLatin1Char(' '));
+}
+
+QStringList columns(const QVector<QStringList>& rows, const QString& indent, int widest)
+{
+    QVector<int> widths;
+    for (const QStringList& row : rows) {
+        widths.resize(row.size());
+        for (int i = 0; i < row.size(); ++i)
+            widths[i] = qBound(widths.at(i), displayWidth(row.at(i)), widest);
+    }
+    QStringList lines;
+    for (const QStringList& row : rows) {
+        QString line = indent;
+        for (int i = 0; i < row.size(); ++i)
+            line += fitted(row.at(i), widths.at(i)) + QStringLiteral("  ");
+        lines << trimmedRight(line);
+    }
+    return lines;
+}
+
+QString trimmedRight(QString line)
+{
+    while (line.endsWith(QLatin1Char(' ')))
+        line.chop(1);
+    return line;
 }
 
 } // namespace tovik_host::terminal

@@ -2,6 +2,8 @@
 #define TOOLS_HOST_TERMINAL_TEXT_WIDTH_H
 
 #include <QString>
+#include <QStringList>
+#include <QVector>
 
 /// \file
 /// Text in columns of a terminal.
@@ -16,6 +18,12 @@ int displayWidth(const QString& text);
 QString clipped(const QString& text, int columns);
 /// \a text cut or filled with spaces to exactly \a columns.
 QString fitted(const QString& text, int columns);
+/// Rows of cells as lines, whose columns are as wide as their widest cell but no wider than
+/// \a widest. Nothing stands after the last cell that is not empty.
+QStringList columns(const QVector<QStringList>& rows, const QString& indent = QString(),
+                    int widest = 1 << 20);
+/// \a line without the blanks at its end.
+QString trimmedRight(QString line);
 
 } // namespace tovik_host::terminal
 

@@ -28,4 +28,9 @@ QString jsonLine(const OrderedJson& line)
     return QString::fromStdString(line.dump(-1, ' ', false, OrderedJson::error_handler_t::replace));
 }
 
+QString jsonText(const OrderedJson& json)
+{
+    return QString::fromStdString(json.dump(2)) + QLatin1Char('\n');
+}
+
 } // namespace tovik_host::value

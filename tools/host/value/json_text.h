@@ -23,6 +23,8 @@ OrderedJson jsonValue(const ItemType& type, const std::optional<QString>& value)
 std::string jsonTime(const QDateTime& time);
 /// The object as one line of UTF-8.
 QString jsonLine(const OrderedJson& line);
+/// The whole text of a file, with a line break at its end.
+QString jsonText(const OrderedJson& json);
 
 } // namespace tovik_host::value
 

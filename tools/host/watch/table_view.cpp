@@ -106,9 +106,7 @@ QString joined(const Row& row, const Widths& widths, int columns)
         if (widths[i] > 0)
             line += terminal::fitted(row[i], widths[i]) + QString(gap, QLatin1Char(' '));
     }
-    while (line.endsWith(QLatin1Char(' ')))
-        line.chop(1);
-    return terminal::clipped(line, columns);
+    return terminal::clipped(terminal::trimmedRight(line), columns);
 }
 
 void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const WatchModel& model,

@@ -1,4 +1,4 @@
-#include "tools/host/config/device_file.h"
+#include "tools/host/config/config_file.h"
 #include "tools/host/terminal/exit_code.h"
 
 #include <QTemporaryDir>
@@ -144,6 +144,8 @@ void TestHostDeviceFile::namesPlaceOfError_data()
         "c.json:2: link.request_delay: must be a whole number from 0 to 60000");
     row("too many repeats", link("{\"retries\": 101}"),
         "c.json:2: link.retries: must be a whole number from 0 to 100");
+    row("parameter that wraps around to -1", link("{\"link_param_a\": 18446744073709551615}"),
+        "c.json:2: link.link_param_a: must be a whole number from -2147483648 to 2147483647");
     row("parameter as a text", link("{\"link_param_a\": \"1\"}"),
         "c.json:2: link.link_param_a: must be a whole number from -2147483648 to 2147483647");
     row("item without a name", items("[{\"address\": \"4x1\"}]"),

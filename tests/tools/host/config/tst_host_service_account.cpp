@@ -1,4 +1,4 @@
-#include "tools/host/config/service_account.h"
+#include "tools/host/config/account.h"
 #include "tools/host/terminal/exit_code.h"
 
 #include <QTemporaryDir>

@@ -1,4 +1,4 @@
-#include "tools/host/service/catalogue_file.h"
+#include "tools/host/service/catalogue.h"
 #include "tools/host/terminal/exit_code.h"
 
 #include <QElapsedTimer>
@@ -67,7 +67,7 @@ void TestHostCatalogueFile::bringsBackWhatWasSaved()
     QFETCH(QString, item);
     const QString text = catalogueJson(withNames(group, item));
     const config::JsonFile file = config::readJson(write(text.toUtf8()));
-    QVERIFY(isCatalogueFile(file));
+    QVERIFY(isCatalogue(file));
     const Catalogue read = readCatalogue(file);
     QCOMPARE(read.groups.size(), 2);
     QCOMPARE(read.groups.at(0).name, group);
@@ -136,7 +136,7 @@ void TestHostCatalogueFile::namesPlaceOfError()
 void TestHostCatalogueFile::saysThatFileIsMissing()
 {
     try {
-        readJsonAs(QStringLiteral("/nowhere/c.json"), QStringLiteral("catalogue"));
+        config::readJson(QStringLiteral("/nowhere/c.json"), QStringLiteral("catalogue"));
     } catch (const terminal::UsageError& error) {
         QCOMPARE(error.message(), QStringLiteral("cannot read the catalogue \"/nowhere/c.json\": "
                                                  "No such file or directory"));

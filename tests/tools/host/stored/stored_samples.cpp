@@ -145,7 +145,7 @@ QStringList hardTexts()
 void addStoredFormatRows()
 {
     QTest::addColumn<Format>("format");
-    for (int version = oldest_version; version <= newestVersion(); ++version)
+    for (int version = Versions().first; version <= Versions().last; ++version)
         addRowsOf(version);
 }
 
@@ -158,13 +158,12 @@ void addStoredLayoutRows()
 
 tovik_host::config::JsonFile jsonFile(const QByteArray& text)
 {
-    return {QStringLiteral("file"), nlohmann::json::parse(text.toStdString()),
-            tovik_host::config::findJsonLines(text.toStdString())};
+    return tovik_host::config::parseJson(QStringLiteral("file"), text);
 }
 
-QByteArray jsonTextOf(const Record& record)
+QByteArray jsonTextOf(const PropertyTovikIot& record, int known)
 {
     tovik_host::value::OrderedJson json = tovik_host::value::OrderedJson::object();
-    json["tovik_iot"] = recordToJson(record);
-    return fileText(json);
+    json["tovik_iot"] = recordToJson(record, known);
+    return tovik_host::value::jsonText(json).toUtf8();
 }

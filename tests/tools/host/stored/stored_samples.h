@@ -22,7 +22,8 @@ QList<QVariant> driverValues();
 /// Texts that are hard to keep: null, empty, zeros, control characters, half a character.
 QStringList hardTexts();
 
-/// A column `format` with all versions, forms and orders, and both precisions where it matters.
+/// A column `format` with all versions of Qt 4 and 5, forms and orders, and both precisions where
+/// it matters.
 void addStoredFormatRows();
 /// The same for one version of each layout.
 void addStoredLayoutRows();
@@ -30,7 +31,7 @@ void addStoredLayoutRows();
 /// The text as a file that is called "file".
 tovik_host::config::JsonFile jsonFile(const QByteArray& text);
 /// The record as convert writes it, without a format.
-QByteArray jsonTextOf(const tovik_host::stored::Record& record);
+QByteArray jsonTextOf(const PropertyTovikIot& record, int known = tovik_host::stored::all_known);
 
 Q_DECLARE_METATYPE(tovik_host::stored::Format)
 

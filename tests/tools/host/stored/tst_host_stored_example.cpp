@@ -1,5 +1,5 @@
 #include "tests/tools/host/stored/stored_samples.h"
-#include "tools/host/stored/detection.h"
+#include "tools/host/stored/stream.h"
 
 #include <QtTest>
 
@@ -76,7 +76,7 @@ void TestHostStoredExample::bytesAreThoseOfTheRecord()
     tovik_host::value::OrderedJson again = tovik_host::value::OrderedJson::object();
     again["stream"] = formatToJson(found);
     again["tovik_iot"] = recordToJson(detected.reading.record);
-    QCOMPARE(fileText(again), blocks.at(0));
+    QCOMPARE(tovik_host::value::jsonText(again).toUtf8(), blocks.at(0));
 }
 
 QTEST_GUILESS_MAIN(TestHostStoredExample)

@@ -1,5 +1,7 @@
-#ifndef TOOLS_HOST_SERVICE_CATALOGUE_DATA_H
-#define TOOLS_HOST_SERVICE_CATALOGUE_DATA_H
+#ifndef TOOLS_HOST_SERVICE_CATALOGUE_H
+#define TOOLS_HOST_SERVICE_CATALOGUE_H
+
+#include "tools/host/config/json_file.h"
 
 #include "property/property_tovik_iot_group.h"
 
@@ -17,6 +19,9 @@ struct CatalogueItem
     QString type; ///< One of the driver's types.
     int length = 0;
     bool alert = false;
+
+    /// The type as it is shown: of a text with its length.
+    QString shownType() const;
 };
 
 /// A group of the catalogue.
@@ -45,6 +50,19 @@ struct Catalogue
 
 /// The groups as the client has loaded them.
 QVector<CatalogueGroup> catalogueGroups(const QList<PropertyTovikIotGroup>& loaded);
+
+/// The catalogue as JSON, for people and for readCatalogue(); ends with a line break. It holds no
+/// password, nor a user name and password within the address.
+QString catalogueJson(const Catalogue& catalogue);
+/// Whether \a file looks like a saved catalogue, right or wrong.
+bool isCatalogue(const config::JsonFile& file);
+/// Reads what catalogueJson() has written. Throws UsageError with file, line and member.
+Catalogue readCatalogue(const config::JsonFile& file);
+
+/// The catalogue as a tree of groups and items, for reading.
+QString catalogueTree(const Catalogue& catalogue);
+/// The catalogue as a table with a line for each item, for reading and searching.
+QString catalogueTable(const Catalogue& catalogue);
 
 /// "1 group", "3 groups".
 QString counted(int count, const QString& noun);

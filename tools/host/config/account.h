@@ -1,7 +1,8 @@
-#ifndef TOOLS_HOST_CONFIG_SERVICE_ACCOUNT_H
-#define TOOLS_HOST_CONFIG_SERVICE_ACCOUNT_H
+#ifndef TOOLS_HOST_CONFIG_ACCOUNT_H
+#define TOOLS_HOST_CONFIG_ACCOUNT_H
 
 #include "tools/host/config/config.h"
+#include "tools/host/config/json_file.h"
 
 #include <QString>
 
@@ -43,6 +44,19 @@ Account resolveAccount(const AccountOptions& options, Account account, bool need
 
 /// Throws UsageError that says what to add, unless address, project and e-mail address are known.
 void requireAccount(const Account& account);
+
+/// The account's password from the one member of the service object that gives it: "password"
+/// itself, "password_file" (its first line; a relative path starts at the configuration's folder)
+/// or "password_env" (a variable of the environment). Throws UsageError; no message shows it.
+QString readPassword(const JsonPlace& service, const QString& config_path);
+
+/// Throws UsageError unless \a url is an address that the driver can use.
+/// \param origin what the message names as the source of the address.
+void checkUrl(const QString& url, const QString& origin);
+
+/// The address of a service that the command line gives: \a url, or else the first line of the file
+/// \a url_file; empty when both are. Throws UsageError for what cannot be read or is no address.
+QString givenAddress(const QString& url, const QString& url_file);
 
 } // namespace tovik_host::config
 

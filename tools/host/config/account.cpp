@@ -1,0 +1,203 @@
+#include "tools/host/config/account.h"
+
+#include "tools/host/config/config_file.h"
+#include "tools/host/terminal/exit_code.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QUrl>
+
+namespace tovik_host::config {
+
+namespace {
+
+/// Without its end; nothing when the file cannot be opened, and \a problem receives why.
+std::optional<QString> firstLine(const QString& path, QString* problem)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        *problem = file.errorString();
+        return std::nullopt;
+    }
+    QByteArray line = file.readLine();
+    while (line.endsWith('\n') || line.endsWith('\r'))
+        line.chop(1);
+    return QString::fromUtf8(line);
+}
+
+void takeFromFile(const QString& path, Account* account)
+{
+    QString problem;
+    const std::optional<QString> line = firstLine(path, &problem);
+    if (!line) {
+        throw terminal::UsageError(
+            QStringLiteral("cannot read the password file \"%1\": %2").arg(path, problem));
+    }
+    account->service.password = *line;
+    account->has_password = true;
+}
+
+void takeFromVariable(const QString& variable, Account* account)
+{
+    const QByteArray name = variable.toUtf8();
+    account->password_file.clear();
+    account->password_env = variable;
+    account->has_password = qEnvironmentVariableIsSet(name.constData());
+    account->service.password = QString::fromUtf8(qgetenv(name.constData()));
+}
+
+/// The password from the place that a configuration names, or from the usual variable.
+void takeConfigured(Account* account)
+{
+    if (!account->password_file.isEmpty()) {
+        takeFromFile(account->password_file, account);
+        return;
+    }
+    const QString configured = account->password_env;
+    if (!configured.isEmpty())
+        takeFromVariable(configured, account);
+    if (account->has_password)
+        return;
+    takeFromVariable(defaultPasswordVariable(), account);
+    // If none of them is set, the user should hear of the one that was meant.
+    if (!account->has_password && !configured.isEmpty())
+        account->password_env = configured;
+}
+
+void takePassword(const AccountOptions& options, Account* account, bool needs_password)
+{
+    if (!options.password_file.isEmpty()) {
+        takeFromFile(options.password_file, account);
+        account->password_file = QFileInfo(options.password_file).absoluteFilePath();
+        account->password_env.clear();
+    } else if (!options.password_env.isEmpty()) {
+        takeFromVariable(options.password_env, account);
+    } else if (!account->has_password && needs_password) {
+        takeConfigured(account);
+    }
+}
+
+} // namespace
+
+QString defaultPasswordVariable()
+{
+    return QStringLiteral("TOVIK_PASSWORD");
+}
+
+Account accountOfConfig(const QString& path)
+{
+    Account account;
+    account.service = loadConfig(path, false).config.service;
+    const JsonFile file = readJson(path);
+    const JsonPlace service = JsonPlace(file).at("service");
+    const QString password_file = service.optionalText("password_file");
+    if (!password_file.isEmpty())
+        account.password_file = QFileInfo(path).dir().absoluteFilePath(password_file);
+    account.password_env = service.optionalText("password_env");
+    account.has_password = !account.service.password.isEmpty();
+    return account;
+}
+
+Account resolveAccount(const AccountOptions& options, Account account, bool needs_password)
+{
+    if (!options.config.isEmpty())
+        account = accountOfConfig(options.config);
+    const QString url = givenAddress(options.url, options.url_file);
+    if (!url.isEmpty())
+        account.service.url = url;
+    if (!options.project.isEmpty())
+        account.service.project = options.project;
+    if (!options.email.isEmpty())
+        account.service.email = options.email;
+    takePassword(options, &account, needs_password);
+    return account;
+}
+
+void requireAccount(const Account& account)
+{
+    QStringList missing;
+    if (account.service.url.isEmpty())
+        missing << QStringLiteral("--url URL (or --url-file FILE)");
+    if (account.service.project.isEmpty())
+        missing << QStringLiteral("--project NAME");
+    if (account.service.email.isEmpty())
+        missing << QStringLiteral("--email ADDRESS");
+    if (!missing.isEmpty()) {
+        throw terminal::UsageError(
+            QStringLiteral("the account is not complete; add %1, or a configuration with --config")
+                .arg(missing.join(QStringLiteral(", "))));
+    }
+}
+
+QString readPassword(const JsonPlace& service, const QString& config_path)
+{
+    const char* given = nullptr;
+    for (const char* name : {"password", "password_file", "password_env"}) {
+        if (!service.has(name))
+            continue;
+        if (given) {
+            service.at(name).fail(
+                QStringLiteral("\"%1\" gives the password already").arg(QLatin1String(given)));
+        }
+        given = name;
+    }
+    if (service.has("password_file")) {
+        const QString name = service.requiredText("password_file");
+        QString problem;
+        const std::optional<QString> line =
+            firstLine(QFileInfo(config_path).dir().absoluteFilePath(name), &problem);
+        if (!line) {
+            service.at("password_file")
+                .fail(QStringLiteral("cannot read \"%1\": %2").arg(name, problem));
+        }
+        return *line;
+    }
+    if (!service.has("password_env"))
+        return service.optionalText("password");
+    const QString name = service.requiredText("password_env");
+    const QByteArray variable = name.toUtf8();
+    if (!qEnvironmentVariableIsSet(variable.constData())) {
+        service.at("password_env")
+            .fail(QStringLiteral("the environment has no variable \"%1\"").arg(name));
+    }
+    return QString::fromUtf8(qgetenv(variable.constData()));
+}
+
+void checkUrl(const QString& url, const QString& origin)
+{
+    const QUrl parsed(url, QUrl::StrictMode);
+    const bool is_web =
+        parsed.scheme() == QLatin1String("https") || parsed.scheme() == QLatin1String("http");
+    const bool is_bare = parsed.path().isEmpty() && !parsed.hasQuery() && !parsed.hasFragment();
+    if (!parsed.isValid() || !is_web || !is_bare || parsed.host().isEmpty()) {
+        throw terminal::UsageError(
+            QStringLiteral("%1: must be an address such as https://cloud.example, "
+                           "without a path or a slash at its end")
+                .arg(origin));
+    }
+}
+
+QString givenAddress(const QString& url, const QString& url_file)
+{
+    QString address;
+    if (!url_file.isEmpty()) {
+        QString problem;
+        const std::optional<QString> line = firstLine(url_file, &problem);
+        if (!line) {
+            throw terminal::UsageError(
+                QStringLiteral("cannot read the address file \"%1\": %2 (is the "
+                               "service running?)")
+                    .arg(url_file, problem));
+        }
+        address = line->trimmed();
+        checkUrl(address, url_file);
+    }
+    if (!url.isEmpty()) {
+        checkUrl(url, QStringLiteral("--url"));
+        address = url;
+    }
+    return address;
+}
+
+} // namespace tovik_host::config

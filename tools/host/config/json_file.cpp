@@ -1,0 +1,292 @@
+#include "tools/host/config/json_file.h"
+
+#include "tools/host/terminal/exit_code.h"
+
+#include <QFile>
+#include <QSet>
+
+#include <iterator>
+#include <limits>
+
+namespace tovik_host::config {
+
+namespace {
+
+const int deepest = 200;
+
+/// The line of the character that the parser took last. A line break counts once the parser goes
+/// on, since it looks one character ahead to find the end of a number.
+struct LineCounter
+{
+    int line = 1;
+    bool is_after_break = false;
+
+    void take(char character)
+    {
+        line += is_after_break ? 1 : 0;
+        is_after_break = character == '\n';
+    }
+};
+
+/// Walks over the text for the parser and counts. It has what the parser needs of an iterator.
+struct CountingIterator
+{
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = const char&;
+
+    const char* position;
+    LineCounter* counter;
+
+    reference operator*() const { return *position; }
+    CountingIterator& operator++()
+    {
+        counter->take(*position++);
+        return *this;
+    }
+    bool operator!=(const CountingIterator& other) const { return position != other.position; }
+};
+
+QString memberPath(const QString& object, const QString& name)
+{
+    return object.isEmpty() ? name : object + QLatin1Char('.') + name;
+}
+
+QString elementPath(const QString& list, int index)
+{
+    return QStringLiteral("%1[%2]").arg(list).arg(index);
+}
+
+/// Notes the lines while the parser goes through the text.
+class LineTaker
+{
+public:
+    LineTaker(const LineCounter& counter, JsonFile* file) : counter_(counter), file_(file) {}
+
+    void take(nlohmann::json::parse_event_t event, const nlohmann::json& parsed)
+    {
+        using Event = nlohmann::json::parse_event_t;
+        switch (event) {
+        case Event::key:
+            takeName(QString::fromStdString(parsed.get<std::string>()));
+            break;
+        case Event::object_start:
+        case Event::array_start:
+            begin();
+            levels_.append({event == Event::array_start, path(), {}, {}, 0});
+            if (levels_.size() > deepest + 1) {
+                throw terminal::UsageError(
+                    QStringLiteral("%1: brackets stand in one another more than %2 deep")
+                        .arg(file_->path)
+                        .arg(deepest));
+            }
+            break;
+        case Event::object_end:
+        case Event::array_end:
+            levels_.removeLast();
+            end();
+            break;
+        case Event::value:
+            begin();
+            end();
+            break;
+        }
+    }
+
+private:
+    /// An object or a list that the parser is in.
+    struct Level
+    {
+        bool is_list;
+        QString path;
+        QString name;        ///< Of the current member.
+        QSet<QString> names; ///< Of all members so far.
+        int index;
+    };
+
+    bool isInList() const { return !levels_.isEmpty() && levels_.last().is_list; }
+    /// Of the value that the parser is at.
+    QString path() const
+    {
+        if (levels_.isEmpty())
+            return QString();
+        const Level& level = levels_.last();
+        return level.is_list ? elementPath(level.path, level.index)
+                             : memberPath(level.path, level.name);
+    }
+    void begin()
+    {
+        if (isInList())
+            file_->lines.insert(path(), counter_.line);
+    }
+    void end()
+    {
+        if (isInList())
+            ++levels_.last().index;
+    }
+    void takeName(const QString& name)
+    {
+        Level& level = levels_.last();
+        if (level.names.contains(name)) {
+            throw terminal::UsageError(
+                QStringLiteral("%1:%2: member \"%3\" stands twice in one object")
+                    .arg(file_->path)
+                    .arg(counter_.line)
+                    .arg(name));
+        }
+        level.names.insert(name);
+        level.name = name;
+        file_->lines.insert(path(), counter_.line);
+    }
+
+    const LineCounter& counter_;
+    JsonFile* file_;
+    QVector<Level> levels_;
+};
+
+/// The reason in a message of the JSON library, without the text around the place, which may be the
+/// password.
+QString reasonOf(const std::string& message)
+{
+    const std::size_t dash = message.find(" - ");
+    const std::size_t start = dash == std::string::npos ? 0 : dash + 3;
+    return QString::fromStdString(
+        message.substr(start, message.find("; last read", start) - start));
+}
+
+} // namespace
+
+JsonFile parseJson(const QString& path, const QByteArray& text)
+{
+    JsonFile file = {path, {}, {}};
+    LineCounter counter;
+    LineTaker lines(counter, &file);
+    const auto take = [&lines](int, nlohmann::json::parse_event_t event, nlohmann::json& parsed) {
+        lines.take(event, parsed);
+        return true;
+    };
+    try {
+        file.root = nlohmann::json::parse(CountingIterator{text.begin(), &counter},
+                                          CountingIterator{text.end(), &counter}, take);
+    } catch (const nlohmann::json::exception& error) {
+        throw terminal::UsageError(QStringLiteral("%1:%2: not valid JSON: %3")
+                                       .arg(path)
+                                       .arg(counter.line)
+                                       .arg(reasonOf(error.what())));
+    }
+    return file;
+}
+
+JsonFile readJson(const QString& path, const QString& what)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw terminal::UsageError(
+            QStringLiteral("cannot read the %1 \"%2\": %3").arg(what, path, file.errorString()));
+    }
+    return parseJson(path, file.readAll());
+}
+
+JsonPlace JsonPlace::at(const char* name) const
+{
+    if (!has(name))
+        fail(QStringLiteral("the member \"%1\" is missing").arg(QLatin1String(name)));
+    return {*file_, json_->at(name), memberPath(path_, QString::fromUtf8(name))};
+}
+
+QVector<JsonPlace> JsonPlace::elements() const
+{
+    if (!json_->is_array())
+        fail(QStringLiteral("must be a list: [ ... ]"));
+    QVector<JsonPlace> elements;
+    for (const nlohmann::json& element : *json_)
+        elements.append({*file_, element, elementPath(path_, elements.size())});
+    return elements;
+}
+
+void JsonPlace::allowOnly(const QStringList& names) const
+{
+    if (!json_->is_object())
+        fail(QStringLiteral("must be an object: { ... }"));
+    for (const auto& member : json_->items()) {
+        if (names.contains(QString::fromStdString(member.key())))
+            continue;
+        const QString path = memberPath(path_, QString::fromStdString(member.key()));
+        JsonPlace(*file_, member.value(), path)
+            .fail(QStringLiteral("is no member of this object; it may have: %1")
+                      .arg(names.join(QStringLiteral(", "))));
+    }
+}
+
+void JsonPlace::allowOnly(std::initializer_list<const char*> names) const
+{
+    QStringList texts;
+    for (const char* name : names)
+        texts << QString::fromLatin1(name);
+    allowOnly(texts);
+}
+
+QString JsonPlace::text() const
+{
+    if (!json_->is_string())
+        fail(QStringLiteral("must be a text in quotes"));
+    return QString::fromStdString(json_->get<std::string>());
+}
+
+qint64 JsonPlace::number(qint64 low, qint64 high) const
+{
+    const bool is_huge = json_->is_number_unsigned() &&
+                         json_->get<quint64>() > quint64(std::numeric_limits<qint64>::max());
+    const bool fits = json_->is_number_integer() && !is_huge && json_->get<qint64>() >= low &&
+                      json_->get<qint64>() <= high;
+    if (!fits)
+        fail(QStringLiteral("must be a whole number from %1 to %2").arg(low).arg(high));
+    return json_->get<qint64>();
+}
+
+bool JsonPlace::flag() const
+{
+    if (!json_->is_boolean())
+        fail(QStringLiteral("must be true or false"));
+    return json_->get<bool>();
+}
+
+QString JsonPlace::requiredText(const char* name) const
+{
+    const JsonPlace member = at(name);
+    const QString text = member.text();
+    if (text.isEmpty())
+        member.fail(QStringLiteral("must not be empty"));
+    return text;
+}
+
+QString JsonPlace::optionalText(const char* name, const QString& fallback) const
+{
+    return has(name) ? at(name).text() : fallback;
+}
+
+int JsonPlace::optionalNumber(const char* name, int fallback, int low, int high) const
+{
+    return has(name) ? int(at(name).number(low, high)) : fallback;
+}
+
+bool JsonPlace::optionalFlag(const char* name, bool fallback) const
+{
+    return has(name) ? at(name).flag() : fallback;
+}
+
+QString JsonPlace::where() const
+{
+    const QString start =
+        QStringLiteral("%1:%2").arg(file_->path).arg(file_->lines.value(path_, 1));
+    return path_.isEmpty() ? start : start + QStringLiteral(": ") + path_;
+}
+
+void JsonPlace::fail(const QString& problem) const
+{
+    throw terminal::UsageError(where() + QStringLiteral(": ") + problem);
+}
+
+} // namespace tovik_host::config

@@ -1,0 +1,206 @@
+#include "tools/host/service/catalogue.h"
+
+#include "tools/host/config/config_file.h"
+#include "tools/host/terminal/text_width.h"
+#include "tools/host/value/json_text.h"
+
+#include <QUrl>
+
+#include <limits>
+
+namespace tovik_host::service {
+
+QString CatalogueItem::shownType() const
+{
+    return type == QLatin1String("String") ? QStringLiteral("%1(%2)").arg(type).arg(length) : type;
+}
+
+int Catalogue::itemCount() const
+{
+    int count = 0;
+    for (const CatalogueGroup& group : groups)
+        count += group.items.size();
+    return count;
+}
+
+QVector<CatalogueGroup> catalogueGroups(const QList<PropertyTovikIotGroup>& loaded)
+{
+    QVector<CatalogueGroup> groups;
+    groups.reserve(loaded.size());
+    for (const PropertyTovikIotGroup& from : loaded) {
+        CatalogueGroup group = {from.group_id,   from.name,  from.location,
+                                from.permission, from.alert, {}};
+        group.items.reserve(from.dataitems.size());
+        for (const PropertyTovikIotDataItem& item : from.dataitems)
+            group.items << CatalogueItem{item.dataitem_id, item.name, item.type, item.length,
+                                         item.alert};
+        groups << group;
+    }
+    return groups;
+}
+
+QString counted(int count, const QString& noun)
+{
+    return QStringLiteral("%1 %2%3").arg(count).arg(noun,
+                                                    count == 1 ? QString() : QStringLiteral("s"));
+}
+
+namespace {
+
+value::OrderedJson jsonOf(const CatalogueItem& item)
+{
+    return {{"id", item.id.toStdString()},
+            {"name", item.name.toStdString()},
+            {"type", item.type.toStdString()},
+            {"length", item.length},
+            {"alert", item.alert}};
+}
+
+value::OrderedJson jsonOf(const CatalogueGroup& group)
+{
+    value::OrderedJson items = value::OrderedJson::array();
+    for (const CatalogueItem& item : group.items)
+        items.push_back(jsonOf(item));
+    return {{"id", group.id.toStdString()},
+            {"name", group.name.toStdString()},
+            {"location", group.location.toStdString()},
+            {"permission", group.permission.toStdString()},
+            {"alert", group.alert},
+            {"items", items}};
+}
+
+CatalogueItem readItem(const config::JsonPlace& place)
+{
+    static const QStringList known = {QStringLiteral("id"), QStringLiteral("name"),
+                                      QStringLiteral("type"), QStringLiteral("length"),
+                                      QStringLiteral("alert")};
+    place.allowOnly(known);
+    CatalogueItem item;
+    item.id = place.requiredText("id");
+    item.name = place.requiredText("name");
+    item.type = QString::fromLatin1(config::itemType(place).name);
+    item.length = place.optionalNumber("length", 0, std::numeric_limits<int>::min(),
+                                       std::numeric_limits<int>::max());
+    item.alert = place.optionalFlag("alert", false);
+    return item;
+}
+
+CatalogueGroup readGroup(const config::JsonPlace& place)
+{
+    place.allowOnly({"id", "name", "location", "permission", "alert", "items"});
+    CatalogueGroup group;
+    group.id = place.requiredText("id");
+    group.name = place.requiredText("name");
+    group.location = place.optionalText("location");
+    group.permission = place.optionalText("permission", QStringLiteral("RW"));
+    group.alert = place.optionalFlag("alert", false);
+    for (const config::JsonPlace& item : place.at("items").elements())
+        group.items << readItem(item);
+    return group;
+}
+
+} // namespace
+
+QString catalogueJson(const Catalogue& catalogue)
+{
+    value::OrderedJson groups = value::OrderedJson::array();
+    for (const CatalogueGroup& group : catalogue.groups)
+        groups.push_back(jsonOf(group));
+    const QString url = QUrl(catalogue.url).toString(QUrl::RemoveUserInfo);
+    return value::jsonText({{"service",
+                             {{"url", url.toStdString()},
+                              {"project", catalogue.project.toStdString()},
+                              {"email", catalogue.email.toStdString()}}},
+                            {"groups", groups}});
+}
+
+bool isCatalogue(const config::JsonFile& file)
+{
+    return config::JsonPlace(file).has("groups");
+}
+
+Catalogue readCatalogue(const config::JsonFile& file)
+{
+    const config::JsonPlace root(file);
+    root.allowOnly({"service", "groups"});
+    const config::JsonPlace service = root.at("service");
+    service.allowOnly({"url", "project", "email"});
+    Catalogue catalogue;
+    catalogue.url = service.optionalText("url");
+    if (service.has("url"))
+        config::checkUrl(catalogue.url, service.at("url").where());
+    catalogue.project = service.optionalText("project");
+    catalogue.email = service.optionalText("email");
+    for (const config::JsonPlace& group : root.at("groups").elements())
+        catalogue.groups << readGroup(group);
+    return catalogue;
+}
+
+namespace {
+
+QString heading(const Catalogue& catalogue)
+{
+    return QStringLiteral("%1  project %2: %3, %4\n")
+        .arg(QUrl(catalogue.url).toString(QUrl::RemoveUserInfo),
+             terminal::printable(catalogue.project),
+             counted(catalogue.groups.size(), QStringLiteral("group")),
+             counted(catalogue.itemCount(), QStringLiteral("item")));
+}
+
+QString remarks(const CatalogueGroup& group, bool alert)
+{
+    QStringList remarks;
+    if (group.isReadOnly())
+        remarks << QStringLiteral("read-only");
+    if (alert)
+        remarks << QStringLiteral("alert");
+    return remarks.join(QStringLiteral(", "));
+}
+
+QString text(const QStringList& lines)
+{
+    return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
+}
+
+QString groupTree(const CatalogueGroup& group)
+{
+    QStringList parts = {terminal::printable(group.name),
+                         QStringLiteral("(%1)").arg(terminal::printable(group.id)),
+                         terminal::printable(group.location), remarks(group, group.alert)};
+    parts.removeAll(QString());
+    const QString line = parts.join(QStringLiteral("  ")) + QLatin1Char('\n');
+    if (group.items.isEmpty())
+        return line + QStringLiteral("  (no items)\n");
+    QVector<QStringList> rows;
+    for (const CatalogueItem& item : group.items)
+        rows << QStringList{terminal::printable(item.name), terminal::printable(item.id),
+                            item.shownType(), remarks(group, item.alert)};
+    return line + text(terminal::columns(rows, QStringLiteral("  ")));
+}
+
+} // namespace
+
+QString catalogueTree(const Catalogue& catalogue)
+{
+    QString tree = heading(catalogue);
+    for (const CatalogueGroup& group : catalogue.groups)
+        tree += QLatin1Char('\n') + groupTree(group);
+    return tree;
+}
+
+QString catalogueTable(const Catalogue& catalogue)
+{
+    QVector<QStringList> rows = {{QStringLiteral("GROUP"), QStringLiteral("ITEM"),
+                                  QStringLiteral("ID"), QStringLiteral("TYPE"),
+                                  QStringLiteral("REMARKS")}};
+    for (const CatalogueGroup& group : catalogue.groups) {
+        for (const CatalogueItem& item : group.items) {
+            rows << QStringList{terminal::printable(group.name), terminal::printable(item.name),
+                                terminal::printable(item.id), item.shownType(),
+                                remarks(group, item.alert)};
+        }
+    }
+    return text(terminal::columns(rows));
+}
+
+} // namespace tovik_host::service

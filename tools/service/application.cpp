@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -32,6 +31,10 @@ public:
 
     /// Accepts connections and tells where.
     void start();
+
+    /// Reads the project file again, and goes on with what stands there now; clients notice nothing
+    /// but other values. Throws plant::ProjectError, and goes on as before then.
+    void reloadPlant();
 
     /// Ends both ports, whatever their clients are doing.
     void stop();
@@ -73,17 +76,29 @@ void writeAtomically(const std::string& file, const std::string& text)
     }
 }
 
-/// The signals that end the program. Blocked in all threads and awaited in one place, so
+/// Reads the plant again.
+constexpr int reload_signal = SIGUSR1;
+
+/// The signals that the program hears. Blocked in all threads and awaited in one place, so
 /// that no code has to run inside a signal handler.
-sigset_t blockEndingSignals()
+sigset_t blockSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGHUP);
+    sigaddset(&signals, reload_signal);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
     return signals;
+}
+
+int waitForSignal(const sigset_t& signals)
+{
+    int signal = 0;
+    sigwait(&signals, &signal);
+    return signal;
 }
 
 Application::Application(const Options& options, plant::Project project)
@@ -115,6 +130,17 @@ void Application::start()
     announce();
 }
 
+void Application::reloadPlant()
+{
+    try {
+        plant_.replace(plant::loadProject(options_.project_file));
+    } catch (const plant::ProjectError& error) {
+        log_.note(std::string("the plant stays as it was: ") + error.what());
+        throw;
+    }
+    log_.note("plant read again from " + options_.project_file);
+}
+
 void Application::stop()
 {
     log_.note("stopping");
@@ -142,8 +168,15 @@ std::unique_ptr<http::TlsContext> Application::makeTls()
 
 control::ControlTargets Application::controlTargets()
 {
-    return {plant_, tokens_,      faults_,         requests_,
-            log_,   serviceUrl(), tls_ != nullptr, [this] { service_port_.applyRefusing(); }};
+    return {plant_,
+            tokens_,
+            faults_,
+            requests_,
+            log_,
+            serviceUrl(),
+            tls_ != nullptr,
+            [this] { service_port_.applyRefusing(); },
+            [this] { reloadPlant(); }};
 }
 
 std::string Application::serviceUrl() const
@@ -195,7 +228,7 @@ void Application::announce()
               << "\nDashboard: " << control << "/\n";
     if (!new_token_.empty())
         std::cout << "Control token: " << new_token_ << '\n';
-    std::cout.flush();
+    requireOutput();
 }
 
 } // namespace
@@ -204,22 +237,30 @@ int run(const Options& options)
 {
     try {
         plant::Project project = plant::loadProject(options.project_file);
+        for (const std::string& fault : options.faults) {
+            const std::string problem = faults::plantProblem(faults::parseFault(fault), project);
+            if (!problem.empty())
+                throw plant::ProjectError(problem);
+        }
         if (options.check_only) {
             std::cout << options.project_file << ": good\n";
+            requireOutput();
             return exit_success;
         }
-        const sigset_t signals = blockEndingSignals();
+        const sigset_t signals = blockSignals();
         Application application(options, std::move(project));
         application.start();
-        int signal = 0;
-        sigwait(&signals, &signal);
+        while (waitForSignal(signals) == reload_signal) {
+            try {
+                application.reloadPlant();
+            } catch (const plant::ProjectError&) {
+                // It is in the log, and the service goes on.
+            }
+        }
         application.stop();
     } catch (const plant::ProjectError& error) {
         std::cerr << "tovik-cloud: " << error.what() << '\n';
         return exit_usage;
-    } catch (const std::exception& error) {
-        std::cerr << "tovik-cloud: " << error.what() << '\n';
-        return exit_failure;
     }
     return exit_success;
 }

@@ -5,8 +5,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
 #include <iostream>
 #include <stdexcept>
+#include <system_error>
 
 namespace tovik_service {
 
@@ -116,7 +118,7 @@ void addLogOptions(CLI::App& app, Options& options)
     app.add_option("--log", options.log_file, "Log to this file instead of stderr")
         ->type_name("FILE")
         ->check(notEmpty());
-    app.add_flag("--verbose", options.verbose, "Log every request");
+    app.add_flag("-v,--verbose", options.verbose, "Log every request");
 }
 
 /// Completes the options, or says why they cannot be used.
@@ -141,6 +143,13 @@ std::string findProblem(Options& options)
 
 } // namespace
 
+void requireOutput()
+{
+    if (!std::cout.flush())
+        throw std::runtime_error("cannot write to standard output: " +
+                                 std::generic_category().message(errno));
+}
+
 ParsedOptions parseOptions(int count, char** arguments)
 {
     ParsedOptions parsed;
@@ -149,6 +158,7 @@ ParsedOptions parseOptions(int count, char** arguments)
     bool list_faults = false;
     app.add_option("project", options.project_file, "Project file (JSON): accounts, groups, items")
         ->type_name("FILE");
+    app.set_version_flag("--version", "tovik-cloud " TOVIK_VERSION);
     app.add_flag("--check", options.check_only, "Only check the project file");
     app.add_flag("--list-faults", list_faults, "Explain the faults and exit");
     addNetworkOptions(app, options);
@@ -163,10 +173,12 @@ ParsedOptions parseOptions(int count, char** arguments)
         app.parse(count, arguments);
     } catch (const CLI::ParseError& error) {
         parsed.exit_code = app.exit(error) == 0 ? exit_success : exit_usage;
+        requireOutput();
         return parsed;
     }
     if (list_faults) {
         std::cout << faults::faultHelp();
+        requireOutput();
         parsed.exit_code = exit_success;
         return parsed;
     }

@@ -44,6 +44,9 @@ constexpr int exit_success = 0;
 constexpr int exit_failure = 1;
 constexpr int exit_usage = 2;
 
+/// What has been printed has arrived; throws std::runtime_error if it has not, as on a full disk.
+void requireOutput();
+
 /// Reads the command line; prints help and error messages itself.
 ParsedOptions parseOptions(int count, char** arguments);
 

@@ -12,6 +12,8 @@ class TestCloudProgramCommandLine : public QObject
 private slots:
     void exitsWith_data();
     void exitsWith();
+    void fullDisk_data();
+    void fullDisk();
     void namesPlaceInBadProject();
     void portInUseFails();
     void writesUrlFiles();
@@ -51,6 +53,9 @@ void TestCloudProgramCommandLine::exitsWith_data()
     row("help", "--help", 0, "wrong-host");
     row("list of faults", "--list-faults", 0, "connection reset before any reply");
     row("check of a good project", "--check PROJECT", 0, "good");
+    row("version", "--version", 0, "tovik-cloud 1.");
+    row("fault of an item that the plant does not have", "--fault hang:item=boiler-flwo PROJECT", 2,
+        "the plant has no item \"boiler-flwo\"; boiler-flow?");
     row("no project", "", 2, "the project file is missing");
     row("project that does not exist", "/nonexistent.json", 2, "cannot read the project file");
     row("unknown option", "--colour PROJECT", 2, "--colour");
@@ -94,6 +99,29 @@ void TestCloudProgramCommandLine::exitsWith()
     const QString& where = code == 0 ? outcome.output : outcome.errors;
     QVERIFY2(where.contains(text), qPrintable(where));
     QCOMPARE(outcome.exit_code, code);
+}
+
+void TestCloudProgramCommandLine::fullDisk_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    for (const char* option : {"--help", "--version", "--list-faults"})
+        QTest::newRow(option) << QStringList{QLatin1String(option)};
+    QTest::newRow("--check") << QStringList{QStringLiteral("--check"),
+                                            CloudProcess::exampleProject()};
+    QTest::newRow("the service") << QStringList{CloudProcess::exampleProject()};
+}
+
+void TestCloudProgramCommandLine::fullDisk()
+{
+    QFETCH(QStringList, arguments);
+    QProcess process;
+    process.setStandardOutputFile(QStringLiteral("/dev/full"));
+    process.start(CloudProcess::program(), arguments);
+    QVERIFY(process.waitForFinished(20000));
+    QCOMPARE(process.exitCode(), 1);
+    const QByteArray errors = process.readAllStandardError();
+    QVERIFY2(errors.contains("tovik-cloud: cannot write to standard output: No space left"),
+             errors.constData());
 }
 
 void TestCloudProgramCommandLine::namesPlaceInBadProject()

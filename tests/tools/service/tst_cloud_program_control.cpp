@@ -1,7 +1,10 @@
 #include "tests/support/cloud_process.h"
 #include "tests/tools/service/raw_client.h"
 
+#include <QTemporaryDir>
 #include <QtTest>
+
+#include <csignal>
 
 using nlohmann::json;
 
@@ -17,6 +20,9 @@ private slots:
     void recordsRequests();
     void cutsLongNames();
     void expiresTokens();
+    void readsThePlantAgain_data();
+    void readsThePlantAgain();
+    void refusesFaultsOfUnknownItems();
     void takesPostsWithoutABody();
     void explainsErrors_data();
     void explainsErrors();
@@ -108,6 +114,61 @@ void TestCloudProgramControl::expiresTokens()
     const std::string token = cloud_.login();
     QVERIFY(cloud_.control("POST", "/tokens/expire").json.at("expired") >= 1);
     QCOMPARE(cloud_.value(token, "hall-fan").errorCode(), 4);
+}
+
+void TestCloudProgramControl::readsThePlantAgain_data()
+{
+    QTest::addColumn<bool>("by_signal");
+    QTest::newRow("by a control call") << false;
+    QTest::newRow("by SIGUSR1") << true;
+}
+
+void TestCloudProgramControl::readsThePlantAgain()
+{
+    QFETCH(bool, by_signal);
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("plant.json"));
+    const auto store = [&name](const char* items) {
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(R"({"accounts": [{"email": "operator@example.com", "password": "tovik",
+                       "project": "plant"}], "groups": [{"id": "g", "name": "G", "items": [)");
+        file.write(items);
+        file.write("]}]}");
+    };
+    store(R"({"id": "a", "name": "A", "type": "16Bit-INT", "value": 1})");
+    CloudProcess cloud;
+    QVERIFY(cloud.startProject(name, {QStringLiteral("--http")}));
+    const auto reload = [&cloud, by_signal] {
+        if (by_signal)
+            ::kill(pid_t(cloud.process().processId()), SIGUSR1);
+        else
+            cloud.control("POST", "/plant/reload");
+    };
+    const std::string token = cloud.login();
+    QVERIFY(cloud.value(token, "a").json.at("value") == 1);
+    store(R"({"id": "a", "name": "A", "type": "16Bit-INT", "value": 2},
+             {"id": "b", "name": "B", "type": "Bit", "value": true})");
+    reload();
+    QTRY_VERIFY(cloud.value(token, "a").json.at("value") == 2);
+    QVERIFY(cloud.value(token, "b").json.at("value") == true);
+    store("nonsense");
+    reload();
+    QTRY_VERIFY(cloud.log().find("the plant stays as it was: " + name.toStdString()) !=
+                std::string::npos);
+    QVERIFY(cloud.value(token, "a").json.at("value") == 2);
+    const ServiceAnswer refused = cloud.control("POST", "/plant/reload");
+    QCOMPARE(refused.status, 400);
+    QVERIFY(refused.text.find("not valid JSON") != std::string::npos);
+}
+
+void TestCloudProgramControl::refusesFaultsOfUnknownItems()
+{
+    const ServiceAnswer answer =
+        cloud_.control("POST", "/faults", R"({"fault":"hang:item=boiler-flwo"})");
+    QCOMPARE(answer.status, 400);
+    QVERIFY(answer.json.at("error") == "fault \"hang:item=boiler-flwo\": the plant has no item "
+                                       "\"boiler-flwo\"; boiler-flow?");
 }
 
 void TestCloudProgramControl::takesPostsWithoutABody()

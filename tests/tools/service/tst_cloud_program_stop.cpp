@@ -23,6 +23,7 @@ void TestCloudProgramStop::stopsAtOnce_data()
     QTest::addColumn<int>("clients");
     QTest::newRow("SIGTERM without clients") << SIGTERM << QString() << 0;
     QTest::newRow("SIGINT without clients") << SIGINT << QString() << 0;
+    QTest::newRow("SIGHUP without clients") << SIGHUP << QString() << 0;
     QTest::newRow("hung requests") << SIGTERM << QStringLiteral("hang") << 40;
     QTest::newRow("delayed requests") << SIGTERM << QStringLiteral("delay:ms=60000") << 5;
     QTest::newRow("dripping replies") << SIGINT << QStringLiteral("drip:ms=60000") << 5;

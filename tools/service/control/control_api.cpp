@@ -157,6 +157,10 @@ void ControlApi::addOtherRoutes()
     engine_.Get("/clients", [this](const Request&, Response& response) {
         send(response, {{"clients", clientsJson(targets_.tokens)}});
     });
+    engine_.Post("/plant/reload", [this](const Request&, Response& response) {
+        targets_.reload_plant();
+        send(response, {{"items", targets_.plant.allItems().size()}});
+    });
     engine_.Post("/tokens/expire", [this](const Request&, Response& response) {
         const std::size_t count = targets_.tokens.expireAll();
         targets_.log.note(std::to_string(count) + " tokens expired on request");
@@ -181,6 +185,8 @@ void ControlApi::addErrorReplies()
             } catch (const BadRequest& bad) {
                 sendError(response, 400, bad.what());
             } catch (const faults::FaultError& bad) {
+                sendError(response, 400, bad.what());
+            } catch (const plant::ProjectError& bad) {
                 sendError(response, 400, bad.what());
             } catch (const std::exception& other) {
                 sendError(response, 500, other.what());
@@ -212,9 +218,11 @@ plant::Json ControlApi::addFault(const Request& request)
     if (!text.is_string())
         throw BadRequest("member \"fault\" needs a string such as \"delay:ms=500,count=3\"");
     const faults::FaultSpec spec = faults::parseFault(text.get<std::string>());
-    const std::string problem = faults::tlsProblem(spec, targets_.has_tls);
-    if (!problem.empty())
-        throw BadRequest(problem);
+    for (const std::string& problem : {faults::tlsProblem(spec, targets_.has_tls),
+                                       faults::plantProblem(spec, targets_.plant.project())}) {
+        if (!problem.empty())
+            throw BadRequest(problem);
+    }
     const int id = targets_.faults.add(spec);
     targets_.faults_changed();
     targets_.log.note("fault " + std::to_string(id) + " added, " + spec.text);

@@ -26,6 +26,7 @@ struct ControlTargets
     std::string url;                      ///< of the service
     bool has_tls = true;                  ///< false: faults of the certificate make no sense
     std::function<void()> faults_changed; ///< returns when the change is in effect
+    std::function<void()> reload_plant;   ///< throws plant::ProjectError
 };
 
 /// The plain HTTP interface by which tests and the dashboard steer the service.

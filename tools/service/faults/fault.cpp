@@ -1,5 +1,7 @@
 #include "tools/service/faults/fault.h"
 
+#include "tools/service/plant/near_name.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -21,12 +23,16 @@ constexpr int most_count = 1000000000;
 const FaultDefinition& definitionOf(const std::string& text, const std::string& name)
 {
     std::string known;
+    std::vector<std::string> names;
     for (const FaultDefinition& definition : faultDefinitions()) {
         if (name == definition.name)
             return definition;
         known += (known.empty() ? "" : ", ") + std::string(definition.name);
+        names.emplace_back(definition.name);
     }
-    fail(text, "unknown name \"" + name + "\"; use one of " + known);
+    const std::string near = plant::nearName(name, names);
+    fail(text, "unknown name \"" + name + "\"; " + (near.empty() ? "" : near + "? ") +
+                   "use one of " + known);
 }
 
 double number(const std::string& text, const std::string& key, const std::string& value)
@@ -47,6 +53,17 @@ int integer(const std::string& text, const std::string& key, const std::string& 
                        std::to_string(high) + ", not \"" + value + "\"");
     }
     return static_cast<int>(result);
+}
+
+/// Why nothing is called \a id, or nothing if there are no complaints.
+std::string unknownId(const std::string& fault, const char* what, const std::string& id,
+                      const std::vector<std::string>& known)
+{
+    if (id.empty() || std::find(known.begin(), known.end(), id) != known.end())
+        return {};
+    const std::string near = plant::nearName(id, known);
+    return "fault \"" + fault + "\": the plant has no " + what + " \"" + id + "\"" +
+           (near.empty() ? "" : "; " + near + "?");
 }
 
 bool takesKey(const FaultDefinition& definition, const std::string& key)
@@ -240,6 +257,19 @@ std::string tlsProblem(const FaultSpec& fault, bool has_tls)
         return {};
     return std::string("fault \"") + fault.definition->name +
            "\" is about the TLS handshake, but the service runs without TLS (--http)";
+}
+
+std::string plantProblem(const FaultSpec& fault, const plant::Project& project)
+{
+    std::vector<std::string> groups;
+    std::vector<std::string> items;
+    for (const plant::Group& group : project.groups) {
+        groups.push_back(group.id);
+        for (const plant::Item& item : group.items)
+            items.push_back(item.id);
+    }
+    const std::string problem = unknownId(fault.text, "item", fault.item, items);
+    return problem.empty() ? unknownId(fault.text, "group", fault.group, groups) : problem;
 }
 
 } // namespace tovik_service::faults

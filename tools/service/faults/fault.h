@@ -2,6 +2,7 @@
 #define TOOLS_SERVICE_FAULTS_FAULT_H
 
 #include "tools/service/plant/api_path.h"
+#include "tools/service/plant/project.h"
 
 #include <optional>
 #include <stdexcept>
@@ -100,6 +101,9 @@ bool needsResumption(FaultKind kind);
 
 /// Why a fault cannot be used without TLS, or nothing.
 std::string tlsProblem(const FaultSpec& fault, bool has_tls);
+
+/// Why a fault cannot strike in a plant: it has no such item or group. Or nothing.
+std::string plantProblem(const FaultSpec& fault, const plant::Project& project);
 
 } // namespace tovik_service::faults
 

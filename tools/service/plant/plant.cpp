@@ -17,13 +17,23 @@ struct Plant::State
 };
 
 Plant::Plant(Project project, WriteHold write_hold, Clock wall_clock, Clock steady_clock)
-    : project_(std::move(project)),
-      write_hold_(write_hold),
+    : write_hold_(write_hold),
       wall_clock_(std::move(wall_clock)),
       steady_clock_(std::move(steady_clock)),
       start_(steady_clock_())
 {
-    for (const Group& group : project_.groups) {
+    replace(std::move(project));
+}
+
+Plant::~Plant() = default;
+
+void Plant::replace(Project project)
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    projects_.push_back(std::make_unique<const Project>(std::move(project)));
+    project_ = projects_.back().get();
+    states_.clear();
+    for (const Group& group : projects_.back()->groups) {
         for (const Item& item : group.items) {
             auto state = std::make_unique<State>();
             state->group = &group;
@@ -35,11 +45,9 @@ Plant::Plant(Project project, WriteHold write_hold, Clock wall_clock, Clock stea
     }
 }
 
-Plant::~Plant() = default;
-
 const Group* Plant::findGroup(const std::string& id) const
 {
-    for (const Group& group : project_.groups) {
+    for (const Group& group : project().groups) {
         if (group.id == id)
             return &group;
     }
@@ -59,15 +67,19 @@ std::vector<ItemView> Plant::itemsOf(const Group& group)
 {
     const std::lock_guard<std::mutex> lock(mutex_);
     std::vector<ItemView> views;
-    for (const Item& item : group.items)
-        views.push_back(viewOf(*states_.at(item.id)));
+    for (const Item& item : group.items) {
+        // The group may be of the project before.
+        const auto found = states_.find(item.id);
+        if (found != states_.end())
+            views.push_back(viewOf(*found->second));
+    }
     return views;
 }
 
 std::vector<ItemView> Plant::allItems()
 {
     std::vector<ItemView> views;
-    for (const Group& group : project_.groups) {
+    for (const Group& group : project().groups) {
         for (ItemView& view : itemsOf(group))
             views.push_back(std::move(view));
     }
@@ -104,6 +116,7 @@ WriteResult Plant::write(const std::string& id, const Json& value, Writer writer
 
 std::string Plant::groupIdOf(const std::string& item_id) const
 {
+    const std::lock_guard<std::mutex> lock(mutex_);
     const auto found = states_.find(item_id);
     return found == states_.end() ? std::string() : found->second->group->id;
 }

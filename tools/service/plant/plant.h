@@ -4,6 +4,7 @@
 #include "tools/service/plant/clock.h"
 #include "tools/service/plant/project.h"
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -58,7 +59,11 @@ public:
           Clock steady_clock = steadySeconds);
     ~Plant();
 
-    const Project& project() const { return project_; }
+    /// Goes on with another project: every value begins anew. What was handed out of the one before
+    /// can be used as long as the plant.
+    void replace(Project project);
+
+    const Project& project() const { return *project_; }
     WriteHold writeHold() const { return write_hold_; }
     const Group* findGroup(const std::string& id) const;
     std::optional<ItemView> item(const std::string& id);
@@ -74,7 +79,8 @@ private:
 
     ItemView viewOf(State& state);
 
-    Project project_;
+    std::vector<std::unique_ptr<const Project>> projects_; ///< all that there were
+    std::atomic<const Project*> project_{nullptr};         ///< the latest of them
     WriteHold write_hold_;
     Clock wall_clock_;
     Clock steady_clock_;

@@ -14,6 +14,8 @@ private slots:
     void readsAllKeys();
     void hasDefaults();
     void rejects_data();
+    void namesOfThePlant_data();
+    void namesOfThePlant();
     void rejects();
 };
 
@@ -61,7 +63,9 @@ void TestCloudFaultSpec::rejects_data()
     const auto row = [](const char* title, const char* text, const char* problem) {
         QTest::newRow(title) << QByteArray(text) << QByteArray(problem);
     };
-    row("unknown name", "dely", "unknown name \"dely\"; use one of refuse, reset");
+    row("unknown name", "dely", "unknown name \"dely\"; delay? use one of refuse, reset");
+    row("unknown name that is like none", "earthquake",
+        "unknown name \"earthquake\"; use one of refuse, reset");
     row("empty", "", "unknown name \"\"");
     row("no keys after the colon", "hang:", "not of the form key=value");
     row("no value", "hang:count", "\"count\" is not of the form");
@@ -93,6 +97,36 @@ void TestCloudFaultSpec::rejects()
     } catch (const FaultError& error) {
         QVERIFY2(QByteArray(error.what()).contains(problem), error.what());
     }
+}
+
+void TestCloudFaultSpec::namesOfThePlant_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("problem");
+    const auto row = [](const char* title, const char* text, const char* problem) {
+        QTest::newRow(title) << QByteArray(text) << QByteArray(problem);
+    };
+    row("neither item nor group", "hang", "");
+    row("both are there", "hang:item=boiler-flow,group=boiler", "");
+    row("two letters changed places", "errorcode:item=boiler-flwo",
+        "fault \"errorcode:item=boiler-flwo\": the plant has no item \"boiler-flwo\"; "
+        "boiler-flow?");
+    row("another case", "hang:item=Boiler-Flow",
+        "fault \"hang:item=Boiler-Flow\": the plant has no item \"Boiler-Flow\"; boiler-flow?");
+    row("nothing like it", "hang:item=x", "fault \"hang:item=x\": the plant has no item \"x\"");
+    row("a group", "hang:group=boilr",
+        "fault \"hang:group=boilr\": the plant has no group \"boilr\"; boiler?");
+}
+
+void TestCloudFaultSpec::namesOfThePlant()
+{
+    QFETCH(QByteArray, text);
+    const Project project = parseProject(R"({
+        "accounts": [{"email": "e", "password": "p", "project": "x"}],
+        "groups": [{"id": "boiler", "name": "B", "items": [
+            {"id": "boiler-on", "name": "O", "type": "Bit"},
+            {"id": "boiler-flow", "name": "F", "type": "Bit"}]}]})");
+    QTEST(QByteArray(plantProblem(parseFault(text.constData()), project).c_str()), "problem");
 }
 
 QTEST_APPLESS_MAIN(TestCloudFaultSpec)

@@ -19,6 +19,7 @@ private slots:
     void controlMayWriteAnything();
     void updateTimeTellsTheLastChange();
     void findsGroupsOfItems();
+    void replacedWhileItsViewsAreInUse();
 
 private:
     Plant plant(Plant::WriteHold hold = {})
@@ -125,6 +126,26 @@ void TestCloudPlant::findsGroupsOfItems()
     QVERIFY(plant.findGroup("g")->items.size() == 3);
     QVERIFY(plant.findGroup("other") == nullptr);
     QVERIFY(plant.allItems().size() == 4);
+}
+
+void TestCloudPlant::replacedWhileItsViewsAreInUse()
+{
+    Plant plant = this->plant();
+    plant.write("constant", 9, Writer::Client);
+    const Group* const before = plant.findGroup("g");
+    plant.replace(parseProject(R"({
+        "accounts": [{"email": "e", "password": "p", "project": "x"}],
+        "groups": [{"id": "new", "name": "N", "items": [
+            {"id": "constant", "name": "C", "type": "16Bit-UINT", "value": 6},
+            {"id": "added", "name": "A", "type": "Bit"}]}]})"));
+    QVERIFY(plant.item("constant")->value == 6);
+    QVERIFY(plant.item("added") && !plant.item("moving"));
+    QVERIFY(plant.groupIdOf("constant") == "new");
+    QVERIFY(plant.findGroup("new") && !plant.findGroup("g"));
+    QCOMPARE(int(plant.allItems().size()), 2);
+    // What was handed out before can still be used; only what is left of it has values.
+    QVERIFY(before->id == "g");
+    QCOMPARE(int(plant.itemsOf(*before).size()), 1);
 }
 
 QTEST_APPLESS_MAIN(TestCloudPlant)

@@ -14,7 +14,17 @@ std::size_t append(char* bytes, std::size_t size, std::size_t count, void* text)
 
 } // namespace
 
-bool curlPost(const std::string& url, const std::string& body)
+CurlSessions::CurlSessions() : share_(curl_share_init())
+{
+    curl_share_setopt(static_cast<CURLSH*>(share_), CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+}
+
+CurlSessions::~CurlSessions()
+{
+    curl_share_cleanup(static_cast<CURLSH*>(share_));
+}
+
+bool curlPost(const std::string& url, const std::string& body, const CurlSessions* sessions)
 {
     std::string reply;
     CURL* handle = curl_easy_init();
@@ -24,7 +34,9 @@ bool curlPost(const std::string& url, const std::string& body)
     curl_easy_setopt(handle, CURLOPT_POSTFIELDS, body.c_str());
     curl_easy_setopt(handle, CURLOPT_SSL_VERIFYPEER, 0L);
     curl_easy_setopt(handle, CURLOPT_SSL_VERIFYHOST, 0L);
-    curl_easy_setopt(handle, CURLOPT_SSL_SESSIONID_CACHE, 0L);
+    curl_easy_setopt(handle, CURLOPT_SSL_SESSIONID_CACHE, sessions ? 1L : 0L);
+    if (sessions)
+        curl_easy_setopt(handle, CURLOPT_SHARE, static_cast<CURLSH*>(sessions->share()));
     curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, append);
     curl_easy_setopt(handle, CURLOPT_WRITEDATA, &reply);
     const bool done = curl_easy_perform(handle) == CURLE_OK && !reply.empty();

@@ -5,9 +5,26 @@
 
 namespace bench {
 
-/// The peer: one post with libcurl, a new handle and a new connection for each, no session reused,
-/// no certificate verified, as the client does. False if no reply came.
-bool curlPost(const std::string& url, const std::string& body);
+/// TLS sessions that posts with libcurl hand on to each other.
+class CurlSessions
+{
+public:
+    CurlSessions();
+    ~CurlSessions();
+    CurlSessions(const CurlSessions&) = delete;
+    CurlSessions& operator=(const CurlSessions&) = delete;
+
+    void* share() const { return share_; }
+
+private:
+    void* share_;
+};
+
+/// The peer: one post with libcurl, a new handle and a new connection for each, no certificate
+/// verified, as the client does. False if no reply came.
+/// \param sessions null: none is resumed
+bool curlPost(const std::string& url, const std::string& body,
+              const CurlSessions* sessions = nullptr);
 
 } // namespace bench
 

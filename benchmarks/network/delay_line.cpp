@@ -3,10 +3,13 @@
 #include <fcntl.h>
 #include <linux/if_tun.h>
 #include <net/if.h>
+#include <netinet/ip.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sched.h>
 #include <signal.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,6 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <new>
 #include <vector>
 
 namespace bench {
@@ -52,6 +56,42 @@ int openDevice(const std::string& name)
     return descriptor;
 }
 
+/// Whether a packet opens a connection or carries data.
+bool asksForAnAnswer(const std::vector<char>& bytes)
+{
+    iphdr outer = {};
+    tcphdr inner = {};
+    if (bytes.size() < sizeof outer)
+        return false;
+    std::memcpy(&outer, bytes.data(), sizeof outer);
+    const std::size_t header = outer.ihl * 4U;
+    if (outer.version != 4 || outer.protocol != IPPROTO_TCP || bytes.size() < header + sizeof inner)
+        return false;
+    std::memcpy(&inner, bytes.data() + header, sizeof inner);
+    return inner.syn || bytes.size() > header + inner.doff * 4U;
+}
+
+/// Counts what comes from the near end.
+class FlightCounter
+{
+public:
+    FlightCounter(LineCounts* counts, int delay) : counts_(counts), delay_(delay) {}
+
+    void count(const std::vector<char>& bytes)
+    {
+        const Clock::time_point now = Clock::now();
+        if (!asksForAnAnswer(bytes) || now - begin_ < std::chrono::milliseconds(delay_))
+            return;
+        begin_ = now;
+        ++counts_->flights;
+    }
+
+private:
+    LineCounts* counts_;
+    int delay_;
+    Clock::time_point begin_;
+};
+
 /// Packets on their way in one direction.
 struct Direction
 {
@@ -65,13 +105,15 @@ struct Direction
     int to;
     std::deque<Packet> packets;
 
-    void takeIn(int delay)
+    template <typename Count>
+    void takeIn(int delay, const Count& count)
     {
         std::vector<char> bytes(largest_packet);
         ssize_t size = 0;
         while ((size = read(from, bytes.data(), bytes.size())) > 0) {
             const auto due = Clock::now() + std::chrono::milliseconds(delay);
             packets.push_back({due, {bytes.begin(), bytes.begin() + size}});
+            count(packets.back().bytes);
         }
     }
 
@@ -97,19 +139,23 @@ std::chrono::nanoseconds nextIn(const Direction& one, const Direction& other)
     return std::max(next, std::chrono::nanoseconds(0));
 }
 
-[[noreturn]] void carry(int near, int far, int delay)
+[[noreturn]] void carry(int near, int far, int delay, LineCounts* counts)
 {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     Direction there = {near, far, {}};
     Direction back = {far, near, {}};
+    FlightCounter flights(counts, delay);
     for (;;) {
         pollfd inputs[] = {{near, POLLIN, 0}, {far, POLLIN, 0}};
         const auto left = nextIn(there, back);
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
         const timespec limit = {time_t(seconds.count()), long((left - seconds).count())};
         ppoll(inputs, 2, &limit, nullptr);
-        there.takeIn(delay);
-        back.takeIn(delay);
+        there.takeIn(delay, [&](const std::vector<char>& packet) {
+            ++counts->packets;
+            flights.count(packet);
+        });
+        back.takeIn(delay, [&](const std::vector<char>&) { ++counts->packets; });
         there.deliver();
         back.deliver();
     }
@@ -146,9 +192,14 @@ DelayLine::DelayLine(pid_t far_process, int number, int delay) : number_(number)
     const int far = openDevice(name + "b");
     setUp(far_process, name + "b", number, 2);
     setUp(getpid(), name + "a", number, 1);
+    void* shared = mmap(nullptr, sizeof(LineCounts), PROT_READ | PROT_WRITE,
+                        MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (shared == MAP_FAILED)
+        fail("memory for the delay line");
+    counts_ = new (shared) LineCounts{{0}, {0}};
     carrier_ = fork();
     if (carrier_ == 0)
-        carry(near, far, delay);
+        carry(near, far, delay, counts_);
     close(near);
     close(far);
 }
@@ -157,6 +208,7 @@ DelayLine::~DelayLine()
 {
     kill(carrier_, SIGTERM);
     waitpid(carrier_, nullptr, 0);
+    munmap(counts_, sizeof *counts_);
 }
 
 std::string DelayLine::farAddress() const

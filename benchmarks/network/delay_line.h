@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <atomic>
 #include <string>
 
 namespace bench {
@@ -10,6 +11,15 @@ namespace bench {
 /// Moves this process into a network of its own, with loopback and no way out. Needs root. To be
 /// called before the process has threads.
 void leaveNetwork();
+
+/// What has come to a line so far.
+struct LineCounts
+{
+    std::atomic<int> packets; ///< In both directions.
+    /// Of packets from the near end that ask for an answer, acknowledgements not among them: those
+    /// that it sent at about the same time are one.
+    std::atomic<int> flights;
+};
 
 /// A link between this process's network and another's on which every packet is under way for a
 /// time: connection, acknowledgements and data alike, as on a long line. Made of two network
@@ -25,11 +35,13 @@ public:
     DelayLine(const DelayLine&) = delete;
     DelayLine& operator=(const DelayLine&) = delete;
 
+    const LineCounts& counts() const { return *counts_; }
     /// The address of the far end.
     std::string farAddress() const;
 
 private:
     int number_;
+    LineCounts* counts_; ///< In memory that the carrier shares.
     pid_t carrier_ = -1;
 };
 

@@ -79,15 +79,24 @@ void measure(const Work& work, const char* what, Samples* samples)
     samples->processor.push_back(processorTime() - processor);
 }
 
+void measureInTurn(int rounds, std::vector<Contender>* contenders)
+{
+    for (int i = 0; i < rounds + uncounted_rounds; ++i) {
+        Samples uncounted;
+        for (Contender& contender : *contenders) {
+            measure(contender.work, contender.name,
+                    i < uncounted_rounds ? &uncounted : &contender.samples);
+        }
+    }
+}
+
 void measureInTurn(int rounds, const Work& ours, const Work& peer, Samples* our_samples,
                    Samples* peer_samples)
 {
-    Samples uncounted;
-    for (int i = 0; i < rounds + uncounted_rounds; ++i) {
-        const bool counts = i >= uncounted_rounds;
-        measure(ours, "ours", counts ? our_samples : &uncounted);
-        measure(peer, "the peer", counts ? peer_samples : &uncounted);
-    }
+    std::vector<Contender> both{{"ours", ours, {}}, {"the peer", peer, {}}};
+    measureInTurn(rounds, &both);
+    *our_samples = both[0].samples;
+    *peer_samples = both[1].samples;
 }
 
 Options readOptions(int argc, char** argv)
@@ -121,20 +130,27 @@ void Rows::add(const std::string& name, double ours, double peer, double target,
     rows_.push_back(row + "}");
 }
 
-void Rows::addValue(const std::string& name, double ours, const std::string& unit, double size)
+void Rows::addValue(const std::string& name, double ours, const std::string& unit, double size,
+                    double target)
 {
     char text[400];
     std::snprintf(text, sizeof text,
-                  R"({"name": "%s", "unit": "%s", "kind": "value", "ours": %.3f, "size": %g})",
+                  R"({"name": "%s", "unit": "%s", "kind": "value", "ours": %.3f, "size": %g)",
                   name.c_str(), unit.c_str(), ours, size);
-    rows_.push_back(text);
+    rows_.push_back(text + (target > 0 ? ", \"target\": " + std::to_string(target) : "") + "}");
 }
 
-void Rows::addAll(const std::string& name, const Samples& ours, const Samples& peer, double target)
+void Rows::addWall(const std::string& name, const Samples& ours, const Samples& peer, double target,
+                   double target95)
 {
     add(name + ", wall, median", Samples::median(ours.wall), Samples::median(peer.wall), target);
     add(name + ", wall, 95th percentile", Samples::percentile95(ours.wall),
-        Samples::percentile95(peer.wall), target);
+        Samples::percentile95(peer.wall), target95);
+}
+
+void Rows::addProcessor(const std::string& name, const Samples& ours, const Samples& peer,
+                        double target)
+{
     add(name + ", processor, median", Samples::median(ours.processor),
         Samples::median(peer.processor), target);
 }

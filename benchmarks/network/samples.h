@@ -35,7 +35,17 @@ Work repeated(int times, const Work& work);
 /// One piece of work, measured.
 void measure(const Work& work, const char* what, Samples* samples);
 
-/// Does both in turn, \a rounds times, after some rounds that do not count.
+/// Something to be measured beside others.
+struct Contender
+{
+    const char* name;
+    Work work;
+    Samples samples;
+};
+
+/// Does all in turn, \a rounds times, after some rounds that do not count.
+void measureInTurn(int rounds, std::vector<Contender>* contenders);
+/// The same with two.
 void measureInTurn(int rounds, const Work& ours, const Work& peer, Samples* our_samples,
                    Samples* peer_samples);
 
@@ -57,10 +67,15 @@ public:
     /// \param size items or bytes, for the plots; 0: not plotted over a size
     void add(const std::string& name, double ours, double peer, double target, double size = 0,
              const std::string& unit = "ms");
-    /// A row for orientation, with nothing to compare it with.
-    void addValue(const std::string& name, double ours, const std::string& unit, double size);
-    /// Median and 95th percentile of wall time, and the median of processor time.
-    void addAll(const std::string& name, const Samples& ours, const Samples& peer, double target);
+    /// A row with nothing to compare it with. \param target the most that is allowed; 0: no demand
+    void addValue(const std::string& name, double ours, const std::string& unit, double size,
+                  double target = 0);
+    /// Median and 95th percentile of wall time.
+    void addWall(const std::string& name, const Samples& ours, const Samples& peer, double target,
+                 double target95);
+    /// The median of processor time.
+    void addProcessor(const std::string& name, const Samples& ours, const Samples& peer,
+                      double target);
     void print() const;
 
 private:

@@ -14,6 +14,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <thread>
 
@@ -144,6 +145,17 @@ TlsService::~TlsService()
 {
     kill(process_, SIGTERM);
     waitpid(process_, nullptr, 0);
+}
+
+double TlsService::processorTime() const
+{
+    clockid_t clock = 0;
+    timespec time = {};
+    if (clock_getcpuclockid(process_, &clock) != 0 || clock_gettime(clock, &time) != 0) {
+        std::fprintf(stderr, "the service's processor time cannot be read\n");
+        std::exit(2);
+    }
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
 }
 
 std::string TlsService::url(const std::string& host) const

@@ -32,6 +32,8 @@ public:
     TlsService& operator=(const TlsService&) = delete;
 
     pid_t process() const { return process_; }
+    /// So far, in milliseconds.
+    double processorTime() const;
     /// The address at \a host, where the service listens on a free port.
     std::string url(const std::string& host) const;
 

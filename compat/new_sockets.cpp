@@ -44,9 +44,11 @@ bool isConnectedTo(int number, const QList<QHostAddress>& addresses, quint16 por
 NewSockets::NewSockets(const QVector<int>& numbers)
 {
     noteFreeNumbers();
+    const int highest = places_.isEmpty() ? -1 : places_.last().number;
     for (int i = 0; i < numbers.size(); ++i) {
         const Place place = {numbers.at(i), inodeAt(numbers.at(i))};
-        if (place.inode != 0) // else it is free, and noted if it is low enough
+        const bool is_noted = place.inode == 0 && place.number <= highest;
+        if (!is_noted)
             places_.append(place);
     }
 }

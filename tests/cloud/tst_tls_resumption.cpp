@@ -169,7 +169,7 @@ void TestTlsResumption::aFailureIsAFailureLikeAnyOther()
 
 void TestTlsResumption::aServiceThatRefusesIsTriedAfterAPause()
 {
-    const int pause = 300;
+    const int pause = 1000; // ms; long enough for some posts on a slow machine
     LocalCloud cloud;
     cloud.addFault("resume-close");
     PostMemory memory;
@@ -186,7 +186,7 @@ void TestTlsResumption::aServiceThatRefusesIsTriedAfterAPause()
 
 void TestTlsResumption::aSuccessEndsThePauses()
 {
-    const int pause = 300;
+    const int pause = 1000; // ms; long enough for some posts on a slow machine
     LocalCloud cloud;
     const int fault = cloud.addFault("resume-close");
     PostMemory memory;

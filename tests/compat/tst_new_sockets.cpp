@@ -121,6 +121,7 @@ private Q_SLOTS:
     void oneBehindManyOthers();
     void aRememberedNumberIsFoundOnce();
     void theNumbersAreGivenBack();
+    void withoutAFreeNumber();
     void manyDescriptorsCostLittle();
 };
 
@@ -260,6 +261,20 @@ void TestNewSockets::theNumbersAreGivenBack()
     const int lowest = Descriptor(anyFile()).number();
     const NewSockets sockets({});
     QCOMPARE(Descriptor(anyFile()).number(), lowest);
+}
+
+void TestNewSockets::withoutAFreeNumber()
+{
+    const Listener listener("127.0.0.1");
+    const DescriptorPtr socket = connectTo("127.0.0.1", listener.port());
+    rlimit limit{};
+    QCOMPARE(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    rlimit none = limit;
+    none.rlim_cur = 0;
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const NewSockets sockets({socket->number()});
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+    QCOMPARE(sockets.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>());
 }
 
 void TestNewSockets::manyDescriptorsCostLittle()

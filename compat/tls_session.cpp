@@ -35,7 +35,7 @@ bool isBrokenOff(const QNetworkReply& reply)
 
 } // namespace
 
-TlsSession::TlsSession(int pause) : pause_(pause), refusals_(0) {}
+TlsSession::TlsSession(int pause) : pause_(pause), refusals_(0), is_resumed_(false) {}
 
 void TlsSession::offer(QNetworkRequest* request) const
 {
@@ -62,6 +62,8 @@ void TlsSession::take(const QNetworkReply& reply)
     }
     if (has_offered)
         refusals_ = 0;
+    // The service shows its certificate in a full handshake only.
+    is_resumed_ = has_offered && reply.sslConfiguration().peerCertificate().isNull();
     if (isPausing())
         return;
     bytes_ = session_bytes::withoutCertificate(reply.sslConfiguration().sessionTicket());

@@ -31,6 +31,8 @@ public:
     /// Takes the session of a request that has finished, or forgets the one that it offered in
     /// vain.
     void take(const QNetworkReply& reply);
+    /// Whether the latest request with an answer has resumed a session.
+    bool isResumed() const { return is_resumed_; }
 
 private:
     void refuse();
@@ -41,6 +43,7 @@ private:
     int pause_;
     int refusals_; ///< In a row.
     QElapsedTimer since_refusal_;
+    bool is_resumed_;
 };
 
 #endif

@@ -34,14 +34,23 @@ void TestHostProgramCheck::aGoodWay()
     QStringList steps;
     for (const nlohmann::json& line : run.lines())
         steps << textOf(line, "step") + latin1(" ") + textOf(line, "judgement");
-    const QStringList expected = {
-        latin1("settings ok"), latin1("openssl ok"),   latin1("name ok"),
-        latin1("connect ok"),  latin1("tls ok"),       latin1("certificate warn"),
-        latin1("login ok"),    latin1("catalogue ok"), latin1("item ok"),
-        latin1("item ok"),     latin1("cycle ok"),     latin1(" ")};
+    const QStringList expected = {latin1("settings ok"),
+                                  latin1("openssl ok"),
+                                  latin1("name ok"),
+                                  latin1("connect ok"),
+                                  latin1("tls ok"),
+                                  latin1("certificate warn"),
+                                  latin1("login ok"),
+                                  latin1("catalogue ok"),
+                                  latin1("resumption ok"),
+                                  latin1("item ok"),
+                                  latin1("item ok"),
+                                  latin1("cycle ok"),
+                                  latin1(" ")};
     QCOMPARE(steps, expected);
     QVERIFY(textOf(run.firstStep("certificate"), "text").contains(latin1("self-signed")));
     QCOMPARE(run.firstStep("catalogue").at("facts").at("groups").get<int>(), 4);
+    QVERIFY(run.firstStep("resumption").at("facts").at("resumed").get<bool>());
     QVERIFY(run.firstStep("item").at("seconds").get<double>() > 0);
     QVERIFY(run.verdict().at("well").get<bool>());
     QCOMPARE(textOf(run.verdict(), "text"), latin1("every value arrives, with 1 warning"));

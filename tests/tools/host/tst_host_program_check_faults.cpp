@@ -27,6 +27,7 @@ void TestHostProgramCheckFaults::saysWhatIsWrongOnTheWay_data()
     };
     row("expired", 0, "certificate", "warn", "The certificate has expired");
     row("wrong-host", 0, "certificate", "warn", "The host name did not match");
+    row("no-tickets", 0, "resumption", "ok", "the service resumes no TLS session");
     row("errorcode:code=3,path=login", 1, "login", "fail", "service error 3");
     row("hang:path=login", 1, "login", "fail", "no answer within 3 s");
     row("not-json:path=login", 1, "login", "fail", "parsing JSON failed");

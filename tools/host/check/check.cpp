@@ -153,7 +153,9 @@ bool Walk::converse()
     if (!show(judgeConversation("login", client_->login(timeout_))))
         return false;
     const service::ClientOutcome outcome = client_->loadCatalogue(timeout_);
-    return show(judgeCatalogue(outcome, client_->groups()));
+    if (!show(judgeCatalogue(outcome, client_->groups())))
+        return false;
+    return !isEncrypted() || show(judgeResumption(client_->hasResumed()));
 }
 
 void Walk::readItems()

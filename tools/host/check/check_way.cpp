@@ -242,6 +242,17 @@ CheckStep judgeHandshake(const TlsFacts& facts, double timeout)
     return step;
 }
 
+CheckStep judgeResumption(bool is_resumed)
+{
+    CheckStep step = makeStep(
+        "resumption", Judgement::ok,
+        is_resumed ? QStringLiteral("each connection resumes the TLS session of the one before")
+                   : QStringLiteral("the service resumes no TLS session: each connection costs a "
+                                    "full handshake"));
+    step.facts["resumed"] = is_resumed;
+    return step;
+}
+
 CheckStep judgeCertificate(const CertificateFacts& facts, const QDateTime& now)
 {
     QStringList complaints = facts.complaints;

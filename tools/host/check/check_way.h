@@ -24,6 +24,8 @@ CheckStep judgeName(const NameFacts& facts, double timeout);
 CheckSteps judgeConnections(const QVector<ConnectFacts>& facts, double timeout);
 /// The handshake with an https address.
 CheckStep judgeHandshake(const TlsFacts& facts, double timeout);
+/// Whether the driver's later connections resume the TLS session of the first.
+CheckStep judgeResumption(bool is_resumed);
 /// The certificate of a handshake, with one that a client that verifies would refuse as a warning:
 /// the driver does not verify.
 CheckStep judgeCertificate(const CertificateFacts& facts, const QDateTime& now);

@@ -1,5 +1,7 @@
 #include "tools/host/service/cloud_client.h"
 
+#include "cloud/post.h"
+
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
@@ -142,6 +144,11 @@ ClientOutcome CloudClient::readValue(const QString& id, const QString& type_name
         run(step, timeout, [this, step] { return conversation_.readValue(token_, &step->item); });
     *value = step->item.value;
     return outcome;
+}
+
+bool CloudClient::hasResumed() const
+{
+    return conversation_.memory()->session.isResumed();
 }
 
 void CloudClient::interrupt()

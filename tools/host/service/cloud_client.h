@@ -71,6 +71,8 @@ public:
     /// it is, and the step is Done with the reason told.
     ClientOutcome readValue(const QString& id, const QString& type_name, double timeout,
                             QVariant* value);
+    /// Whether the latest step's connection has resumed a TLS session; to be asked between steps.
+    bool hasResumed() const;
 
 public Q_SLOTS:
     /// Ends the current step and refuses all further ones; for UnixSignals::endAsked.

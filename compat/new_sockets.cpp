@@ -16,7 +16,7 @@ const int most_free_numbers = 16;
 /// close it at the same moment: the thread sanitizer would take fstat() for a use of it.
 quint64 inodeAt(int number)
 {
-    struct stat facts;
+    struct stat facts = {};
     return fstatat(number, "", &facts, AT_EMPTY_PATH) == 0 ? quint64(facts.st_ino) : 0;
 }
 
@@ -29,7 +29,7 @@ union AnyAddress {
 
 bool isConnectedTo(int number, const QList<QHostAddress>& addresses, quint16 port)
 {
-    AnyAddress peer;
+    AnyAddress peer = {};
     socklen_t size = sizeof peer;
     if (getpeername(number, &peer.plain, &size) != 0)
         return false;

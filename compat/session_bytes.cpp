@@ -84,7 +84,7 @@ QByteArray lengthBytes(int length)
 
 QByteArray withoutCertificate(const QByteArray& session)
 {
-    Element whole;
+    Element whole = {0, 0, 0, 0};
     if (!readElement(session, 0, session.size(), &whole) || whole.tag != tag_sequence ||
         whole.end != session.size())
         return session;

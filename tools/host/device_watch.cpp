@@ -26,6 +26,8 @@ public:
     /// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
     void run(double seconds, int interval);
 
+    const watch::WatchModel& model() const { return model_; }
+
 private:
     void readRound();
     void tellOfLink(const driver::DeviceAnswer& answer);
@@ -130,6 +132,7 @@ int watchDevice(const config::CommonOptions& common, const QStringList& items, d
     terminal::Context context;
     driver::DeviceSetup setup(common, items, context);
     const std::unique_ptr<watch::WatchView> view = watch::makeWatchView(common, context);
+    bool has_had_values = false;
     {
         driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
         const QString link_problem = host.open();
@@ -140,11 +143,12 @@ int watchDevice(const config::CommonOptions& common, const QStringList& items, d
         view->start({setup.plugin.path(), setup.plugin.versionText(), QString(), QString(),
                      driver::linkText(setup.config.link)},
                     QDateTime::currentDateTime());
-        DeviceWatch(setup, host, *view, !watch::isWatchedOnTerminal(common) && !common.verbose)
-            .run(seconds, interval);
+        DeviceWatch device_watch(setup, host, *view,
+                                 !watch::isWatchedOnTerminal(common) && !common.verbose);
+        device_watch.run(seconds, interval);
+        has_had_values = device_watch.model().hasHadValues();
     }
-    view->end(QDateTime::currentDateTime());
-    return terminal::exitDone;
+    return watch::endWatch(*view, has_had_values, context);
 }
 
 } // namespace tovik_host

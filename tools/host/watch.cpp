@@ -17,8 +17,8 @@ namespace {
 const char watch_text[] =
     "Reads all items again and again and shows what changes: a live table on a terminal,\n"
     "a line for every change elsewhere. Ends with Ctrl-C or after --seconds.\n"
-    "Values are what a host sees: of a cloud driver zeros and empty texts until the first cycle\n"
-    "is done. A link that is lost is opened again; until then the status is offline.\n"
+    "An item shows a value once the service has delivered one. When none has ever come, the exit\n"
+    "code is 1. A link that is lost is opened again; until then the status is offline.\n"
     "\n"
     "Example:\n"
     "  tovik-host watch --config plant.json --seconds 60 --json\n"
@@ -32,6 +32,7 @@ void readRound(driver::DriverSession& session, const QElapsedTimer& clock, watch
                watch::WatchView& view)
 {
     const QDateTime now = QDateTime::currentDateTime();
+    model.takeNumbers(session.numbers(), clock.elapsed());
     for (int i = 0; i < model.items().size(); ++i) {
         const config::ItemConfig& item = model.items().at(i).item;
         if (model.take(i, session.read(item.name, item.length), now))
@@ -39,7 +40,6 @@ void readRound(driver::DriverSession& session, const QElapsedTimer& clock, watch
     }
     if (model.endRound(now))
         view.statusChanged(model);
-    model.takeNumbers(session.numbers(), clock.elapsed());
     view.roundDone(model, now);
 }
 
@@ -111,8 +111,7 @@ int Watch::runOfService() const
         }
         watchUntilEnd(context, seconds, interval, [&] { readRound(session, clock, model, *view); });
     }
-    view->end(QDateTime::currentDateTime());
-    return terminal::exitDone;
+    return watch::endWatch(*view, model.hasHadValues(), context);
 }
 
 } // namespace

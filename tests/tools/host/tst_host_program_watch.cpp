@@ -53,7 +53,7 @@ void TestHostProgramWatch::printsALineForEveryChange()
     const QStringList lines = withoutTimes(host.outputLines());
     QCOMPARE(lines.first(),
              QStringLiteral("driver 7.8.9 watches project plant at https://127.0.0.1:1"));
-    QCOMPARE(lines.at(1), QStringLiteral("A = 0  [00 00]  ok"));
+    QCOMPARE(lines.at(1), QStringLiteral("A = \u2013  no value yet  ok"));
     QVERIFY(lines.contains(QStringLiteral("A = 5  [05 00]  0x400F0007")));
     QVERIFY(lines.contains(QStringLiteral("T\u00fcr = \u00b7[\u00fc  [1b 5b fc]  0x400F0007")));
     QVERIFY(lines.contains(QStringLiteral("status: service error 7 (0x400F0007)")));
@@ -75,7 +75,10 @@ void TestHostProgramWatch::printsJsonForEveryChange()
     QCOMPARE(lines.size(), 8);
     QCOMPARE(lines.at(0).at("event").get<std::string>(), std::string("start"));
     QCOMPARE(lines.at(0).at("driver_version").get<std::string>(), std::string("7.8.9"));
-    QCOMPARE(lines.at(1).at("value").get<int>(), 0);
+    QVERIFY(lines.at(1).at("value").is_null());
+    QCOMPARE(lines.at(1).at("bytes").get<std::string>(), std::string());
+    QCOMPARE(lines.at(1).at("problem").get<std::string>(), std::string("no value yet"));
+    QVERIFY(!lines.at(4).contains("problem"));
     QCOMPARE(lines.at(4).at("event").get<std::string>(), std::string("value"));
     QCOMPARE(lines.at(4).at("value").get<int>(), 5);
     QCOMPARE(lines.at(5).at("value").get<std::string>(), std::string("\u00fc"));
@@ -153,7 +156,7 @@ void TestHostProgramWatch::saysThatTheDriverIsMute()
 {
     HostProcess host(QStringLiteral("mute"));
     host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
-    QCOMPARE(host.run(watch + QStringList{QStringLiteral("--seconds"), QStringLiteral("0.2")}), 0);
+    QCOMPARE(host.run(watch + QStringList{QStringLiteral("--seconds"), QStringLiteral("0.2")}), 1);
     QCOMPARE(withoutTimes(host.outputLines()).mid(1),
              QStringList({QStringLiteral("A: the driver does not answer"), QStringLiteral("end")}));
 }

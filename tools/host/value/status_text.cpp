@@ -36,6 +36,16 @@ QString statusCode(int status)
     return QStringLiteral("0x") + digits.rightJustified(8, QLatin1Char('0'));
 }
 
+QString statusWord(int status)
+{
+    return status == 0 ? QStringLiteral("ok") : statusCode(status);
+}
+
+QString noValue()
+{
+    return QString(QChar(0x2013));
+}
+
 QString statusTextWithCode(int status, StatusOf whose)
 {
     const QString words = statusText(status, whose);

@@ -65,6 +65,8 @@ void JsonView::valueChanged(const ItemState& state)
 {
     value::OrderedJson line = event("value", state.changed_at);
     driver::addAnswer(line, state.item, state.answer, state.value);
+    if (state.is_waited_for)
+        line["problem"] = "no value yet";
     output_.line(value::jsonLine(line));
 }
 

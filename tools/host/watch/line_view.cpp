@@ -41,6 +41,12 @@ void LineView::valueChanged(const ItemState& state)
              QStringLiteral("%1: the driver does not answer").arg(state.item.name));
         return;
     }
+    if (state.is_waited_for) {
+        line(state.changed_at,
+             QStringLiteral("%1 = %2  no value yet  %3")
+                 .arg(state.item.name, value::noValue(), value::statusWord(state.answer.status)));
+        return;
+    }
     if (!state.answer.has_value) {
         line(state.changed_at, QStringLiteral("%1: no value  %2")
                                    .arg(state.item.name, value::statusCode(state.answer.status)));
@@ -48,11 +54,9 @@ void LineView::valueChanged(const ItemState& state)
     }
     const QString value =
         state.value.value_or(QStringLiteral("(no %1)").arg(QLatin1String(state.item.type->name)));
-    line(state.changed_at,
-         QStringLiteral("%1 = %2  [%3]  %4")
-             .arg(state.item.name, value, value::hexText(state.answer.bytes),
-                  state.answer.status == 0 ? QStringLiteral("ok")
-                                           : value::statusCode(state.answer.status)));
+    line(state.changed_at, QStringLiteral("%1 = %2  [%3]  %4")
+                               .arg(state.item.name, value, value::hexText(state.answer.bytes),
+                                    value::statusWord(state.answer.status)));
 }
 
 void LineView::statusChanged(const WatchModel& model)

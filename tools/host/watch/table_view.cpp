@@ -48,13 +48,13 @@ QString ageColumn(const WatchModel& model, int index, const QDateTime& now)
 Row rowOf(const WatchModel& model, int index, const QDateTime& now)
 {
     const ItemState& state = model.items().at(index);
-    const QString dash(QChar(0x2014));
-    const QString status = !state.answer.arrived      ? QStringLiteral("no answer")
-                           : state.answer.status == 0 ? QStringLiteral("ok")
-                                                      : value::statusCode(state.answer.status);
+    const bool only_waits = state.is_waited_for && state.answer.status == 0;
+    const QString status = !state.answer.arrived ? QStringLiteral("no answer")
+                           : only_waits          ? QStringLiteral("no value yet")
+                                                 : value::statusWord(state.answer.status);
     return {terminal::printable(state.item.name),
             QString::fromLatin1(state.item.type->name),
-            terminal::printable(state.value.value_or(dash)),
+            terminal::printable(state.value.value_or(value::noValue())),
             value::hexText(state.answer.bytes),
             status,
             ageColumn(model, index, now)};
@@ -126,6 +126,11 @@ void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const W
     add(QStringLiteral("Status   ") + value::statusTextWithCode(model.status(), model.statusOf()) +
             since,
         model.status() == 0 ? LineStyle::plain : LineStyle::trouble);
+    if (model.waitingCount() > 0)
+        add(QStringLiteral("Waiting  %1 of %2 items have no value yet")
+                .arg(model.waitingCount())
+                .arg(model.items().size()),
+            LineStyle::plain);
     const QString numbers = value::numbersText(model.numbers(), model.readsPerSecond(), now);
     if (!numbers.isEmpty() && size.rows >= rows_for_numbers)
         add(QStringLiteral("Metrics  ") + numbers, LineStyle::plain);

@@ -1,5 +1,7 @@
 #include "tools/host/watch/watch_model.h"
 
+#include <algorithm>
+
 namespace tovik_host::watch {
 
 WatchModel::WatchModel(const QVector<config::ItemConfig>& items, const QDateTime& now)
@@ -14,10 +16,15 @@ WatchModel::WatchModel(const QVector<config::ItemConfig>& items, const QDateTime
     }
 }
 
-bool WatchModel::take(int index, const driver::Answer& answer, const QDateTime& now)
+bool WatchModel::take(int index, const driver::Answer& given, const QDateTime& now)
 {
     ItemState& state = items_[index];
-    const bool changed = !has_value_.at(index) || answer.arrived != state.answer.arrived ||
+    const bool is_waited_for = given.arrived && numbers_.tells_ages && !ageOf(index);
+    driver::Answer answer = given;
+    if (is_waited_for)
+        answer.bytes.clear();
+    const bool changed = !has_value_.at(index) || is_waited_for != state.is_waited_for ||
+                         answer.arrived != state.answer.arrived ||
                          answer.bytes != state.answer.bytes ||
                          answer.has_value != state.answer.has_value;
     state.answer = answer;
@@ -27,11 +34,19 @@ bool WatchModel::take(int index, const driver::Answer& answer, const QDateTime& 
     if (!changed)
         return false;
     has_value_[index] = true;
-    state.value = answer.arrived && answer.has_value
+    state.is_waited_for = is_waited_for;
+    state.value = answer.arrived && answer.has_value && !is_waited_for
                       ? value::decodeValue(*state.item.type, answer.bytes)
                       : std::nullopt;
+    has_had_values_ = has_had_values_ || state.value;
     state.changed_at = now;
     return true;
+}
+
+int WatchModel::waitingCount() const
+{
+    return int(std::count_if(items_.begin(), items_.end(),
+                             [](const ItemState& state) { return state.is_waited_for; }));
 }
 
 bool WatchModel::endRound(const QDateTime& now)

@@ -16,9 +16,10 @@ namespace tovik_host::watch {
 struct ItemState
 {
     config::ItemConfig item;
-    driver::Answer answer;        ///< The latest one.
+    driver::Answer answer;        ///< The latest one; without bytes while no value has come.
     std::optional<QString> value; ///< The answer's bytes as text, if they are a value of the type.
     QDateTime changed_at;         ///< When the bytes changed last.
+    bool is_waited_for = false;   ///< The service has not delivered a value yet.
 };
 
 /// The watched items and the driver's status, as the rounds of reads show them.
@@ -27,7 +28,9 @@ class WatchModel
 public:
     WatchModel(const QVector<config::ItemConfig>& items, const QDateTime& now);
 
-    /// Takes the answer for the item at \a index. True: its bytes are new.
+    /// Takes the answer for the item at \a index, which was asked for after the driver's numbers:
+    /// what they call older than any value is what the driver's cache began with. True: it is
+    /// another one than before.
     bool take(int index, const driver::Answer& answer, const QDateTime& now);
     /// Ends a round: the driver's status is the first one of the round that is not 0. True: it is
     /// another one than before.
@@ -36,6 +39,10 @@ public:
     void takeNumbers(const value::DriverNumbers& numbers, qint64 moment);
 
     const QVector<ItemState>& items() const { return items_; }
+    /// How many items have had no value yet.
+    int waitingCount() const;
+    /// Whether any item has ever had a value.
+    bool hasHadValues() const { return has_had_values_; }
     int status() const { return status_; }
     value::StatusOf statusOf() const { return status_of_; }
     const QDateTime& statusSince() const { return status_since_; }
@@ -48,6 +55,7 @@ public:
 private:
     QVector<ItemState> items_;
     QVector<bool> has_value_;
+    bool has_had_values_ = false;
     int status_ = 0;
     int round_status_ = 0;
     value::StatusOf status_of_ = value::StatusOf::service;

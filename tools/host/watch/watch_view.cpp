@@ -1,5 +1,6 @@
 #include "tools/host/watch/watch_view.h"
 
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/watch/json_view.h"
 #include "tools/host/watch/line_view.h"
 #include "tools/host/watch/terminal_view.h"
@@ -24,6 +25,15 @@ std::unique_ptr<WatchView> makeWatchView(const config::CommonOptions& common,
     QObject::connect(&context.unix_signals, &terminal::UnixSignals::terminalResized,
                      &context.unix_signals, [table] { table->resized(); });
     return view;
+}
+
+int endWatch(WatchView& view, bool has_had_values, terminal::Context& context)
+{
+    view.end(QDateTime::currentDateTime());
+    if (has_had_values || context.out.broken()) // whoever goes has seen enough
+        return terminal::exitDone;
+    context.complain(QStringLiteral("no value has arrived"));
+    return terminal::exitRefused;
 }
 
 } // namespace tovik_host::watch

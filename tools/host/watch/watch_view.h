@@ -42,6 +42,10 @@ public:
 std::unique_ptr<WatchView> makeWatchView(const config::CommonOptions& common,
                                          terminal::Context& context);
 
+/// Ends the view, and gives the program's exit code: a watch that has never had a value was in
+/// vain.
+int endWatch(WatchView& view, bool has_had_values, terminal::Context& context);
+
 /// Whether makeWatchView() makes a table, beside which nothing else may be written.
 bool isWatchedOnTerminal(const config::CommonOptions& common);
 

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void drawsAllThatFits();
     void marksTrouble();
     void namesTheLinkOfADevice();
+    void countsItemsWithoutAValue();
     void neverExceedsItsSize_data();
     void neverExceedsItsSize();
     void dropsColumnsThatSayLeast();
@@ -76,7 +77,7 @@ void TestHostTableView::drawsAllThatFits()
         QStringLiteral(
             "Au\u00dfen       String     Gr\u00fc\u00df\u00b7[2J  47 72 fc df 1b 5b 32 4a  "
             "ok          1 min"),
-        QStringLiteral("Bad         16Bit-INT  \u2014         00                       0x400F0003  "
+        QStringLiteral("Bad         16Bit-INT  \u2013         00                       0x400F0003  "
                        "1 min"),
         QString(),
         QStringLiteral("LOG OF THE DRIVER"),
@@ -107,7 +108,30 @@ void TestHostTableView::namesTheLinkOfADevice()
     QVERIFY2(lines.at(2).startsWith(QLatin1String("Status   offline: no link to the device, or not "
                                                   "supported (0x400CFFFF), since 12:00:00")),
              qPrintable(lines.at(2)));
-    QCOMPARE(lines.at(5), QStringLiteral("4x1   16Bit-INT  \u2014             0x400CFFFF  0 s"));
+    QCOMPARE(lines.at(5), QStringLiteral("4x1   16Bit-INT  \u2013             0x400CFFFF  0 s"));
+}
+
+void TestHostTableView::countsItemsWithoutAValue()
+{
+    WatchModel model({item("a", "16Bit-INT"), item("b", "16Bit-INT")}, start);
+    value::DriverNumbers numbers;
+    numbers.tells_ages = true;
+    numbers.ages = {std::nullopt, 300};
+    model.takeNumbers(numbers, 0);
+    model.take(0, {true, QByteArray(2, '\0'), 0}, start);
+    model.take(1, {true, QByteArray(2, '\0'), 0}, start);
+    model.endRound(start);
+    const QStringList lines = texts(drawTable(WatchSubject(), model, {}, start, {100, 30}));
+    QCOMPARE(lines.at(3), QStringLiteral("Waiting  1 of 2 items have no value yet"));
+    QCOMPARE(lines.at(6),
+             QStringLiteral("a     16Bit-INT  \u2013             no value yet  never"));
+    QCOMPARE(lines.at(7), QStringLiteral("b     16Bit-INT  0      00 00  ok            0.3 s"));
+    numbers.ages[0] = 0;
+    model.takeNumbers(numbers, 1000);
+    model.take(0, {true, QByteArray(2, '\0'), 0}, start);
+    QVERIFY(texts(drawTable(WatchSubject(), model, {}, start, {100, 30}))
+                .filter(QStringLiteral("Waiting"))
+                .isEmpty());
 }
 
 void TestHostTableView::neverExceedsItsSize_data()

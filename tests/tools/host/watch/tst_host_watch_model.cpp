@@ -15,6 +15,7 @@ private Q_SLOTS:
     void missingAnswerIsAChange();
     void failureIsAChange();
     void statusIsFirstErrorOfRound();
+    void cacheOfTheDriverIsNoValue();
 };
 
 namespace {
@@ -95,6 +96,33 @@ void TestHostWatchModel::statusIsFirstErrorOfRound()
     QCOMPARE(model.statusSince(), start.addSecs(16));
     QVERIFY(round(0, 0, 0));
     QCOMPARE(model.status(), 0);
+}
+
+/// The driver tells that the service has delivered nothing yet.
+void TestHostWatchModel::cacheOfTheDriverIsNoValue()
+{
+    WatchModel model({item("a"), item("b")}, start);
+    value::DriverNumbers numbers;
+    numbers.tells_ages = true;
+    numbers.ages = {std::nullopt, std::nullopt};
+    model.takeNumbers(numbers, 0);
+    QVERIFY(model.take(0, answer("0000"), start));
+    QVERIFY(model.take(1, answer("0000"), start));
+    QCOMPARE(model.waitingCount(), 2);
+    QVERIFY(model.items().at(0).is_waited_for);
+    QVERIFY(!model.items().at(0).value);
+    QVERIFY(model.items().at(0).answer.bytes.isEmpty());
+    QVERIFY(!model.take(0, answer("0000"), start));
+    QVERIFY(!model.hasHadValues());
+
+    numbers.ages = {20, std::nullopt};
+    model.takeNumbers(numbers, 1000);
+    // The same bytes are news now.
+    QVERIFY(model.take(0, answer("0000"), start.addSecs(1)));
+    QVERIFY(!model.take(1, answer("0000"), start.addSecs(1)));
+    QCOMPARE(model.waitingCount(), 1);
+    QCOMPARE(model.items().at(0).value, std::optional<QString>(QStringLiteral("0")));
+    QVERIFY(model.hasHadValues());
 }
 
 QTEST_APPLESS_MAIN(TestHostWatchModel)

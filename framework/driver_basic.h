@@ -204,6 +204,7 @@ protected:
     /// Waits until \a count bytes are waiting on the link: what request_send_wait() is for, where
     /// the answer's length is known. Waits response_timeout_ at most, and hears a stop request
     /// within 50 ms.
+    /// \param count of bytes that are wanted
     /// \param ready becomes 1 when anything is waiting, complete or not, else 0
     /// \return 0, or of framework/result_code.h: stopped, receive_failed (the link is lost),
     ///         no_answer_in_time

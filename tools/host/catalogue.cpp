@@ -1,6 +1,9 @@
 #include "tools/host/service/catalogue.h"
 #include "tools/host/commands.h"
+#include "tools/host/service/catalogue_fetch.h"
 #include "tools/host/terminal/exit_code.h"
+
+#include <CLI/CLI.hpp>
 
 #include <unistd.h>
 
@@ -69,7 +72,7 @@ void addCatalogue(CLI::App& app, Run& run)
     command->add_flag("--json", options->json, "As JSON, for configure and diff")
         ->excludes(tree)
         ->excludes(table);
-    setRun(command, options, run);
+    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 } // namespace tovik_host

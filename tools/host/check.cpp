@@ -1,6 +1,8 @@
 #include "tools/host/check/check.h"
 #include "tools/host/commands.h"
 
+#include <CLI/CLI.hpp>
+
 namespace tovik_host {
 
 namespace {
@@ -33,22 +35,21 @@ void addCheck(CLI::App& app, Run& run)
     const auto options = std::make_shared<Check>();
     CLI::App* command = app.add_subcommand("check", "Why does the value not arrive?");
     command->footer(check_text);
-    addText(command, "--config", options->common.config, "Configuration file (JSON)")
-        ->type_name("FILE")
+    addText(command, "--config", options->common.config, "Configuration file (JSON)", "FILE")
         ->required();
     addService(command, options->common);
     addTexts(command, "--items", options->items,
              "Items to look at, by a pattern of their names with * ? []; may be repeated "
-             "(default: all)")
-        ->type_name("GLOB")
+             "(default: all)",
+             "GLOB")
         ->allow_extra_args(false);
     addTimeout(command, options->common.timeout, "Longest wait for each step");
     command->add_flag("--json", options->common.json, "One line of JSON for every step");
-    addText(command, "--log", options->common.log, "Append the client's debug lines to a file")
-        ->type_name("FILE");
+    addText(command, "--log", options->common.log, "Append the client's debug lines to a file",
+            "FILE");
     command->add_flag("--verbose", options->common.verbose,
                       "Client's debug lines to the standard error");
-    setRun(command, options, run);
+    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 } // namespace tovik_host

@@ -1,9 +1,28 @@
 #ifndef TOOLS_HOST_COMMANDS_H
 #define TOOLS_HOST_COMMANDS_H
 
-#include "tools/host/command_options.h"
+#include "tools/host/config/config.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace tovik_host::service {
+struct ServiceOptions;
+}
 
 namespace tovik_host {
+
+/// What a command does; returns the exit code, and throws UsageError.
+using Run = std::function<int()>;
 
 // Each adds its command; \a run becomes what the program does if it is the one asked for.
 void addWatch(CLI::App& app, Run& run);
@@ -17,9 +36,40 @@ void addDiff(CLI::App& app, Run& run);
 void addConvert(CLI::App& app, Run& run);
 void addShow(CLI::App& app, Run& run);
 
-/// Watches a device until a signal, or until \a seconds are over unless they are 0.
-int watchDevice(const config::CommonOptions& common, const QStringList& items, double seconds,
-                int interval);
+// Options that commands share. They go straight into what they are given, which has to live until
+// the line is parsed.
+
+/// \param type what stands for the text in the help; nothing for an argument without a name
+CLI::Option* addText(CLI::App* command, const char* name, QString& text, const char* description,
+                     const char* type = "");
+CLI::Option* addText(CLI::App* command, const char* name, std::optional<QString>& text,
+                     const char* description, const char* type);
+CLI::Option* addTexts(CLI::App* command, const char* name, QStringList& texts,
+                      const char* description, const char* type = "");
+/// A number of seconds from a tenth to \a most.
+CLI::Option* addSeconds(CLI::App* command, const char* name, double& seconds,
+                        const char* description, double most = 86400);
+CLI::Option* addTimeout(CLI::App* command, double& timeout, const char* description);
+/// \param whose debug lines they are
+void addLog(CLI::App* command, QString& log, bool& verbose, const char* whose);
+
+/// Configuration, library and log.
+void addCommon(CLI::App* command, config::CommonOptions& common);
+/// The address of a service.
+void addService(CLI::App* command, config::CommonOptions& common);
+/// The link to a device and its settings.
+void addLink(CLI::App* command, config::LinkOptions& link);
+/// What a request to a device says beside its address.
+void addRequest(CLI::App* command, config::CommonOptions& common);
+/// Marks an option as one that only a service has, or only a device.
+void markOfService(CLI::Option* option);
+void markOfDevice(CLI::Option* option);
+/// Completes \a common, once the line is parsed. Throws CLI::ParseError if the options name neither
+/// a configuration nor a link.
+void complete(const CLI::App* command, config::CommonOptions& common);
+
+/// The account, the time-out and the client's log of the commands that ask for a catalogue.
+void addServiceOptions(CLI::App* command, service::ServiceOptions& options);
 
 } // namespace tovik_host
 

@@ -1,12 +1,13 @@
 #include "tools/host/commands.h"
 #include "tools/host/config/config_file.h"
 #include "tools/host/service/catalogue.h"
+#include "tools/host/service/configure_choice.h"
 #include "tools/host/service/configure_dialogue.h"
-#include "tools/host/service/configure_names.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/line_input.h"
 #include "tools/host/terminal/text_width.h"
 
+#include <CLI/CLI.hpp>
 #include <QFileInfo>
 
 #include <sys/ioctl.h>
@@ -201,25 +202,21 @@ void addConfigure(CLI::App& app, Run& run)
         app.add_subcommand("configure", "Make a configuration from a service's catalogue");
     command->footer(configure_text);
     service::ItemFilter& filter = options->filter;
-    addTexts(command, "PATTERN", filter.patterns, "Items to choose, such as 'Boiler/*'")
-        ->type_name("");
-    addTexts(command, "--exclude", filter.excluded, "Items to leave out; repeatable")
-        ->type_name("PATTERN")
+    addTexts(command, "PATTERN", filter.patterns, "Items to choose, such as 'Boiler/*'");
+    addTexts(command, "--exclude", filter.excluded, "Items to leave out; repeatable", "PATTERN")
         ->allow_extra_args(false);
-    addTexts(command, "--type", filter.types, "Only items of this type; repeatable")
-        ->type_name("TYPE")
+    addTexts(command, "--type", filter.types, "Only items of this type; repeatable", "TYPE")
         ->allow_extra_args(false);
     command->add_flag("--interactive", options->interactive, "Choose among them in a dialogue");
     addText(command, "--catalogue", options->catalogue,
-            "Saved catalogue (catalogue --json), instead of asking the service")
-        ->type_name("FILE");
-    addText(command, "--output", options->output, "File to write (default: standard output)")
-        ->type_name("FILE");
+            "Saved catalogue (catalogue --json), instead of asking the service", "FILE");
+    addText(command, "--output", options->output, "File to write (default: standard output)",
+            "FILE");
     command->add_flag("--force", options->force, "Replace an existing file");
     command->add_flag("--with-password", options->with_password,
                       "Put the password into the configuration, as plain text");
     addServiceOptions(command, options->service);
-    setRun(command, options, run);
+    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 } // namespace tovik_host

@@ -1,10 +1,12 @@
 #include "tools/host/commands.h"
 #include "tools/host/config/config_file.h"
 #include "tools/host/service/catalogue.h"
+#include "tools/host/service/catalogue_fetch.h"
 #include "tools/host/service/diff_items.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/json_text.h"
 
+#include <CLI/CLI.hpp>
 #include <QUrl>
 
 #include <algorithm>
@@ -141,19 +143,16 @@ void addDiff(CLI::App& app, Run& run)
     const auto options = std::make_shared<Diff>();
     CLI::App* command = app.add_subcommand("diff", "Show what has changed in a catalogue");
     command->footer(diff_text);
-    addText(command, "OLD", options->before, "Saved catalogue, or a configuration")
-        ->type_name("")
-        ->required();
-    addText(command, "NEW", options->after, "The same; without it the service is asked")
-        ->type_name("");
-    addTexts(command, "--ignore", options->ignored, "Differences that do not count; repeatable")
-        ->type_name("KIND")
+    addText(command, "OLD", options->before, "Saved catalogue, or a configuration")->required();
+    addText(command, "NEW", options->after, "The same; without it the service is asked");
+    addTexts(command, "--ignore", options->ignored, "Differences that do not count; repeatable",
+             "KIND")
         ->allow_extra_args(false)
         ->check(CLI::IsMember(std::set<std::string>{"gone", "added", "renamed", "type", "moved",
                                                     "length", "group-renamed", "access"}));
     command->add_flag("--json", options->json, "As JSON");
     addServiceOptions(command, options->service);
-    setRun(command, options, run);
+    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 } // namespace tovik_host

@@ -1,10 +1,11 @@
 #include "tools/host/commands.h"
-#include "tools/host/driver/device_host.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/value/hex_bytes.h"
+#include "tools/host/value/host_value.h"
 #include "tools/host/value/json_text.h"
 #include "tools/host/value/status_text.h"
+
+#include <CLI/CLI.hpp>
 
 namespace tovik_host {
 
@@ -78,11 +79,8 @@ int Raw::run() const
     terminal::Context context;
     driver::DeviceSetup setup(common, {}, context);
     driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
-    const QString link_problem = host.open();
-    if (!link_problem.isEmpty()) {
-        setup.complainOfLink(link_problem);
+    if (!setup.open(host))
         return terminal::exitRefused;
-    }
     if (!force && !host.supportsRaw()) {
         context.complain(subject(), QStringLiteral("the driver says that it does not support the "
                                                    "transparent mode; --force tries all the same"));
@@ -106,9 +104,7 @@ void addRaw(CLI::App& app, Run& run)
     const auto options = std::make_shared<Raw>();
     CLI::App* command = app.add_subcommand("raw", "Send bytes to a device as they are");
     command->footer(raw_text);
-    addTexts(command, "HEX", options->bytes, "Bytes, such as 01 03 00 0A or 0103000A")
-        ->type_name("")
-        ->required();
+    addTexts(command, "HEX", options->bytes, "Bytes, such as 01 03 00 0A or 0103000A")->required();
     addCommon(command, options->common);
     const CLI::Option* timeout = addTimeout(
         command, options->common.timeout,

@@ -1,10 +1,11 @@
 #include "tools/host/commands.h"
-#include "tools/host/driver/answer_json.h"
-#include "tools/host/driver/device_host.h"
-#include "tools/host/driver/first_values.h"
+#include "tools/host/driver/driver_session.h"
+#include "tools/host/driver/service_values.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/value/status_text.h"
+#include "tools/host/value/json_text.h"
+
+#include <CLI/CLI.hpp>
 
 namespace tovik_host {
 
@@ -48,65 +49,6 @@ QString problemOf(const driver::FirstValue& value, const driver::FirstValues& fi
                           "shows its log");
 }
 
-void printText(terminal::Context& context, const driver::FirstValue& value, const QString& problem,
-               bool quiet)
-{
-    if (!problem.isEmpty()) {
-        context.complain(value.item.name, problem);
-        return;
-    }
-    const QString text = value::decodeValue(*value.item.type, value.answer.bytes).value();
-    context.out.line(quiet ? text : QStringLiteral("%1 = %2").arg(value.item.name, text));
-}
-
-void printJson(terminal::Context& context, const driver::FirstValue& value, const QString& problem,
-               int status)
-{
-    // Bytes that are not the service's would only mislead.
-    driver::Answer answer = value.arrived ? value.answer : driver::Answer();
-    answer.arrived = true;
-    answer.status = value.arrived ? answer.status : status;
-    value::OrderedJson line;
-    driver::addAnswer(line, value.item, answer,
-                      problem.isEmpty() ? value::decodeValue(*value.item.type, answer.bytes)
-                                        : std::nullopt);
-    if (!problem.isEmpty())
-        line["problem"] = problem.toStdString();
-    context.out.line(value::jsonLine(line));
-}
-
-QVector<config::ItemConfig> requestedItems(const driver::ServiceSetup& setup,
-                                           const QStringList& names)
-{
-    QVector<config::ItemConfig> items;
-    for (const QString& name : names)
-        items << setup.item(name);
-    return items;
-}
-
-void printDevice(terminal::Context& context, const config::ItemConfig& item,
-                 const driver::DeviceAnswer& answer, const QString& problem, bool quiet)
-{
-    if (!problem.isEmpty()) {
-        context.complain(item.name, problem);
-        return;
-    }
-    const QString text = value::decodeValue(*item.type, answer.answer.bytes).value();
-    context.out.line(quiet ? text : QStringLiteral("%1 = %2").arg(item.name, text));
-}
-
-void printDeviceJson(terminal::Context& context, const config::ItemConfig& item,
-                     const driver::DeviceAnswer& answer, const QString& problem)
-{
-    value::OrderedJson line;
-    driver::addAnswer(line, item, answer.answer,
-                      problem.isEmpty() ? value::decodeValue(*item.type, answer.answer.bytes)
-                                        : std::nullopt);
-    if (!problem.isEmpty())
-        line["problem"] = problem.toStdString();
-    context.out.line(value::jsonLine(line));
-}
-
 struct Read
 {
     config::CommonOptions common;
@@ -116,7 +58,28 @@ struct Read
     int run() const;
     int runOfService() const;
     int runOfDevice() const;
+    void print(terminal::Context& context, const config::ItemConfig& item,
+               const driver::Answer& answer, const QString& problem) const;
 };
+
+/// \param problem why there is no value; empty if there is one
+void Read::print(terminal::Context& context, const config::ItemConfig& item,
+                 const driver::Answer& answer, const QString& problem) const
+{
+    const std::optional<QString> text =
+        problem.isEmpty() ? value::decodeValue(*item.type, answer.bytes) : std::nullopt;
+    if (common.json) {
+        value::OrderedJson line;
+        driver::addAnswer(line, item, answer, text);
+        if (!text)
+            line["problem"] = problem.toStdString();
+        context.out.line(value::jsonLine(line));
+    } else if (text) {
+        context.out.line(quiet ? *text : QStringLiteral("%1 = %2").arg(item.name, *text));
+    } else {
+        context.complain(item.name, problem);
+    }
+}
 
 int Read::run() const
 {
@@ -130,17 +93,18 @@ int Read::runOfService() const
 {
     terminal::Context context;
     const driver::ServiceSetup setup(common, context);
-    const driver::FirstValues first =
-        driver::fetchFirstValues(setup.plugin, setup.config, requestedItems(setup, items),
-                                 context.unix_signals, int(common.timeout * 1000));
+    QVector<config::ItemConfig> requested;
+    for (const QString& name : items)
+        requested << setup.item(name);
+    const driver::FirstValues first = driver::fetchFirstValues(
+        setup.plugin, setup.config, requested, context.unix_signals, int(common.timeout * 1000));
     bool complete = true;
     for (const driver::FirstValue& value : first.values) {
         const QString problem = problemOf(value, first);
         complete = complete && problem.isEmpty();
-        if (common.json)
-            printJson(context, value, problem, first.status);
-        else
-            printText(context, value, problem, quiet);
+        // Bytes that are not the service's would only mislead.
+        const driver::Answer none = {true, QByteArray(), first.status};
+        print(context, value.item, value.arrived ? value.answer : none, problem);
     }
     return complete ? terminal::exitDone : terminal::exitRefused;
 }
@@ -150,20 +114,14 @@ int Read::runOfDevice() const
     terminal::Context context;
     driver::DeviceSetup setup(common, items, context);
     driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
-    const QString link_problem = host.open();
-    if (!link_problem.isEmpty()) {
-        setup.complainOfLink(link_problem);
+    if (!setup.open(host))
         return terminal::exitRefused;
-    }
     bool complete = true;
     for (const config::ItemConfig& item : qAsConst(setup.config.items)) {
         const driver::DeviceAnswer answer = host.read(item);
         const QString problem = setup.problemOf(item, answer);
         complete = complete && problem.isEmpty();
-        if (common.json)
-            printDeviceJson(context, item, answer, problem);
-        else
-            printDevice(context, item, answer, problem, quiet);
+        print(context, item, answer.answer, problem);
         if (context.unix_signals.endRequested())
             return terminal::exitRefused;
     }
@@ -180,7 +138,6 @@ void addRead(CLI::App& app, Run& run)
     command->footer(read_text);
     addTexts(command, "ITEM", options->items,
              "Names of items; of a device without --config: addresses")
-        ->type_name("")
         ->required();
     addCommon(command, options->common);
     addService(command, options->common);

@@ -1,7 +1,7 @@
 #include "tools/host/commands.h"
 #include "tools/host/stored/commands.h"
 
-#include <memory>
+#include <CLI/CLI.hpp>
 
 namespace tovik_host {
 
@@ -58,9 +58,7 @@ std::string checkVersion(const std::string& word)
 
 void addInput(CLI::App* command, stored::Source& input)
 {
-    addText(command, "IN", input.path, "The file to read; - for the standard input")
-        ->type_name("")
-        ->required();
+    addText(command, "IN", input.path, "The file to read; - for the standard input")->required();
     addWord(command, "--from", "What IN is: json or stream (default: looks)", {"json", "stream"},
             "json", &input.is_json)
         ->type_name("KIND");
@@ -101,7 +99,6 @@ void addConvert(CLI::App& app, Run& run)
     command->footer(convert_text);
     addInput(command, options->input);
     addText(command, "OUT", options->output, "The file to write; - for the standard output")
-        ->type_name("")
         ->required();
     addWord(command, "--to",
             "What OUT is: json or stream (default: json if OUT ends with .json, or if it is - and "
@@ -111,7 +108,7 @@ void addConvert(CLI::App& app, Run& run)
     command->add_flag("--force", options->force, "Replace OUT if it exists");
     command->add_flag("--salvage", options->salvage, "Of a damaged stream, write what can be read");
     addFormat(command, &options->format);
-    setRun(command, options, run);
+    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 void addShow(CLI::App& app, Run& run)
@@ -124,7 +121,7 @@ void addShow(CLI::App& app, Run& run)
     command->add_flag("--show-password", options->show_password,
                       "Show the password, too, and all texts of a damaged stream");
     addFormat(command, &options->format);
-    setRun(command, options, run);
+    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 } // namespace tovik_host

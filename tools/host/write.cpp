@@ -1,8 +1,9 @@
 #include "tools/host/commands.h"
-#include "tools/host/driver/device_host.h"
-#include "tools/host/driver/sending.h"
+#include "tools/host/driver/service_values.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
+
+#include <CLI/CLI.hpp>
 
 namespace tovik_host {
 
@@ -80,11 +81,8 @@ int Write::runOfDevice() const
     const config::ItemConfig& to = setup.config.items.first();
     const QByteArray bytes = encoded(to, value);
     driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
-    const QString link_problem = host.open();
-    if (!link_problem.isEmpty()) {
-        setup.complainOfLink(link_problem);
+    if (!setup.open(host))
         return terminal::exitRefused;
-    }
     const QString problem = setup.failureOf(host.write(to, bytes));
     if (!problem.isEmpty()) {
         context.complain(to.name, QStringLiteral("not written: ") + problem);
@@ -103,16 +101,13 @@ void addWrite(CLI::App& app, Run& run)
     command->footer(write_text);
     addText(command, "ITEM", options->item,
             "Name of the item; of a device without --config: address")
-        ->type_name("")
         ->required();
-    addText(command, "VALUE", options->value, "New value")->type_name("")->required();
+    addText(command, "VALUE", options->value, "New value")->required();
     addCommon(command, options->common);
     addService(command, options->common);
     addTimeout(command, options->common.timeout, "Longest wait until it is sent, or for the link");
-    markOfService(
-        command->add_option("--confirm", options->confirm, "Wait until the service shows the value")
-            ->type_name("SECONDS")
-            ->check(secondsWithin(0.1, 86400)));
+    markOfService(addSeconds(command, "--confirm", options->confirm,
+                             "Wait until the service shows the value"));
     addLink(command, options->common.link);
     addRequest(command, options->common);
     command->callback([command, options, &run] {

@@ -1,7 +1,7 @@
 #include "tools/host/check/check.h"
 
 #include "tools/host/check/check_items.h"
-#include "tools/host/check/check_verdict.h"
+#include "tools/host/check/check_step.h"
 #include "tools/host/check/check_way.h"
 #include "tools/host/check/probe.h"
 #include "tools/host/driver/setup.h"
@@ -79,7 +79,7 @@ private:
     {
         steps_ << step;
         context_.out.line(stepLine(step, as_json_));
-        return step.judgement != Judgement::failure && !context_.unix_signals.endRequested();
+        return step.severity != Severity::failure && !context_.unix_signals.endRequested();
     }
 
     bool isEncrypted() const { return url_.scheme() == QLatin1String("https"); }
@@ -195,7 +195,7 @@ void Walk::showNotTried()
     if (names.isEmpty())
         return;
     for (const QString& name : names)
-        show(makeStep(name.toLatin1().constData(), Judgement::not_tried, QString()));
+        show(makeStep(name.toLatin1().constData(), Severity::not_tried, QString()));
     for (const config::ItemConfig& item : items_) {
         ItemFinding finding;
         finding.item = item;

@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_CHECK_CHECK_H
 #define TOOLS_HOST_CHECK_CHECK_H
 
-#include "tools/host/config/options.h"
+#include "tools/host/config/config.h"
 
 namespace tovik_host::check {
 

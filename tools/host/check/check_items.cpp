@@ -1,6 +1,6 @@
 #include "tools/host/check/check_items.h"
 
-#include "tools/host/terminal/near_name.h"
+#include "tools/host/terminal/text_width.h"
 #include "tools/host/value/status_text.h"
 
 #include "cloud/driver_status.h"
@@ -91,7 +91,7 @@ void judgeReadValue(const ItemFinding& finding, CheckStep* step)
     const QString type = QString::fromLatin1(finding.item.type->name);
     const bool is_other_type = finding.is_known && finding.catalogue_type != type;
     if (!finding.outcome.reason.isEmpty()) {
-        step->judgement = Judgement::failure;
+        step->severity = Severity::failure;
         step->text = finding.outcome.reason +
                      QStringLiteral("; the host keeps the item's first value, with status 0");
         step->advice = is_other_type
@@ -101,14 +101,14 @@ void judgeReadValue(const ItemFinding& finding, CheckStep* step)
     }
     step->text = valueText(finding.value);
     if (is_other_type) {
-        step->judgement = Judgement::warning;
+        step->severity = Severity::warning;
         step->text += QStringLiteral("; of type %1 in the catalogue and %2 here")
                           .arg(finding.catalogue_type, type);
         step->advice =
             QStringLiteral("set the item's type to %1, unless the host wants other bytes")
                 .arg(finding.catalogue_type);
     } else if (!finding.is_known) {
-        step->judgement = Judgement::warning;
+        step->severity = Severity::warning;
         step->text += QStringLiteral("; the service has it, and not in its catalogue");
         step->advice = QStringLiteral("ask the service why");
     }
@@ -164,10 +164,10 @@ ItemFinding lookUpItem(const config::ItemConfig& item, const CatalogueItems& cat
 
 CheckStep judgeConversation(const char* name, const service::ClientOutcome& outcome)
 {
-    CheckStep step = makeStep(name, Judgement::ok, QStringLiteral("accepted"));
+    CheckStep step = makeStep(name, Severity::ok, QStringLiteral("accepted"));
     step.seconds = outcome.seconds;
     if (outcome.kind != service::ClientOutcome::Done) {
-        step.judgement = Judgement::failure;
+        step.severity = Severity::failure;
         step.text = failureText(outcome);
         step.advice = failureAdvice(outcome);
         step.facts["result"] = outcome.result;
@@ -182,7 +182,7 @@ CheckStep judgeCatalogue(const service::ClientOutcome& outcome,
     int items = 0;
     for (const PropertyTovikIotGroup& group : groups)
         items += group.dataitems.size();
-    if (step.judgement == Judgement::ok)
+    if (step.severity == Severity::ok)
         step.text = QStringLiteral("%1 groups, %2 items").arg(groups.size()).arg(items);
     step.facts["groups"] = groups.size();
     step.facts["items"] = items;
@@ -191,12 +191,12 @@ CheckStep judgeCatalogue(const service::ClientOutcome& outcome,
 
 CheckStep judgeItem(const ItemFinding& finding)
 {
-    CheckStep step = makeStep("item", Judgement::ok, QString());
+    CheckStep step = makeStep("item", Severity::ok, QString());
     step.subject = finding.item.name;
     step.facts["id"] = finding.item.id.toStdString();
     step.facts["type"] = finding.item.type->name;
     if (!finding.is_read) {
-        step.judgement = Judgement::not_tried;
+        step.severity = Severity::not_tried;
         return step;
     }
     step.facts["in_catalogue"] = finding.is_known;
@@ -207,7 +207,7 @@ CheckStep judgeItem(const ItemFinding& finding)
         judgeReadValue(finding, &step);
         return step;
     }
-    step.judgement = Judgement::failure;
+    step.severity = Severity::failure;
     step.text = failureText(finding.outcome);
     if (!finding.is_known)
         step.text += QStringLiteral("; the catalogue has no item %1").arg(quoted(finding.item.id));
@@ -268,12 +268,12 @@ int arriving(const QVector<ItemFinding>& findings, int count)
 /// The cycle does not get past \a stop.
 CheckStep judgeStoppedCycle(const QVector<ItemFinding>& findings, int stop)
 {
-    QStringList behind;
+    QStringList later;
     for (int i = stop + 1; i < findings.size(); ++i)
-        behind << findings.at(i).item.name;
+        later << findings.at(i).item.name;
     const ItemFinding& finding = findings.at(stop);
     const bool is_waiting = finding.outcome.kind == service::ClientOutcome::TimedOut;
-    CheckStep step = makeStep("cycle", Judgement::failure, QString());
+    CheckStep step = makeStep("cycle", Severity::failure, QString());
     if (is_waiting) {
         step.text = QStringLiteral("waits at %1 for as long as the service does; values reach the "
                                    "host at the end of a cycle, so none does")
@@ -282,16 +282,16 @@ CheckStep judgeStoppedCycle(const QVector<ItemFinding>& findings, int stop)
                                      "--timeout");
     } else {
         step.text = QStringLiteral("ends at %1 every time").arg(finding.item.name);
-        step.text += behind.isEmpty()
+        step.text += later.isEmpty()
                          ? QStringLiteral("; it is the last item, and each time the connection is "
                                           "made anew")
-                         : QStringLiteral("; without a value stay: %1").arg(namesText(behind));
+                         : QStringLiteral("; without a value stay: %1").arg(namesText(later));
         step.advice = QStringLiteral("put %1 right, or remove it").arg(finding.item.name);
     }
     step.facts["arriving"] = is_waiting ? 0 : arriving(findings, stop);
     step.facts["ends_at"] = finding.item.name.toStdString();
     step.facts["without_value"] = nlohmann::ordered_json::array();
-    for (const QString& name : behind)
+    for (const QString& name : later)
         step.facts["without_value"].push_back(name.toStdString());
     return step;
 }
@@ -310,7 +310,7 @@ CheckStep judgeCycle(const QVector<ItemFinding>& findings, bool is_complete)
     // end of the next one. That one starts with the driver's clock, at a whole second.
     const double period = std::max(std::ceil(sum / cycle_period), 1.0) * cycle_period;
     const double oldest = sum + period;
-    CheckStep step = makeStep("cycle", Judgement::ok, QString());
+    CheckStep step = makeStep("cycle", Severity::ok, QString());
     step.text = QStringLiteral("%1 for %2 %3: values are up to %4 old")
                     .arg(secondsText(sum))
                     .arg(findings.size())
@@ -322,7 +322,7 @@ CheckStep judgeCycle(const QVector<ItemFinding>& findings, bool is_complete)
     if (!slow.isEmpty())
         step.text += QStringLiteral("; slow: %1").arg(namesText(slow));
     if (sum > cycle_period) {
-        step.judgement = Judgement::warning;
+        step.severity = Severity::warning;
         step.advice = QStringLiteral("items are read one after the other: serve fewer of them, or "
                                      "see why the service takes its time");
     }

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <optional>
@@ -11,7 +12,7 @@
 namespace tovik_host::check {
 
 /// What a step of a check says about the way that a value takes.
-enum class Judgement
+enum class Severity
 {
     ok,
     warning,  ///< Values come through, and still something should be known.
@@ -24,7 +25,7 @@ struct CheckStep
 {
     QString name;    ///< Of the step: "name", "connect", "tls", "login" and so on.
     QString subject; ///< What it is about, where there are several: an address, an item.
-    Judgement judgement = Judgement::ok;
+    Severity severity = Severity::ok;
     QString text;                  ///< What was found.
     QString cause = QString();     ///< The same for the verdict, where the text says more besides.
     QString advice = QString();    ///< What to do about it; empty when all is well.
@@ -35,16 +36,39 @@ struct CheckStep
 
 using CheckSteps = QVector<CheckStep>;
 
-inline CheckStep makeStep(const char* name, Judgement judgement, const QString& text,
+inline CheckStep makeStep(const char* name, Severity severity, const QString& text,
                           const QString& advice = QString())
 {
     CheckStep step;
     step.name = QString::fromLatin1(name);
-    step.judgement = judgement;
+    step.severity = severity;
     step.text = text;
     step.advice = advice;
     return step;
 }
+
+/// Something that is not well.
+struct Cause
+{
+    QString found;
+    QString advice; ///< What to do about it; may be empty.
+};
+
+/// What a check comes to.
+struct Verdict
+{
+    bool is_well = true;   ///< Every value that was looked at arrives.
+    QString summary;       ///< One sentence.
+    QVector<Cause> causes; ///< The failures, then the warnings; the first cause first.
+};
+
+/// \param is_interrupted whether a signal ended the check before its end
+Verdict judgeAll(const CheckSteps& steps, bool is_interrupted);
+
+/// One line for a step, or one object with \a as_json.
+QString stepLine(const CheckStep& step, bool as_json);
+/// The verdict as lines, or as one object.
+QStringList verdictLines(const Verdict& verdict, bool as_json);
 
 } // namespace tovik_host::check
 

@@ -1,4 +1,4 @@
-#include "tools/host/check/check_verdict.h"
+#include "tools/host/check/check_step.h"
 
 #include "tools/host/terminal/text_width.h"
 #include "tools/host/value/json_text.h"
@@ -9,16 +9,16 @@ namespace tovik_host::check {
 
 namespace {
 
-const char* markOf(Judgement judgement)
+const char* markOf(Severity severity)
 {
-    switch (judgement) {
-    case Judgement::ok:
+    switch (severity) {
+    case Severity::ok:
         return "ok";
-    case Judgement::warning:
+    case Severity::warning:
         return "warn";
-    case Judgement::failure:
+    case Severity::failure:
         return "FAIL";
-    case Judgement::not_tried:
+    case Severity::not_tried:
         break;
     }
     return "--";
@@ -29,11 +29,11 @@ QString placeOf(const CheckStep& step)
     return step.subject.isEmpty() ? step.name : step.name + QLatin1Char(' ') + step.subject;
 }
 
-int countOf(const CheckSteps& steps, Judgement judgement)
+int countOf(const CheckSteps& steps, Severity severity)
 {
     int count = 0;
     for (const CheckStep& step : steps)
-        count += step.judgement == judgement ? 1 : 0;
+        count += step.severity == severity ? 1 : 0;
     return count;
 }
 
@@ -54,8 +54,8 @@ QString countText(int count, const char* one, const char* more)
 
 QString summaryOf(const CheckSteps& steps)
 {
-    const int warnings = countOf(steps, Judgement::warning);
-    if (countOf(steps, Judgement::failure) > 0) {
+    const int warnings = countOf(steps, Severity::warning);
+    if (countOf(steps, Severity::failure) > 0) {
         return arriving(steps) > 0 ? QStringLiteral("not every value arrives")
                                    : QStringLiteral("no value arrives");
     }
@@ -70,9 +70,9 @@ QString summaryOf(const CheckSteps& steps)
 Verdict judgeAll(const CheckSteps& steps, bool is_interrupted)
 {
     Verdict verdict;
-    for (const Judgement wanted : {Judgement::failure, Judgement::warning}) {
+    for (const Severity wanted : {Severity::failure, Severity::warning}) {
         for (const CheckStep& step : steps) {
-            if (step.judgement == wanted)
+            if (step.severity == wanted)
                 verdict.causes << Cause{
                     QStringLiteral("%1: %2").arg(placeOf(step),
                                                  step.cause.isEmpty() ? step.text : step.cause),
@@ -84,7 +84,7 @@ Verdict judgeAll(const CheckSteps& steps, bool is_interrupted)
         verdict.summary = QStringLiteral("interrupted, nothing is proved");
         return verdict;
     }
-    verdict.is_well = countOf(steps, Judgement::failure) == 0;
+    verdict.is_well = countOf(steps, Severity::failure) == 0;
     verdict.summary = summaryOf(steps);
     return verdict;
 }
@@ -92,10 +92,10 @@ Verdict judgeAll(const CheckSteps& steps, bool is_interrupted)
 QString stepLine(const CheckStep& step, bool as_json)
 {
     const QString text =
-        step.judgement == Judgement::not_tried ? QStringLiteral("not tried") : step.text;
+        step.severity == Severity::not_tried ? QStringLiteral("not tried") : step.text;
     if (!as_json) {
         QString line = QStringLiteral("%1  %2  ")
-                           .arg(QLatin1String(markOf(step.judgement)), -4)
+                           .arg(QLatin1String(markOf(step.severity)), -4)
                            .arg(step.name, -11);
         if (!step.subject.isEmpty())
             line += step.subject + QStringLiteral(": ");
@@ -109,9 +109,9 @@ QString stepLine(const CheckStep& step, bool as_json)
     line["step"] = step.name.toStdString();
     if (!step.subject.isEmpty())
         line["subject"] = step.subject.toStdString();
-    line["judgement"] = step.judgement == Judgement::not_tried
+    line["judgement"] = step.severity == Severity::not_tried
                             ? "not tried"
-                            : QString::fromLatin1(markOf(step.judgement)).toLower().toStdString();
+                            : QString::fromLatin1(markOf(step.severity)).toLower().toStdString();
     line["text"] = text.toStdString();
     if (!step.advice.isEmpty())
         line["advice"] = step.advice.toStdString();

@@ -87,14 +87,14 @@ CheckStep judgeErrorHandling(const config::ErrorHandling& settings)
         const QString every =
             settings.type == 1 ? QStringLiteral("reconnects every %1 s").arg(settings.return_time)
                                : QStringLiteral("reconnects every second");
-        return makeStep("settings", Judgement::ok, every);
+        return makeStep("settings", Severity::ok, every);
     }
     if (handling.reconnectsByReads()) {
-        return makeStep("settings", Judgement::ok,
+        return makeStep("settings", Severity::ok,
                         QStringLiteral("reconnects when the host reads: every second read in an "
                                        "error tries once"));
     }
-    return makeStep("settings", Judgement::warning,
+    return makeStep("settings", Severity::warning,
                     QStringLiteral("never reconnects: after the first error no value comes until "
                                    "the host is started anew"),
                     QStringLiteral("set error_handling.return_time_enabled, or another type"));
@@ -108,15 +108,15 @@ CheckStep judgeSslLibrary(const SslLibraryFacts& facts)
                        "where the loader finds it")
             .arg(libraryName(facts.built_for), facts.built_for_text);
     if (!facts.is_supported) {
-        step = makeStep("openssl", Judgement::failure,
+        step = makeStep("openssl", Severity::failure,
                         QStringLiteral("Qt finds no OpenSSL that fits: there is no https"), advice);
     } else if (seriesOf(facts.built_for) != seriesOf(facts.running)) {
-        step = makeStep("openssl", Judgement::warning,
+        step = makeStep("openssl", Severity::warning,
                         QStringLiteral("%1 is in use, and Qt was built for %2")
                             .arg(facts.running_text, facts.built_for_text),
                         advice);
     } else {
-        step = makeStep("openssl", Judgement::ok,
+        step = makeStep("openssl", Severity::ok,
                         QStringLiteral("%1 (Qt was built for %2)")
                             .arg(facts.running_text, facts.built_for_text));
     }
@@ -128,7 +128,7 @@ CheckStep judgeSslLibrary(const SslLibraryFacts& facts)
 CheckStep judgeProxy(const ProxyFacts& facts)
 {
     CheckStep step = makeStep(
-        "proxy", Judgement::warning,
+        "proxy", Severity::warning,
         QStringLiteral("the driver goes through the %1 proxy %2")
             .arg(facts.is_http ? QStringLiteral("HTTP") : QStringLiteral("SOCKS"),
                  proxyText(facts)),
@@ -142,17 +142,17 @@ CheckStep judgeName(const NameFacts& facts, double timeout)
 {
     CheckStep step;
     if (facts.is_address) {
-        step = makeStep("name", Judgement::ok, QStringLiteral("is an address, nothing to look up"));
+        step = makeStep("name", Severity::ok, QStringLiteral("is an address, nothing to look up"));
     } else if (facts.end == ProbeEnd::done) {
-        step = makeStep("name", Judgement::ok, facts.addresses.join(QStringLiteral(", ")));
+        step = makeStep("name", Severity::ok, facts.addresses.join(QStringLiteral(", ")));
     } else if (facts.end == ProbeEnd::interrupted) {
-        step = makeStep("name", Judgement::failure, QStringLiteral("interrupted"));
+        step = makeStep("name", Severity::failure, QStringLiteral("interrupted"));
     } else if (facts.end == ProbeEnd::timed_out) {
         step =
-            makeStep("name", Judgement::failure, waitedText(timeout),
+            makeStep("name", Severity::failure, waitedText(timeout),
                      QStringLiteral("look at this machine's name service: resolv.conf, network"));
     } else {
-        step = makeStep("name", Judgement::failure,
+        step = makeStep("name", Severity::failure,
                         withReason(QStringLiteral("is not found"), facts.reason),
                         QStringLiteral("correct the address of the service, or this machine's name "
                                        "service"));
@@ -173,9 +173,9 @@ CheckSteps judgeConnections(const QVector<ConnectFacts>& facts, double timeout)
         is_any_connected = is_any_connected || one.end == ProbeEnd::done;
     CheckSteps steps;
     for (const ConnectFacts& one : facts) {
-        CheckStep step = makeStep("connect", Judgement::ok, connectText(one, timeout));
+        CheckStep step = makeStep("connect", Severity::ok, connectText(one, timeout));
         if (one.end != ProbeEnd::done) {
-            step.judgement = is_any_connected ? Judgement::warning : Judgement::failure;
+            step.severity = is_any_connected ? Severity::warning : Severity::failure;
             if (one.end != ProbeEnd::interrupted)
                 step.advice = connectAdvice(one.end);
         }
@@ -194,13 +194,13 @@ namespace {
 /// What a handshake that failed says, given what the port speaks instead.
 void explainFailedHandshake(const TlsFacts& facts, double timeout, CheckStep* step)
 {
-    step->judgement = Judgement::failure;
+    step->severity = Severity::failure;
     if (facts.end == ProbeEnd::interrupted) {
         step->text = QStringLiteral("interrupted");
-    } else if (facts.spoken == Spoken::http) {
+    } else if (facts.protocol == Protocol::http) {
         step->text = QStringLiteral("the port speaks plain HTTP, not TLS");
         step->advice = QStringLiteral("begin the address with http://, or use the port for https");
-    } else if (facts.spoken == Spoken::other) {
+    } else if (facts.protocol == Protocol::other) {
         step->text = QStringLiteral("the port speaks something that is neither TLS nor HTTP");
         step->advice = QStringLiteral("correct the port in the address of the service");
     } else if (facts.end == ProbeEnd::timed_out) {
@@ -230,14 +230,14 @@ QString dayText(const QDateTime& time)
 
 CheckStep judgeHandshake(const TlsFacts& facts, double timeout)
 {
-    CheckStep step = makeStep("tls", Judgement::ok, QString());
+    CheckStep step = makeStep("tls", Severity::ok, QString());
     step.seconds = facts.seconds;
     if (facts.end != ProbeEnd::done) {
         explainFailedHandshake(facts, timeout, &step);
         return step;
     }
-    step.text = QStringLiteral("%1, %2").arg(facts.protocol, facts.cipher);
-    step.facts["protocol"] = facts.protocol.toStdString();
+    step.text = QStringLiteral("%1, %2").arg(facts.version, facts.cipher);
+    step.facts["protocol"] = facts.version.toStdString();
     step.facts["cipher"] = facts.cipher.toStdString();
     return step;
 }
@@ -245,7 +245,7 @@ CheckStep judgeHandshake(const TlsFacts& facts, double timeout)
 CheckStep judgeResumption(bool is_resumed)
 {
     CheckStep step = makeStep(
-        "resumption", Judgement::ok,
+        "resumption", Severity::ok,
         is_resumed ? QStringLiteral("each connection resumes the TLS session of the one before")
                    : QStringLiteral("the service resumes no TLS session: each connection costs a "
                                     "full handshake"));
@@ -265,9 +265,9 @@ CheckStep judgeCertificate(const CertificateFacts& facts, const QDateTime& now)
                             dayText(facts.valid_until), facts.key);
     if (!facts.names.isEmpty())
         text += QStringLiteral(", for %1").arg(facts.names.join(QStringLiteral(", ")));
-    CheckStep step = makeStep("certificate", Judgement::ok, text);
+    CheckStep step = makeStep("certificate", Severity::ok, text);
     if (!complaints.isEmpty()) {
-        step.judgement = Judgement::warning;
+        step.severity = Severity::warning;
         step.cause = complaints.join(QStringLiteral("; "));
         step.text = QStringLiteral("%1 [%2]").arg(step.cause, text);
         step.advice = QStringLiteral("the driver does not verify certificates, so values come all "
@@ -290,20 +290,20 @@ CheckStep judgeCertificate(const CertificateFacts& facts, const QDateTime& now)
 
 CheckStep judgePlainHttp(const TlsFacts& facts, double timeout)
 {
-    CheckStep step = makeStep("http", Judgement::warning, QString());
+    CheckStep step = makeStep("http", Severity::warning, QString());
     step.seconds = facts.seconds;
     if (facts.end == ProbeEnd::interrupted) {
-        step.judgement = Judgement::failure;
+        step.severity = Severity::failure;
         step.text = QStringLiteral("interrupted");
-    } else if (facts.spoken == Spoken::tls) {
-        step.judgement = Judgement::failure;
+    } else if (facts.protocol == Protocol::tls) {
+        step.severity = Severity::failure;
         step.text = QStringLiteral("the port speaks TLS, and the address begins with http://");
         step.advice = QStringLiteral("begin the address with https://");
-    } else if (facts.spoken == Spoken::http) {
+    } else if (facts.protocol == Protocol::http) {
         step.text = QStringLiteral("plain HTTP: password and values are not encrypted");
         step.advice = QStringLiteral("use https where the service offers it");
-    } else if (facts.spoken == Spoken::other) {
-        step.judgement = Judgement::failure;
+    } else if (facts.protocol == Protocol::other) {
+        step.severity = Severity::failure;
         step.text = QStringLiteral("the port speaks something that is neither HTTP nor TLS");
         step.advice = QStringLiteral("correct the port in the address of the service");
     } else {

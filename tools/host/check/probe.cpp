@@ -185,8 +185,8 @@ QString protocolText(QSsl::SslProtocol protocol)
 
 void takeSession(const QSslSocket& socket, const QList<QSslError>& errors, TlsFacts* facts)
 {
-    facts->spoken = Spoken::tls;
-    facts->protocol = protocolText(socket.sessionProtocol());
+    facts->protocol = Protocol::tls;
+    facts->version = protocolText(socket.sessionProtocol());
     facts->cipher = socket.sessionCipher().name();
     const QSslCertificate certificate = socket.peerCertificate();
     facts->has_certificate = !certificate.isNull();
@@ -213,7 +213,7 @@ TlsFacts Probe::shakeHands(const QUrl& url, const QString& address,
     TlsFacts facts = tryTls(url, address, proxy);
     const bool is_direct = proxy.type() == QNetworkProxy::NoProxy;
     if (facts.end != ProbeEnd::done && facts.end != ProbeEnd::interrupted && is_direct)
-        facts.spoken = tryHttp(url, address).spoken;
+        facts.protocol = tryHttp(url, address).protocol;
     return facts;
 }
 
@@ -221,12 +221,12 @@ TlsFacts Probe::speakHttp(const QUrl& url, const QString& address) const
 {
     TlsFacts facts = tryHttp(url, address);
     // Some services tell a client in plain HTTP that their port is one for TLS.
-    const bool is_http = facts.spoken == Spoken::http && !facts.is_bad_request;
+    const bool is_http = facts.protocol == Protocol::http && !facts.is_bad_request;
     if (is_http || facts.end == ProbeEnd::interrupted)
         return facts;
     const TlsFacts tls = tryTls(url, address, QNetworkProxy::NoProxy);
-    if (tls.spoken == Spoken::tls)
-        facts.spoken = Spoken::tls;
+    if (tls.protocol == Protocol::tls)
+        facts.protocol = Protocol::tls;
     return facts;
 }
 
@@ -288,7 +288,7 @@ TlsFacts Probe::tryHttp(const QUrl& url, const QString& address) const
     }
     facts.seconds = double(elapsed.nsecsElapsed()) / 1e9;
     if (!answer.isEmpty())
-        facts.spoken = answer.startsWith("HTTP/") ? Spoken::http : Spoken::other;
+        facts.protocol = answer.startsWith("HTTP/") ? Protocol::http : Protocol::other;
     facts.is_bad_request = answer.mid(enough - 3, 3) == "400";
     QObject::disconnect(&socket, nullptr, nullptr, nullptr);
     return facts;

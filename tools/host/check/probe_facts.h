@@ -62,8 +62,8 @@ struct ConnectFacts
     double seconds = 0;
 };
 
-/// What a port says that is spoken to.
-enum class Spoken
+/// What a port speaks.
+enum class Protocol
 {
     unknown, ///< Not looked at, or nothing came.
     tls,
@@ -89,9 +89,9 @@ struct TlsFacts
 {
     ProbeEnd end = ProbeEnd::done;
     QString reason;
-    Spoken spoken = Spoken::unknown; ///< What the port speaks.
-    bool is_bad_request = false;     ///< What it said in HTTP is that it did not understand.
-    QString protocol;                ///< Such as "TLS 1.3".
+    Protocol protocol = Protocol::unknown; ///< What the port speaks.
+    bool is_bad_request = false;           ///< What it said in HTTP is that it did not understand.
+    QString version;                       ///< Such as "TLS 1.3".
     QString cipher;
     bool has_certificate = false;
     CertificateFacts certificate;

@@ -4,7 +4,6 @@
 #include "tools/host/config/account.h"
 #include "tools/host/config/config.h"
 #include "tools/host/config/json_file.h"
-#include "tools/host/config/options.h"
 
 #include <QString>
 #include <QStringList>

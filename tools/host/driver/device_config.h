@@ -2,7 +2,6 @@
 #define TOOLS_HOST_DRIVER_DEVICE_CONFIG_H
 
 #include "tools/host/config/config.h"
-#include "tools/host/config/options.h"
 #include "tools/host/driver/link_address.h"
 
 #include "interface/drv_base.h"

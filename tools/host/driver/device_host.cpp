@@ -58,44 +58,32 @@ void DeviceHost::run(const std::function<void()>& job)
 
 QString DeviceHost::open()
 {
-    QString problem;
-    run([&] { problem = session_->open(); });
-    return problem;
+    return ask(&DeviceSession::open);
 }
 
 DeviceAnswer DeviceHost::read(const config::ItemConfig& item)
 {
-    DeviceAnswer answer;
-    run([&] { answer = session_->read(item); });
-    return answer;
+    return ask(&DeviceSession::read, item);
 }
 
 DeviceAnswer DeviceHost::readAgain(const config::ItemConfig& item)
 {
-    DeviceAnswer answer;
-    run([&] { answer = session_->readAgain(item); });
-    return answer;
+    return ask(&DeviceSession::readAgain, item);
 }
 
 DeviceAnswer DeviceHost::write(const config::ItemConfig& item, const QByteArray& bytes)
 {
-    DeviceAnswer answer;
-    run([&] { answer = session_->write(item, bytes); });
-    return answer;
+    return ask(&DeviceSession::write, item, bytes);
 }
 
 DeviceAnswer DeviceHost::sendRaw(const QByteArray& request)
 {
-    DeviceAnswer answer;
-    run([&] { answer = session_->sendRaw(request); });
-    return answer;
+    return ask(&DeviceSession::sendRaw, request);
 }
 
 bool DeviceHost::supportsRaw()
 {
-    bool supported = false;
-    run([&] { supported = session_->supportsRaw(); });
-    return supported;
+    return ask(&DeviceSession::supportsRaw);
 }
 
 void DeviceHost::stop()

@@ -44,6 +44,15 @@ private Q_SLOTS:
 
 private:
     void run(const std::function<void()>& job);
+    /// What the session answers.
+    template <typename Answer, typename... Parameters>
+    Answer ask(Answer (DeviceSession::*function)(const Parameters&...),
+               const Parameters&... parameters)
+    {
+        Answer answer = Answer();
+        run([&] { answer = (session_.get()->*function)(parameters...); });
+        return answer;
+    }
 
     QThread thread_;
     QObject worker_; ///< Lives in the thread, to have something done there.

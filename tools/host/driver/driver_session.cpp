@@ -1,6 +1,7 @@
 #include "tools/host/driver/driver_session.h"
 
 #include "tools/host/terminal/exit_code.h"
+#include "tools/host/value/status_text.h"
 
 #include "interface/addr_data.h"
 #include "property/property_tovik_iot.h"
@@ -108,6 +109,21 @@ void DriverSession::onResponse(QString, QString, QByteArray bytes, int status)
     answer_.arrived = true;
     answer_.bytes = bytes;
     answer_.status = status;
+}
+
+void addAnswer(value::OrderedJson& line, const config::ItemConfig& item, const Answer& answer,
+               const std::optional<QString>& value)
+{
+    line["item"] = item.name.toStdString();
+    line["type"] = item.type->name;
+    line["value"] = value::jsonValue(*item.type, value);
+    line["bytes"] = answer.bytes.toHex().toStdString();
+    line["status"] = answer.arrived
+                         ? value::OrderedJson(value::statusCode(answer.status).toStdString())
+                         : value::OrderedJson(nullptr);
+    line["status_text"] = answer.arrived
+                              ? value::statusText(answer.status, answer.status_of).toStdString()
+                              : std::string("no answer");
 }
 
 } // namespace tovik_host::driver

@@ -3,6 +3,7 @@
 
 #include "tools/host/config/config.h"
 #include "tools/host/driver/plugin.h"
+#include "tools/host/value/json_text.h"
 #include "tools/host/value/metrics.h"
 #include "tools/host/value/status_text.h"
 
@@ -58,6 +59,10 @@ private:
     QScopedPointer<DrvInterface> driver_;
     Answer answer_;
 };
+
+/// Item, type, value, bytes and status of one answer, as members of \a line.
+void addAnswer(value::OrderedJson& line, const config::ItemConfig& item, const Answer& answer,
+               const std::optional<QString>& value);
 
 } // namespace tovik_host::driver
 

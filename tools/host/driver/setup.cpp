@@ -93,6 +93,14 @@ DeviceSetup::DeviceSetup(const config::CommonOptions& common, const QStringList&
     context.log.start(common.log, common.verbose);
 }
 
+bool DeviceSetup::open(DeviceHost& host)
+{
+    const QString problem = host.open();
+    if (!problem.isEmpty())
+        complainOfLink(problem);
+    return problem.isEmpty();
+}
+
 void DeviceSetup::complainOfLink(const QString& problem)
 {
     context.complain(linkText(config.link), problem);

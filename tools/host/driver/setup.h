@@ -1,9 +1,9 @@
 #ifndef TOOLS_HOST_DRIVER_SETUP_H
 #define TOOLS_HOST_DRIVER_SETUP_H
 
-#include "tools/host/config/options.h"
+#include "tools/host/config/config.h"
 #include "tools/host/driver/device_config.h"
-#include "tools/host/driver/device_session.h"
+#include "tools/host/driver/device_host.h"
 #include "tools/host/driver/plugin.h"
 #include "tools/host/terminal/context.h"
 
@@ -35,7 +35,9 @@ struct DeviceSetup
     DeviceSetup(const config::CommonOptions& common, const QStringList& addresses,
                 terminal::Context& context);
 
-    /// Says on the standard error that the link cannot be opened, and why.
+    /// Opens the link; false: it has been said why not.
+    bool open(DeviceHost& host);
+    /// Says on the standard error what is wrong with the link.
     void complainOfLink(const QString& problem);
     /// Why there is no value in \a answer, for the user; empty if there is one.
     QString problemOf(const config::ItemConfig& item, const DeviceAnswer& answer) const;

@@ -3,13 +3,39 @@
 
 #include "tools/host/config/account.h"
 #include "tools/host/service/catalogue.h"
+#include "tools/host/service/cloud_client.h"
 #include "tools/host/terminal/context.h"
+#include "tools/host/terminal/output.h"
 
+#include <QElapsedTimer>
 #include <QString>
 
 #include <optional>
 
 namespace tovik_host::service {
+
+/// Shows on the standard error how far the loading of a catalogue is: in one line of a terminal,
+/// which is empty again in the end, and by a line every few seconds elsewhere.
+class ProgressView
+{
+public:
+    /// \param line_interval milliseconds between lines, where there is no terminal.
+    ProgressView(terminal::Output& output, bool is_quiet, bool is_terminal,
+                 int line_interval = 2000);
+    ~ProgressView();
+    ProgressView(const ProgressView&) = delete;
+    ProgressView& operator=(const ProgressView&) = delete;
+
+    void show(const CatalogueProgress& progress);
+
+private:
+    terminal::Output& output_;
+    bool is_quiet_;
+    bool is_terminal_;
+    int line_interval_;
+    int shown_width_ = 0;
+    QElapsedTimer since_line_;
+};
 
 /// What the commands have in common that ask a service for its catalogue.
 struct ServiceOptions

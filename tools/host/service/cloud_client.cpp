@@ -180,7 +180,7 @@ void CloudClient::start(const StepPtr& step, const Work& work)
         thread_.start();
     const auto do_work = [this, step, work] {
         step->run(work);
-        // By way of this object, so that it comes behind the progress that was told before it.
+        // By way of this object, so that it comes after the progress that was told before it.
         QMetaObject::invokeMethod(this, &CloudClient::stepOver, Qt::QueuedConnection);
     };
     QMetaObject::invokeMethod(&worker_, do_work, Qt::QueuedConnection);

@@ -1,6 +1,6 @@
 #include "tools/host/service/diff_items.h"
 
-#include "tools/host/service/configure_names.h"
+#include "tools/host/service/configure_choice.h"
 #include "tools/host/terminal/text_width.h"
 
 #include <QHash>
@@ -68,7 +68,7 @@ Partners partners(const QVector<DiffItem>& before, const QVector<DiffItem>& afte
 }
 
 /// Whether a configuration gives \a name to an item of this natural name; it may have had to put a
-/// number behind it.
+/// number after it.
 bool isNameFor(const QString& name, const QString& natural)
 {
     static const QRegularExpression number(QStringLiteral(" \\(\\d+\\)\\z"));

@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <optional>
+
 /// \file
 /// The commands for stored configurations. They return the exit code, and throw UsageError.
 namespace tovik_host::stored {

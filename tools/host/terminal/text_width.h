@@ -25,6 +25,13 @@ QStringList columns(const QVector<QStringList>& rows, const QString& indent = QS
 /// \a line without the blanks at its end.
 QString trimmedRight(QString line);
 
+/// How many letters have to be inserted, removed or replaced to make one text of the other; upper
+/// and lower case are the same.
+int editDistance(const QString& one, const QString& other);
+
+/// Whether a typing mistake may have made \a written of \a meant.
+bool isNear(const QString& written, const QString& meant);
+
 } // namespace tovik_host::terminal
 
 #endif

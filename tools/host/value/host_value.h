@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -54,6 +55,16 @@ bool sameValue(const ItemType& type, const QByteArray& shown, const QByteArray& 
 
 /// Bytes as pairs of hexadecimal digits, separated by spaces.
 QString hexText(const QByteArray& bytes);
+
+/// Bytes that a user has written, or what is wrong with them.
+struct HexBytes
+{
+    QByteArray bytes;
+    QString problem;
+};
+
+/// Reads bytes as pairs of hexadecimal digits: "01 03 0a", "01030A", in any number of texts.
+HexBytes parseHexBytes(const QStringList& texts);
 
 } // namespace tovik_host::value
 

@@ -47,14 +47,14 @@ const int offline_status = result_code::not_supported;
 
 /// The status of an answer in words: "ok", "service error 3", or what else it says.
 QString statusText(int status, StatusOf whose = StatusOf::service);
-/// The status as the host sees it: "0", or eight hexadecimal digits behind "0x".
+/// The status as the host sees it: "0", or eight hexadecimal digits after "0x".
 QString statusCode(int status);
 /// "ok", or the code: for where there is no room for words.
 QString statusWord(int status);
 /// What stands where a value would, while there is none.
 QString noValue();
 /// Words and code together, for messages; the code is left out where the words have it already, and
-/// behind "ok".
+/// after "ok".
 QString statusTextWithCode(int status, StatusOf whose);
 /// Whether the service itself has refused something: neither success nor a failure on the way.
 bool isServiceError(int status);

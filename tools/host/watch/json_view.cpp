@@ -1,6 +1,6 @@
-#include "tools/host/watch/json_view.h"
+#include "tools/host/watch/views.h"
 
-#include "tools/host/driver/answer_json.h"
+#include "tools/host/driver/driver_session.h"
 #include "tools/host/value/status_text.h"
 
 namespace tovik_host::watch {
@@ -77,8 +77,6 @@ void JsonView::statusChanged(const WatchModel& model)
     line["status_text"] = value::statusText(model.status(), model.statusOf()).toStdString();
     output_.line(value::jsonLine(line));
 }
-
-void JsonView::roundDone(const WatchModel&, const QDateTime&) {}
 
 void JsonView::numbersDue(const WatchModel& model, const QDateTime& now)
 {

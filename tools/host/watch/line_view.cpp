@@ -1,4 +1,4 @@
-#include "tools/host/watch/line_view.h"
+#include "tools/host/watch/views.h"
 
 #include "tools/host/terminal/text_width.h"
 #include "tools/host/value/status_text.h"
@@ -64,8 +64,6 @@ void LineView::statusChanged(const WatchModel& model)
     line(model.statusSince(),
          QStringLiteral("status: ") + value::statusTextWithCode(model.status(), model.statusOf()));
 }
-
-void LineView::roundDone(const WatchModel&, const QDateTime&) {}
 
 void LineView::numbersDue(const WatchModel& model, const QDateTime& now)
 {

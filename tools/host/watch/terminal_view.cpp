@@ -1,4 +1,4 @@
-#include "tools/host/watch/terminal_view.h"
+#include "tools/host/watch/views.h"
 
 #include <sys/ioctl.h>
 
@@ -47,10 +47,6 @@ void TerminalView::start(const WatchSubject& subject, const QDateTime&)
     subject_ = subject;
 }
 
-void TerminalView::valueChanged(const ItemState&) {}
-
-void TerminalView::statusChanged(const WatchModel&) {}
-
 void TerminalView::roundDone(const WatchModel& model, const QDateTime& now)
 {
     ScreenSize size = terminalSize(descriptor_);
@@ -76,8 +72,6 @@ void TerminalView::roundDone(const WatchModel& model, const QDateTime& now)
     drawn_lines_ = screen.size();
     from_empty_screen_ = false;
 }
-
-void TerminalView::numbersDue(const WatchModel&, const QDateTime&) {}
 
 void TerminalView::end(const QDateTime&)
 {

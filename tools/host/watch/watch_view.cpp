@@ -1,9 +1,7 @@
 #include "tools/host/watch/watch_view.h"
 
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/watch/json_view.h"
-#include "tools/host/watch/line_view.h"
-#include "tools/host/watch/terminal_view.h"
+#include "tools/host/watch/views.h"
 
 namespace tovik_host::watch {
 

@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_WATCH_WATCH_VIEW_H
 #define TOOLS_HOST_WATCH_WATCH_VIEW_H
 
-#include "tools/host/config/options.h"
+#include "tools/host/config/config.h"
 #include "tools/host/terminal/context.h"
 #include "tools/host/watch/watch_model.h"
 
@@ -28,12 +28,12 @@ public:
     virtual ~WatchView() = default;
 
     virtual void start(const WatchSubject& subject, const QDateTime& now) = 0;
-    virtual void valueChanged(const ItemState& state) = 0;
-    virtual void statusChanged(const WatchModel& model) = 0;
+    virtual void valueChanged(const ItemState&) {}
+    virtual void statusChanged(const WatchModel&) {}
     /// All items have been read, or a while has passed.
-    virtual void roundDone(const WatchModel& model, const QDateTime& now) = 0;
+    virtual void roundDone(const WatchModel&, const QDateTime&) {}
     /// The time between two reports of the driver's numbers is over.
-    virtual void numbersDue(const WatchModel& model, const QDateTime& now) = 0;
+    virtual void numbersDue(const WatchModel&, const QDateTime&) {}
     virtual void end(const QDateTime& now) = 0;
 };
 

@@ -1,6 +1,6 @@
 #include "tools/host/check/check_items.h"
-#include "tools/host/check/check_verdict.h"
-#include "tools/host/terminal/near_name.h"
+#include "tools/host/check/check_step.h"
+#include "tools/host/terminal/text_width.h"
 
 #include "property/property_tovik_iot_group.h"
 
@@ -12,7 +12,7 @@ using tovik_host::service::ClientOutcome;
 
 Q_DECLARE_METATYPE(tovik_host::check::ItemFinding)
 Q_DECLARE_METATYPE(tovik_host::service::ClientOutcome)
-Q_DECLARE_METATYPE(tovik_host::check::Judgement)
+Q_DECLARE_METATYPE(tovik_host::check::Severity)
 Q_DECLARE_METATYPE(QVector<tovik_host::check::ItemFinding>)
 
 /// The service's answers, the driver's cycle, and the verdict.
@@ -148,80 +148,80 @@ void TestHostCheckItems::looksUp()
 void TestHostCheckItems::conversation_data()
 {
     QTest::addColumn<ClientOutcome>("facts");
-    QTest::addColumn<Judgement>("judgement");
+    QTest::addColumn<Severity>("severity");
     QTest::addColumn<QString>("text");
-    QTest::newRow("done") << outcome(ClientOutcome::Done, 0, "") << Judgement::ok
+    QTest::newRow("done") << outcome(ClientOutcome::Done, 0, "") << Severity::ok
                           << QStringLiteral("accepted");
     QTest::newRow("refused")
-        << outcome(ClientOutcome::Failed, 1, "words") << Judgement::failure
+        << outcome(ClientOutcome::Failed, 1, "words") << Severity::failure
         << QStringLiteral("service error 1 (by it tovik-cloud means: no account has this e-mail "
                           "address and password); the host gets status 0x400F0001");
     QTest::newRow("refused with a code that no status has")
-        << outcome(ClientOutcome::Failed, 42, "words") << Judgement::failure
+        << outcome(ClientOutcome::Failed, 42, "words") << Severity::failure
         << QStringLiteral("service error 42; the driver has no status for it: the host sees 0, as "
                           "if all were well");
     QTest::newRow("not reached") << outcome(ClientOutcome::Failed, 256, "words")
-                                 << Judgement::failure << QStringLiteral("words");
+                                 << Severity::failure << QStringLiteral("words");
     QTest::newRow("no answer") << outcome(ClientOutcome::TimedOut, 0, "no answer within 3 s")
-                               << Judgement::failure << QStringLiteral("no answer within 3 s");
+                               << Severity::failure << QStringLiteral("no answer within 3 s");
     QTest::newRow("a bad reply") << outcome(ClientOutcome::BadReply, 256, "words")
-                                 << Judgement::failure << QStringLiteral("words");
+                                 << Severity::failure << QStringLiteral("words");
 }
 
 void TestHostCheckItems::conversation()
 {
     QFETCH(ClientOutcome, facts);
     const CheckStep step = judgeConversation("login", facts);
-    QTEST(step.judgement, "judgement");
+    QTEST(step.severity, "severity");
     QTEST(step.text, "text");
-    QCOMPARE(step.advice.isEmpty(), step.judgement == Judgement::ok);
+    QCOMPARE(step.advice.isEmpty(), step.severity == Severity::ok);
     QCOMPARE(*step.seconds, facts.seconds);
 }
 
 void TestHostCheckItems::item_data()
 {
     QTest::addColumn<ItemFinding>("finding");
-    QTest::addColumn<Judgement>("judgement");
+    QTest::addColumn<Severity>("severity");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("advice");
     const ClientOutcome refused = outcome(ClientOutcome::Failed, 7, "words");
     const ClientOutcome other = outcome(ClientOutcome::Done, 0, "the value is a text");
-    const auto row = [](const char* title, const ItemFinding& finding, Judgement judgement,
+    const auto row = [](const char* title, const ItemFinding& finding, Severity severity,
                         const char* text, const char* advice) {
-        QTest::newRow(title) << finding << judgement << QString::fromLatin1(text)
+        QTest::newRow(title) << finding << severity << QString::fromLatin1(text)
                              << QString::fromLatin1(advice);
     };
-    row("well", good("A"), Judgement::ok, "5", "");
+    row("well", good("A"), Severity::ok, "5", "");
     ItemFinding single = good("A");
     single.value = 65.379179f;
-    row("a single with the digits that it has", single, Judgement::ok, "65.37918", "");
+    row("a single with the digits that it has", single, Severity::ok, "65.37918", "");
     ItemFinding mistyped = good("A");
     mistyped.catalogue_type = QStringLiteral("32Bit-FLOAT");
-    row("another type", mistyped, Judgement::warning,
+    row("another type", mistyped, Severity::warning,
         "5; of type 32Bit-FLOAT in the catalogue and 16Bit-INT here", "type to 32Bit-FLOAT");
     ItemFinding unlisted = good("A");
     unlisted.is_known = false;
-    row("not in the catalogue", unlisted, Judgement::warning, "not in its catalogue", "ask");
-    row("another JSON type", readItem("A", other), Judgement::failure,
+    row("not in the catalogue", unlisted, Severity::warning, "not in its catalogue", "ask");
+    row("another JSON type", readItem("A", other), Severity::failure,
         "the value is a text; the host keeps the item's first value", "compare");
     ItemFinding both = mistyped;
     both.outcome = other;
-    row("another JSON type, as the catalogue says", both, Judgement::failure, "is a text",
+    row("another JSON type, as the catalogue says", both, Severity::failure, "is a text",
         "type to 32Bit-FLOAT");
-    row("refused", readItem("A", refused), Judgement::failure, "service error 7",
+    row("refused", readItem("A", refused), Severity::failure, "service error 7",
         "what its code 7 means");
     ItemFinding unknown = readItem("A", refused);
     unknown.is_known = false;
-    row("refused and unknown", unknown, Judgement::failure, "the catalogue has no item \"a\"",
+    row("refused and unknown", unknown, Severity::failure, "the catalogue has no item \"a\"",
         "correct the id, or remove");
     unknown.suggestion = QStringLiteral("the catalogue has \"b\"");
-    row("refused and nearly known", unknown, Judgement::failure, "no item \"a\"",
+    row("refused and nearly known", unknown, Severity::failure, "no item \"a\"",
         "correct the id: the catalogue has \"b\"");
     row("no answer", readItem("A", outcome(ClientOutcome::TimedOut, 0, "no answer within 3 s")),
-        Judgement::failure, "no answer within 3 s", "without a time-out");
+        Severity::failure, "no answer within 3 s", "without a time-out");
     ItemFinding left_alone = good("A");
     left_alone.is_read = false;
-    row("not read", left_alone, Judgement::not_tried, "", "");
+    row("not read", left_alone, Severity::not_tried, "", "");
 }
 
 void TestHostCheckItems::item()
@@ -230,7 +230,7 @@ void TestHostCheckItems::item()
     QFETCH(QString, text);
     QFETCH(QString, advice);
     const CheckStep step = judgeItem(finding);
-    QTEST(step.judgement, "judgement");
+    QTEST(step.severity, "severity");
     QVERIFY2(step.text.contains(text), qPrintable(step.text));
     QVERIFY2(step.advice.contains(advice), qPrintable(step.advice));
     QCOMPARE(step.advice.isEmpty(), advice.isEmpty());
@@ -241,38 +241,38 @@ void TestHostCheckItems::cycle_data()
 {
     QTest::addColumn<QVector<ItemFinding>>("findings");
     QTest::addColumn<bool>("is_complete");
-    QTest::addColumn<Judgement>("judgement");
+    QTest::addColumn<Severity>("severity");
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("arriving");
     const ItemFinding refused = readItem("B", outcome(ClientOutcome::Failed, 7, "words"));
     const ItemFinding hanging = readItem("B", outcome(ClientOutcome::TimedOut, 0, "words"));
     const ItemFinding mistyped = readItem("B", outcome(ClientOutcome::Done, 0, "a text", 0.25));
     const auto row = [](const char* title, const QVector<ItemFinding>& findings, bool is_complete,
-                        Judgement judgement, const char* text, int arriving) {
-        QTest::newRow(title) << findings << is_complete << judgement << QString::fromLatin1(text)
+                        Severity severity, const char* text, int arriving) {
+        QTest::newRow(title) << findings << is_complete << severity << QString::fromLatin1(text)
                              << arriving;
     };
-    row("quick", {good("A", 0.25), good("B", 0.25)}, true, Judgement::ok,
+    row("quick", {good("A", 0.25), good("B", 0.25)}, true, Severity::ok,
         "0.50 s for 2 items: values are up to 1.50 s old", 2);
-    row("some left out", {good("A", 0.25)}, false, Judgement::ok,
+    row("some left out", {good("A", 0.25)}, false, Severity::ok,
         "0.25 s for 1 item: values are up to 1.25 s old, and older with the items that were left "
         "out",
         1);
     row("the next cycle waits for a whole second", {good("A", 1), good("B", 0.25)}, true,
-        Judgement::warning, "1.25 s for 2 items: values are up to 3.25 s old; slow: A 1.00 s", 2);
+        Severity::warning, "1.25 s for 2 items: values are up to 3.25 s old; slow: A 1.00 s", 2);
     row("slower than a second", {good("A", 0.75), good("B", 2), good("C", 0.25)}, true,
-        Judgement::warning,
+        Severity::warning,
         "3.00 s for 3 items: values are up to 6.00 s old; slow: B 2.00 s, A 0.75 s", 3);
     row("a value that is not taken ends no cycle", {good("A", 0.25), mistyped, good("C", 0.25)},
-        true, Judgement::ok, "0.75 s for 3 items: values are up to 1.75 s old", 2);
-    row("an item refused in the middle", {good("A"), refused, good("C")}, true, Judgement::failure,
+        true, Severity::ok, "0.75 s for 3 items: values are up to 1.75 s old", 2);
+    row("an item refused in the middle", {good("A"), refused, good("C")}, true, Severity::failure,
         "ends at B every time; without a value stay: C", 1);
-    row("the first one refused", {refused, good("C")}, true, Judgement::failure, "stay: C", 0);
-    row("the last one refused", {good("A"), refused}, true, Judgement::failure,
+    row("the first one refused", {refused, good("C")}, true, Severity::failure, "stay: C", 0);
+    row("the last one refused", {good("A"), refused}, true, Severity::failure,
         "ends at B every time; it is the last item", 1);
-    row("an item that hangs", {good("A"), hanging, good("C")}, true, Judgement::failure,
+    row("an item that hangs", {good("A"), hanging, good("C")}, true, Severity::failure,
         "waits at B for as long as the service does", 0);
-    row("the first of two in error counts", {good("A"), refused, hanging}, true, Judgement::failure,
+    row("the first of two in error counts", {good("A"), refused, hanging}, true, Severity::failure,
         "ends at B", 1);
 }
 
@@ -282,7 +282,7 @@ void TestHostCheckItems::cycle()
     QFETCH(bool, is_complete);
     QFETCH(QString, text);
     const CheckStep step = judgeCycle(findings, is_complete);
-    QTEST(step.judgement, "judgement");
+    QTEST(step.severity, "severity");
     QVERIFY2(step.text.startsWith(text) || step.text.contains(text), qPrintable(step.text));
     QTEST(step.facts.at("arriving").get<int>(), "arriving");
 }
@@ -344,13 +344,13 @@ void TestHostCheckItems::verdict()
 
 void TestHostCheckItems::writesLines()
 {
-    CheckStep step = makeStep("name", Judgement::failure, QStringLiteral("is not found\x1b[2J"),
+    CheckStep step = makeStep("name", Severity::failure, QStringLiteral("is not found\x1b[2J"),
                               QStringLiteral("do this"));
     step.subject = QStringLiteral("cloud.example");
     step.seconds = 0.0126;
     QCOMPARE(stepLine(step, false), QStringLiteral("FAIL  name         cloud.example: is not "
                                                    "found\u00b7[2J  (13 ms)"));
-    QCOMPARE(stepLine(makeStep("login", Judgement::not_tried, QString()), false),
+    QCOMPARE(stepLine(makeStep("login", Severity::not_tried, QString()), false),
              QStringLiteral("--    login        not tried"));
     CheckStep wordy = step;
     wordy.cause = QStringLiteral("in short");
@@ -375,7 +375,7 @@ void TestHostCheckItems::writesJson()
     QCOMPARE(object.at("facts").at("id").get<std::string>(), std::string("a"));
     QVERIFY(!object.contains("advice"));
     const CheckStep bad =
-        makeStep("tls", Judgement::failure, QStringLiteral("x"), QStringLiteral("y"));
+        makeStep("tls", Severity::failure, QStringLiteral("x"), QStringLiteral("y"));
     const nlohmann::json verdict = parsed(verdictLines(judgeAll({bad}, false), true).first());
     QCOMPARE(verdict.at("well").get<bool>(), false);
     QCOMPARE(verdict.at("causes").at(0).at("found").get<std::string>(), std::string("tls: x"));

@@ -10,7 +10,7 @@ Q_DECLARE_METATYPE(tovik_host::check::SslLibraryFacts)
 Q_DECLARE_METATYPE(tovik_host::check::NameFacts)
 Q_DECLARE_METATYPE(tovik_host::check::TlsFacts)
 Q_DECLARE_METATYPE(tovik_host::check::CertificateFacts)
-Q_DECLARE_METATYPE(tovik_host::check::Judgement)
+Q_DECLARE_METATYPE(tovik_host::check::Severity)
 
 /// The way to the service: facts in, judged steps out.
 class TestHostCheckWay : public QObject
@@ -42,18 +42,18 @@ const QDateTime now(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
 
 void addColumns()
 {
-    QTest::addColumn<Judgement>("judgement");
+    QTest::addColumn<Severity>("severity");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("advice");
 }
 
-/// Compares judgement, a part of the text and a part of the advice; no advice is none at all.
+/// Compares severity, a part of the text and a part of the advice; no advice is none at all.
 void compare(const CheckStep& step)
 {
-    QFETCH(Judgement, judgement);
+    QFETCH(Severity, severity);
     QFETCH(QString, text);
     QFETCH(QString, advice);
-    QCOMPARE(step.judgement, judgement);
+    QCOMPARE(step.severity, severity);
     QVERIFY2(step.text.contains(text), qPrintable(step.text));
     QVERIFY2(step.advice.contains(advice), qPrintable(step.advice));
     QCOMPARE(step.advice.isEmpty(), advice.isEmpty());
@@ -80,7 +80,7 @@ void TestHostCheckWay::errorHandling_data()
     const auto row = [](const char* title, int type, bool by_time, bool by_switch, bool is_well,
                         const char* text) {
         QTest::newRow(title) << config::ErrorHandling{type, 7, 3, by_time, by_switch}
-                             << (is_well ? Judgement::ok : Judgement::warning)
+                             << (is_well ? Severity::ok : Severity::warning)
                              << QString::fromLatin1(text)
                              << (is_well ? QString() : QStringLiteral("return_time_enabled"));
     };
@@ -106,22 +106,22 @@ void TestHostCheckWay::sslLibrary_data()
     const QString current = QStringLiteral("OpenSSL 3.0.15");
     QTest::newRow("one that fits")
         << SslLibraryFacts{true, 0x300000f0, current, 0x30000130, QStringLiteral("OpenSSL 3.0.19")}
-        << Judgement::ok << QStringLiteral("OpenSSL 3.0.19 (Qt was built for OpenSSL 3.0.15)")
+        << Severity::ok << QStringLiteral("OpenSSL 3.0.19 (Qt was built for OpenSSL 3.0.15)")
         << QString();
     QTest::newRow("a later one of the same series")
         << SslLibraryFacts{true, 0x300000f0, current, 0x30500000, QStringLiteral("OpenSSL 3.5.0")}
-        << Judgement::ok << QStringLiteral("OpenSSL 3.5.0") << QString();
+        << Severity::ok << QStringLiteral("OpenSSL 3.5.0") << QString();
     QTest::newRow("1.1.0 and 1.1.1 are one series")
         << SslLibraryFacts{true, 0x1010007f, QStringLiteral("1.1.0g"), 0x101010ef, old}
-        << Judgement::ok << old << QString();
+        << Severity::ok << old << QString();
     QTest::newRow("none") << SslLibraryFacts{false, 0x300000f0, current, 0, QString()}
-                          << Judgement::failure << QStringLiteral("there is no https")
+                          << Severity::failure << QStringLiteral("there is no https")
                           << QStringLiteral("install libssl.so.3 ");
     QTest::newRow("none for a Qt of the old series")
-        << SslLibraryFacts{false, 0x101010ef, old, 0, QString()} << Judgement::failure
+        << SslLibraryFacts{false, 0x101010ef, old, 0, QString()} << Severity::failure
         << QStringLiteral("no OpenSSL that fits") << QStringLiteral("install libssl.so.1.1 ");
     QTest::newRow("one of another series")
-        << SslLibraryFacts{true, 0x101010ef, old, 0x300000f0, current} << Judgement::warning
+        << SslLibraryFacts{true, 0x101010ef, old, 0x300000f0, current} << Severity::warning
         << QStringLiteral("OpenSSL 3.0.15 is in use, and Qt was built for OpenSSL 1.1.1n")
         << QStringLiteral("libssl.so.1.1");
 }
@@ -135,7 +135,7 @@ void TestHostCheckWay::sslLibrary()
 void TestHostCheckWay::proxy()
 {
     const CheckStep step = judgeProxy({QStringLiteral("proxy.example"), 3128, true});
-    QCOMPARE(step.judgement, Judgement::warning);
+    QCOMPARE(step.severity, Severity::warning);
     QVERIFY(step.text.endsWith(QLatin1String("through the HTTP proxy proxy.example:3128")));
     QVERIFY(step.advice.contains(QLatin1String("https_proxy")));
 }
@@ -149,17 +149,17 @@ void TestHostCheckWay::name_data()
         << NameFacts{host,           false,
                      ProbeEnd::done, {QStringLiteral("192.0.2.1"), QStringLiteral("2001:db8::1")},
                      QString(),      0.01}
-        << Judgement::ok << QStringLiteral("192.0.2.1, 2001:db8::1") << QString();
+        << Severity::ok << QStringLiteral("192.0.2.1, 2001:db8::1") << QString();
     QTest::newRow("an address")
         << NameFacts{QStringLiteral("192.0.2.1"),   true,      ProbeEnd::done,
                      {QStringLiteral("192.0.2.1")}, QString(), 0}
-        << Judgement::ok << QStringLiteral("is an address") << QString();
+        << Severity::ok << QStringLiteral("is an address") << QString();
     QTest::newRow("not found")
         << NameFacts{host, false, ProbeEnd::refused, {}, QStringLiteral("Host not found"), 0.01}
-        << Judgement::failure << QStringLiteral("is not found: Host not found")
+        << Severity::failure << QStringLiteral("is not found: Host not found")
         << QStringLiteral("correct the address");
     QTest::newRow("no answer") << NameFacts{host, false, ProbeEnd::timed_out, {}, QString(), 3}
-                               << Judgement::failure << QStringLiteral("no answer within 3 s")
+                               << Severity::failure << QStringLiteral("no answer within 3 s")
                                << QStringLiteral("name service");
 }
 
@@ -177,7 +177,7 @@ void TestHostCheckWay::connections_data()
     QTest::addColumn<int>("end");
     addColumns();
     const auto row = [](const char* title, ProbeEnd end, const char* text, const char* advice) {
-        QTest::newRow(title) << int(end) << Judgement::failure << QString::fromLatin1(text)
+        QTest::newRow(title) << int(end) << Severity::failure << QString::fromLatin1(text)
                              << QString::fromLatin1(advice);
     };
     row("refused", ProbeEnd::refused, "refused", "whether the service runs");
@@ -196,9 +196,9 @@ void TestHostCheckWay::connections()
     compare(judgeConnections({bad}, timeout).first());
     const CheckSteps both = judgeConnections({bad, good}, timeout);
     QCOMPARE(both.size(), 2);
-    QCOMPARE(both.at(0).judgement, Judgement::warning);
+    QCOMPARE(both.at(0).severity, Severity::warning);
     QCOMPARE(both.at(0).subject, QStringLiteral("2001:db8::1 port 443"));
-    QCOMPARE(both.at(1).judgement, Judgement::ok);
+    QCOMPARE(both.at(1).severity, Severity::ok);
     QVERIFY(both.at(1).advice.isEmpty());
 }
 
@@ -207,29 +207,29 @@ void TestHostCheckWay::handshake_data()
     QTest::addColumn<TlsFacts>("facts");
     addColumns();
     TlsFacts good;
-    good.spoken = Spoken::tls;
-    good.protocol = QStringLiteral("TLS 1.3");
+    good.protocol = Protocol::tls;
+    good.version = QStringLiteral("TLS 1.3");
     good.cipher = QStringLiteral("SOME_CIPHER");
-    QTest::newRow("done") << good << Judgement::ok << QStringLiteral("TLS 1.3, SOME_CIPHER")
+    QTest::newRow("done") << good << Severity::ok << QStringLiteral("TLS 1.3, SOME_CIPHER")
                           << QString();
-    const auto row = [](const char* title, ProbeEnd end, Spoken spoken, const char* text,
+    const auto row = [](const char* title, ProbeEnd end, Protocol protocol, const char* text,
                         const char* advice) {
         TlsFacts facts;
         facts.end = end;
-        facts.spoken = spoken;
+        facts.protocol = protocol;
         facts.reason = QStringLiteral("words");
-        QTest::newRow(title) << facts << Judgement::failure << QString::fromLatin1(text)
+        QTest::newRow(title) << facts << Severity::failure << QString::fromLatin1(text)
                              << QString::fromLatin1(advice);
     };
-    row("a port that speaks plain HTTP", ProbeEnd::failed, Spoken::http, "speaks plain HTTP",
+    row("a port that speaks plain HTTP", ProbeEnd::failed, Protocol::http, "speaks plain HTTP",
         "http://");
-    row("a port that waits for HTTP", ProbeEnd::timed_out, Spoken::http, "speaks plain HTTP",
+    row("a port that waits for HTTP", ProbeEnd::timed_out, Protocol::http, "speaks plain HTTP",
         "http://");
-    row("a port of something else", ProbeEnd::failed, Spoken::other, "neither TLS nor HTTP",
+    row("a port of something else", ProbeEnd::failed, Protocol::other, "neither TLS nor HTTP",
         "port");
-    row("a port that is silent", ProbeEnd::timed_out, Spoken::unknown, "says nothing for 3 s",
+    row("a port that is silent", ProbeEnd::timed_out, Protocol::unknown, "says nothing for 3 s",
         "without a time-out");
-    row("a handshake that fails", ProbeEnd::failed, Spoken::unknown, "failed: words",
+    row("a handshake that fails", ProbeEnd::failed, Protocol::unknown, "failed: words",
         "versions of TLS");
 }
 
@@ -244,7 +244,7 @@ void TestHostCheckWay::certificate_data()
     QTest::addColumn<CertificateFacts>("facts");
     addColumns();
     const QString advice = QStringLiteral("does not verify");
-    QTest::newRow("sound") << soundCertificate() << Judgement::ok
+    QTest::newRow("sound") << soundCertificate() << Severity::ok
                            << QStringLiteral("cloud.example, issued by An Authority, valid from "
                                              "2024-04-21 to 2024-05-11, key RSA, 2048 bits, for "
                                              "cloud.example")
@@ -252,11 +252,11 @@ void TestHostCheckWay::certificate_data()
     CertificateFacts objected = soundCertificate();
     objected.complaints = QStringList{QStringLiteral("One"), QStringLiteral("Two")};
     QTest::newRow("with objections")
-        << objected << Judgement::warning << QStringLiteral("One; Two [cloud.example") << advice;
+        << objected << Severity::warning << QStringLiteral("One; Two [cloud.example") << advice;
     CertificateFacts old = soundCertificate();
     old.valid_until = now.addSecs(-1);
     QTest::newRow("expired, and another objection hides it")
-        << old << Judgement::warning << QStringLiteral("The certificate has expired") << advice;
+        << old << Severity::warning << QStringLiteral("The certificate has expired") << advice;
 }
 
 void TestHostCheckWay::certificate()
@@ -272,21 +272,21 @@ void TestHostCheckWay::plainHttp_data()
 {
     QTest::addColumn<TlsFacts>("facts");
     addColumns();
-    const auto row = [](const char* title, ProbeEnd end, Spoken spoken, Judgement judgement,
+    const auto row = [](const char* title, ProbeEnd end, Protocol protocol, Severity severity,
                         const char* text, const char* advice) {
         TlsFacts facts;
         facts.end = end;
-        facts.spoken = spoken;
+        facts.protocol = protocol;
         facts.reason = QStringLiteral("words");
-        QTest::newRow(title) << facts << judgement << QString::fromLatin1(text)
+        QTest::newRow(title) << facts << severity << QString::fromLatin1(text)
                              << QString::fromLatin1(advice);
     };
-    row("plain HTTP", ProbeEnd::done, Spoken::http, Judgement::warning, "not encrypted", "https");
-    row("TLS", ProbeEnd::failed, Spoken::tls, Judgement::failure, "speaks TLS", "https://");
-    row("something else", ProbeEnd::done, Spoken::other, Judgement::failure, "neither", "port");
-    row("silence", ProbeEnd::timed_out, Spoken::unknown, Judgement::warning, "within 3 s", "");
-    row("the end of the connection", ProbeEnd::failed, Spoken::unknown, Judgement::warning, "words",
-        "");
+    row("plain HTTP", ProbeEnd::done, Protocol::http, Severity::warning, "not encrypted", "https");
+    row("TLS", ProbeEnd::failed, Protocol::tls, Severity::failure, "speaks TLS", "https://");
+    row("something else", ProbeEnd::done, Protocol::other, Severity::failure, "neither", "port");
+    row("silence", ProbeEnd::timed_out, Protocol::unknown, Severity::warning, "within 3 s", "");
+    row("the end of the connection", ProbeEnd::failed, Protocol::unknown, Severity::warning,
+        "words", "");
 }
 
 void TestHostCheckWay::plainHttp()

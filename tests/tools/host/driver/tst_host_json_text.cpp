@@ -1,4 +1,4 @@
-#include "tools/host/driver/answer_json.h"
+#include "tools/host/driver/driver_session.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
 #include "tools/host/service/catalogue.h"
-#include "tools/host/service/catalogue_progress.h"
+#include "tools/host/service/catalogue_fetch.h"
 
 #include <QTemporaryFile>
 #include <QtTest>

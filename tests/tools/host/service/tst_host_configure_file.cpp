@@ -1,5 +1,5 @@
 #include "tools/host/config/config_file.h"
-#include "tools/host/service/configure_names.h"
+#include "tools/host/service/configure_choice.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/output.h"
 

@@ -1,4 +1,4 @@
-#include "tools/host/value/hex_bytes.h"
+#include "tools/host/value/host_value.h"
 
 #include <QtTest>
 

@@ -1,6 +1,7 @@
 #include "tools/host/commands.h"
 #include "tools/host/config/config_file.h"
 #include "tools/host/service/catalogue.h"
+#include "tools/host/service/catalogue_fetch.h"
 #include "tools/host/service/configure_choice.h"
 #include "tools/host/service/configure_dialogue.h"
 #include "tools/host/terminal/exit_code.h"

@@ -34,6 +34,11 @@ StopBitsType QextSerialPort::stopBits() const
     return STOP_1;
 }
 
+ulong QextSerialPort::lastError() const
+{
+    return 0;
+}
+
 void QextSerialPort::flush() {}
 
 qint64 QextSerialPort::readData(char* data, qint64 max_size)

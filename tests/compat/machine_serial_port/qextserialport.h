@@ -24,6 +24,12 @@ enum StopBitsType
     STOP_1
 };
 
+enum
+{
+    E_IO_ERROR = 8,
+    E_READ_FAILED = 13
+};
+
 /// Stands for the serial port library of a machine that has one, as far as links and drivers need
 /// it: the library must then be built without a class of that name of its own.
 class QextSerialPort : public QIODevice
@@ -46,6 +52,7 @@ public:
     ParityType parity() const;
     StopBitsType stopBits() const;
     void flush();
+    ulong lastError() const;
 
 protected:
     qint64 readData(char* data, qint64 max_size);

@@ -33,7 +33,7 @@ struct DeviceSetup
     /// Reads options and configuration, loads the library and starts the log. Throws UsageError.
     /// \param addresses as for deviceConfig().
     DeviceSetup(const config::CommonOptions& common, const QStringList& addresses,
-                terminal::Context& context);
+                terminal::Context& used);
 
     /// Opens the link; false: it has been said why not.
     bool open(DeviceHost& host);

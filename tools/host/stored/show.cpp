@@ -136,7 +136,9 @@ OrderedJson jsonOf(const File& file, const OrderedJson& record)
 void hide(OrderedJson* record, const std::vector<const char*>& names)
 {
     for (const char* name : names) {
-        if (record->contains(name) && !record->at(name).is_null() && record->at(name) != "")
+        const auto member = record->find(name);
+        const bool is_there = member != record->end() && !member->is_null();
+        if (is_there && *member != OrderedJson(std::string()))
             (*record)[name] = {{"hidden", true}};
     }
 }

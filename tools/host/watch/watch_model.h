@@ -31,7 +31,7 @@ public:
     /// Takes the answer for the item at \a index, which was asked for after the driver's numbers:
     /// what they call older than any value is what the driver's cache began with. True: it is
     /// another one than before.
-    bool take(int index, const driver::Answer& answer, const QDateTime& now);
+    bool take(int index, const driver::Answer& given, const QDateTime& now);
     /// Ends a round: the driver's status is the first one of the round that is not 0. True: it is
     /// another one than before.
     bool endRound(const QDateTime& now);

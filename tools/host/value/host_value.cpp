@@ -99,6 +99,13 @@ EncodedValue outOfRange(const ItemType& type, const QString& text, int base)
                           .arg(text, QLatin1String(type.name), shown(type.low), shown(type.high)));
 }
 
+bool isHexDigit(QChar character)
+{
+    const ushort code = character.unicode();
+    const ushort lower = ushort(code | 0x20);
+    return (code >= '0' && code <= '9') || (lower >= 'a' && lower <= 'f');
+}
+
 /// Whether \a text is a sign, where one is allowed, and digits of the base: then a failed
 /// conversion means that the number is too long, not that it is none.
 bool consistsOfDigits(const QString& text, int base)
@@ -109,9 +116,8 @@ bool consistsOfDigits(const QString& text, int base)
                           : 0;
     for (int i = first; i < text.size(); ++i) {
         const ushort code = text.at(i).unicode();
-        const bool decimal = code >= '0' && code <= '9';
-        const ushort lower = ushort(code | 0x20);
-        if (!decimal && !(base == 16 && lower >= 'a' && lower <= 'f'))
+        const bool is_decimal = code >= '0' && code <= '9';
+        if (!is_decimal && !(base == 16 && isHexDigit(text.at(i))))
             return false;
     }
     return text.size() > first;
@@ -286,13 +292,6 @@ QString hexText(const QByteArray& bytes)
 }
 
 namespace {
-
-bool isHexDigit(QChar character)
-{
-    const ushort code = character.unicode();
-    const ushort lower = ushort(code | 0x20);
-    return (code >= '0' && code <= '9') || (lower >= 'a' && lower <= 'f');
-}
 
 HexBytes failure(const QString& problem)
 {

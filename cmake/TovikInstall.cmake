@@ -19,6 +19,7 @@ set(TOVIK_PUBLIC_HEADERS
   interface/drv_interface.h
   interface/drv_serial.h
   interface/drvlib.h
+  interface/traffic.h
   property/property_tovik_iot.h
   property/property_tovik_iot_dataitem.h
   property/property_tovik_iot_group.h

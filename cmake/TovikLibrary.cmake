@@ -10,6 +10,7 @@ set(TOVIK_SHARED_SOURCES
   interface/drv_ethernet.h interface/drv_ethernet.cpp
   interface/drv_interface.h interface/drv_interface.cpp
   interface/drv_serial.h interface/drv_serial.cpp
+  interface/traffic.h interface/traffic.cpp
   property/checked_value.h property/checked_value.cpp
   property/list_stream.h
   property/members.h

@@ -35,6 +35,55 @@ void takeSettings(const DrvBase& link, DriverBasic* driver)
     driver->link_param_b_ = link.link_param_b;
 }
 
+TrafficListener* listenerOf(const DriverBasic& driver)
+{
+    if (driver.serial_)
+        return traffic::listenerOf(*driver.serial_);
+    return driver.ethernet_ ? traffic::listenerOf(*driver.ethernet_) : 0;
+}
+
+void tell(const DriverBasic& driver, Traffic::Kind kind, const QByteArray& bytes)
+{
+    TrafficListener* const listener = bytes.isEmpty() ? 0 : listenerOf(driver);
+    if (listener)
+        listener->hear(Traffic(kind, bytes));
+}
+
+void tellEnd(const DriverBasic& driver)
+{
+    if (TrafficListener* const listener = listenerOf(driver))
+        listener->hear(Traffic(Traffic::ended, QByteArray(), driver.error_code_));
+}
+
+/// Throws away what has come before, and sends.
+void send(const DriverBasic& driver, const QByteArray& request)
+{
+    const bool is_heard = listenerOf(driver) != 0;
+    tell(driver, Traffic::discarded, link_io::discard(driver.serial_, driver.ethernet_, is_heard));
+    if (link_io::send(driver.device_, request))
+        tell(driver, Traffic::sent, request);
+}
+
+QByteArray take(const DriverBasic& driver)
+{
+    const QByteArray response = link_io::take(driver.device_);
+    tell(driver, Traffic::taken, response);
+    return response;
+}
+
+/// Tells how an exchange has ended, wherever it ends.
+class EndTeller
+{
+public:
+    explicit EndTeller(const DriverBasic& driver) : driver_(driver) {}
+    ~EndTeller() { tellEnd(driver_); }
+
+private:
+    Q_DISABLE_COPY(EndTeller)
+
+    const DriverBasic& driver_;
+};
+
 /// What became of an exchange whose answer was not accepted.
 /// \param code what recv_abnormal_handler() said
 int judgeFailure(int wait_code, int code, int received, int expected)
@@ -88,8 +137,7 @@ int waitUntil(const DriverBasic& driver, IsThere is_there, int* ready)
 /// Returns how many unchanged polls are enough on this link.
 int sendTransparently(const DriverBasic& driver, const QByteArray& request)
 {
-    link_io::discard(driver.serial_, driver.ethernet_);
-    link_io::send(driver.device_, request);
+    send(driver, request);
     if (!driver.serial_) {
         link_io::waitUntilSent(driver.device_, longest_transparent_write);
         return stable_polls_of_tcp;
@@ -257,6 +305,21 @@ bool DriverBasic::isLinkLost() const
     return link_io::isLost(device_);
 }
 
+QByteArray DriverBasic::takeInput()
+{
+    const QByteArray bytes = device_ ? link_io::takeHeld(device_) : QByteArray();
+    tell(*this, Traffic::taken, bytes);
+    return bytes;
+}
+
+void DriverBasic::setTrafficListener(TrafficListener* listener)
+{
+    if (serial_)
+        traffic::setListener(serial_, listener);
+    else if (ethernet_)
+        traffic::setListener(ethernet_, listener);
+}
+
 void DriverBasic::pauseThread(int milliseconds)
 {
     link_io::pause(milliseconds);
@@ -265,6 +328,7 @@ void DriverBasic::pauseThread(int milliseconds)
 void DriverBasic::doCmdSM(E_CMD_DIR dir, QString address, int field1, int data_length,
                           QByteArray* data, int station_no, int extra1, int extra2)
 {
+    const EndTeller end(*this);
     QByteArray request;
     QByteArray response;
     link_io::pause(request_delay_);
@@ -276,12 +340,11 @@ void DriverBasic::doCmdSM(E_CMD_DIR dir, QString address, int field1, int data_l
         error_code_ = invalid_length;
         return;
     }
-    link_io::discard(serial_, ethernet_);
-    link_io::send(device_, request);
+    send(*this, request);
     int ready = 0;
     const int wait_code = request_send_wait(request.size(), expected, &ready);
     if (ready != 0)
-        response = link_io::take(device_);
+        response = take(*this);
 
     const bool complete = wait_code == success && response.size() == expected;
     if (!complete) {
@@ -325,9 +388,10 @@ void DriverBasic::RunTransparentRequest(const QByteArray& request)
     if (device_) {
         const int stable_limit = sendTransparently(*this, request);
         if (waitUntilStable(*this, stable_limit))
-            response = link_io::take(device_);
+            response = take(*this);
         else
             error_code_ = no_answer_in_time;
     }
+    tellEnd(*this);
     Q_EMIT SigTransparentResponse(response, error_code_);
 }

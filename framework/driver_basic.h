@@ -5,6 +5,7 @@
 #include "interface/drv_ethernet.h"
 #include "interface/drv_interface.h"
 #include "interface/drv_serial.h"
+#include "interface/traffic.h"
 
 #include <QByteArray>
 #include <QMap>
@@ -52,6 +53,9 @@ enum E_CMD_DIR
 /// an event loop, and a host must not emit its next request on the driver from a slot that
 /// SigResponse calls directly: either would wait for the lock that its own thread holds.
 ///
+/// **Traffic.** A listener hears every byte that goes either way, and how each exchange ends:
+/// setTrafficListener(), or for a host that has only the link traffic::setListener().
+///
 /// **Errors.** Nothing here throws, and no hook may.
 class TOVIK_EXPORT DriverBasic : public DrvInterface
 {
@@ -86,6 +90,11 @@ public:
     /// Whether a host offers this mode is the driver's word: override
     /// IsTransparentModeSupported() to return true.
     void RunTransparentRequest(const QByteArray& request);
+
+    /// Has \a listener hear what is sent and taken on the link, and the code of each exchange;
+    /// null: nobody. Not owned: it must live as long as the driver. To be called in the driver's
+    /// thread, between requests. Does nothing without a link.
+    void setTrafficListener(TrafficListener* listener);
 
     /// Appends the request frame to \a request.
     ///
@@ -214,6 +223,9 @@ protected:
     /// Whether the link is closed, closing or lost; a link that is still connecting is not. What
     /// had come before can be read all the same.
     bool isLinkLost() const;
+    /// Takes what has come, as far as Qt has fetched it, for a driver that looks for its answer by
+    /// itself: it leaves nothing for doCmdSM() to take. The traffic's listener hears of it.
+    QByteArray takeInput();
     /// Pauses the driver's thread so long; nothing ends the pause early.
     static void pauseThread(int milliseconds);
 

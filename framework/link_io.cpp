@@ -14,15 +14,6 @@ namespace link_io {
 
 namespace {
 
-/// All that Qt holds for the device. Its readAll() makes room for 16 KiB first and copies all of
-/// that to a smaller place afterwards: for an answer of a few bytes the most expensive part of a
-/// request.
-QByteArray takeHeld(QIODevice* device)
-{
-    const qint64 held = available(device);
-    return held > 0 ? device->read(held) : QByteArray();
-}
-
 /// The device as a socket whose connection the kernel has; else null.
 QAbstractSocket* connectedSocket(QIODevice* device)
 {
@@ -134,26 +125,26 @@ void waitForInput(QIODevice* device, int milliseconds)
         waitForDevice(device, time);
 }
 
-void discard(DrvSerial* serial, DrvEthernet* ethernet)
+QByteArray discard(DrvSerial* serial, DrvEthernet* ethernet, bool is_wanted)
 {
-    if (!serial) {
-        take(ethernet);
-        return;
-    }
+    if (!serial)
+        return take(ethernet);
+    const QByteArray known = is_wanted ? takeHeld(serial) : QByteArray();
     serial->flush();
     // What a driver has peeked at is in none of the port's buffers any more; the port class of the
     // machine's own library leaves it where it is.
-    takeHeld(serial);
+    return known + takeHeld(serial);
 }
 
-void send(QIODevice* device, const QByteArray& bytes)
+bool send(QIODevice* device, const QByteArray& bytes)
 {
     if (!isUp(device) || !device->isWritable())
-        return;
+        return false;
     device->write(bytes);
     // Without an event loop a socket sends nothing by itself; a serial port has sent already.
     if (QAbstractSocket* socket = connectedSocket(device))
         socket->flush();
+    return true;
 }
 
 void waitUntilSent(QIODevice* device, int milliseconds)
@@ -172,6 +163,12 @@ void waitUntilSent(QIODevice* device, int milliseconds)
     }
 }
 
+QByteArray takeHeld(QIODevice* device)
+{
+    const qint64 held = device->isReadable() ? available(device) : 0;
+    return held > 0 ? device->read(held) : QByteArray();
+}
+
 QByteArray take(QIODevice* device)
 {
     if (!device || !device->isReadable())
@@ -181,7 +178,7 @@ QByteArray take(QIODevice* device)
     else if (!qobject_cast<QextSerialPort*>(device))
         return device->readAll(); // which asks a device that does not count its bytes
     // The far end may just have closed: what it had sent before can still be read.
-    return device->isReadable() ? takeHeld(device) : QByteArray();
+    return takeHeld(device);
 }
 
 } // namespace link_io

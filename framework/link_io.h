@@ -31,17 +31,26 @@ void waitForInput(QIODevice* device, int milliseconds);
 
 /// Throws away what waits on the link: on a serial line also what has not been sent yet, on a TCP
 /// link what Qt and the kernel hold at this moment.
-void discard(DrvSerial* serial, DrvEthernet* ethernet);
+/// \param is_wanted on a serial line: whether somebody wants to know what that is
+/// \return what has been thrown away, as far as it is known
+QByteArray discard(DrvSerial* serial, DrvEthernet* ethernet, bool is_wanted = false);
 
 /// Hands all of \a bytes to the link; sends what the line takes at once. A socket that is still
 /// connecting sends them when the connection is there.
-void send(QIODevice* device, const QByteArray& bytes);
+/// \return false: the link is down, and has got nothing
+bool send(QIODevice* device, const QByteArray& bytes);
 
 /// Waits until everything has been sent, at most so long.
 void waitUntilSent(QIODevice* device, int milliseconds);
 
 /// All that can be read at this moment.
 QByteArray take(QIODevice* device);
+
+/// All that Qt has fetched already, without a question to the kernel.
+///
+/// readAll() makes room for 16 KiB first and copies all of that to a smaller place afterwards: for
+/// an answer of a few bytes the most expensive part of a request.
+QByteArray takeHeld(QIODevice* device);
 
 } // namespace link_io
 

@@ -63,11 +63,10 @@ bool ModbusDriver::collect()
 {
     if (is_transparent_)
         return false;
-    // Much cheaper than readAll(), which makes room for 16 KiB first.
-    const qint64 held = device_->isReadable() ? device_->bytesAvailable() : 0;
-    if (held <= 0)
+    const QByteArray bytes = takeInput();
+    if (bytes.isEmpty())
         return false;
-    framing_->add(device_->read(held));
+    framing_->add(bytes);
     line_idle_.start();
     return true;
 }

@@ -18,6 +18,7 @@ public:
     using DriverBasic::isLinkLost;
     using DriverBasic::pauseThread;
     using DriverBasic::stopRequested;
+    using DriverBasic::takeInput;
     using DriverBasic::waitForBytes;
     using DriverBasic::waitForLine;
     using DriverBasic::waitForLinkInput;

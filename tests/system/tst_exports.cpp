@@ -21,6 +21,9 @@ const char* const classes[] = {
 };
 
 const char* const functions[] = {
+    "traffic::setListener(DrvBase*, TrafficListener*)",
+    "traffic::listenerOf(DrvBase const&)",
+    "Traffic::Traffic(Traffic::Kind, QByteArray const&, int, QString const&)",
     "result_code::textOf(int, result_code::Words const*)",
     "TovikIotWarningMsg(QString, QString)",
     "operator<<(QDataStream&, PropertyTovikIot const&)",
@@ -93,6 +96,8 @@ const char* const other_members[] = {
     "DriverBasic::waitForBytes(int, int*)",
     "DriverBasic::waitForLine(QByteArray const&, int*)",
     "DriverBasic::isLinkLost() const",
+    "DriverBasic::takeInput()",
+    "DriverBasic::setTrafficListener(TrafficListener*)",
     "DrvBase::DrvBase()",
     "DrvBase::~DrvBase()",
     "DrvBase::GetDriverSpecificData(QString const&)",

@@ -1,0 +1,51 @@
+#include "interface/traffic.h"
+
+#include "interface/drv_base.h"
+
+#include <time.h>
+
+namespace {
+
+QString listenerKey()
+{
+    return QLatin1String("traffic_listener");
+}
+
+/// Qt's own clocks are cut to milliseconds, or say no date.
+qint64 now()
+{
+    timespec time = {0, 0};
+    clock_gettime(CLOCK_REALTIME, &time);
+    return qint64(time.tv_sec) * 1000000 + time.tv_nsec / 1000;
+}
+
+} // namespace
+
+Traffic::Traffic(Kind a_kind, const QByteArray& some_bytes, int a_code, const QString& a_text)
+    : kind(a_kind),
+      time(now()),
+      bytes(some_bytes),
+      code(a_code),
+      text(a_text),
+      number(0)
+{}
+
+namespace traffic {
+
+void setListener(DrvBase* link, TrafficListener* listener)
+{
+    if (listener)
+        link->driver_specific_data[listenerKey()] = QVariant::fromValue(listener);
+    else
+        link->driver_specific_data.remove(listenerKey());
+}
+
+TrafficListener* listenerOf(const DrvBase& link)
+{
+    // Not by the look-up of the link itself, which inserts what it does not find.
+    if (link.driver_specific_data.isEmpty())
+        return 0;
+    return link.driver_specific_data.value(listenerKey()).value<TrafficListener*>();
+}
+
+} // namespace traffic

@@ -12,6 +12,7 @@ class DrvBase;
 /// Something that a driver says of its traffic, to whoever listens.
 struct TOVIK_EXPORT Traffic
 {
+    /// What is told.
     enum Kind
     {
         // A device's link.
@@ -19,7 +20,7 @@ struct TOVIK_EXPORT Traffic
         taken,     ///< These bytes have come from the device.
         discarded, ///< These bytes had come before the request, and are thrown away.
         ended,     ///< An exchange is over, with this code.
-               // A service: one request after the other, each with these moments in this order.
+                   // A service: one request after the other, each with these moments in this order.
         asked,     ///< A request begins. Text: method and address. Bytes: its body.
         named,     ///< The service's name has been looked up. Text: its addresses.
         connected, ///< To the service; to the millisecond, and not told behind a proxy.
@@ -33,12 +34,12 @@ struct TOVIK_EXPORT Traffic
     explicit Traffic(Kind a_kind, const QByteArray& some_bytes = QByteArray(), int a_code = 0,
                      const QString& a_text = QString());
 
-    Kind kind;
-    qint64 time; ///< Microseconds since 1970, UTC.
+    Kind kind;        ///< What is told.
+    qint64 time;      ///< Microseconds since 1970, UTC.
     QByteArray bytes; ///< Those that the kind says; else none.
     int code;         ///< As well; else 0.
-    QString text; ///< See the kinds; empty where they say nothing.
-    int number; ///< Which of the client's requests it is, from 1; 0 on a device's link.
+    QString text;     ///< See the kinds; empty where they say nothing.
+    int number;       ///< Which of the client's requests it is, from 1; 0 on a device's link.
 };
 
 /// Hears what a driver sends and takes, with the moments. docs/writing-a-driver.md has one.

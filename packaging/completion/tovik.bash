@@ -37,7 +37,7 @@ _tovik_goes_on() {
 _tovik_meaning() {
   # Any other word would be taken for a part of the script.
   [[ $2 =~ ^--?[a-z0-9-]+$ ]] || return 0
-  sed -n "s/^  \(-[a-z],\)\{0,1\}$2 \([^ ][^ ]*\).*/\2/p" <<<"$1" | grep -v '^Excludes:\|^Needs:'
+  sed -n "s/^  \(-[a-zA-Z],\)\{0,1\}$2 \([^ ][^ ]*\).*/\2/p" <<<"$1" | grep -v '^Excludes:\|^Needs:'
 }
 
 # Values of $3, an option's meaning, that begin with $1; $2 is the option. Fails if there is none
@@ -95,14 +95,14 @@ _tovik_host() {
     *,*ITEM*VALUE*)
       items=$(_tovik_items)
       grep -qxF -- "$previous" <<<"$items" || _tovik_reply "$current" "$items" ;;
-    *,*ITEM* | *,*ADDRESS*) _tovik_reply "$current" "$(_tovik_items)" ;;
+    *,*ITEM*) _tovik_reply "$current" "$(_tovik_items)" ;;
     *,*IN* | *,*OLD*) _tovik_files "$current" ;;
   esac
 }
 
 # All options of help text $1.
 _tovik_options() {
-  sed -n 's/^  \(-[a-z],\)\{0,1\}\(--[a-z0-9-]*\).*/\2/p' <<<"$1"
+  sed -n 's/^  \(-[a-zA-Z],\)\{0,1\}\(--[a-z0-9-]*\).*/\2/p' <<<"$1"
 }
 
 _tovik_cloud() {

@@ -11,7 +11,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-OPTION = re.compile(r"^  (?:-[a-z],)?(--[a-z0-9-]+)", re.MULTILINE)
+OPTION = re.compile(r"^  (?:-[a-zA-Z],)?(--[a-z0-9-]+)", re.MULTILINE)
 
 
 def printed(*command):

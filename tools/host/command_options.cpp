@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tovik_host {
@@ -11,6 +12,9 @@ namespace {
 
 const char link_group[] = "Device on a link";
 const char service_group[] = "Service";
+
+/// What keepBrackets() puts before a word; nobody types it.
+const char bracket_mark = '\x1f';
 
 /// The given options of a group, as they are written.
 QStringList givenOptions(const CLI::App* command, const std::string& group)
@@ -37,19 +41,37 @@ std::string refuseNoNumber(const std::string& value)
     return is_none ? "Value " + value + " is no number of seconds" : std::string();
 }
 
+QString textOf(const std::string& word)
+{
+    const bool is_marked = word.size() > 2 && word[0] == bracket_mark && word[1] == '[';
+    return QString::fromStdString(is_marked ? word.substr(1) : word);
+}
+
 } // namespace
+
+std::string keepBrackets(const std::string& word)
+{
+    return word.size() > 1 && word.front() == '[' && word.back() == ']' ? bracket_mark + word
+                                                                        : word;
+}
+
+std::string withoutMark(std::string text)
+{
+    text.erase(std::remove(text.begin(), text.end(), bracket_mark), text.end());
+    return text;
+}
 
 CLI::Option* addText(CLI::App* command, const char* name, QString& text, const char* description,
                      const char* type)
 {
-    const auto set = [&text](const std::string& word) { text = QString::fromStdString(word); };
+    const auto set = [&text](const std::string& word) { text = textOf(word); };
     return command->add_option_function<std::string>(name, set, description)->type_name(type);
 }
 
 CLI::Option* addText(CLI::App* command, const char* name, std::optional<QString>& text,
                      const char* description, const char* type)
 {
-    const auto set = [&text](const std::string& word) { text = QString::fromStdString(word); };
+    const auto set = [&text](const std::string& word) { text = textOf(word); };
     return command->add_option_function<std::string>(name, set, description)->type_name(type);
 }
 
@@ -59,7 +81,7 @@ CLI::Option* addTexts(CLI::App* command, const char* name, QStringList& texts,
     const auto set = [&texts](const std::vector<std::string>& words) {
         texts.clear();
         for (const std::string& word : words)
-            texts << QString::fromStdString(word);
+            texts << textOf(word);
     };
     return command->add_option_function<std::vector<std::string>>(name, set, description)
         ->type_name(type);

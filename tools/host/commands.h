@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace CLI {
 class App;
@@ -35,6 +36,12 @@ void addConfigure(CLI::App& app, Run& run);
 void addDiff(CLI::App& app, Run& run);
 void addConvert(CLI::App& app, Run& run);
 void addShow(CLI::App& app, Run& run);
+
+/// \a word so that the command-line library takes it as it is: what stands in brackets would be a
+/// list. What addText() and addTexts() give has them back.
+std::string keepBrackets(const std::string& word);
+/// A text of the library, with such words as they were.
+std::string withoutMark(std::string text);
 
 // Options that commands share. They go straight into what they are given, which has to live until
 // the line is parsed.

@@ -20,6 +20,15 @@ const char exit_text[] =
     "Exit codes: 0 done; 1 the service, the device or the item says no, or the time ran out;\n"
     "2 usage, configuration or library is wrong.";
 
+/// The command line without the program, last word first, as the library wants it.
+std::vector<std::string> wordsOf(int argc, char** argv)
+{
+    std::vector<std::string> words;
+    for (int i = argc - 1; i > 0; --i)
+        words.push_back(keepBrackets(argv[i]));
+    return words;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -34,7 +43,7 @@ int main(int argc, char** argv)
                            addConfigure, addDiff, addConvert, addShow})
         add(app, run);
     try {
-        app.parse(argc, argv);
+        app.parse(wordsOf(argc, argv));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? terminal::exitDone : terminal::exitUsage;
     }

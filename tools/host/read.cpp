@@ -93,11 +93,9 @@ int Read::runOfService() const
 {
     terminal::Context context;
     const driver::ServiceSetup setup(common, context);
-    QVector<config::ItemConfig> requested;
-    for (const QString& name : items)
-        requested << setup.item(name);
-    const driver::FirstValues first = driver::fetchFirstValues(
-        setup.plugin, setup.config, requested, context.unix_signals, int(common.timeout * 1000));
+    const driver::FirstValues first =
+        driver::fetchFirstValues(setup.plugin, setup.config, setup.chosen(items),
+                                 context.unix_signals, int(common.timeout * 1000));
     bool complete = true;
     for (const driver::FirstValue& value : first.values) {
         const QString problem = problemOf(value, first);
@@ -137,7 +135,8 @@ void addRead(CLI::App& app, Run& run)
         app.add_subcommand("read", "Read items once, as the service or the device has them");
     command->footer(read_text);
     addTexts(command, "ITEM", options->items,
-             "Names of items; of a device without --config: addresses")
+             "Names of items, or patterns of them with * ? []; of a device without --config: "
+             "addresses")
         ->required();
     addCommon(command, options->common);
     addService(command, options->common);

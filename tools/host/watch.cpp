@@ -16,23 +16,27 @@ namespace {
 const char watch_text[] =
     "Reads all items again and again and shows what changes: a live table on a terminal,\n"
     "a line for every change elsewhere. Ends with Ctrl-C or after --seconds.\n"
-    "An item shows a value once the service has delivered one. When none has ever come, the exit\n"
-    "code is 1. A link that is lost is opened again; until then the status is offline.\n"
+    "An item shows a value once the service has delivered one, and says so when no news of it\n"
+    "has come for a while. When no value has ever come, the exit code is 1. A link that is lost\n"
+    "is opened again; until then the status is offline.\n"
     "\n"
     "Example:\n"
     "  tovik-host watch --config plant.json --seconds 60 --json\n"
+    "  tovik-host watch 'Pump.*' --config plant.json --count 1 --strict\n"
     "With a device:\n"
     "  tovik-host watch 4x1 4x10=32Bit-FLOAT --library ./libmodbus_drv.so.1 \\\n"
     "      --link tcp:192.168.1.5:502 --interval 1000";
 
-/// Reads every item once and tells the view.
+/// Reads every item once, or until the goal is reached, and tells the view.
 /// \param clock a steady one, for what happens in a time
-void readRound(driver::DriverSession& session, const QElapsedTimer& clock, watch::WatchModel& model,
-               watch::WatchView& view)
+void readRound(driver::DriverSession& session, const QElapsedTimer& clock,
+               const watch::WatchGoal& goal, watch::WatchModel& model, watch::WatchView& view)
 {
     const QDateTime now = QDateTime::currentDateTime();
     model.takeNumbers(session.numbers(), clock.elapsed());
-    for (int i = 0; i < model.items().size(); ++i) {
+    for (const int i : model.judgeAges(now))
+        view.staleChanged(model, i, now);
+    for (int i = 0; i < model.items().size() && !goal.isReached(model); ++i) {
         const config::ItemConfig& item = model.items().at(i).item;
         if (model.take(i, session.read(item.name, item.length), now))
             view.valueChanged(model.items().at(i));
@@ -42,15 +46,15 @@ void readRound(driver::DriverSession& session, const QElapsedTimer& clock, watch
     view.roundDone(model, now);
 }
 
-/// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
+/// Runs rounds until a signal, the end of the time, until nobody reads the output any more, or
+/// until a round says that it was the last one.
 void watchUntilEnd(terminal::Context& context, double seconds, int interval,
-                   const std::function<void()>& round)
+                   const std::function<bool()>& round)
 {
     QEventLoop loop;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
-        round();
-        if (context.out.broken())
+        if (round() || context.out.broken())
             loop.quit();
     });
     QObject::connect(&context.unix_signals, &terminal::UnixSignals::endAsked, &loop,
@@ -59,8 +63,7 @@ void watchUntilEnd(terminal::Context& context, double seconds, int interval,
     if (seconds > 0)
         QTimer::singleShot(int(seconds * 1000), &loop, &QEventLoop::quit);
     timer.start(interval);
-    round();
-    if (!context.unix_signals.endRequested() && !context.out.broken())
+    if (!round() && !context.unix_signals.endRequested() && !context.out.broken())
         loop.exec();
 }
 
@@ -72,7 +75,7 @@ class DeviceWatch
 {
 public:
     DeviceWatch(driver::DeviceSetup& setup, driver::DeviceHost& host, watch::WatchView& view,
-                bool tells_of_link);
+                const watch::WatchGoal& goal, bool tells_of_link);
 
     /// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
     void run(double seconds, int interval);
@@ -88,6 +91,7 @@ private:
     driver::DeviceSetup& setup_;
     driver::DeviceHost& host_;
     watch::WatchView& view_;
+    const watch::WatchGoal& goal_;
     watch::WatchModel model_;
     QElapsedTimer since_drawing_;
     bool time_is_up_ = false;
@@ -96,17 +100,19 @@ private:
 };
 
 DeviceWatch::DeviceWatch(driver::DeviceSetup& setup, driver::DeviceHost& host,
-                         watch::WatchView& view, bool tells_of_link)
+                         watch::WatchView& view, const watch::WatchGoal& goal, bool tells_of_link)
     : setup_(setup),
       host_(host),
       view_(view),
+      goal_(goal),
       model_(setup.config.items, QDateTime::currentDateTime()),
       tells_of_link_(tells_of_link)
 {}
 
 bool DeviceWatch::ended() const
 {
-    return time_is_up_ || setup_.context.unix_signals.endRequested() || setup_.context.out.broken();
+    return time_is_up_ || goal_.isReached(model_) || setup_.context.unix_signals.endRequested() ||
+           setup_.context.out.broken();
 }
 
 void DeviceWatch::draw()
@@ -173,8 +179,10 @@ void DeviceWatch::run(double seconds, int interval)
 struct Watch
 {
     config::CommonOptions common;
-    QStringList items;  ///< Of a device only.
+    QStringList items;
     double seconds = 0; ///< 0: until a signal.
+    int stale = 3;      ///< Cycles without news after which a value is stale; 0: never.
+    watch::WatchGoal goal;
     int interval = 500; ///< Milliseconds between the rounds of reads.
     double metrics = 0; ///< Seconds between reports of the driver's numbers; 0: none.
 
@@ -197,12 +205,14 @@ int Watch::runOfService() const
     const driver::ServiceSetup setup(common, context);
     const std::unique_ptr<watch::WatchView> view = watch::makeWatchView(common, context);
     const QDateTime start = QDateTime::currentDateTime();
-    watch::WatchModel model(setup.config.items, start);
+    const QVector<config::ItemConfig> watched =
+        items.isEmpty() ? setup.config.items : setup.chosen(items);
+    watch::WatchModel model(watched, start, stale);
     view->start({setup.plugin.path(), setup.plugin.versionText(), setup.shownUrl(),
                  setup.config.service.project},
                 start);
     {
-        driver::DriverSession session(setup.plugin, setup.config, setup.config.items);
+        driver::DriverSession session(setup.plugin, setup.config, watched);
         QElapsedTimer clock;
         clock.start();
         QTimer reports;
@@ -215,9 +225,12 @@ int Watch::runOfService() const
             if (!session.numbers().isAny())
                 context.warn(QStringLiteral("this driver has no metrics"));
         }
-        watchUntilEnd(context, seconds, interval, [&] { readRound(session, clock, model, *view); });
+        watchUntilEnd(context, seconds, interval, [&] {
+            readRound(session, clock, goal, model, *view);
+            return goal.isReached(model);
+        });
     }
-    return watch::endWatch(*view, model.hasHadValues(), context);
+    return watch::endWatch(*view, model, goal, context);
 }
 
 int Watch::runOfDevice() const
@@ -230,20 +243,16 @@ int Watch::runOfDevice() const
     terminal::Context context;
     driver::DeviceSetup setup(common, items, context);
     const std::unique_ptr<watch::WatchView> view = watch::makeWatchView(common, context);
-    bool has_had_values = false;
-    {
-        driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
-        if (!setup.open(host))
-            return terminal::exitRefused;
-        view->start({setup.plugin.path(), setup.plugin.versionText(), QString(), QString(),
-                     driver::linkText(setup.config.link)},
-                    QDateTime::currentDateTime());
-        DeviceWatch device_watch(setup, host, *view,
-                                 !watch::isWatchedOnTerminal(common) && !common.verbose);
-        device_watch.run(seconds, interval);
-        has_had_values = device_watch.model().hasHadValues();
-    }
-    return watch::endWatch(*view, has_had_values, context);
+    driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
+    if (!setup.open(host))
+        return terminal::exitRefused;
+    view->start({setup.plugin.path(), setup.plugin.versionText(), QString(), QString(),
+                 driver::linkText(setup.config.link)},
+                QDateTime::currentDateTime());
+    DeviceWatch device_watch(setup, host, *view, goal,
+                             !watch::isWatchedOnTerminal(common) && !common.verbose);
+    device_watch.run(seconds, interval);
+    return watch::endWatch(*view, device_watch.model(), goal, context);
 }
 
 } // namespace
@@ -253,8 +262,9 @@ void addWatch(CLI::App& app, Run& run)
     const auto options = std::make_shared<Watch>();
     CLI::App* command = app.add_subcommand("watch", "Show items live as the driver serves them");
     command->footer(watch_text);
-    addTexts(command, "ADDRESS", options->items,
-             "Of a device: addresses, or with --config names of items");
+    addTexts(command, "ITEM", options->items,
+             "Names of items, or patterns of them with * ? [] (default: all); of a device without "
+             "--config: addresses");
     addCommon(command, options->common);
     addService(command, options->common);
     addSeconds(command, "--seconds", options->seconds, "End after this time", 1000000);
@@ -262,7 +272,18 @@ void addWatch(CLI::App& app, Run& run)
         ->type_name("MS")
         ->check(CLI::Range(20, 3600000))
         ->capture_default_str();
+    command->add_option("-C,--count", options->goal.count, "End after so many values")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+    command->add_flag("--strict", options->goal.is_strict,
+                      "End with 1 if a value was stale or bad at any time");
     command->add_flag("--json", options->common.json, "One line of JSON for every change");
+    markOfService(command
+                      ->add_option("--stale", options->stale,
+                                   "A value is stale after so many cycles without news; 0: never")
+                      ->type_name("CYCLES")
+                      ->check(CLI::Range(0, 1000000))
+                      ->capture_default_str());
     markOfService(addSeconds(command, "--metrics", options->metrics,
                              "Also report cycle time, reads per second, errors and ages so often"));
     addLink(command, options->common.link);
@@ -270,9 +291,6 @@ void addWatch(CLI::App& app, Run& run)
     markOfDevice(addTimeout(command, options->common.timeout, "Longest wait for the link"));
     command->callback([command, options, &run] {
         complete(command, options->common);
-        QStringList& of_device = options->common.device_options;
-        if (!options->items.isEmpty())
-            of_device << QStringLiteral("\"%1\"").arg(options->items.first());
         run = [options] { return options->run(); };
     });
 }

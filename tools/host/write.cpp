@@ -42,6 +42,15 @@ QByteArray encoded(const config::ItemConfig& item, const QString& value)
     return encoded.bytes;
 }
 
+config::ItemConfig onlyOne(const QVector<config::ItemConfig>& items, const QString& named)
+{
+    if (items.size() == 1)
+        return items.first();
+    throw terminal::UsageError(QStringLiteral("\"%1\" is %2 items; one is written at a time")
+                                   .arg(named)
+                                   .arg(items.size()));
+}
+
 QString doneText(const config::ItemConfig& item, const QByteArray& bytes, const QString& done)
 {
     return QStringLiteral("%1 = %2  %3")
@@ -60,7 +69,7 @@ int Write::runOfService() const
 {
     terminal::Context context;
     const driver::ServiceSetup setup(common, context);
-    const config::ItemConfig& to = setup.item(item);
+    const config::ItemConfig to = onlyOne(setup.chosen({item}), item);
     const QByteArray bytes = encoded(to, value);
     QString problem = driver::sendValue(context, setup, to, bytes, int(common.timeout * 1000));
     if (problem.isEmpty() && confirm > 0)
@@ -78,7 +87,7 @@ int Write::runOfDevice() const
 {
     terminal::Context context;
     driver::DeviceSetup setup(common, {item}, context);
-    const config::ItemConfig& to = setup.config.items.first();
+    const config::ItemConfig to = onlyOne(setup.config.items, item);
     const QByteArray bytes = encoded(to, value);
     driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
     if (!setup.open(host))

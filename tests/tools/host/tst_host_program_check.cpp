@@ -172,7 +172,7 @@ void TestHostProgramCheck::wrongUsage_data()
     QTest::addColumn<QString>("message");
     QTest::newRow("a pattern that matches nothing")
         << QStringList{latin1("--items"), latin1("X*")}
-        << latin1("tovik-host: --items: no item matches \"X*\"\n");
+        << latin1("tovik-host: --items: the configuration has no item \"X*\"\n");
     QTest::newRow("no time") << QStringList{latin1("--timeout"), latin1("0")}
                              << latin1("--timeout");
     QTest::newRow("an address with a path")

@@ -61,8 +61,8 @@ void TestHostProgramDeviceUsage::refuses_data()
         "tcp:HOST:PORT or --link serial:DEVICE");
     row("link's time for a service", "watch --config SERVICE --timeout 5",
         "tovik-host: --timeout is for a device on a link");
-    row("item to watch of a service", "watch a --config SERVICE",
-        "tovik-host: \"a\" is for a device on a link");
+    row("item that a service does not have", "watch pump --config SERVICE",
+        "tovik-host: the configuration has no item \"pump\"");
     row("raw to a service", "raw 01 --config SERVICE",
         "tovik-host: raw is for a device on a link, and there is none");
     row("device with a service's configuration", "read a --link tcp:h:1 --config SERVICE",

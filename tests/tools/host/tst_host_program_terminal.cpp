@@ -150,7 +150,7 @@ void TestHostProgramTerminal::drawsATableInPlace()
     QVERIFY(program.waitFor("Driver   7.8.9"));
     QVERIFY(program.waitFor("Status   ok, since "));
     QVERIFY(program.waitFor("\033[1mITEM "));
-    QVERIFY(program.waitFor("Waiting  2 of 2 items have no value yet"));
+    QVERIFY(program.waitFor("Values   2 of 2 have not come yet"));
     QVERIFY(program.waitFor("Pumpengeschwindigkeit  16Bit-INT  \u2013 "));
     QVERIFY(program.waitFor("LOG OF THE DRIVER"));
     // The next drawing goes back up over the first one, whose height the log decides.

@@ -18,6 +18,14 @@ private Q_SLOTS:
     void endsOnSignal();
     void endsWhenNobodyReads();
     void saysThatTheDriverIsMute();
+    void saysWhenValuesAreStale_data();
+    void saysWhenValuesAreStale();
+    void saysAsJsonWhenValuesAreStale();
+    void failsStrictly_data();
+    void failsStrictly();
+    void endsAfterSoManyValues();
+    void watchesChosenItems_data();
+    void watchesChosenItems();
 };
 
 namespace {
@@ -67,8 +75,8 @@ void TestHostProgramWatch::printsJsonForEveryChange()
     host.addItem(QStringLiteral("T"), QStringLiteral("hex:fc"), QStringLiteral("String"));
     host.addItem(QStringLiteral("Z"), QStringLiteral("bad"), QStringLiteral("Bit"));
     host.start(watch + QStringList{QStringLiteral("--json")});
-    QVERIFY(host.waitForOutput(QStringLiteral("0x400F0007\",\"status_text\":\"service error 7\"}\n"
-                                              "{\"event\":\"status\"")));
+    QVERIFY(host.waitForOutput(QStringLiteral("0x400F0007\",\"status_text\":\"service error 7\","
+                                              "\"stale\":false}\n{\"event\":\"status\"")));
     host.sendSignal(SIGTERM);
     QCOMPARE(host.wait(), 0);
     const QVector<nlohmann::json> lines = host.outputJson();
@@ -159,6 +167,138 @@ void TestHostProgramWatch::saysThatTheDriverIsMute()
     QCOMPARE(host.run(watch + QStringList{QStringLiteral("--seconds"), QStringLiteral("0.2")}), 1);
     QCOMPARE(withoutTimes(host.outputLines()).mid(1),
              QStringList({QStringLiteral("A: the driver does not answer"), QStringLiteral("end")}));
+}
+
+void TestHostProgramWatch::saysWhenValuesAreStale_data()
+{
+    QTest::addColumn<QString>("cycles");
+    QTest::addColumn<QStringList>("lines");
+    const QString over = QStringLiteral("A: no longer stale");
+    QTest::newRow("after three cycles")
+        << QStringLiteral("3") << QStringList{QStringLiteral("A: stale, no news for 4.0 s"), over};
+    QTest::newRow("after one") << QStringLiteral("1")
+                               << QStringList{QStringLiteral("A: stale, no news for 2.0 s"), over};
+    QTest::newRow("never") << QStringLiteral("0") << QStringList();
+}
+
+void TestHostProgramWatch::saysWhenValuesAreStale()
+{
+    QFETCH(QString, cycles);
+    QFETCH(QStringList, lines);
+    HostProcess host(QStringLiteral("stalls"));
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    QCOMPARE(host.run(watch + QStringList{QStringLiteral("--stale"), cycles,
+                                          QStringLiteral("--seconds"), QStringLiteral("1.5")}),
+             0);
+    QCOMPARE(withoutTimes(host.outputLines()).filter(QStringLiteral("stale")), lines);
+}
+
+void TestHostProgramWatch::saysAsJsonWhenValuesAreStale()
+{
+    HostProcess host(QStringLiteral("stalls"));
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    QCOMPARE(host.run(watch + QStringList{QStringLiteral("--json"), QStringLiteral("--seconds"),
+                                          QStringLiteral("1.5")}),
+             0);
+    std::vector<bool> stale;
+    for (const nlohmann::json& line : host.outputJson()) {
+        if (line.at("event") == "value")
+            QVERIFY(!line.at("stale").get<bool>());
+        if (line.at("event") != "stale")
+            continue;
+        QCOMPARE(line.at("item").get<std::string>(), std::string("A"));
+        stale.push_back(line.at("stale").get<bool>());
+        QCOMPARE(line.at("age_seconds").get<double>(), stale.back() ? 4.0 : 0.0);
+    }
+    QCOMPARE(stale, std::vector<bool>({true, false}));
+}
+
+void TestHostProgramWatch::failsStrictly_data()
+{
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("message");
+    const QStringList strict = {QStringLiteral("--strict")};
+    QTest::newRow("all is well") << QStringLiteral("plant") << strict << 0 << QString();
+    QTest::newRow("stale") << QStringLiteral("stalls") << strict << 1
+                           << QStringLiteral("tovik-host: --strict: A was stale at ");
+    QTest::newRow("stale without the option")
+        << QStringLiteral("stalls") << QStringList() << 0 << QString();
+    QTest::newRow("error at first") << QStringLiteral("late") << strict << 1
+                                    << QStringLiteral("tovik-host: --strict: A was service not "
+                                                      "reachable");
+}
+
+void TestHostProgramWatch::failsStrictly()
+{
+    QFETCH(QString, project);
+    QFETCH(QStringList, options);
+    QFETCH(int, code);
+    QFETCH(QString, message);
+    HostProcess host(project);
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
+    QCOMPARE(
+        host.run(watch + options + QStringList{QStringLiteral("--seconds"), QStringLiteral("1.5")}),
+        code);
+    const QString errors = host.errors();
+    QVERIFY2(errors.startsWith(message) && errors.isEmpty() == message.isEmpty(),
+             qPrintable(errors));
+}
+
+void TestHostProgramWatch::endsAfterSoManyValues()
+{
+    const auto run = [](const char* id, const QStringList& options) {
+        HostProcess host;
+        host.addItem(QStringLiteral("A"), QString::fromLatin1(id), QStringLiteral("16Bit-INT"));
+        const int code = host.run(watch + options);
+        return QStringLiteral("%1 %2 %3")
+            .arg(code)
+            .arg(host.outputLines().filter(QStringLiteral("A = ")).size())
+            .arg(host.errors().trimmed());
+    };
+    const QStringList three = {QStringLiteral("-C"), QStringLiteral("3")};
+    // One line says that the value is waited for.
+    QCOMPARE(run("hex:0500/0600", three), QStringLiteral("0 4 "));
+    QCOMPARE(run("hex:0500", three + QStringList{QStringLiteral("--seconds"), QStringLiteral("1")}),
+             QStringLiteral("1 2 tovik-host: 1 of 3 values have come in time"));
+}
+
+void TestHostProgramWatch::watchesChosenItems_data()
+{
+    QTest::addColumn<QStringList>("wanted");
+    QTest::addColumn<QStringList>("lines");
+    const QString one = QStringLiteral("Pump.One = 1  [01 00]  ok");
+    const QString two = QStringLiteral("Pump.Two = 2  [02 00]  ok");
+    const QString light = QStringLiteral("[Light] = 3  [03 00]  ok");
+    QTest::newRow("by name") << QStringList{QStringLiteral("Pump.Two")} << QStringList{two};
+    QTest::newRow("by pattern") << QStringList{QStringLiteral("Pump.*")} << QStringList{one, two};
+    QTest::newRow("in brackets") << QStringList{QStringLiteral("[Light]")} << QStringList{light};
+    QTest::newRow("characters in brackets")
+        << QStringList{QStringLiteral("[[]L*")} << QStringList{light};
+    QTest::newRow("several, each once")
+        << QStringList{QStringLiteral("[Light]"), QStringLiteral("*One"), QStringLiteral("*[t]]")}
+        << QStringList{light, one};
+}
+
+void TestHostProgramWatch::watchesChosenItems()
+{
+    QFETCH(QStringList, wanted);
+    QFETCH(QStringList, lines);
+    HostProcess host;
+    host.addItem(QStringLiteral("Pump.One"), QStringLiteral("hex:0100"),
+                 QStringLiteral("16Bit-INT"));
+    host.addItem(QStringLiteral("Pump.Two"), QStringLiteral("hex:0200"),
+                 QStringLiteral("16Bit-INT"));
+    host.addItem(QStringLiteral("[Light]"), QStringLiteral("hex:0300"),
+                 QStringLiteral("16Bit-INT"));
+    const QString count = QString::number(lines.size());
+    QCOMPARE(host.run(QStringList{QStringLiteral("watch")} + wanted +
+                      QStringList{QStringLiteral("--count"), count}),
+             0);
+    QStringList values = withoutTimes(host.outputLines()).filter(QStringLiteral("  ok"));
+    values = values.filter(QStringLiteral("  ["));
+    QCOMPARE(values, lines);
 }
 
 QTEST_GUILESS_MAIN(TestHostProgramWatch)

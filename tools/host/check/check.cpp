@@ -4,13 +4,13 @@
 #include "tools/host/check/check_step.h"
 #include "tools/host/check/check_way.h"
 #include "tools/host/check/probe.h"
+#include "tools/host/config/item_choice.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/service/cloud_client.h"
 #include "tools/host/terminal/exit_code.h"
 
 #include <memory>
 
-#include <fnmatch.h>
 #include <unistd.h>
 
 namespace tovik_host::check {
@@ -20,28 +20,16 @@ namespace {
 /// Time-outs in a row after which the other items are left alone.
 const int most_timeouts = 3;
 
-/// The items whose names match one of \a patterns, in their order. Throws UsageError when a pattern
-/// matches none.
-QVector<config::ItemConfig> matchingItems(const QVector<config::ItemConfig>& items,
-                                          const QStringList& patterns)
+/// The items of a configuration that \a patterns mean, in its order. Throws UsageError.
+QVector<config::ItemConfig> itemsFor(const QVector<config::ItemConfig>& all,
+                                     const QStringList& patterns)
 {
-    QVector<bool> is_wanted(items.size(), patterns.isEmpty());
-    for (const QString& pattern : patterns) {
-        bool is_met = false;
-        for (int i = 0; i < items.size(); ++i) {
-            const bool matches = ::fnmatch(pattern.toUtf8().constData(),
-                                           items.at(i).name.toUtf8().constData(), 0) == 0;
-            is_wanted[i] = is_wanted.at(i) || matches;
-            is_met = is_met || matches;
-        }
-        if (!is_met)
-            throw terminal::UsageError(
-                QStringLiteral("--items: no item matches \"%1\"").arg(pattern));
-    }
+    const QVector<config::ItemConfig> chosen =
+        config::chosenItems(all, patterns, QStringLiteral("--items: the configuration"));
     QVector<config::ItemConfig> wanted;
-    for (int i = 0; i < items.size(); ++i) {
-        if (is_wanted.at(i))
-            wanted << items.at(i);
+    for (const config::ItemConfig& item : all) {
+        if (patterns.isEmpty() || config::findItem(chosen, item.name))
+            wanted << item;
     }
     return wanted;
 }
@@ -53,7 +41,7 @@ public:
     Walk(const config::CommonOptions& common, const QStringList& items)
         : config_(driver::hostConfig(common, context_)),
           url_(config_.service.url),
-          items_(matchingItems(config_.items, items)),
+          items_(itemsFor(config_.items, items)),
           timeout_(common.timeout),
           as_json_(common.json)
     {

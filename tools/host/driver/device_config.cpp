@@ -1,6 +1,7 @@
 #include "tools/host/driver/device_config.h"
 
 #include "tools/host/config/config_file.h"
+#include "tools/host/config/item_choice.h"
 #include "tools/host/terminal/exit_code.h"
 
 namespace tovik_host::driver {
@@ -43,25 +44,6 @@ QVector<config::ItemConfig> itemsOf(const QStringList& addresses,
         throw terminal::UsageError(
             QStringLiteral("--length is for texts: give --type String with it; the "
                            "other types have lengths of their own"));
-    }
-    return items;
-}
-
-QVector<config::ItemConfig> itemsNamed(const QStringList& names,
-                                       const QVector<config::ItemConfig>& all, const QString& path)
-{
-    if (names.isEmpty())
-        return all;
-    QVector<config::ItemConfig> items;
-    for (const QString& name : names) {
-        const config::ItemConfig* item = config::findItem(all, name);
-        if (!item) {
-            throw terminal::UsageError(
-                QStringLiteral("%1 has no item \"%2\"; with --config items are named, "
-                               "without it they are addressed")
-                    .arg(path, name));
-        }
-        items << *item;
     }
     return items;
 }
@@ -137,7 +119,12 @@ DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList
     } else {
         file = config::loadDeviceFile(common.config, common.request);
         *warnings << file.warnings;
-        config.items = itemsNamed(addresses, file.items, common.config);
+        config.items =
+            addresses.isEmpty()
+                ? file.items
+                : config::chosenItems(file.items, addresses, common.config,
+                                      QStringLiteral("; with --config items are named, without it "
+                                                     "they are addressed"));
     }
     config.link = linkOf(common, file);
     fill(&config, file.link);

@@ -1,6 +1,7 @@
 #include "tools/host/driver/setup.h"
 
 #include "tools/host/config/config_file.h"
+#include "tools/host/config/item_choice.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/status_text.h"
 
@@ -72,11 +73,9 @@ ServiceSetup::ServiceSetup(const config::CommonOptions& common, terminal::Contex
     context.log.start(common.log, common.verbose);
 }
 
-const config::ItemConfig& ServiceSetup::item(const QString& name) const
+QVector<config::ItemConfig> ServiceSetup::chosen(const QStringList& names) const
 {
-    if (const config::ItemConfig* found = config::findItem(config, name))
-        return *found;
-    throw terminal::UsageError(QStringLiteral("the configuration has no item \"%1\"").arg(name));
+    return config::chosenItems(config.items, names, QStringLiteral("the configuration"));
 }
 
 QString ServiceSetup::shownUrl() const

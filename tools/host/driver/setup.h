@@ -18,8 +18,8 @@ struct ServiceSetup
     /// Loads the configuration and the library, and starts the log. Throws UsageError.
     ServiceSetup(const config::CommonOptions& common, terminal::Context& context);
 
-    /// The item of that name. Throws UsageError when the configuration has none.
-    const config::ItemConfig& item(const QString& name) const;
+    /// The items that \a names mean, by names or patterns. Throws UsageError for one without any.
+    QVector<config::ItemConfig> chosen(const QStringList& names) const;
     /// The service's address without a password, for showing.
     QString shownUrl() const;
 

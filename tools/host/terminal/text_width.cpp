@@ -129,4 +129,15 @@ bool isNear(const QString& written, const QString& meant)
            editDistance(written, meant) <= allowed;
 }
 
+QString nearText(const QString& written, const QStringList& names)
+{
+    QString nearest;
+    for (const QString& name : names) {
+        if (isNear(written, name) &&
+            (nearest.isEmpty() || editDistance(written, name) < editDistance(written, nearest)))
+            nearest = name;
+    }
+    return nearest.isEmpty() ? QString() : QStringLiteral("; %1?").arg(nearest);
+}
+
 } // namespace tovik_host::terminal

@@ -31,6 +31,8 @@ int editDistance(const QString& one, const QString& other);
 
 /// Whether a typing mistake may have made \a written of \a meant.
 bool isNear(const QString& written, const QString& meant);
+/// "; NAME?" for the one of \a names that may be meant; empty if none is near.
+QString nearText(const QString& written, const QStringList& names);
 
 } // namespace tovik_host::terminal
 

@@ -65,8 +65,18 @@ void JsonView::valueChanged(const ItemState& state)
 {
     value::OrderedJson line = event("value", state.changed_at);
     driver::addAnswer(line, state.item, state.answer, state.value);
+    line["stale"] = state.is_stale;
     if (state.is_waited_for)
         line["problem"] = "no value yet";
+    output_.line(value::jsonLine(line));
+}
+
+void JsonView::staleChanged(const WatchModel& model, int index, const QDateTime& now)
+{
+    value::OrderedJson line = event("stale", now);
+    line["item"] = model.items().at(index).item.name.toStdString();
+    line["stale"] = model.items().at(index).is_stale;
+    line["age_seconds"] = seconds(model.ageOf(index));
     output_.line(value::jsonLine(line));
 }
 

@@ -59,6 +59,15 @@ void LineView::valueChanged(const ItemState& state)
                                     value::statusWord(state.answer.status)));
 }
 
+void LineView::staleChanged(const WatchModel& model, int index, const QDateTime& now)
+{
+    const ItemState& state = model.items().at(index);
+    line(now, state.is_stale ? QStringLiteral("%1: stale, no news for %2 s")
+                                   .arg(state.item.name)
+                                   .arg(model.ageOf(index).value_or(0) / 1000.0, 0, 'f', 1)
+                             : QStringLiteral("%1: no longer stale").arg(state.item.name));
+}
+
 void LineView::statusChanged(const WatchModel& model)
 {
     line(model.statusSince(),

@@ -48,10 +48,14 @@ QString ageColumn(const WatchModel& model, int index, const QDateTime& now)
 Row rowOf(const WatchModel& model, int index, const QDateTime& now)
 {
     const ItemState& state = model.items().at(index);
-    const bool only_waits = state.is_waited_for && state.answer.status == 0;
-    const QString status = !state.answer.arrived ? QStringLiteral("no answer")
-                           : only_waits          ? QStringLiteral("no value yet")
-                                                 : value::statusWord(state.answer.status);
+    const bool is_fine = state.answer.status == 0;
+    QString status = value::statusWord(state.answer.status);
+    if (!state.answer.arrived)
+        status = QStringLiteral("no answer");
+    else if (state.is_waited_for && is_fine)
+        status = QStringLiteral("no value yet");
+    else if (state.is_stale)
+        status = is_fine ? QStringLiteral("stale") : status + QStringLiteral(" stale");
     return {terminal::printable(state.item.name),
             QString::fromLatin1(state.item.type->name),
             terminal::printable(state.value.value_or(value::noValue())),
@@ -109,6 +113,22 @@ QString joined(const Row& row, const Widths& widths, int columns)
     return terminal::clipped(terminal::trimmedRight(line), columns);
 }
 
+/// How many values are not there, or old; empty: none.
+QString missingText(const WatchModel& model)
+{
+    QStringList parts;
+    const int count = model.items().size();
+    if (model.waitingCount() > 0)
+        parts << QStringLiteral("%1 of %2 have not come yet").arg(model.waitingCount()).arg(count);
+    if (model.staleCount() > 0) {
+        parts << QStringLiteral("%1 of %2 stale, no news for %3 s")
+                     .arg(model.staleCount())
+                     .arg(count)
+                     .arg(model.staleAfter() / 1000);
+    }
+    return parts.join(QStringLiteral("; "));
+}
+
 void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const WatchModel& model,
                const QDateTime& now, ScreenSize size)
 {
@@ -126,15 +146,22 @@ void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const W
     add(QStringLiteral("Status   ") + value::statusTextWithCode(model.status(), model.statusOf()) +
             since,
         model.status() == 0 ? LineStyle::plain : LineStyle::trouble);
-    if (model.waitingCount() > 0)
-        add(QStringLiteral("Waiting  %1 of %2 items have no value yet")
-                .arg(model.waitingCount())
-                .arg(model.items().size()),
-            LineStyle::plain);
+    const QString missing = missingText(model);
+    if (!missing.isEmpty())
+        add(QStringLiteral("Values   ") + missing,
+            model.staleCount() > 0 ? LineStyle::stale : LineStyle::plain);
     const QString numbers = value::numbersText(model.numbers(), model.readsPerSecond(), now);
     if (!numbers.isEmpty() && size.rows >= rows_for_numbers)
         add(QStringLiteral("Metrics  ") + numbers, LineStyle::plain);
-    add(QString(), LineStyle::plain);
+    if (missing.isEmpty() || size.rows >= rows_for_numbers)
+        add(QString(), LineStyle::plain);
+}
+
+LineStyle styleOf(const ItemState& state)
+{
+    if (!state.answer.arrived || state.answer.status != 0)
+        return LineStyle::trouble;
+    return state.is_stale ? LineStyle::stale : LineStyle::plain;
 }
 
 void addItems(QVector<ScreenLine>& screen, const WatchModel& model, const QDateTime& now,
@@ -148,11 +175,7 @@ void addItems(QVector<ScreenLine>& screen, const WatchModel& model, const QDateT
     const bool all_fit = rows.size() <= room;
     const int shown = all_fit ? rows.size() : room - 1;
     for (int i = 0; i < shown; ++i) {
-        const bool trouble = i > 0 && (!model.items().at(i - 1).answer.arrived ||
-                                       model.items().at(i - 1).answer.status != 0);
-        const LineStyle style = i == 0    ? LineStyle::heading
-                                : trouble ? LineStyle::trouble
-                                          : LineStyle::plain;
+        const LineStyle style = i == 0 ? LineStyle::heading : styleOf(model.items().at(i - 1));
         screen << ScreenLine{joined(rows.at(i), widths, size.columns), style};
     }
     if (!all_fit) {

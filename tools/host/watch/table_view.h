@@ -14,6 +14,7 @@ enum class LineStyle
 {
     plain,
     heading,
+    stale,
     trouble,
     log
 };

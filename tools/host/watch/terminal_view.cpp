@@ -21,6 +21,8 @@ QLatin1String styleStart(LineStyle style)
     switch (style) {
     case LineStyle::heading:
         return QLatin1String("\033[1m");
+    case LineStyle::stale:
+        return QLatin1String("\033[33m");
     case LineStyle::trouble:
         return QLatin1String("\033[31m");
     case LineStyle::log:

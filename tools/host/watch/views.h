@@ -17,6 +17,7 @@ public:
 
     void start(const WatchSubject& subject, const QDateTime& now) override;
     void valueChanged(const ItemState& state) override;
+    void staleChanged(const WatchModel& model, int index, const QDateTime& now) override;
     void statusChanged(const WatchModel& model) override;
     void numbersDue(const WatchModel& model, const QDateTime& now) override;
     void end(const QDateTime& now) override;
@@ -34,6 +35,7 @@ public:
 
     void start(const WatchSubject& subject, const QDateTime& now) override;
     void valueChanged(const ItemState& state) override;
+    void staleChanged(const WatchModel& model, int index, const QDateTime& now) override;
     void statusChanged(const WatchModel& model) override;
     void numbersDue(const WatchModel& model, const QDateTime& now) override;
     void end(const QDateTime& now) override;

@@ -4,8 +4,10 @@
 
 namespace tovik_host::watch {
 
-WatchModel::WatchModel(const QVector<config::ItemConfig>& items, const QDateTime& now)
+WatchModel::WatchModel(const QVector<config::ItemConfig>& items, const QDateTime& now,
+                       int stale_cycles)
     : has_value_(items.size(), false),
+      stale_cycles_(stale_cycles),
       status_since_(now)
 {
     for (const config::ItemConfig& item : items) {
@@ -31,6 +33,10 @@ bool WatchModel::take(int index, const driver::Answer& given, const QDateTime& n
     status_of_ = answer.status_of;
     if (round_status_ == 0)
         round_status_ = answer.status;
+    if (!answer.arrived)
+        keepTrouble(state, QStringLiteral("not answered by the driver"), now);
+    else if (answer.status != 0)
+        keepTrouble(state, value::statusTextWithCode(answer.status, answer.status_of), now);
     if (!changed)
         return false;
     has_value_[index] = true;
@@ -38,15 +44,53 @@ bool WatchModel::take(int index, const driver::Answer& given, const QDateTime& n
     state.value = answer.arrived && answer.has_value && !is_waited_for
                       ? value::decodeValue(*state.item.type, answer.bytes)
                       : std::nullopt;
-    has_had_values_ = has_had_values_ || state.value;
+    value_count_ += state.value ? 1 : 0;
+    if (!state.value && !is_waited_for)
+        keepTrouble(state, QStringLiteral("no value of its type"), now);
     state.changed_at = now;
     return true;
+}
+
+void WatchModel::keepTrouble(const ItemState& state, const QString& what, const QDateTime& now)
+{
+    if (first_trouble_.isEmpty()) {
+        first_trouble_ = QStringLiteral("%1 was %2 at %3")
+                             .arg(state.item.name, what, now.toString(QStringLiteral("HH:mm:ss")));
+    }
 }
 
 int WatchModel::waitingCount() const
 {
     return int(std::count_if(items_.begin(), items_.end(),
                              [](const ItemState& state) { return state.is_waited_for; }));
+}
+
+int WatchModel::staleCount() const
+{
+    return int(std::count_if(items_.begin(), items_.end(),
+                             [](const ItemState& state) { return state.is_stale; }));
+}
+
+int WatchModel::staleAfter() const
+{
+    // Cycles begin at whole seconds of the driver's clock.
+    const int cycle_seconds = qMax(1, (numbers_.cycle.value_or(0) + 999) / 1000);
+    return stale_cycles_ * cycle_seconds * 1000;
+}
+
+QVector<int> WatchModel::judgeAges(const QDateTime& now)
+{
+    QVector<int> changed;
+    for (int i = 0; i < items_.size(); ++i) {
+        ItemState& state = items_[i];
+        const bool is_stale = stale_cycles_ > 0 && ageOf(i).value_or(0) > staleAfter();
+        if (is_stale != state.is_stale)
+            changed << i;
+        state.is_stale = is_stale;
+        if (is_stale)
+            keepTrouble(state, QStringLiteral("stale"), now);
+    }
+    return changed;
 }
 
 bool WatchModel::endRound(const QDateTime& now)

@@ -20,13 +20,16 @@ struct ItemState
     std::optional<QString> value; ///< The answer's bytes as text, if they are a value of the type.
     QDateTime changed_at;         ///< When the bytes changed last.
     bool is_waited_for = false;   ///< The service has not delivered a value yet.
+    bool is_stale = false;        ///< The service has delivered nothing new for too long.
 };
 
 /// The watched items and the driver's status, as the rounds of reads show them.
 class WatchModel
 {
 public:
-    WatchModel(const QVector<config::ItemConfig>& items, const QDateTime& now);
+    /// \param stale_cycles after so many cycles without news a value is stale; 0: never
+    WatchModel(const QVector<config::ItemConfig>& items, const QDateTime& now,
+               int stale_cycles = 0);
 
     /// Takes the answer for the item at \a index, which was asked for after the driver's numbers:
     /// what they call older than any value is what the driver's cache began with. True: it is
@@ -37,12 +40,21 @@ public:
     bool endRound(const QDateTime& now);
     /// Takes the driver's numbers at a moment, in milliseconds of a steady clock.
     void takeNumbers(const value::DriverNumbers& numbers, qint64 moment);
+    /// Judges by these numbers which values are stale. Gives the indices of the items for which
+    /// that is not as it was.
+    QVector<int> judgeAges(const QDateTime& now);
 
     const QVector<ItemState>& items() const { return items_; }
     /// How many items have had no value yet.
     int waitingCount() const;
-    /// Whether any item has ever had a value.
-    bool hasHadValues() const { return has_had_values_; }
+    int staleCount() const;
+    /// Milliseconds without news after which a value is stale: so many cycles, each as long as the
+    /// latest whole one and a second at least; 0: no value ever is.
+    int staleAfter() const;
+    /// How many values have come; one that stays as it is has come once.
+    int valueCount() const { return value_count_; }
+    /// The first item that was stale or had an error, with what it was and when; empty: none.
+    const QString& firstTrouble() const { return first_trouble_; }
     int status() const { return status_; }
     value::StatusOf statusOf() const { return status_of_; }
     const QDateTime& statusSince() const { return status_since_; }
@@ -53,9 +65,13 @@ public:
     std::optional<int> ageOf(int index) const { return numbers_.ages.value(index); }
 
 private:
+    void keepTrouble(const ItemState& state, const QString& what, const QDateTime& now);
+
     QVector<ItemState> items_;
     QVector<bool> has_value_;
-    bool has_had_values_ = false;
+    int stale_cycles_;
+    int value_count_ = 0;
+    QString first_trouble_;
     int status_ = 0;
     int round_status_ = 0;
     value::StatusOf status_of_ = value::StatusOf::service;

@@ -1,6 +1,7 @@
 #include "tools/host/watch/watch_view.h"
 
 #include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/text_width.h"
 #include "tools/host/watch/views.h"
 
 namespace tovik_host::watch {
@@ -25,12 +26,35 @@ std::unique_ptr<WatchView> makeWatchView(const config::CommonOptions& common,
     return view;
 }
 
-int endWatch(WatchView& view, bool has_had_values, terminal::Context& context)
+namespace {
+
+/// Why the watch was in vain; empty: it was not.
+QString problemOf(const WatchModel& model, const WatchGoal& goal, bool is_interrupted)
+{
+    if (model.valueCount() == 0)
+        return QStringLiteral("no value has arrived");
+    if (goal.is_strict && !model.firstTrouble().isEmpty())
+        return QStringLiteral("--strict: ") + model.firstTrouble();
+    if (model.valueCount() < goal.count && !is_interrupted) {
+        return QStringLiteral("%1 of %2 values have come in time")
+            .arg(model.valueCount())
+            .arg(goal.count);
+    }
+    return QString();
+}
+
+} // namespace
+
+int endWatch(WatchView& view, const WatchModel& model, const WatchGoal& goal,
+             terminal::Context& context)
 {
     view.end(QDateTime::currentDateTime());
-    if (has_had_values || context.out.broken()) // whoever goes has seen enough
+    if (context.out.broken()) // whoever goes has seen enough
+        return context.codeAfterWriting(terminal::exitDone);
+    const QString problem = problemOf(model, goal, context.unix_signals.endRequested());
+    if (problem.isEmpty())
         return terminal::exitDone;
-    context.complain(QStringLiteral("no value has arrived"));
+    context.complain(terminal::printable(problem));
     return terminal::exitRefused;
 }
 

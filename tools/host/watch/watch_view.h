@@ -29,6 +29,8 @@ public:
 
     virtual void start(const WatchSubject& subject, const QDateTime& now) = 0;
     virtual void valueChanged(const ItemState&) {}
+    /// The value of the item at the index has become stale, or is no longer.
+    virtual void staleChanged(const WatchModel&, int, const QDateTime&) {}
     virtual void statusChanged(const WatchModel&) {}
     /// All items have been read, or a while has passed.
     virtual void roundDone(const WatchModel&, const QDateTime&) {}
@@ -42,9 +44,22 @@ public:
 std::unique_ptr<WatchView> makeWatchView(const config::CommonOptions& common,
                                          terminal::Context& context);
 
-/// Ends the view, and gives the program's exit code: a watch that has never had a value was in
-/// vain.
-int endWatch(WatchView& view, bool has_had_values, terminal::Context& context);
+/// What a watch is to come to.
+struct WatchGoal
+{
+    int count = 0;          ///< It ends after so many values; 0: it does not.
+    bool is_strict = false; ///< It fails if a value was stale or bad at any time.
+
+    bool isReached(const WatchModel& model) const
+    {
+        return count > 0 && model.valueCount() >= count;
+    }
+};
+
+/// Ends the view, and gives the program's exit code: a watch that has never had a value, or not
+/// what \a goal asks for, was in vain.
+int endWatch(WatchView& view, const WatchModel& model, const WatchGoal& goal,
+             terminal::Context& context);
 
 /// Whether makeWatchView() makes a table, beside which nothing else may be written.
 bool isWatchedOnTerminal(const config::CommonOptions& common);

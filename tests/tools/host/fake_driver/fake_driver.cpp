@@ -8,6 +8,7 @@ namespace {
 
 const int connect_milliseconds = 60;
 const int cycle_milliseconds = 80;
+const int stalled_cycles = 4;
 const int status_1 = 0x400F0001;
 const int status_7 = 0x400F0007;
 const int status_8 = 0x400F0008;
@@ -90,9 +91,11 @@ void FakeDriver::tell(const char* property, const QVariant& value)
 
 void FakeDriver::tellAges()
 {
+    const bool stalls = property_.project == QLatin1String("stalls");
+    const int age = stalls && cycles_ > 1 && cycles_ <= stalled_cycles ? 2000 * (cycles_ - 1) : 0;
     QVariantList ages;
     for (const PropertyTovikIotDataItem& item : qAsConst(property_.dataitems))
-        ages << (items_.value(item.name).has_value ? 0 : -1);
+        ages << (items_.value(item.name).has_value ? age : -1);
     tell("item_ages", ages);
     tell("cycle_count", whole_cycles_);
 }

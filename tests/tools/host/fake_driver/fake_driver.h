@@ -17,6 +17,7 @@
 ///   "refused"      the service refuses the login with error 1
 ///   "unreachable"  the service cannot be reached
 ///   "late"         the service cannot be reached at first; then the driver connects
+///   "stalls"       after its first cycle the service hangs a while: values age by 2 s a cycle
 ///   "mute"         no request is answered
 ///   "older"        the driver tells neither of its connection nor of writes or ages
 ///

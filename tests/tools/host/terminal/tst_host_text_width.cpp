@@ -13,6 +13,7 @@ private Q_SLOTS:
     void fits_data();
     void fits();
     void hidesControlCharacters();
+    void suggestsTheNearestName();
 };
 
 void TestHostTextWidth::fits_data()
@@ -50,6 +51,14 @@ void TestHostTextWidth::hidesControlCharacters()
     QCOMPARE(printable(QStringLiteral("a\033[2J\nb\u009bc")),
              QStringLiteral("a\u00b7[2J\u00b7b\u00b7c"));
     QCOMPARE(printable(QStringLiteral("Gr\u00fc\u00dfe")), QStringLiteral("Gr\u00fc\u00dfe"));
+}
+
+void TestHostTextWidth::suggestsTheNearestName()
+{
+    const QStringList names = {QStringLiteral("Boiler.Low"), QStringLiteral("Boiler.Flow")};
+    QCOMPARE(nearText(QStringLiteral("boiler.flow"), names), QStringLiteral("; Boiler.Flow?"));
+    QCOMPARE(nearText(QStringLiteral("boiler.lw"), names), QStringLiteral("; Boiler.Low?"));
+    QCOMPARE(nearText(QStringLiteral("Pump"), names), QString());
 }
 
 QTEST_APPLESS_MAIN(TestHostTextWidth)

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void marksTrouble();
     void namesTheLinkOfADevice();
     void countsItemsWithoutAValue();
+    void marksStaleItems();
     void neverExceedsItsSize_data();
     void neverExceedsItsSize();
     void dropsColumnsThatSayLeast();
@@ -122,7 +123,7 @@ void TestHostTableView::countsItemsWithoutAValue()
     model.take(1, {true, QByteArray(2, '\0'), 0}, start);
     model.endRound(start);
     const QStringList lines = texts(drawTable(WatchSubject(), model, {}, start, {100, 30}));
-    QCOMPARE(lines.at(3), QStringLiteral("Waiting  1 of 2 items have no value yet"));
+    QCOMPARE(lines.at(3), QStringLiteral("Values   1 of 2 have not come yet"));
     QCOMPARE(lines.at(6),
              QStringLiteral("a     16Bit-INT  \u2013             no value yet  never"));
     QCOMPARE(lines.at(7), QStringLiteral("b     16Bit-INT  0      00 00  ok            0.3 s"));
@@ -130,8 +131,36 @@ void TestHostTableView::countsItemsWithoutAValue()
     model.takeNumbers(numbers, 1000);
     model.take(0, {true, QByteArray(2, '\0'), 0}, start);
     QVERIFY(texts(drawTable(WatchSubject(), model, {}, start, {100, 30}))
-                .filter(QStringLiteral("Waiting"))
+                .filter(QStringLiteral("Values "))
                 .isEmpty());
+}
+
+void TestHostTableView::marksStaleItems()
+{
+    WatchModel model({item("a", "16Bit-INT"), item("b", "16Bit-INT"), item("c", "16Bit-INT")},
+                     start, 3);
+    value::DriverNumbers numbers;
+    numbers.tells_ages = true;
+    numbers.ages = {4000, 200, 5000};
+    model.takeNumbers(numbers, 0);
+    model.judgeAges(start);
+    model.take(0, {true, QByteArray(2, '\0'), 0}, start);
+    model.take(1, {true, QByteArray(2, '\0'), 0}, start);
+    model.take(2, {true, QByteArray(2, '\0'), 0x400F0256}, start);
+    const QVector<ScreenLine> screen = drawTable(WatchSubject(), model, {}, start, {100, 30});
+    QCOMPARE(screen.at(3).text, QStringLiteral("Values   2 of 3 stale, no news for 3 s"));
+    QCOMPARE(screen.at(3).style, LineStyle::stale);
+    QCOMPARE(screen.at(6).text,
+             QStringLiteral("a     16Bit-INT  0      00 00  stale             4.0 s"));
+    QCOMPARE(screen.at(6).style, LineStyle::stale);
+    QCOMPARE(screen.at(7).style, LineStyle::plain);
+    QCOMPARE(screen.at(8).text,
+             QStringLiteral("c     16Bit-INT  0      00 00  0x400F0256 stale  5.0 s"));
+    QCOMPARE(screen.at(8).style, LineStyle::trouble);
+    // On a low screen the line stands where the blank one was.
+    const QStringList low = texts(drawTable(WatchSubject(), model, {}, start, {100, 6}));
+    QCOMPARE(low.size(), 6);
+    QVERIFY(low.at(4).startsWith(QLatin1String("ITEM")));
 }
 
 void TestHostTableView::neverExceedsItsSize_data()

@@ -5,6 +5,8 @@
 using namespace tovik_host;
 using namespace tovik_host::watch;
 
+Q_DECLARE_METATYPE(tovik_host::driver::Answer)
+
 class TestHostWatchModel : public QObject
 {
     Q_OBJECT
@@ -16,6 +18,10 @@ private Q_SLOTS:
     void failureIsAChange();
     void statusIsFirstErrorOfRound();
     void cacheOfTheDriverIsNoValue();
+    void valueWithoutNewsIsStale();
+    void staleCountsInCyclesOfTheDriver();
+    void keepsTheFirstTrouble_data();
+    void keepsTheFirstTrouble();
 };
 
 namespace {
@@ -113,7 +119,7 @@ void TestHostWatchModel::cacheOfTheDriverIsNoValue()
     QVERIFY(!model.items().at(0).value);
     QVERIFY(model.items().at(0).answer.bytes.isEmpty());
     QVERIFY(!model.take(0, answer("0000"), start));
-    QVERIFY(!model.hasHadValues());
+    QCOMPARE(model.valueCount(), 0);
 
     numbers.ages = {20, std::nullopt};
     model.takeNumbers(numbers, 1000);
@@ -122,7 +128,72 @@ void TestHostWatchModel::cacheOfTheDriverIsNoValue()
     QVERIFY(!model.take(1, answer("0000"), start.addSecs(1)));
     QCOMPARE(model.waitingCount(), 1);
     QCOMPARE(model.items().at(0).value, std::optional<QString>(QStringLiteral("0")));
-    QVERIFY(model.hasHadValues());
+    QCOMPARE(model.valueCount(), 1);
+}
+
+void TestHostWatchModel::valueWithoutNewsIsStale()
+{
+    WatchModel model({item("a"), item("b")}, start, 3);
+    value::DriverNumbers numbers;
+    numbers.tells_ages = true;
+    const auto judge = [&](std::optional<int> a, std::optional<int> b) {
+        numbers.ages = {a, b};
+        model.takeNumbers(numbers, 0);
+        return model.judgeAges(start);
+    };
+    QCOMPARE(judge(3000, std::nullopt), QVector<int>());
+    QCOMPARE(judge(3001, std::nullopt), QVector<int>({0}));
+    QVERIFY(model.items().at(0).is_stale);
+    QCOMPARE(model.staleCount(), 1);
+    QCOMPARE(judge(9000, 9000), QVector<int>({1}));
+    QCOMPARE(judge(10, 9000), QVector<int>({0}));
+    QVERIFY(!model.items().at(0).is_stale);
+    QCOMPARE(model.firstTrouble(), QStringLiteral("a was stale at 12:00:00"));
+
+    WatchModel patient({item("a"), item("b")}, start, 0);
+    patient.takeNumbers(numbers, 0);
+    QCOMPARE(patient.judgeAges(start), QVector<int>());
+    QCOMPARE(patient.firstTrouble(), QString());
+}
+
+/// Cycles begin at whole seconds.
+void TestHostWatchModel::staleCountsInCyclesOfTheDriver()
+{
+    WatchModel model({item("a")}, start, 3);
+    value::DriverNumbers numbers;
+    QCOMPARE(model.staleAfter(), 3000);
+    const auto after = [&](int cycle) {
+        numbers.cycle = cycle;
+        model.takeNumbers(numbers, 0);
+        return model.staleAfter();
+    };
+    QCOMPARE(after(999), 3000);
+    QCOMPARE(after(1000), 3000);
+    QCOMPARE(after(1001), 6000);
+}
+
+void TestHostWatchModel::keepsTheFirstTrouble_data()
+{
+    QTest::addColumn<driver::Answer>("given");
+    QTest::addColumn<QString>("trouble");
+    QTest::newRow("none") << answer("0500") << QString();
+    QTest::newRow("no answer") << driver::Answer()
+                               << QStringLiteral("a was not answered by the driver at 12:00:00");
+    QTest::newRow("error") << answer("0500", 0x400F0007)
+                           << QStringLiteral("a was service error 7 (0x400F0007) at 12:00:00");
+    QTest::newRow("bytes of no value")
+        << answer("05") << QStringLiteral("a was no value of its type at 12:00:00");
+}
+
+void TestHostWatchModel::keepsTheFirstTrouble()
+{
+    QFETCH(driver::Answer, given);
+    QFETCH(QString, trouble);
+    WatchModel model({item("a")}, start);
+    model.take(0, given, start);
+    QCOMPARE(model.firstTrouble(), trouble);
+    model.take(0, answer("0600", 0x400F0001), start);
+    QVERIFY(trouble.isEmpty() || model.firstTrouble() == trouble);
 }
 
 QTEST_APPLESS_MAIN(TestHostWatchModel)

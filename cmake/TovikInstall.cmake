@@ -1,6 +1,6 @@
 # What `cmake --install` puts in place, by component: library; development (headers, a CMake package,
-# a pkg-config file); tools (the programs, with all that makes them at home on a machine);
-# documentation. The Debian packages in packaging/debian are these components.
+# a pkg-config file); tools (the programs, with all that makes them at home on a machine); modbus (the
+# Modbus driver); documentation. The Debian packages in packaging/debian are these components.
 include(CMakePackageConfigHelpers)
 
 set(TOVIK_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/tovik)

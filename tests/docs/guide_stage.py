@@ -118,8 +118,6 @@ class Stage:
             (release / name).symlink_to(self.build / name)
         (release / "tools/host").mkdir()
         (release / "tools/host/tovik-host").symlink_to(HERE / "patient_host.py")
-        (self.folder / "libmodbus_drv.so.1").symlink_to(
-            self.build / "examples/modbus/libmodbus_drv.so.1")
         programs = [str(release / "tools/host"), str(release / "tools/service")]
         self.environment["PATH"] = os.pathsep.join([*programs, self.environment["PATH"]])
 

@@ -122,8 +122,8 @@ void addCommon(CLI::App* command, config::CommonOptions& common)
     addText(command, "--config", common.config,
             "Configuration file (JSON); required unless --link is given", "FILE");
     addText(command, "--library", common.library,
-            "Driver library (default: libtovik_iot.so.1 beside this program; a device "
-            "needs its own)",
+            "Driver library, by its path or the name of an installed one, such as modbus_drv "
+            "(default: libtovik_iot.so.1 beside this program; a device needs its own)",
             "PATH");
     addLog(command, common.log, common.verbose, "Driver");
 }

@@ -20,7 +20,7 @@ const char raw_text[] =
     "characters each. A poll counts for its shortest time, so the wait may be twice as long.\n"
     "\n"
     "Example:\n"
-    "  tovik-host raw 01 03 00 00 00 0A C5 CD --library ./libmodbus_drv.so.1 \\\n"
+    "  tovik-host raw 01 03 00 00 00 0A C5 CD --library modbus_drv \\\n"
     "      --link serial:/dev/ttyUSB0,9600,8N1 --response-timeout 2000";
 
 QString subject()

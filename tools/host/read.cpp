@@ -21,7 +21,7 @@ const char read_text[] =
     "Example:\n"
     "  tovik-host read Pump.Speed Tank.Level --config plant.json\n"
     "With a device:\n"
-    "  tovik-host read 4x1 4x2=16Bit-INT --library ./libmodbus_drv.so.1 \\\n"
+    "  tovik-host read 4x1 4x2=16Bit-INT --library modbus_drv \\\n"
     "      --link serial:/dev/ttyUSB0,19200,8E1 --station 3";
 
 /// Why there is no value; empty when there is one.

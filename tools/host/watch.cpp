@@ -24,7 +24,7 @@ const char watch_text[] =
     "  tovik-host watch --config plant.json --seconds 60 --json\n"
     "  tovik-host watch 'Pump.*' --config plant.json --count 1 --strict\n"
     "With a device:\n"
-    "  tovik-host watch 4x1 4x10=32Bit-FLOAT --library ./libmodbus_drv.so.1 \\\n"
+    "  tovik-host watch 4x1 4x10=32Bit-FLOAT --library modbus_drv \\\n"
     "      --link tcp:192.168.1.5:502 --interval 1000";
 
 /// Reads every item once, or until the goal is reached, and tells the view.

@@ -19,7 +19,7 @@ const char write_text[] =
     "Example:\n"
     "  tovik-host write Pump.Speed 1200 --config plant.json --confirm 5\n"
     "With a device:\n"
-    "  tovik-host write 4x1 1200 --library ./libmodbus_drv.so.1 --link tcp:192.168.1.5:502";
+    "  tovik-host write 4x1 1200 --library modbus_drv --link tcp:192.168.1.5:502";
 
 struct Write
 {

@@ -24,7 +24,7 @@ run("configure the driver" ${CMAKE_COMMAND} -S ${WORK_DIR}/source -B ${WORK_DIR}
 run("build the driver" ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run("install the driver" ${CMAKE_COMMAND} --install ${WORK_DIR}/build --prefix ${PREFIX})
 foreach(name IN ITEMS libmodbus_drv.so.1 libmodbus_drv.so.1.0.0)
-  if(NOT EXISTS ${PREFIX}/${LIBDIR}/${name})
+  if(NOT EXISTS ${PREFIX}/${LIBDIR}/tovik/${name})
     message(FATAL_ERROR "${name} has not been installed")
   endif()
 endforeach()

@@ -110,7 +110,7 @@ DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList
     if (common.library.isEmpty()) {
         throw terminal::UsageError(
             QStringLiteral("a device on a link needs its driver: name the library "
-                           "with --library, such as --library ./libmodbus_drv.so.1"));
+                           "with --library, such as --library modbus_drv"));
     }
     config::DeviceFile file;
     DeviceConfig config;

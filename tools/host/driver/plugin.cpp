@@ -13,6 +13,24 @@ namespace tovik_host::driver {
 
 namespace {
 
+/// \a files in the folders of libraries that belong to a program in \a program_folder; \a below
+/// these in an installed tree, \a in_tree in the build tree.
+QStringList besideProgram(const QString& program_folder, const QStringList& files,
+                          const QString& below, const QString& in_tree)
+{
+    const QDir folder(program_folder);
+    const std::array<QString, 3> places = {QStringLiteral(TOVIK_HOST_LIBRARY_FOLDER) + below,
+                                           QStringLiteral("../lib") + below,
+                                           QStringLiteral("../..") + in_tree};
+    QStringList paths;
+    for (const QString& place : places) {
+        for (const QString& file : files)
+            paths << QDir::cleanPath(folder.absoluteFilePath(place) + QLatin1Char('/') + file);
+    }
+    paths.removeDuplicates();
+    return paths << files.first();
+}
+
 QString loaderError()
 {
     const char* text = dlerror(); // NOLINT(concurrency-mt-unsafe): one per thread
@@ -63,15 +81,20 @@ Plugin Plugin::loadFirst(const QStringList& candidates)
 
 QStringList Plugin::candidates(const QString& program_folder)
 {
-    const QString name = QStringLiteral("libtovik_iot.so.1");
-    const QDir folder(program_folder);
-    const std::array<QString, 3> relative = {QStringLiteral(TOVIK_HOST_LIBRARY_FOLDER),
-                                             QStringLiteral("../lib"), QStringLiteral("../..")};
-    QStringList paths;
-    for (const QString& place : relative)
-        paths << QDir::cleanPath(folder.absoluteFilePath(place) + QLatin1Char('/') + name);
-    paths.removeDuplicates();
-    return paths << name;
+    return besideProgram(program_folder, {QStringLiteral("libtovik_iot.so.1")}, QString(),
+                         QString());
+}
+
+QStringList Plugin::candidatesFor(const QString& name, const QString& program_folder)
+{
+    const bool is_file = name.contains(QLatin1Char('/')) || name.contains(QLatin1String(".so")) ||
+                         QFileInfo(name).isFile();
+    if (is_file)
+        return {name};
+    const QString file = QStringLiteral("lib%1.so").arg(name);
+    const QString example = QString(name).remove(QStringLiteral("_drv"));
+    return besideProgram(program_folder, {file + QLatin1String(".1"), file},
+                         QStringLiteral("/tovik"), QStringLiteral("/examples/") + example);
 }
 
 QString Plugin::versionText() const

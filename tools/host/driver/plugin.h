@@ -27,6 +27,10 @@ public:
     /// Where the driver library may be for a program in \a program_folder: beside an installed
     /// program, in the build tree, and wherever the loader looks.
     static QStringList candidates(const QString& program_folder);
+    /// Where the driver of a device may be that the user calls \a name: it itself if it is a path
+    /// or the name of a file, else "modbus_drv" stands for libmodbus_drv.so.1 in the folder of
+    /// drivers beside an installed program, in the build tree, and wherever the loader looks.
+    static QStringList candidatesFor(const QString& name, const QString& program_folder);
 
     /// The file that was loaded.
     QString path() const { return path_; }

@@ -14,9 +14,10 @@ namespace {
 
 Plugin pluginFor(const config::CommonOptions& common)
 {
-    if (!common.library.isEmpty())
-        return Plugin(common.library);
-    return Plugin::loadFirst(Plugin::candidates(QCoreApplication::applicationDirPath()));
+    const QString folder = QCoreApplication::applicationDirPath();
+    return Plugin::loadFirst(common.library.isEmpty()
+                                 ? Plugin::candidates(folder)
+                                 : Plugin::candidatesFor(common.library, folder));
 }
 
 DeviceConfig configFor(const config::CommonOptions& common, const QStringList& addresses,
@@ -87,7 +88,7 @@ DeviceSetup::DeviceSetup(const config::CommonOptions& common, const QStringList&
                          terminal::Context& used)
     : context(used),
       config(configFor(common, addresses, used)),
-      plugin(common.library)
+      plugin(pluginFor(common))
 {
     context.log.start(common.log, common.verbose);
 }

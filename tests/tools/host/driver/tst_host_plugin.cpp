@@ -12,6 +12,9 @@ class TestHostPlugin : public QObject
 
 private Q_SLOTS:
     void looksInUsualPlaces();
+    void findsADriverByItsName();
+    void takesAFileAsItIs_data();
+    void takesAFileAsItIs();
     void leavesTheLastCandidateToTheLoader();
 };
 
@@ -21,6 +24,38 @@ void TestHostPlugin::looksInUsualPlaces()
     QVERIFY(places.contains(QStringLiteral("/opt/tovik/tools/lib/libtovik_iot.so.1")));
     QVERIFY(places.contains(QStringLiteral("/opt/tovik/libtovik_iot.so.1")));
     QCOMPARE(places.last(), QStringLiteral("libtovik_iot.so.1"));
+}
+
+void TestHostPlugin::findsADriverByItsName()
+{
+    const QStringList places =
+        Plugin::candidatesFor(QStringLiteral("modbus_drv"), QStringLiteral("/opt/tovik/bin"));
+    QVERIFY(places.contains(QStringLiteral("/opt/tovik/lib/tovik/libmodbus_drv.so.1")));
+    QVERIFY(places.contains(QStringLiteral("/opt/tovik/lib/tovik/libmodbus_drv.so")));
+    QCOMPARE(places.last(), QStringLiteral("libmodbus_drv.so.1"));
+    QVERIFY(
+        Plugin::candidatesFor(QStringLiteral("modbus_drv"), QStringLiteral("/build/dev/tools/host"))
+            .contains(QStringLiteral("/build/dev/examples/modbus/libmodbus_drv.so.1")));
+}
+
+void TestHostPlugin::takesAFileAsItIs_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("path") << QStringLiteral("drivers/mine");
+    QTest::newRow("for the loader to find") << QStringLiteral("libmine.so.1");
+    QTest::newRow("file in the current folder") << QFile::decodeName("Makefile-of-a-test");
+}
+
+void TestHostPlugin::takesAFileAsItIs()
+{
+    QFETCH(QString, name);
+    const QTemporaryDir folder;
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(folder.path()));
+    QFile file(QStringLiteral("Makefile-of-a-test"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(Plugin::candidatesFor(name, QStringLiteral("/usr/bin")), QStringList(name));
+    QVERIFY(QDir::setCurrent(before));
 }
 
 void TestHostPlugin::leavesTheLastCandidateToTheLoader()

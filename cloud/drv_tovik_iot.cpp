@@ -61,9 +61,6 @@ void DrvTovikIot::readConfiguration()
 {
     const QVariant stored = link_->GetDriverSpecificData(QLatin1String("tovik_iot"));
     property_ = new PropertyTovikIot(qvariant_cast<PropertyTovikIot>(stored));
-    // The copy shares its list with the host's variant. It is made our own now, while there is
-    // one thread: later the first write would do it under the client's eyes.
-    property_->dataitems.detach();
     error_handling_ = ErrorHandling::of(link_);
 }
 

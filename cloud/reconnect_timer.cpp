@@ -31,24 +31,17 @@ void ReconnectTimer::stop()
     QTimer::stop();
 }
 
-void ReconnectTimer::timerEvent(QTimerEvent* event)
+void ReconnectTimer::timerEvent(QTimerEvent*)
 {
-    if (event->timerId() != early_.timerId()) {
-        shoot();
-        return;
-    }
     early_.stop();
     // Another object may have stopped it as the timer that it is for everybody else.
     if (!isActive())
         return;
-    start(interval());
-    shoot();
-}
-
-void ReconnectTimer::shoot()
-{
-    due_ = interval();
-    since_start_.start();
+    // Made anew, the timer tells of the shots that come while the slots of this one still run; Qt
+    // would keep them to itself, and the time that remains would be wrong. One without an interval
+    // would tell of nothing else.
+    if (interval() > 0)
+        start(interval());
     if (is_shooting_)
         return;
     is_shooting_ = true;

@@ -36,8 +36,6 @@ protected:
 private:
     Q_DISABLE_COPY(ReconnectTimer)
 
-    void shoot();
-
     QBasicTimer early_;
     QElapsedTimer since_start_; ///< Or since the latest shot.
     int due_;                   ///< When the next shot comes, in milliseconds after that.

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void stopped_data();
     void stopped();
     void noShotInsideAShot();
+    void aShotThatIsLeftOutCounts();
     void stopsWithItsThread();
 };
 
@@ -139,6 +140,29 @@ void TestReconnectTimer::noShotInsideAShot()
     QTRY_VERIFY(shots >= 2);
     timer.stop();
     QCOMPARE(deepest, 1);
+}
+
+/// What remains is the time to the next shot, not to the one that came to nothing.
+void TestReconnectTimer::aShotThatIsLeftOutCounts()
+{
+    ReconnectTimer timer(nullptr);
+    int inside = 0;
+    int afterwards = 0;
+    connect(&timer, &QTimer::timeout, &timer, [&] {
+        QTest::qWait(250);
+        inside = timer.remaining();
+        QMetaObject::invokeMethod(
+            &timer,
+            [&] {
+                afterwards = timer.remaining();
+                timer.stop();
+            },
+            Qt::QueuedConnection);
+    });
+    timer.start(200);
+    QTRY_VERIFY(!timer.isActive());
+    QVERIFY2(inside > 0, qPrintable(QString::number(inside)));
+    QVERIFY2(afterwards > 0, qPrintable(QString::number(afterwards)));
 }
 
 /// A timer that runs still cannot be deleted from another thread without a complaint of Qt's.

@@ -4,6 +4,7 @@
 #include "cloud/driver_status.h"
 #include "cloud/tovik_iot.h"
 #include "interface/drv_ethernet.h"
+#include "interface/traffic.h"
 
 #include <QDebug>
 #include <QMetaType>
@@ -69,6 +70,7 @@ void DrvTovikIot::startClient()
     state_ = new DriverState(property_);
     cloud_ = new TovikIot(property_, state_);
     cloud_->SetDrvLink(link_);
+    cloud_->SetTrafficListener(traffic::listenerOf(*link_));
     cloud_->SetDrvErrHandle(error_handling_.type, error_handling_.return_time,
                             error_handling_.retry_count, error_handling_.return_time_en,
                             error_handling_.restore_switch_bs_en);

@@ -1,5 +1,6 @@
 #include "cloud/post.h"
 
+#include "cloud/request_trace.h"
 #include "compat/whole_post.h"
 
 #include <QDebug>
@@ -12,6 +13,7 @@
 
 Post::Post(const QString& body, const QString& url, PostMemory* memory)
     : memory_(memory),
+      trace_(memory->listener ? new RequestTrace(memory->listener, ++memory->count, QUrl(url)) : 0),
       prompt_(QUrl(url), &memory->sockets),
       reply_(0)
 {
@@ -23,9 +25,13 @@ Post::Post(const QString& body, const QString& url, PostMemory* memory)
     memory_->session.offer(&request);
 
     const QByteArray bytes = body.toLocal8Bit();
+    if (trace_)
+        trace_->begin(bytes);
     reply_ = manager_.post(request, bytes);
     whole_post::handOverBody(reply_, bytes.size());
     prompt_.watch(reply_);
+    if (trace_)
+        trace_->watch(reply_);
     connect(reply_, SIGNAL(finished()), this, SLOT(takeSession()));
     connect(reply_, SIGNAL(finished()), this, SIGNAL(EmitFinished()));
 }
@@ -47,6 +53,8 @@ void Post::wait()
 std::string Post::takeBytes()
 {
     const QByteArray body = reply_->readAll();
+    if (trace_)
+        trace_->end(body);
     if (hasFailed())
         qDebug() << "[TOVIK IoT] Post Request Error: " << problem();
     return std::string(body.constData(), qstrnlen(body.constData(), uint(body.size())));

@@ -6,18 +6,25 @@
 
 #include <QNetworkAccessManager>
 #include <QObject>
+#include <QScopedPointer>
 #include <QString>
 
 #include <string>
 
 class QNetworkReply;
+class RequestTrace;
+class TrafficListener;
 
 /// What the posts of a client hand on to each other, all of them in one thread: what makes the next
 /// one cheaper, and changes nothing of what it says.
 struct PostMemory
 {
+    PostMemory() : listener(0), count(0) {}
+
     TlsSession session;
     SocketNumbers sockets;
+    TrafficListener* listener; ///< Hears of the posts; null: nobody does. Not owned.
+    int count;                 ///< Posts of which it has heard.
 };
 
 /// One post of a JSON body, on its way from its making on. It has a connection of its own, takes
@@ -55,6 +62,7 @@ private:
     Q_DISABLE_COPY(Post)
 
     PostMemory* memory_;
+    QScopedPointer<RequestTrace> trace_; ///< Null unless somebody listens.
     PromptRequest prompt_;
     QNetworkAccessManager manager_;
     QNetworkReply* reply_;

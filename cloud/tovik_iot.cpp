@@ -62,6 +62,11 @@ void TovikIot::SetDrvLink(QTcpSocket* link)
 
 void TovikIot::RemoveDrvLink() {}
 
+void TovikIot::SetTrafficListener(TrafficListener* listener)
+{
+    conversation_.memory()->listener = listener;
+}
+
 void TovikIot::SetDrvErrHandle(int err_handle_type, int err_return_time, int err_retry_count,
                                bool err_return_time_en, bool err_restore_switch_bs_en)
 {

@@ -20,6 +20,7 @@
 class QTcpSocket;
 class QTimer;
 class ReconnectTimer;
+class TrafficListener;
 
 /// The client: the connection to the cloud service, its state, its timers and the order of things.
 /// What is said to the service, and how its replies are read, is the Conversation's business.
@@ -48,6 +49,9 @@ public:
     void SetDrvLink(QTcpSocket* link);
     /// Takes back a connection that no client makes: without effect, the pointer is kept.
     void RemoveDrvLink();
+    /// Has \a listener hear of every request, in the client's thread; null: nobody. Not owned. To
+    /// be called before that thread begins.
+    void SetTrafficListener(TrafficListener* listener);
     /// Takes the host's error-handling settings. The reconnect interval becomes
     /// 1000 × \a err_return_time ms for type 1 with \a err_return_time_en, otherwise 1000 ms.
     void SetDrvErrHandle(int err_handle_type, int err_return_time, int err_retry_count,

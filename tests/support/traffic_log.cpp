@@ -37,3 +37,10 @@ QList<Traffic> TrafficLog::all() const
     const QMutexLocker locker(&lock_);
     return all_;
 }
+
+void TrafficLog::clear()
+{
+    const QMutexLocker locker(&lock_);
+    all_.clear();
+    taken_ = 0;
+}

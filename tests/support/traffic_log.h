@@ -16,6 +16,7 @@ public:
     /// Since the last call: "sent 51", with bytes in hexadecimal, and "ended 0x0".
     QStringList takeLines();
     QList<Traffic> all() const;
+    void clear();
 
 private:
     mutable QMutex lock_;

@@ -1,0 +1,101 @@
+#include "cloud/secrets.h"
+
+#include <cstring>
+
+namespace secrets {
+
+namespace {
+
+const char* const keys[] = {"\"password\"", "\"token\""};
+const char asterisks[] = "***";
+/// What is shorter would be found everywhere.
+const int shortest_known = 3;
+
+bool isSpace(char character)
+{
+    return character == ' ' || character == '\t' || character == '\r' || character == '\n';
+}
+
+int behindSpace(const QByteArray& body, int at)
+{
+    while (at < body.size() && isSpace(body.at(at)))
+        ++at;
+    return at;
+}
+
+/// Where a text ends that begins at \a at, behind its quotation mark: at the other one, or where
+/// the body ends.
+int endOfText(const QByteArray& body, int at)
+{
+    for (; at < body.size() && body.at(at) != '"'; ++at) {
+        if (body.at(at) == '\\')
+            ++at;
+    }
+    return qMin(at, body.size());
+}
+
+struct Place
+{
+    int begin;
+    int end; ///< Behind the last byte.
+};
+
+/// The value of the next secret member from \a from on; empty at the body's end: there is none.
+Place nextFrom(const QByteArray& body, int from)
+{
+    Place found = {body.size(), body.size()};
+    for (int i = 0; i < int(sizeof keys / sizeof keys[0]); ++i) {
+        for (int at = body.indexOf(keys[i], from); at >= 0 && at < found.begin;
+             at = body.indexOf(keys[i], at + 1)) {
+            const int colon = behindSpace(body, at + int(std::strlen(keys[i])));
+            if (colon >= body.size() || body.at(colon) != ':')
+                continue; // a value that reads like the name
+            const int value = behindSpace(body, colon + 1);
+            if (value >= found.begin)
+                break;
+            int end = value;
+            if (value < body.size() && body.at(value) == '"') {
+                found.begin = value + 1;
+                found.end = endOfText(body, value + 1);
+            } else {
+                while (end < body.size() && !std::strchr(",]}", body.at(end)))
+                    ++end;
+                found.begin = value;
+                found.end = end;
+            }
+            break;
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+QList<QByteArray> in(const QByteArray& body)
+{
+    QList<QByteArray> values;
+    for (Place place = nextFrom(body, 0); place.begin < body.size();
+         place = nextFrom(body, place.end))
+        values << body.mid(place.begin, place.end - place.begin);
+    return values;
+}
+
+QByteArray blotted(const QByteArray& body, const QList<QByteArray>& known)
+{
+    QByteArray shown;
+    int done = 0;
+    for (Place place = nextFrom(body, 0); place.begin < body.size();
+         place = nextFrom(body, place.end)) {
+        shown += body.mid(done, place.begin - done);
+        shown += asterisks;
+        done = place.end;
+    }
+    shown += body.mid(done);
+    for (int i = 0; i < known.size(); ++i) {
+        if (known.at(i).size() >= shortest_known)
+            shown.replace(known.at(i), asterisks);
+    }
+    return shown;
+}
+
+} // namespace secrets

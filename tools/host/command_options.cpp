@@ -117,6 +117,21 @@ void addLog(CLI::App* command, QString& log, bool& verbose, const char* whose)
         ->group(group);
 }
 
+void addTrace(CLI::App* command, config::CommonOptions& common)
+{
+    const auto set = [&common](const std::string& word) {
+        common.trace = QString::fromStdString(word);
+    };
+    // Takes a value behind "=" only: the next word may be an item.
+    command
+        ->add_option_function<std::string>(
+            "--trace", set,
+            "Every byte both ways, with times, to the standard error; --trace=FILE appends it to "
+            "a file")
+        ->type_name("")
+        ->type_size(0);
+}
+
 void addCommon(CLI::App* command, config::CommonOptions& common)
 {
     addText(command, "--config", common.config,
@@ -126,6 +141,7 @@ void addCommon(CLI::App* command, config::CommonOptions& common)
             "(default: libtovik_iot.so.1 beside this program; a device needs its own)",
             "PATH");
     addLog(command, common.log, common.verbose, "Driver");
+    addTrace(command, common);
 }
 
 void addService(CLI::App* command, config::CommonOptions& common)

@@ -60,7 +60,9 @@ CLI::Option* addTimeout(CLI::App* command, double& timeout, const char* descript
 /// \param whose debug lines they are
 void addLog(CLI::App* command, QString& log, bool& verbose, const char* whose);
 
-/// Configuration, library and log.
+/// The trace of the traffic.
+void addTrace(CLI::App* command, config::CommonOptions& common);
+/// Configuration, library, log and trace.
 void addCommon(CLI::App* command, config::CommonOptions& common);
 /// The address of a service.
 void addService(CLI::App* command, config::CommonOptions& common);

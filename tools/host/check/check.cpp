@@ -8,6 +8,7 @@
 #include "tools/host/driver/setup.h"
 #include "tools/host/service/cloud_client.h"
 #include "tools/host/terminal/exit_code.h"
+#include "tools/host/value/trace.h"
 
 #include <memory>
 
@@ -45,6 +46,8 @@ public:
           timeout_(common.timeout),
           as_json_(common.json)
     {
+        if (common.trace)
+            trace_ = std::make_unique<value::Trace>(*common.trace);
         context_.log.start(common.log, common.verbose);
     }
 
@@ -86,6 +89,7 @@ private:
     double timeout_;
     bool as_json_;
     CheckSteps steps_;
+    std::unique_ptr<value::Trace> trace_; ///< Null unless the options want one.
     std::unique_ptr<service::CloudClient> client_;
 };
 
@@ -136,6 +140,7 @@ bool Walk::greet(const QString& address, const QNetworkProxy& proxy)
 bool Walk::converse()
 {
     client_ = std::make_unique<service::CloudClient>(config_.service);
+    client_->setListener(trace_.get());
     QObject::connect(&context_.unix_signals, &terminal::UnixSignals::endAsked, client_.get(),
                      &service::CloudClient::interrupt);
     if (!show(judgeConversation("login", client_->login(timeout_))))

@@ -122,6 +122,8 @@ struct CommonOptions
     bool json = false;
     bool verbose = false; ///< The driver's debug lines go to the standard error.
     QString log;          ///< The driver's debug lines go to this file; empty: to none.
+    /// Where the traffic is written: to this file, or to the standard error if it is empty.
+    std::optional<QString> trace;
     LinkOptions link;
     RequestOptions request;
     double timeout = 10;         ///< Seconds, for each step or for opening the link.

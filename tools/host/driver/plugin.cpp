@@ -2,6 +2,10 @@
 
 #include "tools/host/terminal/exit_code.h"
 
+#include "interface/drv_ethernet.h"
+#include "interface/drv_serial.h"
+#include "interface/traffic.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -108,6 +112,9 @@ QString Plugin::versionText() const
 
 DrvInterface* Plugin::createDriver(QString* name, DrvSerial* serial, DrvEthernet* ethernet) const
 {
+    DrvBase* const link = serial ? static_cast<DrvBase*>(serial) : ethernet;
+    if (link && listener_)
+        traffic::setListener(link, listener_);
     return factory_(name, serial, ethernet);
 }
 

@@ -9,6 +9,7 @@
 class DrvEthernet;
 class DrvInterface;
 class DrvSerial;
+class TrafficListener;
 
 namespace tovik_host::driver {
 
@@ -38,6 +39,9 @@ public:
     QString versionText() const;
     /// Words for the driver's own result codes; null if the library brings none.
     const result_code::Words* resultCodes() const { return result_codes_; }
+    /// Has \a listener, which is not owned, hear the traffic of every driver that is made from now
+    /// on.
+    void setListener(TrafficListener* listener) { listener_ = listener; }
     /// A new driver, owned by the caller; null if the library makes none.
     /// \param name the driver's name, null or alive as long as the driver
     /// \param serial, ethernet the link: one of them, or for a cloud driver \a ethernet
@@ -51,6 +55,7 @@ private:
     Factory factory_ = nullptr;
     Version version_ = nullptr;
     const result_code::Words* result_codes_ = nullptr;
+    TrafficListener* listener_ = nullptr;
 };
 
 } // namespace tovik_host::driver

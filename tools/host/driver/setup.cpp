@@ -30,6 +30,16 @@ DeviceConfig configFor(const config::CommonOptions& common, const QStringList& a
     return config;
 }
 
+std::unique_ptr<value::Trace> traceFor(const config::CommonOptions& common, Plugin* plugin)
+{
+    if (!common.trace)
+        return nullptr;
+    auto trace = std::make_unique<value::Trace>(*common.trace);
+    trace->setStatusOf(value::StatusOf::deviceWith(plugin->resultCodes()));
+    plugin->setListener(trace.get());
+    return trace;
+}
+
 /// What a user can try first.
 QString adviceFor(const Answer& answer, const DeviceConfig& config)
 {
@@ -71,6 +81,7 @@ ServiceSetup::ServiceSetup(const config::CommonOptions& common, terminal::Contex
     : config(hostConfig(common, context)),
       plugin(pluginFor(common))
 {
+    trace = traceFor(common, &plugin);
     context.log.start(common.log, common.verbose);
 }
 
@@ -90,6 +101,7 @@ DeviceSetup::DeviceSetup(const config::CommonOptions& common, const QStringList&
       config(configFor(common, addresses, used)),
       plugin(pluginFor(common))
 {
+    trace = traceFor(common, &plugin);
     context.log.start(common.log, common.verbose);
 }
 

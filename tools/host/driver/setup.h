@@ -6,6 +6,7 @@
 #include "tools/host/driver/device_host.h"
 #include "tools/host/driver/plugin.h"
 #include "tools/host/terminal/context.h"
+#include "tools/host/value/trace.h"
 
 namespace tovik_host::driver {
 
@@ -24,6 +25,7 @@ struct ServiceSetup
     QString shownUrl() const;
 
     config::HostConfig config;
+    std::unique_ptr<value::Trace> trace; ///< Null unless the options want one.
     Plugin plugin;
 };
 
@@ -46,6 +48,7 @@ struct DeviceSetup
 
     terminal::Context& context;
     DeviceConfig config;
+    std::unique_ptr<value::Trace> trace; ///< Null unless the options want one.
     Plugin plugin;
 };
 

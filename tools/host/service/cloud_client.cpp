@@ -104,6 +104,11 @@ CloudClient::~CloudClient()
     endThread();
 }
 
+void CloudClient::setListener(TrafficListener* listener)
+{
+    conversation_.memory()->listener = listener;
+}
+
 ClientOutcome CloudClient::login(double timeout)
 {
     return run(std::make_shared<Step>(), timeout, [this] {

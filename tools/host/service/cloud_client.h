@@ -12,6 +12,8 @@
 #include <functional>
 #include <memory>
 
+class TrafficListener;
+
 namespace tovik_host::service {
 
 /// How one step of a conversation with the service ended.
@@ -58,6 +60,10 @@ public:
     explicit CloudClient(const config::ServiceConfig& service);
     /// Ends the client's thread at once, also while the service keeps a request waiting.
     ~CloudClient() override;
+
+    /// Has \a listener hear of every request, in the client's thread. Not owned; to be called
+    /// before the first step.
+    void setListener(TrafficListener* listener);
 
     /// Logs in; needed before the other steps. \a timeout is in seconds here and below.
     ClientOutcome login(double timeout);

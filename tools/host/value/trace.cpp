@@ -1,0 +1,185 @@
+#include "tools/host/value/trace.h"
+
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/text_width.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QMutexLocker>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace tovik_host::value {
+
+namespace {
+
+const int bytes_of_line = 16;
+const int microseconds = 1000000;
+
+/// As wide as what stands in front of the first line of an event.
+QString indent()
+{
+    return QString(28, QLatin1Char(' '));
+}
+
+QString textOf(const QByteArray& bytes)
+{
+    QString text;
+    for (const char byte : bytes)
+        text += QLatin1Char(byte >= ' ' && byte <= '~' ? byte : '.');
+    return text;
+}
+
+QString millisecondsText(qint64 time)
+{
+    return QStringLiteral("%1 ms").arg(double(time) / 1000, 0, 'f', 1);
+}
+
+int openedFile(const QString& path)
+{
+    if (path.isEmpty())
+        return STDERR_FILENO;
+    const int mode = 0644;
+    const int descriptor = ::open(QFile::encodeName(path).constData(),
+                                  O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, mode);
+    if (descriptor < 0) {
+        throw terminal::UsageError(QStringLiteral("cannot write the trace to \"%1\": %2")
+                                       .arg(path, qt_error_string(errno)));
+    }
+    return descriptor;
+}
+
+} // namespace
+
+/// Moment, and time since the event before.
+QString TrafficText::start(qint64 time)
+{
+    const qint64 gap = latest_ == 0 ? 0 : time - latest_;
+    latest_ = time;
+    const QString clock =
+        QDateTime::fromMSecsSinceEpoch(time / 1000).toString(QStringLiteral("HH:mm:ss"));
+    return QStringLiteral("%1.%2 %3%4 ")
+        .arg(clock)
+        .arg(time % microseconds, 6, 10, QLatin1Char('0'))
+        .arg(QLatin1Char(gap < 0 ? '-' : '+'))
+        .arg(double(std::abs(gap)) / microseconds, 0, 'f', 6);
+}
+
+QStringList TrafficText::dump(qint64 time, const char* arrow, const QByteArray& bytes,
+                              const QString& more)
+{
+    QStringList lines;
+    for (int at = 0; at < bytes.size(); at += bytes_of_line) {
+        const QByteArray part = bytes.mid(at, bytes_of_line);
+        const QString hex = QString::fromLatin1(part.toHex(' ').toUpper());
+        const bool is_last = at + bytes_of_line >= bytes.size();
+        lines << QStringLiteral("%1%2 %3  |%4|%5")
+                     .arg(at == 0 ? start(time) : indent(),
+                          at == 0 ? QLatin1String(arrow) : QLatin1String("  "),
+                          hex.leftJustified(bytes_of_line * 3 - 1), textOf(part),
+                          is_last ? more : QString());
+    }
+    return lines;
+}
+
+QStringList TrafficText::rest()
+{
+    if (held_.isEmpty())
+        return QStringList();
+    const QString more = held_pieces_ == 1 ? QString()
+                                           : QStringLiteral("  %1 pieces in %2")
+                                                 .arg(held_pieces_)
+                                                 .arg(millisecondsText(held_last_ - held_first_));
+    const QStringList lines = dump(held_first_, "<<", held_, more);
+    latest_ = held_last_;
+    held_.clear();
+    held_pieces_ = 0;
+    return lines;
+}
+
+QStringList TrafficText::linesOf(const Traffic& traffic)
+{
+    if (traffic.kind == Traffic::taken) {
+        held_first_ = held_.isEmpty() ? traffic.time : held_first_;
+        held_last_ = traffic.time;
+        held_ += traffic.bytes;
+        ++held_pieces_;
+        return QStringList();
+    }
+    QStringList lines = rest();
+    switch (traffic.kind) {
+    case Traffic::sent:
+        return lines + dump(traffic.time, ">>", traffic.bytes, QString());
+    case Traffic::discarded:
+        return lines + dump(traffic.time, "xx", traffic.bytes,
+                            QStringLiteral("  came too late, or unasked: thrown away"));
+    case Traffic::ended:
+        return lines << start(traffic.time) + QStringLiteral("== ") +
+                            statusTextWithCode(traffic.code, whose_);
+    default:
+        return lines + service(traffic);
+    }
+}
+
+QStringList TrafficText::service(const Traffic& traffic)
+{
+    QString text;
+    switch (traffic.kind) {
+    case Traffic::asked:
+        asked_ = traffic.time;
+        text = QStringLiteral(">> ") + traffic.text;
+        break;
+    case Traffic::named:
+        text = QStringLiteral("   name looked up: ") + traffic.text;
+        break;
+    case Traffic::connected:
+        text = QStringLiteral("   connected");
+        break;
+    case Traffic::encrypted:
+        text = QStringLiteral("   TLS handshake done");
+        break;
+    case Traffic::answering:
+        text = QStringLiteral("   first byte") +
+               (traffic.code == 1 ? QStringLiteral(", TLS session resumed") : QString());
+        break;
+    default:
+        text = QStringLiteral("<< ") +
+               (traffic.code == 0 ? QStringLiteral("no answer")
+                                  : QStringLiteral("HTTP %1").arg(traffic.code)) +
+               QStringLiteral(" after ") + millisecondsText(traffic.time - asked_);
+        if (!traffic.text.isEmpty())
+            text += QStringLiteral(": ") + traffic.text;
+    }
+    QStringList lines(start(traffic.time) +
+                      QStringLiteral("#%1 %2").arg(traffic.number).arg(terminal::printable(text)));
+    if (!traffic.bytes.isEmpty())
+        lines << indent() + terminal::printable(QString::fromUtf8(traffic.bytes));
+    return lines;
+}
+
+Trace::Trace(const QString& path) : descriptor_(openedFile(path)), output_(descriptor_) {}
+
+Trace::~Trace()
+{
+    write(text_.rest());
+    if (descriptor_ != STDERR_FILENO)
+        ::close(descriptor_);
+}
+
+void Trace::hear(const Traffic& traffic)
+{
+    const QMutexLocker locker(&lock_);
+    write(text_.linesOf(traffic));
+}
+
+/// At once, so that the lines of two threads do not mix.
+void Trace::write(const QStringList& lines)
+{
+    if (!lines.isEmpty())
+        output_.line(lines.join(QLatin1Char('\n')));
+}
+
+} // namespace tovik_host::value

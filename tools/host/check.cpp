@@ -1,5 +1,8 @@
 #include "tools/host/check/check.h"
+#include "tools/host/check/link_walk.h"
 #include "tools/host/commands.h"
+#include "tools/host/driver/device_config.h"
+#include "tools/host/terminal/exit_code.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,10 +15,14 @@ const char check_text[] =
     "and certificate, login, catalogue, and every item: known, of the right type, of the right\n"
     "JSON type, and how long its read takes. Ends with what the driver's cycle comes to, and a\n"
     "verdict. It needs no driver library, writes nothing, and shows no password or token.\n"
+    "Of a device on a link, with its driver: the link, its settings, an answer at all, the "
+    "station,\n"
+    "every item, and the times that answers take against the time that the driver waits.\n"
     "\n"
     "Examples:\n"
     "  tovik-host check --config plant.json\n"
     "  tovik-host check --config plant.json --items 'Boiler.*' --timeout 3 --json\n"
+    "  tovik-host check 4x1 3x17 --library modbus_drv --link serial:/dev/ttyUSB0,9600,8N1\n"
     "\n"
     "Exit codes: 0 every value arrives, perhaps with warnings; 1 something on the way says no;\n"
     "2 usage or configuration is wrong.";
@@ -23,10 +30,19 @@ const char check_text[] =
 struct Check
 {
     config::CommonOptions common;
-    QStringList items;
+    QStringList items;     ///< Patterns of names.
+    QStringList addresses; ///< Of a device only.
 
-    int run() const { return check::runCheck(common, items); }
+    int run() const;
 };
+
+int Check::run() const
+{
+    if (driver::isForDevice(common))
+        return check::runLinkCheck(common, addresses);
+    driver::refuseDeviceOptions(common);
+    return check::runCheck(common, items);
+}
 
 } // namespace
 
@@ -35,21 +51,27 @@ void addCheck(CLI::App& app, Run& run)
     const auto options = std::make_shared<Check>();
     CLI::App* command = app.add_subcommand("check", "Why does the value not arrive?");
     command->footer(check_text);
-    addText(command, "--config", options->common.config, "Configuration file (JSON)", "FILE")
-        ->required();
+    addTexts(command, "ADDRESS", options->addresses,
+             "Of a device: addresses, or with --config names of items");
+    addCommon(command, options->common);
     addService(command, options->common);
-    addTexts(command, "--items", options->items,
-             "Items to look at, by a pattern of their names with * ? []; may be repeated "
-             "(default: all)",
-             "GLOB")
-        ->allow_extra_args(false);
-    addTimeout(command, options->common.timeout, "Longest wait for each step");
+    CLI::Option* items = addTexts(command, "--items", options->items,
+                                  "Items to look at, by a pattern of their names with * ? []; may "
+                                  "be repeated (default: all)",
+                                  "GLOB");
+    markOfService(items);
+    items->allow_extra_args(false);
+    addTimeout(command, options->common.timeout, "Longest wait for each step, or for the link");
     command->add_flag("--json", options->common.json, "One line of JSON for every step");
-    addText(command, "--log", options->common.log, "Append the client's debug lines to a file",
-            "FILE");
-    command->add_flag("--verbose", options->common.verbose,
-                      "Client's debug lines to the standard error");
-    command->callback([=, &run] { run = [=] { return options->run(); }; });
+    addLink(command, options->common.link);
+    addRequest(command, options->common);
+    command->callback([command, options, &run] {
+        complete(command, options->common);
+        if (!options->addresses.isEmpty())
+            options->common.device_options
+                << QStringLiteral("\"%1\"").arg(options->addresses.first());
+        run = [options] { return options->run(); };
+    });
 }
 
 } // namespace tovik_host

@@ -1,0 +1,190 @@
+#include "tools/host/check/check_link.h"
+
+#include "tools/host/value/status_text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tovik_host::check {
+
+namespace {
+
+/// A device that needs more of the time than this has none left for a bad day.
+const double usual_share = 0.5;
+
+QString millisecondsText(double seconds)
+{
+    return QStringLiteral("%1 ms").arg(seconds * 1000, 0, 'f', 1);
+}
+
+int countOf(const QVector<LinkRead>& reads, bool (*holds)(const LinkRead&))
+{
+    return int(std::count_if(reads.begin(), reads.end(), holds));
+}
+
+bool isGood(const LinkRead& read)
+{
+    return read.isGood();
+}
+
+bool hasAnswer(const LinkRead& read)
+{
+    return read.bytes > 0;
+}
+
+bool hasSent(const LinkRead& read)
+{
+    return read.has_sent;
+}
+
+QString stationsOf(const QVector<LinkRead>& reads)
+{
+    QStringList stations;
+    for (const LinkRead& read : reads) {
+        const QString station = QString::number(read.item.request.station);
+        if (!stations.contains(station))
+            stations << station;
+    }
+    return stations.size() == 1
+               ? QStringLiteral("station %1 answers").arg(stations.first())
+               : QStringLiteral("stations %1 answer").arg(stations.join(QStringLiteral(", ")));
+}
+
+} // namespace
+
+CheckStep judgeOpening(const driver::DeviceConfig& config, const QString& problem, double seconds)
+{
+    CheckStep step = makeStep("link", problem.isEmpty() ? Severity::ok : Severity::failure,
+                              problem.isEmpty() ? QStringLiteral("open") : problem);
+    step.subject = driver::linkText(config.link);
+    step.seconds = seconds;
+    if (!problem.isEmpty())
+        step.advice =
+            QStringLiteral("without a link nothing else can be well: set this right first");
+    return step;
+}
+
+CheckStep judgeLineSettings(const driver::DeviceConfig& config)
+{
+    const driver::LinkSettings& settings = config.settings;
+    QString text = QStringLiteral("the driver waits %1 ms for an answer, %2 repeats, %3 ms before "
+                                  "each request")
+                       .arg(settings.response_timeout)
+                       .arg(settings.retries)
+                       .arg(settings.request_delay);
+    CheckStep step = makeStep("settings", Severity::ok, text);
+    step.facts["response_timeout"] = settings.response_timeout;
+    step.facts["retries"] = settings.retries;
+    if (const auto* serial = std::get_if<driver::SerialAddress>(&config.link)) {
+        const int stop_bits = serial->stop_bits == STOP_1 ? 1 : 2;
+        const int bits =
+            int(serial->data_bits) + 1 + stop_bits + (serial->parity == PAR_NONE ? 0 : 1);
+        const double character = double(bits) / double(serial->baud_rate);
+        step.text += QStringLiteral("; a character takes %1, a hundred of them %2")
+                         .arg(millisecondsText(character), millisecondsText(100 * character));
+        step.facts["character_seconds"] = character;
+    }
+    return step;
+}
+
+CheckStep judgeAnyAnswer(const driver::DeviceConfig& config, const QVector<LinkRead>& reads)
+{
+    CheckStep step = makeStep("answer", Severity::ok, QString());
+    const int answers = countOf(reads, hasAnswer);
+    if (answers > 0) {
+        step.text = QStringLiteral("%1 of %2 requests are answered").arg(answers).arg(reads.size());
+    } else if (countOf(reads, hasSent) == 0) {
+        step.severity = Severity::failure;
+        step.text = QStringLiteral("nothing was asked: the driver sends no such request");
+        step.advice = QStringLiteral("correct the addresses; the steps of the items say why");
+    } else {
+        step.severity = Severity::failure;
+        step.text = QStringLiteral("not a single byte comes back");
+        step.advice = std::holds_alternative<driver::TcpAddress>(config.link)
+                          ? QStringLiteral("somebody takes connections there and is silent: is it "
+                                           "the right port, the right driver, the right station?")
+                          : QStringLiteral("in this order: is the device on; are A and B not "
+                                           "exchanged; are speed and frame those of the device; is "
+                                           "the station number right; is it the right driver?");
+    }
+    step.facts["answered"] = answers;
+    return step;
+}
+
+CheckStep judgeStation(const QVector<LinkRead>& reads)
+{
+    CheckStep step = makeStep("station", Severity::ok, QString());
+    const int good = countOf(reads, isGood);
+    step.facts["arriving"] = good;
+    if (good > 0) {
+        step.text = stationsOf(reads) + QStringLiteral(" with values");
+    } else if (countOf(reads, hasAnswer) == 0) {
+        step.severity = Severity::not_tried;
+    } else {
+        step.severity = Severity::warning;
+        step.text = stationsOf(reads) + QStringLiteral(", and with no value");
+        step.advice = QStringLiteral("the steps of the items say what the driver makes of the "
+                                     "answers; --trace shows them byte by byte");
+    }
+    return step;
+}
+
+CheckStep judgeLinkItem(const LinkRead& read)
+{
+    CheckStep step = makeStep("item", Severity::ok, read.value);
+    step.subject = read.item.name;
+    if (!read.is_tried) {
+        step.severity = Severity::not_tried;
+        return step;
+    }
+    if (!read.isGood()) {
+        step.severity = Severity::failure;
+        step.text = read.problem;
+    }
+    step.facts["status"] = value::statusCode(read.status).toStdString();
+    step.facts["bytes"] = read.bytes;
+    if (read.seconds > 0)
+        step.seconds = read.seconds;
+    return step;
+}
+
+CheckStep judgeTimes(const driver::DeviceConfig& config, const QVector<LinkRead>& reads)
+{
+    QVector<double> times;
+    int stray_bytes = 0;
+    for (const LinkRead& read : reads) {
+        stray_bytes += read.stray_bytes;
+        if (read.seconds > 0)
+            times << read.seconds;
+    }
+    CheckStep step = makeStep("times", Severity::ok, QString());
+    if (times.isEmpty()) {
+        step.severity = Severity::not_tried;
+        return step;
+    }
+    std::sort(times.begin(), times.end());
+    const double limit = config.settings.response_timeout / 1000.0;
+    const double longest = times.last();
+    step.text =
+        QStringLiteral("%1 answers took %2 to %3, usually %4, of the %5 that the driver waits")
+            .arg(times.size())
+            .arg(millisecondsText(times.first()), millisecondsText(longest),
+                 millisecondsText(times.at(times.size() / 2)), millisecondsText(limit));
+    step.facts["shortest"] = times.first();
+    step.facts["longest"] = longest;
+    step.facts["stray_bytes"] = stray_bytes;
+    if (stray_bytes > 0) {
+        step.severity = Severity::warning;
+        step.cause = QStringLiteral("%1 bytes came too late, or unasked").arg(stray_bytes);
+        step.text = QStringLiteral("%1 [%2]").arg(step.cause, step.text);
+        step.advice = QStringLiteral("a longer --response-timeout; is there another master on the "
+                                     "line, or noise?");
+    } else if (longest > usual_share * limit) {
+        step.severity = Severity::warning;
+        step.advice = QStringLiteral("leave room for a bad day: --response-timeout %1")
+                          .arg(int(std::ceil(3 * longest * 100)) * 10);
+    }
+    return step;
+}
+
+} // namespace tovik_host::check

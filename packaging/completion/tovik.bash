@@ -36,8 +36,8 @@ _tovik_goes_on() {
 # What stands behind option $2 in help text $1, such as FILE or KIND:{json,stream}.
 _tovik_meaning() {
   # Any other word would be taken for a part of the script.
-  [[ $2 =~ ^--?[a-z0-9-]+$ ]] || return 0
-  sed -n "s/^  \(-[a-zA-Z],\)\{0,1\}$2 \([^ ][^ ]*\).*/\2/p" <<<"$1" | grep -v '^Excludes:\|^Needs:'
+  [[ $2 =~ ^--?[a-zA-Z0-9-]+$ ]] || return 0
+  sed -n "s/^  \(-[a-zA-Z],\)\{0,1\}$2\(,--[a-z0-9-]*\)\{0,1\} \([^ ][^ ]*\).*/\3/p" <<<"$1" | grep -v '^Excludes:\|^Needs:'
 }
 
 # Values of $3, an option's meaning, that begin with $1; $2 is the option. Fails if there is none
@@ -61,11 +61,18 @@ _tovik_value() {
 _tovik_items() {
   local index config=
   for ((index = 2; index + 1 < COMP_CWORD; index++)); do
-    [ "${COMP_WORDS[index]}" != --config ] || config=${COMP_WORDS[index + 1]}
+    case ${COMP_WORDS[index]} in
+      -c | --config) config=${COMP_WORDS[index + 1]} ;;
+    esac
   done
   [ -r "$config" ] || return
   grep -o '"name"[[:space:]]*:[[:space:]]*"[^"\\]*"' -- "$config" |
     sed 's/.*:[[:space:]]*"\(.*\)"/\1/'
+}
+
+# The commands of program $1.
+_tovik_commands() {
+  "$1" --help 2>/dev/null | sed -n '/^Subcommands:/,/^$/s/^  \([a-z][a-z-]*\).*/\1/p'
 }
 
 _tovik_host() {
@@ -73,11 +80,9 @@ _tovik_host() {
   local previous=${COMP_WORDS[COMP_CWORD - 1]} help positionals items
   COMPREPLY=()
   if [ "$COMP_CWORD" -eq 1 ]; then
-    help=$("$program" --help 2>/dev/null)
     case $current in
-      -*) _tovik_reply "$current" "$(_tovik_options "$help")" ;;
-      *) _tovik_reply "$current" \
-           "$(sed -n '/^Subcommands:/,/^$/s/^  \([a-z][a-z-]*\).*/\1/p' <<<"$help")" ;;
+      -*) _tovik_reply "$current" "$(_tovik_options "$("$program" --help 2>/dev/null)")" ;;
+      *) _tovik_reply "$current" "$(_tovik_commands "$program")" ;;
     esac
     return
   fi
@@ -96,6 +101,7 @@ _tovik_host() {
       items=$(_tovik_items)
       grep -qxF -- "$previous" <<<"$items" || _tovik_reply "$current" "$items" ;;
     *,*ITEM*) _tovik_reply "$current" "$(_tovik_items)" ;;
+    *,*COMMAND*) _tovik_reply "$current" "$(_tovik_commands "$program")" ;;
     *,*IN* | *,*OLD*) _tovik_files "$current" ;;
   esac
 }

@@ -69,7 +69,7 @@ void addCatalogue(CLI::App& app, Run& run)
     addServiceOptions(command, options->service);
     CLI::Option* tree = command->add_flag("--tree", options->tree, "As a tree");
     CLI::Option* table = command->add_flag("--table", options->table, "As a table")->excludes(tree);
-    command->add_flag("--json", options->json, "As JSON, for configure and diff")
+    command->add_flag("-j,--json", options->json, "As JSON, for configure and diff")
         ->excludes(tree)
         ->excludes(table);
     command->callback([=, &run] { run = [=] { return options->run(); }; });

@@ -62,7 +62,7 @@ void addCheck(CLI::App& app, Run& run)
     markOfService(items);
     items->allow_extra_args(false);
     addTimeout(command, options->common.timeout, "Longest wait for each step, or for the link");
-    command->add_flag("--json", options->common.json, "One line of JSON for every step");
+    command->add_flag("-j,--json", options->common.json, "One line of JSON for every step");
     addLink(command, options->common.link);
     addRequest(command, options->common);
     command->callback([command, options, &run] {

@@ -4,7 +4,10 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cmath>
+#include <iomanip>
+#include <limits>
+#include <sstream>
+#include <type_traits>
 
 namespace tovik_host {
 
@@ -27,18 +30,33 @@ QStringList givenOptions(const CLI::App* command, const std::string& group)
     return names;
 }
 
-CLI::Option* addNumber(CLI::App* command, const char* name, std::optional<int>& number,
-                       const char* description, const char* type = "N")
+/// Says in one way what is no number, and what is beyond the limits; not-a-number is within none.
+template <typename Number>
+CLI::Validator numberFrom(Number low, Number high)
 {
-    return command->add_option(name, number, description)->type_name(type)->group(link_group);
+    std::ostringstream range;
+    range << std::setprecision(10) << low << " to " << high;
+    const std::string words = range.str();
+    const auto problem = [low, high, words](const std::string& word) {
+        Number number = 0;
+        const bool fits =
+            CLI::detail::lexical_cast(word, number) && number >= low && number <= high;
+        const char* const kind = std::is_integral<Number>::value ? "\" is no whole number from "
+                                                                 : "\" is no number from ";
+        return fits ? std::string() : "\"" + word + kind + words;
+    };
+    return {problem, words};
 }
 
-/// What is no number is neither below nor above a limit.
-std::string refuseNoNumber(const std::string& value)
+CLI::Option* addNumber(CLI::App* command, const char* name, std::optional<int>& number,
+                       const char* description, const char* type = "N",
+                       int low = std::numeric_limits<int>::min(),
+                       int high = std::numeric_limits<int>::max())
 {
-    double seconds = 0;
-    const bool is_none = CLI::detail::lexical_cast(value, seconds) && std::isnan(seconds);
-    return is_none ? "Value " + value + " is no number of seconds" : std::string();
+    return command->add_option(name, number, description)
+        ->type_name(type)
+        ->group(link_group)
+        ->check(numberFrom(low, high));
 }
 
 QString textOf(const std::string& word)
@@ -90,14 +108,17 @@ CLI::Option* addTexts(CLI::App* command, const char* name, QStringList& texts,
 CLI::Option* addSeconds(CLI::App* command, const char* name, double& seconds,
                         const char* description, double most)
 {
-    const CLI::Range range(0.1, most);
-    const auto check = [range](std::string& value) {
-        const std::string problem = refuseNoNumber(value);
-        return problem.empty() ? range(value) : problem;
-    };
     return command->add_option(name, seconds, description)
         ->type_name("SECONDS")
-        ->check(CLI::Validator(check, range.get_description()));
+        ->check(numberFrom(0.1, most));
+}
+
+CLI::Option* addWhole(CLI::App* command, const char* name, int& number, const char* description,
+                      const char* type, int low, int high)
+{
+    return command->add_option(name, number, description)
+        ->type_name(type)
+        ->check(numberFrom(low, high));
 }
 
 CLI::Option* addTimeout(CLI::App* command, double& timeout, const char* description)
@@ -113,7 +134,7 @@ void addLog(CLI::App* command, QString& log, bool& verbose, const char* whose)
                                (name == "Driver" ? "driver" : "client") +
                                "'s debug lines to a file";
     addText(command, "--log", log, append.c_str(), "FILE")->group(group);
-    command->add_flag("--verbose", verbose, name + "'s debug lines to the standard error")
+    command->add_flag("-v,--verbose", verbose, name + "'s debug lines to the standard error")
         ->group(group);
 }
 
@@ -134,7 +155,7 @@ void addTrace(CLI::App* command, config::CommonOptions& common)
 
 void addCommon(CLI::App* command, config::CommonOptions& common)
 {
-    addText(command, "--config", common.config,
+    addText(command, "-c,--config", common.config,
             "Configuration file (JSON); required unless --link is given", "FILE");
     addText(command, "--library", common.library,
             "Driver library, by its path or the name of an installed one, such as modbus_drv "
@@ -174,13 +195,11 @@ void addLink(CLI::App* command, config::LinkOptions& link)
     addNumber(command, "--response-timeout", link.response_timeout,
               "Longest wait for an answer (default 1000; the library's own 10 is too short for "
               "most devices)",
-              "MS")
-        ->check(CLI::Range(1, config::limits::response_timeout));
+              "MS", 1, config::limits::response_timeout);
     addNumber(command, "--request-delay", link.request_delay,
-              "Pause before each request (default 0)", "MS")
-        ->check(CLI::Range(0, config::limits::request_delay));
-    addNumber(command, "--retries", link.retries, "Repeats after a failed attempt (default 0)")
-        ->check(CLI::Range(0, config::limits::retries));
+              "Pause before each request (default 0)", "MS", 0, config::limits::request_delay);
+    addNumber(command, "--retries", link.retries, "Repeats after a failed attempt (default 0)", "N",
+              0, config::limits::retries);
     addNumber(command, "--link-param-a", link.link_param_a, "For the driver's own use (default 0)");
     addNumber(command, "--link-param-b", link.link_param_b,
               "For the driver's own use (default 255)");
@@ -194,10 +213,10 @@ void addRequest(CLI::App* command, config::CommonOptions& common)
             "32Bit-FLOAT, String (default 16Bit-UINT); ADDRESS=TYPE is for one of them",
             "TYPE")
         ->group(link_group);
-    addNumber(command, "--length", request.length, "Bytes of a String", "BYTES")
-        ->check(CLI::Range(1, config::limits::length));
-    addNumber(command, "--station", request.station, "Station number of the device (default 1)")
-        ->check(CLI::Range(0, config::limits::station));
+    addNumber(command, "--length", request.length, "Bytes of a String", "BYTES", 1,
+              config::limits::length);
+    addNumber(command, "--station", request.station, "Station number of the device (default 1)",
+              "N", 0, config::limits::station);
     addText(command, "--unit", common.link.unit, "Unit name of the requests (default tovik-host)",
             "NAME")
         ->group(link_group);
@@ -222,7 +241,7 @@ void addServiceOptions(CLI::App* command, service::ServiceOptions& options)
                                       const char* type) {
         return addText(command, name, text, description, type)->group("Account");
     };
-    of_account("--config", account.config, "Configuration to take the account from", "FILE");
+    of_account("-c,--config", account.config, "Configuration to take the account from", "FILE");
     of_account("--url", account.url, "Address of the service", "URL");
     of_account("--url-file", account.url_file, "File whose first line is the address", "FILE")
         ->excludes("--url");

@@ -56,6 +56,9 @@ CLI::Option* addTexts(CLI::App* command, const char* name, QStringList& texts,
 /// A number of seconds from a tenth to \a most.
 CLI::Option* addSeconds(CLI::App* command, const char* name, double& seconds,
                         const char* description, double most = 86400);
+/// A whole number from \a low to \a high.
+CLI::Option* addWhole(CLI::App* command, const char* name, int& number, const char* description,
+                      const char* type, int low, int high);
 CLI::Option* addTimeout(CLI::App* command, double& timeout, const char* description);
 /// \param whose debug lines they are
 void addLog(CLI::App* command, QString& log, bool& verbose, const char* whose);

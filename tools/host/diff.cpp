@@ -103,8 +103,10 @@ QString asJson(const LoadedSide& before, const LoadedSide& after,
             entry["same_name_id"] = plain(difference.same_name_id);
         list.push_back(entry);
     }
-    return value::jsonText(
-        {{"old", plain(before.name)}, {"new", plain(after.name)}, {"differences", list}});
+    return value::jsonText({{"version", value::json_version},
+                            {"old", plain(before.name)},
+                            {"new", plain(after.name)},
+                            {"differences", list}});
 }
 
 int Diff::run() const
@@ -150,7 +152,7 @@ void addDiff(CLI::App& app, Run& run)
         ->allow_extra_args(false)
         ->check(CLI::IsMember(std::set<std::string>{"gone", "added", "renamed", "type", "moved",
                                                     "length", "group-renamed", "access"}));
-    command->add_flag("--json", options->json, "As JSON");
+    command->add_flag("-j,--json", options->json, "As JSON");
     addServiceOptions(command, options->service);
     command->callback([=, &run] { run = [=] { return options->run(); }; });
 }

@@ -31,7 +31,7 @@ QString subject()
 void printJson(terminal::Context& context, const QByteArray& request, const driver::Answer& answer,
                const QString& problem)
 {
-    value::OrderedJson line;
+    value::OrderedJson line = value::jsonReport(nullptr, QDateTime::currentDateTime());
     line["request"] = request.toHex().toStdString();
     line["response"] = answer.bytes.toHex().toStdString();
     line["status"] = answer.arrived
@@ -94,7 +94,7 @@ int Raw::run() const
         context.out.line(value::hexText(answer.answer.bytes));
     else
         context.complain(subject(), problem);
-    return problem.isEmpty() ? terminal::exitDone : terminal::exitRefused;
+    return context.codeAfterWriting(problem.isEmpty() ? terminal::exitDone : terminal::exitRefused);
 }
 
 } // namespace
@@ -109,7 +109,7 @@ void addRaw(CLI::App& app, Run& run)
     const CLI::Option* timeout = addTimeout(
         command, options->common.timeout,
         "Longest wait for the answer, as --response-timeout; the link has 10 s at least");
-    command->add_flag("--json", options->common.json, "One line of JSON");
+    command->add_flag("-j,--json", options->common.json, "One line of JSON");
     command->add_flag("--force", options->force,
                       "Even if the driver says that it does not support it");
     addLink(command, options->common.link);

@@ -69,13 +69,13 @@ void Read::print(terminal::Context& context, const config::ItemConfig& item,
     const std::optional<QString> text =
         problem.isEmpty() ? value::decodeValue(*item.type, answer.bytes) : std::nullopt;
     if (common.json) {
-        value::OrderedJson line;
+        value::OrderedJson line = value::jsonReport(nullptr, QDateTime::currentDateTime());
         driver::addAnswer(line, item, answer, text);
         if (!text)
             line["problem"] = problem.toStdString();
         context.out.line(value::jsonLine(line));
     } else if (text) {
-        context.out.line(quiet ? *text : QStringLiteral("%1 = %2").arg(item.name, *text));
+        context.out.foreignLine(quiet ? *text : QStringLiteral("%1 = %2").arg(item.name, *text));
     } else {
         context.complain(item.name, problem);
     }
@@ -104,7 +104,7 @@ int Read::runOfService() const
         const driver::Answer none = {true, QByteArray(), first.status};
         print(context, value.item, value.arrived ? value.answer : none, problem);
     }
-    return complete ? terminal::exitDone : terminal::exitRefused;
+    return context.codeAfterWriting(complete ? terminal::exitDone : terminal::exitRefused);
 }
 
 int Read::runOfDevice() const
@@ -123,7 +123,7 @@ int Read::runOfDevice() const
         if (context.unix_signals.endRequested())
             return terminal::exitRefused;
     }
-    return complete ? terminal::exitDone : terminal::exitRefused;
+    return context.codeAfterWriting(complete ? terminal::exitDone : terminal::exitRefused);
 }
 
 } // namespace
@@ -141,7 +141,7 @@ void addRead(CLI::App& app, Run& run)
     addCommon(command, options->common);
     addService(command, options->common);
     addTimeout(command, options->common.timeout, "Longest wait for the values, or for the link");
-    command->add_flag("--json", options->common.json, "One line of JSON for every item");
+    command->add_flag("-j,--json", options->common.json, "One line of JSON for every item");
     command->add_flag("--quiet", options->quiet, "The values only");
     addLink(command, options->common.link);
     addRequest(command, options->common);

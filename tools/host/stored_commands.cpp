@@ -117,7 +117,8 @@ void addShow(CLI::App& app, Run& run)
     const auto options = std::make_shared<stored::Show>();
     command->footer(show_text);
     addInput(command, options->input);
-    command->add_flag("--json", options->json, "As JSON, as convert writes it, with the problems");
+    command->add_flag("-j,--json", options->json,
+                      "As JSON, as convert writes it, with the problems");
     command->add_flag("--show-password", options->show_password,
                       "Show the password, too, and all texts of a damaged stream");
     addFormat(command, &options->format);

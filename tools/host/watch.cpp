@@ -9,6 +9,8 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include <limits>
+
 namespace tovik_host {
 
 namespace {
@@ -268,21 +270,16 @@ void addWatch(CLI::App& app, Run& run)
     addCommon(command, options->common);
     addService(command, options->common);
     addSeconds(command, "--seconds", options->seconds, "End after this time", 1000000);
-    command->add_option("--interval", options->interval, "Time between reads")
-        ->type_name("MS")
-        ->check(CLI::Range(20, 3600000))
+    addWhole(command, "--interval", options->interval, "Time between reads", "MS", 20, 3600000)
         ->capture_default_str();
-    command->add_option("-C,--count", options->goal.count, "End after so many values")
-        ->type_name("N")
-        ->check(CLI::PositiveNumber);
+    addWhole(command, "-C,--count", options->goal.count, "End after so many values", "N", 1,
+             std::numeric_limits<int>::max());
     command->add_flag("--strict", options->goal.is_strict,
                       "End with 1 if a value was stale or bad at any time");
-    command->add_flag("--json", options->common.json, "One line of JSON for every change");
-    markOfService(command
-                      ->add_option("--stale", options->stale,
-                                   "A value is stale after so many cycles without news; 0: never")
-                      ->type_name("CYCLES")
-                      ->check(CLI::Range(0, 1000000))
+    command->add_flag("-j,--json", options->common.json, "One line of JSON for every change");
+    markOfService(addWhole(command, "--stale", options->stale,
+                           "A value is stale after so many cycles without news; 0: never", "CYCLES",
+                           0, 1000000)
                       ->capture_default_str());
     markOfService(addSeconds(command, "--metrics", options->metrics,
                              "Also report cycle time, reads per second, errors and ages so often"));

@@ -2,6 +2,7 @@
 #include "tools/host/driver/service_values.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
+#include "tools/host/value/json_text.h"
 
 #include <CLI/CLI.hpp>
 
@@ -31,6 +32,8 @@ struct Write
     int run() const;
     int runOfService() const;
     int runOfDevice() const;
+    int report(terminal::Context& context, const config::ItemConfig& to, const QByteArray& bytes,
+               const QString& done, const QString& problem) const;
 };
 
 /// The value's bytes. Throws UsageError when it is none of the item's type.
@@ -51,10 +54,30 @@ config::ItemConfig onlyOne(const QVector<config::ItemConfig>& items, const QStri
                                    .arg(items.size()));
 }
 
-QString doneText(const config::ItemConfig& item, const QByteArray& bytes, const QString& done)
+/// \param done what has become of the value; empty: it was not written
+/// \param problem why not, or why it is not known; empty: it was
+int Write::report(terminal::Context& context, const config::ItemConfig& to, const QByteArray& bytes,
+                  const QString& done, const QString& problem) const
 {
-    return QStringLiteral("%1 = %2  %3")
-        .arg(item.name, value::decodeValue(*item.type, bytes).value_or(QString()), done);
+    const std::optional<QString> text = value::decodeValue(*to.type, bytes);
+    if (common.json) {
+        value::OrderedJson line = value::jsonReport(nullptr, QDateTime::currentDateTime());
+        line["item"] = to.name.toStdString();
+        line["type"] = to.type->name;
+        line["value"] = value::jsonValue(*to.type, text);
+        line["bytes"] = bytes.toHex().toStdString();
+        line["done"] = problem.isEmpty() ? value::OrderedJson(done.toStdString())
+                                         : value::OrderedJson(nullptr);
+        if (!problem.isEmpty())
+            line["problem"] = problem.toStdString();
+        context.out.line(value::jsonLine(line));
+    } else if (problem.isEmpty()) {
+        context.out.foreignLine(
+            QStringLiteral("%1 = %2  %3").arg(to.name, text.value_or(QString()), done));
+    } else {
+        context.complain(to.name, problem);
+    }
+    return context.codeAfterWriting(problem.isEmpty() ? terminal::exitDone : terminal::exitRefused);
 }
 
 int Write::run() const
@@ -74,13 +97,8 @@ int Write::runOfService() const
     QString problem = driver::sendValue(context, setup, to, bytes, int(common.timeout * 1000));
     if (problem.isEmpty() && confirm > 0)
         problem = driver::confirmValue(context, setup, to, bytes, int(confirm * 1000));
-    if (!problem.isEmpty()) {
-        context.complain(to.name, problem);
-        return terminal::exitRefused;
-    }
-    context.out.line(
-        doneText(to, bytes, confirm > 0 ? QStringLiteral("confirmed") : QStringLiteral("sent")));
-    return terminal::exitDone;
+    return report(context, to, bytes,
+                  confirm > 0 ? QStringLiteral("confirmed") : QStringLiteral("sent"), problem);
 }
 
 int Write::runOfDevice() const
@@ -92,13 +110,9 @@ int Write::runOfDevice() const
     driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
     if (!setup.open(host))
         return terminal::exitRefused;
-    const QString problem = setup.failureOf(host.write(to, bytes));
-    if (!problem.isEmpty()) {
-        context.complain(to.name, QStringLiteral("not written: ") + problem);
-        return terminal::exitRefused;
-    }
-    context.out.line(doneText(to, bytes, QStringLiteral("written")));
-    return terminal::exitDone;
+    const QString failure = setup.failureOf(host.write(to, bytes));
+    return report(context, to, bytes, QStringLiteral("written"),
+                  failure.isEmpty() ? QString() : QStringLiteral("not written: ") + failure);
 }
 
 } // namespace
@@ -117,6 +131,7 @@ void addWrite(CLI::App& app, Run& run)
     addTimeout(command, options->common.timeout, "Longest wait until it is sent, or for the link");
     markOfService(addSeconds(command, "--confirm", options->confirm,
                              "Wait until the service shows the value"));
+    command->add_flag("-j,--json", options->common.json, "One line of JSON");
     addLink(command, options->common.link);
     addRequest(command, options->common);
     command->callback([command, options, &run] {

@@ -176,7 +176,7 @@ void TestHostProgramCatalogue::refusesWrongUsage_data()
     row("two forms", {QStringLiteral("--json"), QStringLiteral("--table")},
         "--table excludes --json");
     row("time that is no number", {QStringLiteral("--timeout"), QStringLiteral("nan")},
-        "--timeout: Value nan is no number of seconds");
+        "--timeout: \"nan\" is no number from 0.1 to 86400");
     row("password on the command line", {QStringLiteral("--password"), QStringLiteral("x")},
         "--password");
     row("log that cannot be written",

@@ -18,6 +18,9 @@ private Q_SLOTS:
     void waitsForALateService();
     void refusesALibraryWithoutAges();
     void printsJson();
+    void takesPatterns();
+    void namesWhatIsNear();
+    void keepsBytesInAPipe();
     void endsOnSignal();
 };
 
@@ -137,12 +140,45 @@ void TestHostProgramRead::printsJson()
              1);
     const QVector<nlohmann::json> lines = host.outputJson();
     QCOMPARE(lines.size(), 2);
+    QCOMPARE(lines.at(0).at("version").get<int>(), 1);
+    QCOMPARE(lines.at(0).at("time").get<std::string>().size(), std::size_t(24));
     QCOMPARE(lines.at(0).at("value").get<int>(), -2);
     QCOMPARE(lines.at(0).at("bytes").get<std::string>(), std::string("feff"));
     QVERIFY(!lines.at(0).contains("problem"));
     QVERIFY(lines.at(1).at("value").is_null());
     QCOMPARE(lines.at(1).at("status").get<std::string>(), std::string("0x400F0007"));
     QVERIFY(lines.at(1).contains("problem"));
+}
+
+void TestHostProgramRead::takesPatterns()
+{
+    HostProcess host;
+    host.addItem(QStringLiteral("Pump"), QStringLiteral("hex:0100"), QStringLiteral("16Bit-INT"));
+    host.addItem(QStringLiteral("[Light]"), QStringLiteral("hex:0200"),
+                 QStringLiteral("16Bit-INT"));
+    host.addItem(QStringLiteral("Pipe"), QStringLiteral("hex:0300"), QStringLiteral("16Bit-INT"));
+    QCOMPARE(host.run({QStringLiteral("read"), QStringLiteral("[Light]"), QStringLiteral("[NOP]*"),
+                       QStringLiteral("Pi??")}),
+             0);
+    QCOMPARE(host.output(), QStringLiteral("[Light] = 2\nPump = 1\nPipe = 3\n"));
+}
+
+void TestHostProgramRead::namesWhatIsNear()
+{
+    HostProcess host;
+    host.addItem(QStringLiteral("Boiler.Flow"), QStringLiteral("hex:01"), QStringLiteral("Bit"));
+    QCOMPARE(host.run({QStringLiteral("read"), QStringLiteral("boiler.flow")}), 2);
+    QCOMPARE(host.errors(), QStringLiteral("tovik-host: the configuration has no item "
+                                           "\"boiler.flow\"; Boiler.Flow?\n"));
+}
+
+void TestHostProgramRead::keepsBytesInAPipe()
+{
+    HostProcess host;
+    host.addItem(QStringLiteral("T"), QStringLiteral("hex:411b5b324a0a0742"),
+                 QStringLiteral("String"));
+    QCOMPARE(host.run({QStringLiteral("read"), QStringLiteral("T")}), 0);
+    QCOMPARE(host.output(), QStringLiteral("T = A\033[2J\n\007B\n"));
 }
 
 void TestHostProgramRead::endsOnSignal()

@@ -121,6 +121,7 @@ private Q_SLOTS:
     void drawsATableInPlace();
     void followsTheSizeOfTheTerminal();
     void keepsTheLogOutWhenItGoesToAFile();
+    void hidesControlCharactersOfAValue();
 
 private:
     QStringList arguments() const;
@@ -190,6 +191,21 @@ void TestHostProgramTerminal::keepsTheLogOutWhenItGoesToAFile()
     QVERIFY(!drawing.contains("LOG OF THE DRIVER"));
     QVERIFY(!drawing.contains("Connected to Cloud"));
     QVERIFY(host_.log().contains(QLatin1String("Connected to Cloud")));
+}
+
+/// A value must not steer the terminal.
+void TestHostProgramTerminal::hidesControlCharactersOfAValue()
+{
+    HostProcess host;
+    host.addItem(QStringLiteral("T"), QStringLiteral("hex:411b5b324a0a0742"),
+                 QStringLiteral("String"));
+    host.writeConfig();
+    TerminalProgram program({QStringLiteral("read"), QStringLiteral("T"),
+                             QStringLiteral("--config"), host.configFile(),
+                             QStringLiteral("--library"), HostProcess::fakeDriver()},
+                            80, 24);
+    QVERIFY(program.waitFor("T = A\u00b7[2J\u00b7\u00b7B\r\n"));
+    QCOMPARE(program.exitCode(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestHostProgramTerminal)

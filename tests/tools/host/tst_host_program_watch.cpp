@@ -75,8 +75,9 @@ void TestHostProgramWatch::printsJsonForEveryChange()
     host.addItem(QStringLiteral("T"), QStringLiteral("hex:fc"), QStringLiteral("String"));
     host.addItem(QStringLiteral("Z"), QStringLiteral("bad"), QStringLiteral("Bit"));
     host.start(watch + QStringList{QStringLiteral("--json")});
-    QVERIFY(host.waitForOutput(QStringLiteral("0x400F0007\",\"status_text\":\"service error 7\","
-                                              "\"stale\":false}\n{\"event\":\"status\"")));
+    QVERIFY(host.waitForOutput(
+        QStringLiteral("0x400F0007\",\"status_text\":\"service error 7\","
+                       "\"stale\":false}\n{\"version\":1,\"event\":\"status\"")));
     host.sendSignal(SIGTERM);
     QCOMPARE(host.wait(), 0);
     const QVector<nlohmann::json> lines = host.outputJson();

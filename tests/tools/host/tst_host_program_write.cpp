@@ -14,6 +14,8 @@ private Q_SLOTS:
     void refusesValues_data();
     void refusesValues();
     void takesNegativeNumbers();
+    void printsJson_data();
+    void printsJson();
     void needsNoDebugLines();
     void endsOnSignal();
 };
@@ -112,6 +114,35 @@ void TestHostProgramWrite::takesNegativeNumbers()
     QCOMPARE(host.output(), QStringLiteral("A = -12  sent\n"));
     QCOMPARE(host.run({QStringLiteral("write"), QStringLiteral("F"), QStringLiteral("-2.5")}), 0);
     QCOMPARE(host.output(), QStringLiteral("F = -2.5  sent\n"));
+}
+
+void TestHostProgramWrite::printsJson_data()
+{
+    QTest::addColumn<QString>("id");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("done");
+    QTest::newRow("sent") << QStringLiteral("hex:0500") << 0 << QStringLiteral("\"sent\"");
+    QTest::newRow("refused") << QStringLiteral("ro:0500") << 1 << QStringLiteral("null");
+}
+
+void TestHostProgramWrite::printsJson()
+{
+    QFETCH(QString, id);
+    QFETCH(int, code);
+    QFETCH(QString, done);
+    HostProcess host;
+    host.addItem(QStringLiteral("A"), id, QStringLiteral("16Bit-INT"));
+    QCOMPARE(host.run({QStringLiteral("write"), QStringLiteral("A"), QStringLiteral("6"),
+                       QStringLiteral("--json")}),
+             code);
+    QCOMPARE(host.errors(), QString());
+    const nlohmann::json line = host.outputJson().first();
+    QCOMPARE(line.at("version").get<int>(), 1);
+    QCOMPARE(line.at("time").get<std::string>().size(), std::size_t(24));
+    QCOMPARE(line.at("value").get<int>(), 6);
+    QCOMPARE(line.at("bytes").get<std::string>(), std::string("0600"));
+    QCOMPARE(QString::fromStdString(line.at("done").dump()), done);
+    QCOMPARE(line.contains("problem"), code != 0);
 }
 
 /// An environment may have switched them off.

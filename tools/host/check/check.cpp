@@ -61,7 +61,8 @@ public:
         const Verdict verdict = judgeAll(steps_, is_interrupted);
         for (const QString& line : verdictLines(verdict, as_json_))
             context_.out.line(line);
-        return verdict.is_well ? terminal::exitDone : terminal::exitRefused;
+        return context_.codeAfterWriting(verdict.is_well ? terminal::exitDone
+                                                         : terminal::exitRefused);
     }
 
 private:
@@ -70,7 +71,8 @@ private:
     {
         steps_ << step;
         context_.out.line(stepLine(step, as_json_));
-        return step.severity != Severity::failure && !context_.unix_signals.endRequested();
+        return step.severity != Severity::failure && !context_.unix_signals.endRequested() &&
+               !context_.out.broken();
     }
 
     bool isEncrypted() const { return url_.scheme() == QLatin1String("https"); }

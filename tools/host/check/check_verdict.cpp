@@ -104,8 +104,7 @@ QString stepLine(const CheckStep& step, bool as_json)
             line += QStringLiteral("  (%1 ms)").arg(std::lround(*step.seconds * 1000));
         return terminal::printable(line);
     }
-    value::OrderedJson line;
-    line["event"] = "step";
+    value::OrderedJson line = value::jsonReport("step");
     line["step"] = step.name.toStdString();
     if (!step.subject.isEmpty())
         line["subject"] = step.subject.toStdString();
@@ -125,8 +124,7 @@ QString stepLine(const CheckStep& step, bool as_json)
 QStringList verdictLines(const Verdict& verdict, bool as_json)
 {
     if (as_json) {
-        value::OrderedJson line;
-        line["event"] = "verdict";
+        value::OrderedJson line = value::jsonReport("verdict");
         line["well"] = verdict.is_well;
         line["text"] = verdict.summary.toStdString();
         line["causes"] = value::OrderedJson::array();

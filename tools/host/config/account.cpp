@@ -164,18 +164,20 @@ QString readPassword(const JsonPlace& service, const QString& config_path)
     return QString::fromUtf8(qgetenv(variable.constData()));
 }
 
-void checkUrl(const QString& url, const QString& origin)
+QString checkedUrl(const QString& url, const QString& origin)
 {
-    const QUrl parsed(url, QUrl::StrictMode);
+    QUrl parsed(url, QUrl::StrictMode);
     const bool is_web =
         parsed.scheme() == QLatin1String("https") || parsed.scheme() == QLatin1String("http");
-    const bool is_bare = parsed.path().isEmpty() && !parsed.hasQuery() && !parsed.hasFragment();
+    const bool has_slash = parsed.path() == QLatin1String("/");
+    const bool is_bare =
+        (parsed.path().isEmpty() || has_slash) && !parsed.hasQuery() && !parsed.hasFragment();
     if (!parsed.isValid() || !is_web || !is_bare || parsed.host().isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("%1: must be an address such as https://cloud.example, "
-                           "without a path or a slash at its end")
+            QStringLiteral("%1: must be an address such as https://cloud.example, without a path")
                 .arg(origin));
     }
+    return has_slash ? url.chopped(1) : url;
 }
 
 QString givenAddress(const QString& url, const QString& url_file)
@@ -190,14 +192,9 @@ QString givenAddress(const QString& url, const QString& url_file)
                                "service running?)")
                     .arg(url_file, problem));
         }
-        address = line->trimmed();
-        checkUrl(address, url_file);
+        address = checkedUrl(line->trimmed(), url_file);
     }
-    if (!url.isEmpty()) {
-        checkUrl(url, QStringLiteral("--url"));
-        address = url;
-    }
-    return address;
+    return url.isEmpty() ? address : checkedUrl(url, QStringLiteral("--url"));
 }
 
 } // namespace tovik_host::config

@@ -50,9 +50,10 @@ void requireAccount(const Account& account);
 /// or "password_env" (a variable of the environment). Throws UsageError; no message shows it.
 QString readPassword(const JsonPlace& service, const QString& config_path);
 
-/// Throws UsageError unless \a url is an address that the driver can use.
+/// \a url as the driver can use it: without a slash at its end. Throws UsageError if it is no
+/// address.
 /// \param origin what the message names as the source of the address.
-void checkUrl(const QString& url, const QString& origin);
+QString checkedUrl(const QString& url, const QString& origin);
 
 /// The address of a service that the command line gives: \a url, or else the first line of the file
 /// \a url_file; empty when both are. Throws UsageError for what cannot be read or is no address.

@@ -16,10 +16,8 @@ ServiceConfig readService(const JsonPlace& place, const QString& path, bool with
 {
     place.allowOnly({"url", "project", "email", "password", "password_file", "password_env"});
     ServiceConfig service;
-    if (place.has("url")) {
-        service.url = place.at("url").text();
-        checkUrl(service.url, place.at("url").where());
-    }
+    if (place.has("url"))
+        service.url = checkedUrl(place.at("url").text(), place.at("url").where());
     service.project = place.requiredText("project");
     service.email = place.requiredText("email");
     const bool is_elsewhere = place.has("password_file") || place.has("password_env");
@@ -94,6 +92,10 @@ LoadedConfig loadConfig(const QString& path, bool with_password)
 {
     const JsonFile file = readJson(path);
     const JsonPlace root(file);
+    if (root.has("groups")) {
+        root.fail(QStringLiteral("is a catalogue, and a configuration is wanted, such as "
+                                 "tovik-host configure --catalogue makes of it"));
+    }
     root.allowOnly({"service", "items", "error_handling"});
     if (!root.has("service")) {
         root.fail(QStringLiteral("the member \"service\" is missing; or, for a device: --link or "

@@ -167,14 +167,17 @@ JsonFile parseJson(const QString& path, const QByteArray& text)
         lines.take(event, parsed);
         return true;
     };
+    const auto fail = [&](const QString& reason) {
+        throw terminal::UsageError(
+            QStringLiteral("%1:%2: not valid JSON: %3").arg(path).arg(counter.line).arg(reason));
+    };
     try {
         file.root = nlohmann::json::parse(CountingIterator{text.begin(), &counter},
                                           CountingIterator{text.end(), &counter}, take);
+    } catch (const nlohmann::json::out_of_range&) {
+        fail(QStringLiteral("a number is beyond what a double holds"));
     } catch (const nlohmann::json::exception& error) {
-        throw terminal::UsageError(QStringLiteral("%1:%2: not valid JSON: %3")
-                                       .arg(path)
-                                       .arg(counter.line)
-                                       .arg(reasonOf(error.what())));
+        fail(reasonOf(error.what()));
     }
     return file;
 }

@@ -107,7 +107,8 @@ QString catalogueJson(const Catalogue& catalogue)
     for (const CatalogueGroup& group : catalogue.groups)
         groups.push_back(jsonOf(group));
     const QString url = QUrl(catalogue.url).toString(QUrl::RemoveUserInfo);
-    return value::jsonText({{"service",
+    return value::jsonText({{"version", value::json_version},
+                            {"service",
                              {{"url", url.toStdString()},
                               {"project", catalogue.project.toStdString()},
                               {"email", catalogue.email.toStdString()}}},
@@ -122,13 +123,17 @@ bool isCatalogue(const config::JsonFile& file)
 Catalogue readCatalogue(const config::JsonFile& file)
 {
     const config::JsonPlace root(file);
-    root.allowOnly({"service", "groups"});
+    if (root.has("items")) {
+        root.fail(QStringLiteral("is a configuration, and a catalogue is wanted, such as "
+                                 "tovik-host catalogue --json prints"));
+    }
+    root.allowOnly({"version", "service", "groups"});
+    root.optionalNumber("version", value::json_version, value::json_version, value::json_version);
     const config::JsonPlace service = root.at("service");
     service.allowOnly({"url", "project", "email"});
     Catalogue catalogue;
-    catalogue.url = service.optionalText("url");
     if (service.has("url"))
-        config::checkUrl(catalogue.url, service.at("url").where());
+        catalogue.url = config::checkedUrl(service.at("url").text(), service.at("url").where());
     catalogue.project = service.optionalText("project");
     catalogue.email = service.optionalText("email");
     for (const config::JsonPlace& group : root.at("groups").elements())

@@ -82,8 +82,7 @@ std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const Servic
     const QString url = QUrl(account.service.url).toString(QUrl::RemoveUserInfo);
     const ClientOutcome login = client.login(options.timeout);
     if (login.kind != ClientOutcome::Done) {
-        context.complain(
-            QStringLiteral("login at %1 failed: %2").arg(url, terminal::printable(login.reason)));
+        context.complain(QStringLiteral("login at %1 failed: %2").arg(url, login.reason));
         if (!account.has_password)
             context.warn(QStringLiteral("no password was given; set %1, or use --password-file")
                              .arg(account.password_env));
@@ -105,8 +104,8 @@ std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const Servic
                                   : QStringLiteral(" after %1 of %2")
                                         .arg(latest.groups_loaded)
                                         .arg(counted(latest.groups_known, QStringLiteral("group")));
-        context.complain(QStringLiteral("loading the catalogue failed%1: %2")
-                             .arg(where, terminal::printable(loading.reason)));
+        context.complain(
+            QStringLiteral("loading the catalogue failed%1: %2").arg(where, loading.reason));
         return std::nullopt;
     }
     return Catalogue{account.service.url, account.service.project, account.service.email,

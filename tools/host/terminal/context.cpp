@@ -9,12 +9,12 @@ namespace tovik_host::terminal {
 
 void Streams::complain(const QString& problem)
 {
-    err.line(QStringLiteral("tovik-host: ") + problem);
+    err.line(QStringLiteral("tovik-host: ") + printable(problem));
 }
 
 void Streams::complain(const QString& subject, const QString& problem)
 {
-    complain(QStringLiteral("%1: %2").arg(printable(subject), printable(problem)));
+    complain(QStringLiteral("%1: %2").arg(subject, problem));
 }
 
 void Streams::warn(const QString& text)

@@ -1,6 +1,7 @@
 #include "tools/host/terminal/debug_log.h"
 
 #include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/output.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -24,7 +25,7 @@ void handleMessage(QtMsgType type, const QMessageLogContext&, const QString& tex
         log->take(text);
     // The process ends with this message: nobody else will show it.
     if (type == QtFatalMsg)
-        std::fprintf(stderr, "%s\n", text.toUtf8().constData());
+        Output(STDERR_FILENO).foreignLine(text);
 }
 
 } // namespace
@@ -96,7 +97,7 @@ void DebugLog::take(const QString& line)
         std::fflush(file_);
     }
     if (echoes_)
-        std::fprintf(stderr, "%s\n", bytes.constData());
+        Output(STDERR_FILENO).foreignLine(line);
 }
 
 } // namespace tovik_host::terminal

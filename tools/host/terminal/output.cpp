@@ -55,6 +55,11 @@ void Output::line(const QString& text)
     write(text + QLatin1Char('\n'));
 }
 
+void Output::foreignLine(const QString& text)
+{
+    line(::isatty(descriptor_) == 1 ? printable(text) : text);
+}
+
 void checkOutputFile(const QString& path, bool may_replace)
 {
     const QFileInfo info(path);

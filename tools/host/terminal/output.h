@@ -22,6 +22,9 @@ public:
     void write(const QByteArray& bytes);
     /// Writes \a text and a line break.
     void line(const QString& text);
+    /// The same with what somebody else has written: on a terminal without control characters,
+    /// elsewhere as it is.
+    void foreignLine(const QString& text);
     /// Whether the reader has gone; all further writing is in vain.
     bool broken() const;
     /// Why writing failed, as errno says it; 0 when all has been written.

@@ -4,6 +4,16 @@
 
 namespace tovik_host::value {
 
+OrderedJson jsonReport(const char* event, const QDateTime& time)
+{
+    OrderedJson line = {{"version", json_version}};
+    if (event)
+        line["event"] = event;
+    if (time.isValid())
+        line["time"] = jsonTime(time);
+    return line;
+}
+
 OrderedJson jsonValue(const ItemType& type, const std::optional<QString>& value)
 {
     if (!value)

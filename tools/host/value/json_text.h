@@ -16,6 +16,12 @@ namespace tovik_host::value {
 
 using OrderedJson = nlohmann::ordered_json;
 
+/// What every line and every object for a program begins with. Within a version members may be
+/// added; none goes or comes to mean something else.
+const int json_version = 1;
+
+/// The beginning of a line: the version, and what is given of event and time.
+OrderedJson jsonReport(const char* event, const QDateTime& time = QDateTime());
 /// A decoded value: a number where the type has numbers, else a text; null when there is none, and
 /// for the infinities and not-a-number, which JSON does not have.
 OrderedJson jsonValue(const ItemType& type, const std::optional<QString>& value);

@@ -7,14 +7,6 @@ namespace tovik_host::watch {
 
 namespace {
 
-value::OrderedJson event(const char* name, const QDateTime& time)
-{
-    value::OrderedJson line;
-    line["event"] = name;
-    line["time"] = value::jsonTime(time);
-    return line;
-}
-
 value::OrderedJson seconds(const std::optional<int>& milliseconds)
 {
     return milliseconds ? value::OrderedJson(*milliseconds / 1000.0) : value::OrderedJson(nullptr);
@@ -49,7 +41,7 @@ value::OrderedJson agesOf(const WatchModel& model)
 
 void JsonView::start(const WatchSubject& subject, const QDateTime& now)
 {
-    value::OrderedJson line = event("start", now);
+    value::OrderedJson line = value::jsonReport("start", now);
     line["library"] = subject.library.toStdString();
     line["driver_version"] = subject.driver_version.toStdString();
     if (subject.link.isEmpty()) {
@@ -63,7 +55,7 @@ void JsonView::start(const WatchSubject& subject, const QDateTime& now)
 
 void JsonView::valueChanged(const ItemState& state)
 {
-    value::OrderedJson line = event("value", state.changed_at);
+    value::OrderedJson line = value::jsonReport("value", state.changed_at);
     driver::addAnswer(line, state.item, state.answer, state.value);
     line["stale"] = state.is_stale;
     if (state.is_waited_for)
@@ -73,7 +65,7 @@ void JsonView::valueChanged(const ItemState& state)
 
 void JsonView::staleChanged(const WatchModel& model, int index, const QDateTime& now)
 {
-    value::OrderedJson line = event("stale", now);
+    value::OrderedJson line = value::jsonReport("stale", now);
     line["item"] = model.items().at(index).item.name.toStdString();
     line["stale"] = model.items().at(index).is_stale;
     line["age_seconds"] = seconds(model.ageOf(index));
@@ -82,7 +74,7 @@ void JsonView::staleChanged(const WatchModel& model, int index, const QDateTime&
 
 void JsonView::statusChanged(const WatchModel& model)
 {
-    value::OrderedJson line = event("status", model.statusSince());
+    value::OrderedJson line = value::jsonReport("status", model.statusSince());
     line["status"] = value::statusCode(model.status()).toStdString();
     line["status_text"] = value::statusText(model.status(), model.statusOf()).toStdString();
     output_.line(value::jsonLine(line));
@@ -93,7 +85,7 @@ void JsonView::numbersDue(const WatchModel& model, const QDateTime& now)
     const value::DriverNumbers& numbers = model.numbers();
     if (!numbers.isAny())
         return;
-    value::OrderedJson line = event("metrics", now);
+    value::OrderedJson line = value::jsonReport("metrics", now);
     if (numbers.cycle_count) {
         line["cycle_count"] = *numbers.cycle_count;
         line["cycle_seconds"] = seconds(numbers.cycle);
@@ -115,7 +107,7 @@ void JsonView::numbersDue(const WatchModel& model, const QDateTime& now)
 
 void JsonView::end(const QDateTime& now)
 {
-    output_.line(value::jsonLine(event("end", now)));
+    output_.line(value::jsonLine(value::jsonReport("end", now)));
 }
 
 } // namespace tovik_host::watch

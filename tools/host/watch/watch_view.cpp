@@ -1,7 +1,6 @@
 #include "tools/host/watch/watch_view.h"
 
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
 #include "tools/host/watch/views.h"
 
 namespace tovik_host::watch {
@@ -54,7 +53,7 @@ int endWatch(WatchView& view, const WatchModel& model, const WatchGoal& goal,
     const QString problem = problemOf(model, goal, context.unix_signals.endRequested());
     if (problem.isEmpty())
         return terminal::exitDone;
-    context.complain(terminal::printable(problem));
+    context.complain(problem);
     return terminal::exitRefused;
 }
 

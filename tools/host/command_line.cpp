@@ -1,0 +1,120 @@
+#include "tools/host/command_line.h"
+
+#include "tools/host/commands.h"
+#include "tools/host/terminal/context.h"
+#include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/text_width.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+
+namespace tovik_host {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+QString text(const std::string& word)
+{
+    return QString::fromStdString(word);
+}
+
+bool isOption(const std::string& word)
+{
+    return word.size() > 1 && word.front() == '-';
+}
+
+/// The command that begins \a words; null: the program's own options do.
+const CLI::App* commandOf(const CLI::App& app, const Words& words)
+{
+    const QString hint = QStringLiteral("; tovik-host help lists the commands");
+    if (words.empty())
+        throw terminal::UsageError(QStringLiteral("the command is missing") + hint);
+    const std::string& first = words.front();
+    const std::string name = first.substr(0, first.find('='));
+    if (isOption(first) && app.get_option_no_throw(name))
+        return nullptr;
+    if (isOption(first)) {
+        throw terminal::UsageError(
+            QStringLiteral("%1 stands before the command; options come behind it: tovik-host "
+                           "COMMAND %1 ...")
+                .arg(text(name)));
+    }
+    QStringList names;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        names << text(command->get_name());
+        if (command->get_name() == first)
+            return command;
+    }
+    const QString near = terminal::nearText(text(first), names);
+    throw terminal::UsageError(QStringLiteral("there is no command \"%1\"").arg(text(first)) +
+                               (near.isEmpty() ? hint : near));
+}
+
+void refuseUnknownOptions(const CLI::App& command, const Words& words)
+{
+    QStringList names;
+    for (const CLI::Option* option : command.get_options()) {
+        for (const std::string& name : option->get_lnames())
+            names << QStringLiteral("--") + text(name);
+    }
+    for (const std::string& word : words) {
+        if (word == "--")
+            return;
+        const QString name = text(word.substr(0, word.find('=')));
+        if (name.startsWith(QLatin1String("--")) && !names.contains(name)) {
+            throw terminal::UsageError(
+                QStringLiteral("%1 has no option %2").arg(text(command.get_name()), name) +
+                terminal::nearText(name, names));
+        }
+    }
+}
+
+/// As the command-line library wants it: the last word first.
+Words reversed(const Words& words)
+{
+    Words reversed(words.size());
+    std::transform(words.rbegin(), words.rend(), reversed.begin(), keepBrackets);
+    return reversed;
+}
+
+void print(const CLI::App& app, const CLI::Success& asked)
+{
+    std::ostringstream text;
+    app.exit(asked, text, text);
+    terminal::Streams streams;
+    streams.out.write(QByteArray::fromStdString(text.str()));
+    if (streams.codeAfterWriting(terminal::exitDone) != terminal::exitDone)
+        std::exit(terminal::exitUsage);
+}
+
+} // namespace
+
+bool parseLine(CLI::App& app, Words words)
+{
+    const bool asks_for_help = !words.empty() && words.front() == "help";
+    if (asks_for_help && (words.size() == 1 || !isOption(words[1]))) {
+        words.erase(words.begin());
+        words.push_back("--help");
+    }
+    const CLI::App* const command = commandOf(app, words);
+    if (command) {
+        refuseUnknownOptions(*command, words);
+        addSettings(*command, words);
+    }
+    try {
+        app.parse(reversed(words));
+    } catch (const CLI::Success& asked) {
+        print(app, asked);
+        return false;
+    } catch (const CLI::ParseError& error) {
+        QString problem = text(withoutMark(error.what()));
+        if (command)
+            problem += QStringLiteral(" (tovik-host help %1)").arg(text(command->get_name()));
+        throw terminal::UsageError(problem);
+    }
+    return true;
+}
+
+} // namespace tovik_host

@@ -215,6 +215,9 @@ void addRequest(CLI::App* command, config::CommonOptions& common)
         ->group(link_group);
     addNumber(command, "--length", request.length, "Bytes of a String", "BYTES", 1,
               config::limits::length);
+    addNumber(command, "--elements", request.elements,
+              "Values of the type, one behind the other, in one request (default 1)", "N", 1,
+              config::limits::elements);
     addNumber(command, "--station", request.station, "Station number of the device (default 1)",
               "N", 0, config::limits::station);
     addText(command, "--unit", common.link.unit, "Unit name of the requests (default tovik-host)",

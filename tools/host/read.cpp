@@ -67,7 +67,7 @@ void Read::print(terminal::Context& context, const config::ItemConfig& item,
                  const driver::Answer& answer, const QString& problem) const
 {
     const std::optional<QString> text =
-        problem.isEmpty() ? value::decodeValue(*item.type, answer.bytes) : std::nullopt;
+        problem.isEmpty() ? config::valueOf(item, answer.bytes) : std::nullopt;
     if (common.json) {
         value::OrderedJson line = value::jsonReport(nullptr, QDateTime::currentDateTime());
         driver::addAnswer(line, item, answer, text);

@@ -39,7 +39,7 @@ struct Write
 /// The value's bytes. Throws UsageError when it is none of the item's type.
 QByteArray encoded(const config::ItemConfig& item, const QString& value)
 {
-    const value::EncodedValue encoded = value::encodeValue(*item.type, value, item.length);
+    const value::EncodedValue encoded = config::bytesOf(item, value);
     if (!encoded.ok())
         throw terminal::UsageError(QStringLiteral("%1: %2").arg(item.name, encoded.problem));
     return encoded.bytes;
@@ -59,12 +59,12 @@ config::ItemConfig onlyOne(const QVector<config::ItemConfig>& items, const QStri
 int Write::report(terminal::Context& context, const config::ItemConfig& to, const QByteArray& bytes,
                   const QString& done, const QString& problem) const
 {
-    const std::optional<QString> text = value::decodeValue(*to.type, bytes);
+    const std::optional<QString> text = config::valueOf(to, bytes);
     if (common.json) {
         value::OrderedJson line = value::jsonReport(nullptr, QDateTime::currentDateTime());
         line["item"] = to.name.toStdString();
         line["type"] = to.type->name;
-        line["value"] = value::jsonValue(*to.type, text);
+        line["value"] = driver::jsonOf(to, text);
         line["bytes"] = bytes.toHex().toStdString();
         line["done"] = problem.isEmpty() ? value::OrderedJson(done.toStdString())
                                          : value::OrderedJson(nullptr);

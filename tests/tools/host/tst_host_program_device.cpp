@@ -11,6 +11,10 @@ class TestHostProgramDevice : public QObject
 private Q_SLOTS:
     void reads();
     void readsJson();
+    void readsManyElementsInOneRequest();
+    void writesManyElementsInOneRequest();
+    void refusesElementsThatAreNone_data();
+    void refusesElementsThatAreNone();
     void readsItemsOfAFile();
     void readsOnASerialLine();
     void explainsMissingValues_data();
@@ -59,6 +63,57 @@ void TestHostProgramDevice::readsJson()
     QCOMPARE(lines.at(1).at("status_text").get<std::string>(),
              std::string("driver's code 0x400B0102"));
     QVERIFY(lines.at(1).contains("problem"));
+}
+
+void TestHostProgramDevice::readsManyElementsInOneRequest()
+{
+    TcpLineDevice device;
+    HostProcess host;
+    QCOMPARE(runOn(host, device, words("read hex:01000200feff=16Bit-INT --elements 3")), 0);
+    QCOMPARE(host.output(), QStringLiteral("hex:01000200feff = 1 2 -2\n"));
+    QCOMPARE(device.lines(), QList<QByteArray>{"r 1 0 6 0 0 hex:01000200feff"});
+    QCOMPARE(runOn(host, device, words("read hex:0100ffff --elements 2 --json")), 0);
+    QCOMPARE(host.outputJson().first().at("value"), nlohmann::json({1, 65535}));
+    QCOMPARE(runOn(host, device, words("read hex:0100 --elements 2")), 1);
+    QVERIFY2(host.errors().contains(QLatin1String("[01 00] are no 2 16Bit-UINT")),
+             qPrintable(host.errors()));
+}
+
+void TestHostProgramDevice::writesManyElementsInOneRequest()
+{
+    TcpLineDevice device;
+    HostProcess host;
+    const QStringList three{QStringLiteral("write"), QStringLiteral("a"),
+                            QStringLiteral("1 2 65535"), QStringLiteral("--elements"),
+                            QStringLiteral("3")};
+    QCOMPARE(runOn(host, device, three), 0);
+    QCOMPARE(host.output(), QStringLiteral("a = 1 2 65535  written\n"));
+    QCOMPARE(device.lines().size(), 1);
+    QVERIFY(device.lines().first().endsWith(" a 01000200ffff"));
+}
+
+void TestHostProgramDevice::refusesElementsThatAreNone_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("problem");
+    QTest::newRow("too few values") << words("write a 1 --elements 2")
+                                    << QStringLiteral("has 2 elements, and here are 1 values");
+    QTest::newRow("beyond the type")
+        << QStringList{QStringLiteral("write"), QStringLiteral("a"), QStringLiteral("1 65536"),
+                       QStringLiteral("--elements"), QStringLiteral("2")}
+        << QStringLiteral("65536");
+    QTest::newRow("none") << words("read a --elements 0") << QStringLiteral("--elements");
+}
+
+void TestHostProgramDevice::refusesElementsThatAreNone()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, problem);
+    TcpLineDevice device;
+    HostProcess host;
+    QCOMPARE(runOn(host, device, arguments), 2);
+    QVERIFY2(host.errors().contains(problem), qPrintable(host.errors()));
+    QCOMPARE(device.lines().size(), 0);
 }
 
 void TestHostProgramDevice::readsItemsOfAFile()

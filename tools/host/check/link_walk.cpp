@@ -133,7 +133,7 @@ LinkRead LinkWalk::read(driver::DeviceHost& host, const config::ItemConfig& item
     read.status = answer.answer.status;
     read.problem = setup_.problemOf(item, answer);
     if (read.isGood())
-        read.value = value::decodeValue(*item.type, answer.answer.bytes).value_or(QString());
+        read.value = config::valueOf(item, answer.answer.bytes).value_or(QString());
     return read;
 }
 

@@ -37,8 +37,15 @@ struct ItemConfig
     QString id;   ///< The service's id of the item; a device's items have none.
     const value::ItemType* type = nullptr; ///< Never null in a loaded configuration.
     int length = 0;           ///< Characters that a text has room for; 0: as many as come.
+    int elements = 1;         ///< Values of the type, one behind the other, that are one item.
     ItemRequest request = {}; ///< Of a device's item only.
 };
+
+/// The item's value in \a bytes, or nothing if they are none: of several elements, their values
+/// with blanks between them.
+std::optional<QString> valueOf(const ItemConfig& item, const QByteArray& bytes);
+/// The bytes of \a text: of several elements, as many values with blanks between them.
+value::EncodedValue bytesOf(const ItemConfig& item, const QString& text);
 
 /// The driver's error-handling keys.
 struct ErrorHandling
@@ -82,6 +89,7 @@ const int response_timeout = 600000;
 const int retries = 100;
 const int station = 65535;
 const int length = 65535;
+const int elements = 2000;
 
 } // namespace limits
 
@@ -102,6 +110,7 @@ struct RequestOptions
 {
     std::optional<QString> type;
     std::optional<int> length;
+    std::optional<int> elements;
     std::optional<int> station;
     std::optional<int> field1;
     std::optional<int> extra1;

@@ -49,9 +49,20 @@ int readLength(const JsonPlace& place, const value::ItemType& type, const Reques
     return place.optionalNumber("length", defaults.length.value_or(0), 1, limits::length);
 }
 
+int readElements(const JsonPlace& place, const value::ItemType& type,
+                 const RequestOptions& defaults)
+{
+    if (type.size > 0)
+        return place.optionalNumber("elements", defaults.elements.value_or(1), 1, limits::elements);
+    if (place.has("elements"))
+        place.at("elements").fail(QStringLiteral("a String has a length, and no elements"));
+    return 1;
+}
+
 ItemConfig readItem(const JsonPlace& place, const RequestOptions& defaults)
 {
-    place.allowOnly({"name", "address", "type", "length", "station", "field1", "extra1", "extra2"});
+    place.allowOnly(
+        {"name", "address", "type", "length", "elements", "station", "field1", "extra1", "extra2"});
     ItemConfig item;
     item.name = place.requiredText("name");
     ItemRequest& request = item.request;
@@ -59,6 +70,7 @@ ItemConfig readItem(const JsonPlace& place, const RequestOptions& defaults)
     item.type = place.has("type") ? &itemType(place)
                                   : &itemType(defaults.typeName(), QStringLiteral("--type"));
     item.length = readLength(place, *item.type, defaults);
+    item.elements = readElements(place, *item.type, defaults);
     defaults.fill(&request);
     request.station = place.optionalNumber("station", request.station, 0, limits::station);
     request.field1 = place.optionalNumber("field1", request.field1, lowest, highest);

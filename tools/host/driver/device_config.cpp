@@ -26,6 +26,8 @@ config::ItemConfig itemOf(const QString& text, const config::RequestOptions& opt
                 QStringLiteral("%1: a String needs its length: --length BYTES").arg(item.name));
         }
         item.length = *options.length;
+    } else {
+        item.elements = options.elements.value_or(1);
     }
     options.fill(&item.request);
     return item;

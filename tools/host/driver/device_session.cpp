@@ -29,7 +29,7 @@ QSharedPointer<AddrData> addressOf(const config::ItemConfig& item)
     const QSharedPointer<AddrData> address(new AddrData);
     address->field1 = item.request.field1;
     address->address = item.request.address;
-    address->data_length = item.type->size > 0 ? item.type->size : item.length;
+    address->data_length = item.type->size > 0 ? item.type->size * item.elements : item.length;
     address->extra1 = item.request.extra1;
     address->extra2 = item.request.extra2;
     return address;

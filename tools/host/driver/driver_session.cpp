@@ -111,12 +111,22 @@ void DriverSession::onResponse(QString, QString, QByteArray bytes, int status)
     answer_.status = status;
 }
 
+value::OrderedJson jsonOf(const config::ItemConfig& item, const std::optional<QString>& value)
+{
+    if (item.elements == 1 || !value)
+        return value::jsonValue(*item.type, value);
+    value::OrderedJson values = value::OrderedJson::array();
+    for (const QString& one : value->split(QLatin1Char(' ')))
+        values.push_back(value::jsonValue(*item.type, one));
+    return values;
+}
+
 void addAnswer(value::OrderedJson& line, const config::ItemConfig& item, const Answer& answer,
                const std::optional<QString>& value)
 {
     line["item"] = item.name.toStdString();
     line["type"] = item.type->name;
-    line["value"] = value::jsonValue(*item.type, value);
+    line["value"] = jsonOf(item, value);
     line["bytes"] = answer.bytes.toHex().toStdString();
     line["status"] = answer.arrived
                          ? value::OrderedJson(value::statusCode(answer.status).toStdString())

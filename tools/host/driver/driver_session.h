@@ -60,6 +60,8 @@ private:
     Answer answer_;
 };
 
+/// A value of \a item as JSON: a list, if it has several elements.
+value::OrderedJson jsonOf(const config::ItemConfig& item, const std::optional<QString>& value);
 /// Item, type, value, bytes and status of one answer, as members of \a line.
 void addAnswer(value::OrderedJson& line, const config::ItemConfig& item, const Answer& answer,
                const std::optional<QString>& value);

@@ -140,10 +140,12 @@ QString DeviceSetup::problemOf(const config::ItemConfig& item, const DeviceAnswe
     if (!failure.isEmpty())
         return failure;
     const QByteArray& bytes = answer.answer.bytes;
-    if (value::decodeValue(*item.type, bytes))
+    if (config::valueOf(item, bytes))
         return QString();
+    const QString type = QLatin1String(item.type->name);
     return QStringLiteral("the driver's bytes [%1] are no %2")
-        .arg(value::hexText(bytes), QLatin1String(item.type->name));
+        .arg(value::hexText(bytes),
+             item.elements == 1 ? type : QStringLiteral("%1 %2").arg(item.elements).arg(type));
 }
 
 } // namespace tovik_host::driver

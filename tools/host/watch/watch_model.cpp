@@ -42,7 +42,7 @@ bool WatchModel::take(int index, const driver::Answer& given, const QDateTime& n
     has_value_[index] = true;
     state.is_waited_for = is_waited_for;
     state.value = answer.arrived && answer.has_value && !is_waited_for
-                      ? value::decodeValue(*state.item.type, answer.bytes)
+                      ? config::valueOf(state.item, answer.bytes)
                       : std::nullopt;
     value_count_ += state.value ? 1 : 0;
     if (!state.value && !is_waited_for)

@@ -87,6 +87,7 @@ void TestHostDeviceFile::takesDefaultsFromOptions()
     RequestOptions options;
     options.type = QStringLiteral("String");
     options.length = 6;
+    options.elements = 3;
     options.station = 9;
     options.extra1 = 4;
     const DeviceFile file =
@@ -98,6 +99,8 @@ void TestHostDeviceFile::takesDefaultsFromOptions()
     QCOMPARE(file.items.first().request.station, 9);
     QCOMPARE(file.items.first().request.extra1, 4);
     QCOMPARE(file.items.last().length, 0);
+    QCOMPARE(file.items.first().elements, 1); // a text
+    QCOMPARE(file.items.last().elements, 3);
     QCOMPARE(file.items.last().request.station, 2);
     QCOMPARE(file.items.last().request.extra1, 0);
 }
@@ -158,6 +161,11 @@ void TestHostDeviceFile::namesPlaceOfError_data()
         "c.json:4: items[0]: a String needs the member \"length\"");
     row("length of a number", items("[{\"name\": \"a\",\n\"length\": 4}]"),
         "c.json:4: items[0].length: only items of type String have a length");
+    row("elements of a text",
+        items("[{\"name\": \"a\", \"type\": \"String\", \"length\": 4,\n\"elements\": 2}]"),
+        "c.json:4: items[0].elements: a String has a length, and no elements");
+    row("no elements", items("[{\"name\": \"a\",\n\"elements\": 0}]"),
+        "c.json:4: items[0].elements: must be a whole number from 1 to 2000");
     row("station out of range", items("[{\"name\": \"a\",\n\"station\": 65536}]"),
         "c.json:4: items[0].station: must be a whole number from 0 to 65535");
     row("fraction", items("[{\"name\": \"a\",\n\"extra2\": 0.5}]"),

@@ -40,30 +40,35 @@ struct Place
     int end; ///< Behind the last byte.
 };
 
+/// The value of the member whose name ends in front of \a at; empty at the body's end: it has none.
+Place valueBehind(const QByteArray& body, int at)
+{
+    Place found = {body.size(), body.size()};
+    const int colon = behindSpace(body, at);
+    if (colon >= body.size() || body.at(colon) != ':')
+        return found; // a value that reads like a name
+    found.begin = behindSpace(body, colon + 1);
+    if (found.begin < body.size() && body.at(found.begin) == '"') {
+        ++found.begin;
+        found.end = endOfText(body, found.begin);
+        return found;
+    }
+    found.end = found.begin;
+    while (found.end < body.size() && !std::strchr(",]}", body.at(found.end)))
+        ++found.end;
+    return found;
+}
+
 /// The value of the next secret member from \a from on; empty at the body's end: there is none.
 Place nextFrom(const QByteArray& body, int from)
 {
     Place found = {body.size(), body.size()};
     for (int i = 0; i < int(sizeof keys / sizeof keys[0]); ++i) {
-        for (int at = body.indexOf(keys[i], from); at >= 0 && at < found.begin;
-             at = body.indexOf(keys[i], at + 1)) {
-            const int colon = behindSpace(body, at + int(std::strlen(keys[i])));
-            if (colon >= body.size() || body.at(colon) != ':')
-                continue; // a value that reads like the name
-            const int value = behindSpace(body, colon + 1);
-            if (value >= found.begin)
-                break;
-            int end = value;
-            if (value < body.size() && body.at(value) == '"') {
-                found.begin = value + 1;
-                found.end = endOfText(body, value + 1);
-            } else {
-                while (end < body.size() && !std::strchr(",]}", body.at(end)))
-                    ++end;
-                found.begin = value;
-                found.end = end;
-            }
-            break;
+        int at = body.indexOf(keys[i], from);
+        for (; at >= 0 && at < found.begin; at = body.indexOf(keys[i], at + 1)) {
+            const Place place = valueBehind(body, at + int(std::strlen(keys[i])));
+            if (place.begin < found.begin)
+                found = place;
         }
     }
     return found;

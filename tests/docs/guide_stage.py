@@ -129,6 +129,8 @@ class Stage:
                             component], check=True, stdout=subprocess.DEVNULL)
         self.places[prefix] = str(mine)
         self.environment["CMAKE_PREFIX_PATH"] = str(mine)
+        self.environment["PKG_CONFIG_PATH"] = os.pathsep.join(
+            map(str, mine.glob("lib*/**/pkgconfig")))
         self.environment["LD_LIBRARY_PATH"] = os.pathsep.join(map(str, mine.glob("lib*")))
 
     def start_modbus(self, options):

@@ -12,6 +12,7 @@
 namespace {
 
 bool is_written = false;
+int answers = 0;
 
 void listen(QtMsgType, const QMessageLogContext&, const QString& line)
 {
@@ -37,28 +38,14 @@ bool waitUntil(const std::function<bool()>& is_so)
 
 } // namespace
 
-class Host : public QObject
+// @class@
+
+void Host::onResponse(QString, QString, QByteArray bytes, int status)
 {
-    Q_OBJECT
-
-public:
-    int run();
-
-private Q_SLOTS:
-    void onResponse(QString, QString, QByteArray bytes, int status)
-    {
-        bytes_ = bytes;
-        status_ = status;
-        ++answers_;
-    }
-
-private:
-    bool shows(const QByteArray& bytes) const { return status_ == 0 && bytes_ == bytes; }
-
-    QByteArray bytes_;
-    int status_ = -1;
-    int answers_ = 0;
-};
+    bytes_ = bytes;
+    status_ = status;
+    ++answers;
+}
 
 int Host::run()
 {
@@ -69,14 +56,16 @@ int Host::run()
         address->address = QLatin1String("Temp");
         emit driver->SigGetValuesByteArray(QLatin1String("unit"), QLatin1String("link"), 0,
                                            address);
-        return shows(QByteArray("\x15\x00", 2));
+        // @ages@
+
+        return is_there && status_ == 0 && bytes_ == QByteArray("\x15\x00", 2);
     };
     if (!waitUntil(polled))
         return 1;
-    answers_ = 0;
+    answers = 0;
     // @requests@
 
-    const bool is_answered = answers_ == 2;
+    const bool is_answered = answers == 2;
     const bool is_sent = waitUntil([] { return is_written; });
     // @end@
 

@@ -16,6 +16,15 @@ int toInt(qint64 milliseconds)
     return int(qMin(milliseconds, qint64(std::numeric_limits<int>::max())));
 }
 
+/// Of each id the place of its first entry.
+QHash<QString, int> firstEntries(const QList<MonitorDataItem>& values)
+{
+    QHash<QString, int> places;
+    for (int i = values.size() - 1; i >= 0; --i)
+        places.insert(values.at(i).dataitem_id, i);
+    return places;
+}
+
 } // namespace
 
 DriverState::DriverState(PropertyTovikIot* property)
@@ -133,23 +142,46 @@ void DriverState::setValue(int index, const QVariant& value)
     // The old value goes outside the lock: freeing a long text takes its time.
 }
 
+void DriverState::take(int index, const QVariant& value, qint64 read_at)
+{
+    property_->dataitems[index].value = value;
+    if (read_at != never)
+        taken_at_[index] = read_at;
+}
+
 void DriverState::takeValues(const QList<MonitorDataItem>& values)
 {
-    QHash<QString, int> first_entry;
-    for (int i = values.size() - 1; i >= 0; --i)
-        first_entry.insert(values.at(i).dataitem_id, i);
+    const QHash<QString, int> first_entry = firstEntries(values);
     const QMutexLocker locker(&lock_);
     const QVector<qint64> read_at = sent_.isEmpty() ? QVector<qint64>() : sent_.dequeue();
+    const bool is_latest = sent_.isEmpty();
     for (int i = 0; i < property_->dataitems.size(); ++i) {
-        PropertyTovikIotDataItem& item = property_->dataitems[i];
-        const int entry = first_entry.value(item.dataitem_id, -1);
-        if (entry < 0)
-            continue;
-        item.value = values.at(entry).value;
-        const qint64 moment = read_at.value(entry, never);
-        if (moment != never)
-            taken_at_[i] = moment;
+        const QString& id = property_->dataitems.at(i).dataitem_id;
+        const int entry = first_entry.value(id, -1);
+        if (entry >= 0)
+            take(i, values.at(entry).value, read_at.value(entry, never));
+        const QHash<QString, Kept>::const_iterator kept = kept_.constFind(id);
+        if (is_latest && kept != kept_.constEnd())
+            take(i, kept->value, kept->read_at);
     }
+    if (is_latest)
+        kept_.clear();
+}
+
+bool DriverState::keepsBack(const QList<MonitorDataItem>& values)
+{
+    const QHash<QString, int> first_entry = firstEntries(values);
+    const QMutexLocker locker(&lock_);
+    if (sent_.size() < most_untaken)
+        return false;
+    for (QHash<QString, int>::const_iterator it = first_entry.begin(); it != first_entry.end();
+         ++it) {
+        const Kept before = kept_.value(it.key(), Kept{QVariant(), never});
+        const qint64 moment = read_at_.value(it.value(), never);
+        const Kept kept = {values.at(it.value()).value, moment == never ? before.read_at : moment};
+        kept_.insert(it.key(), kept);
+    }
+    return true;
 }
 
 DriverNumbers DriverState::numbers() const

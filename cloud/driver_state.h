@@ -42,6 +42,11 @@ struct DriverNumbers
 class DriverState
 {
 public:
+    enum
+    {
+        most_untaken = 8
+    };
+
     /// \param property the shared configuration; not owned. Its items must have been added.
     explicit DriverState(PropertyTovikIot* property);
 
@@ -59,6 +64,10 @@ public:
     void valueRead(bool taken);
     /// The values read since cycleBegun() are on their way to the driver.
     void valuesSent();
+    /// Whether \a values, read since cycleBegun(), need not be sent: most_untaken such lists wait
+    /// for the driver, whose thread is blocked, and it takes these with the last of them. Of each
+    /// item one value is kept, however long that lasts.
+    bool keepsBack(const QList<MonitorDataItem>& values);
     /// All served items have been read in one cycle of \a milliseconds.
     void cycleDone(qint64 milliseconds);
     /// A login has succeeded and the catalogue is there.
@@ -97,6 +106,13 @@ public:
 private:
     Q_DISABLE_COPY(DriverState)
 
+    struct Kept
+    {
+        QVariant value;
+        qint64 read_at;
+    };
+
+    void take(int index, const QVariant& value, qint64 read_at);
     qint64 now() const;
     int since(qint64 moment) const;
 
@@ -112,6 +128,7 @@ private:
     /// cycles whose values are on their way to the driver; and of the values that it has.
     QVector<qint64> read_at_;
     QQueue<QVector<qint64>> sent_;
+    QHash<QString, Kept> kept_; ///< Newer than all that is on its way, by the items' ids.
     QVector<qint64> taken_at_;
 };
 

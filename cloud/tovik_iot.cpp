@@ -268,7 +268,12 @@ void TovikIot::SlotMonitorTimeOut()
     }
     if (done == state_->size())
         state_->cycleDone(duration.elapsed());
-    state_->valuesSent();
+    // A client by itself has no driver that takes them.
+    if (!own_state_) {
+        if (state_->keepsBack(monitor_list_))
+            return;
+        state_->valuesSent();
+    }
     Q_EMIT EmitGetMonitor(monitor_list_);
 }
 

@@ -83,7 +83,8 @@ public:
     QString PostRequest(QString body, QString url);
 
 Q_SIGNALS:
-    /// The values of one monitor cycle, in the order of the served items.
+    /// The values of one monitor cycle, in the order of the served items. To a driver whose thread
+    /// takes nothing for long, the last ones go together: DriverState::keepsBack().
     void EmitGetMonitor(QList<MonitorDataItem> update_list);
     /// The result of a connect attempt (a successful first one excepted) or of a failed read or
     /// write.

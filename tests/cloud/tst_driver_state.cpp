@@ -66,6 +66,7 @@ private Q_SLOTS:
     void aCycleThatWasNotSentLeavesNoTrace();
     void valuesThatNobodyReadHaveNoAge();
     void itemsWithoutAnEntryGrowOlder();
+    void whatADriverDoesNotTakeIsKeptOnce();
 
 private:
     int age(int item) const { return state_->itemAges().at(item).toInt(); }
@@ -362,6 +363,40 @@ void TestDriverState::itemsWithoutAnEntryGrowOlder()
     state_->takeValues({entry(1, 2)});
     QVERIFY(age(0) >= older);
     QVERIFY(age(1) < age(0));
+}
+
+/// A host whose thread is blocked gets the newest value of each item, and no more lists than it has
+/// room for.
+void TestDriverState::whatADriverDoesNotTakeIsKeptOnce()
+{
+    QList<QList<MonitorDataItem>> sent;
+    for (int cycle = 0; cycle < 1000; ++cycle) {
+        const bool is_short = cycle == 999; // its second read has failed
+        QList<MonitorDataItem> values{entry(0, cycle), entry(1, cycle)};
+        if (is_short)
+            values.removeLast();
+        state_->cycleBegun();
+        for (int i = 0; i < values.size(); ++i)
+            state_->valueRead(true);
+        if (state_->keepsBack(values))
+            continue;
+        state_->valuesSent();
+        sent.append(values);
+    }
+    QCOMPARE(sent.size(), int(DriverState::most_untaken));
+    for (int i = 0; i < sent.size(); ++i) {
+        QVERIFY(i == 0 || state_->value(0) == QVariant(i - 1));
+        state_->takeValues(sent.at(i));
+    }
+    QCOMPARE(state_->value(0), QVariant(999));
+    QCOMPARE(state_->value(1), QVariant(998));
+    QVERIFY(age(0) >= 0);
+    // What was kept is gone with that.
+    state_->valuesSent();
+    state_->takeValues({entry(0, 5)});
+    QCOMPARE(state_->value(0), QVariant(5));
+    QCOMPARE(state_->value(1), QVariant(998));
+    QVERIFY(!state_->keepsBack({entry(0, 6)}));
 }
 
 QTEST_GUILESS_MAIN(TestDriverState)

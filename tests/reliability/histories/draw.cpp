@@ -31,9 +31,10 @@ Event replyTo(std::mt19937_64* random, const Mood& mood, int outstanding)
 
 Mood mood(std::mt19937_64* random)
 {
-    static const Mood moods[] = {{50, 4, 14, 2}, {50, 4, 14, 2},  {50, 20, 14, 2},
-                                 {50, 2, 14, 2}, {12, 4, 30, 20}, {70, 30, 8, 5}};
-    return moods[below(random, 6)];
+    static const Mood moods[] = {{50, 4, 14, 2, 15}, {50, 4, 14, 2, 15},  {50, 20, 14, 2, 15},
+                                 {50, 2, 14, 2, 15}, {12, 4, 30, 20, 15}, {70, 30, 8, 5, 15},
+                                 {60, 40, 40, 1, 1}};
+    return moods[below(random, 7)];
 }
 
 History setup(std::mt19937_64* random)
@@ -67,7 +68,7 @@ Event event(std::mt19937_64* random, const Mood& mood, const Model& model)
     } choices[] = {
         {Event::reply, outstanding > 0 ? mood.reply : 0},
         {Event::client, is_open && model.hasForClient() ? 25 : 0},
-        {Event::host, model.hasForHost() ? 15 : 0},
+        {Event::host, model.hasForHost() ? mood.host : 0},
         {Event::timer, model.nextDue() != Model::never ? mood.timer : 0},
         {Event::wait, 8},
         {Event::read, 12},

@@ -18,6 +18,7 @@ struct Mood
     int good;      ///< Of so many answers all but one are good.
     int timer;     ///< How likely timers go off.
     int most_once; ///< The most writes at once.
+    int host;      ///< How likely the host takes what was sent to it.
 };
 
 Mood mood(std::mt19937_64* random);

@@ -2,6 +2,7 @@
 
 #include "tests/reliability/histories/values.h"
 
+#include <algorithm>
 #include <limits>
 
 const qint64 Model::never = std::numeric_limits<qint64>::max();
@@ -142,8 +143,9 @@ void Model::writeItem(const Event& event)
 
 void Model::deliverToHost()
 {
-    for (; !to_host_.empty(); to_host_.pop_front()) {
-        const ForHost& message = to_host_.front();
+    while (!to_host_.empty()) {
+        const ForHost message = to_host_.front();
+        to_host_.pop_front();
         if (!message.is_values) {
             static const QList<int> known = {1, 3, 4, 7, 8, 9, 15, 255, 256};
             err_code_ = known.contains(message.result)
@@ -152,15 +154,31 @@ void Model::deliverToHost()
             say(QStringLiteral("[DrvTovikIot] Update Error Code:  %1").arg(err_code_));
             continue;
         }
-        for (Item& item : items_) {
-            for (const Monitored& monitored : message.values) {
-                if (monitored.id != item.served.id)
-                    continue;
-                item.value = monitored.value;
-                if (monitored.read_at >= 0)
-                    item.taken_at = monitored.read_at;
-                break;
-            }
+        takeValues(message.values);
+        if (untaken() > 0)
+            continue;
+        for (const ForHost& kept : kept_)
+            takeValues(kept.values);
+        kept_.clear();
+    }
+}
+
+int Model::untaken() const
+{
+    return int(std::count_if(to_host_.begin(), to_host_.end(),
+                             [](const ForHost& message) { return message.is_values; }));
+}
+
+void Model::takeValues(const std::vector<Monitored>& values)
+{
+    for (Item& item : items_) {
+        for (const Monitored& monitored : values) {
+            if (monitored.id != item.served.id)
+                continue;
+            item.value = monitored.value;
+            if (monitored.read_at >= 0)
+                item.taken_at = monitored.read_at;
+            break;
         }
     }
 }

@@ -121,6 +121,8 @@ private:
     void readItem(const Event& event);
     void writeItem(const Event& event);
     void deliverToHost();
+    void takeValues(const std::vector<Monitored>& values);
+    int untaken() const;
     int findItem(int index, QString* name) const;
     void answer(const QByteArray& bytes);
     bool asksByReads() const;
@@ -169,6 +171,7 @@ private:
     int err_count_ = 0;
     bool is_closed_ = true;
     std::deque<ForHost> to_host_;
+    std::vector<ForHost> kept_; ///< Values that go with the last of those.
     std::deque<ForClient> to_client_;
     qint64 sent_ = 0;
     qint64 deliverable_ = 0; ///< What had been sent when the latest delivery began.

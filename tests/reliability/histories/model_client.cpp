@@ -334,9 +334,12 @@ void Model::send(ForClient::Kind kind, int index, const QVariant& value)
         to_client_.push_back({kind, index, value, ++sent_});
 }
 
-/// Nor does it hear anything.
+/// Nor does it hear anything. A host that takes nothing for long gets the values of the last cycles
+/// together.
 void Model::tell(const ForHost& message)
 {
+    if (message.is_values && untaken() >= 8)
+        return kept_.push_back(message);
     if (!is_closed_)
         to_host_.push_back(message);
 }

@@ -34,6 +34,14 @@ void TestHistories::ofTheClient_data()
         << "type=3 time=1 by-time=1 restore=1 items=0 client write:0:0:1 client reply:1:code:0 "
            "host "
            "read:0:0 read:0:0 client reply:1:good:0 reply:1:good:2 reply:0:code:0 timer";
+    QTest::newRow("twelve cycles that the host takes at once")
+        << "type=0 time=1 by-time=0 restore=0 items=0,13 client reply:0:good:0 reply:0:good:2 "
+           "timer reply:0:good:0 reply:0:good:0 timer reply:0:good:3 reply:0:good:3 "
+           "timer reply:0:good:0 reply:0:good:0 timer reply:0:good:3 reply:0:good:3 "
+           "timer reply:0:good:0 reply:0:good:0 timer reply:0:good:3 reply:0:good:3 "
+           "timer reply:0:good:0 reply:0:good:0 timer reply:0:good:3 reply:0:good:3 "
+           "timer reply:0:good:6 reply:0:good:7 timer reply:0:good:13 reply:0:code:0 timer "
+           "host read:0:0 read:1:0";
 }
 
 void TestHistories::ofTheClient()

@@ -6,8 +6,12 @@
 
 #include <string>
 
+class TrafficListener;
+
 struct PostMemory
-{};
+{
+    TrafficListener* listener = nullptr; ///< Nobody listens to a history.
+};
 
 /// Stands in the place of the library's post, and has no network: it is on its way until the
 /// history says what the service answers. The rest is the same: signals in the same order, a nested

@@ -195,6 +195,12 @@ struct Watch
 
 int Watch::run() const
 {
+    const bool is_traced_to_errors = common.trace && common.trace->isEmpty();
+    if (is_traced_to_errors && watch::isWatchedOnTerminal(common) && ::isatty(STDERR_FILENO) != 0) {
+        throw terminal::UsageError(
+            QStringLiteral("the trace and the table would write over each other: name a file "
+                           "with --trace=FILE"));
+    }
     if (driver::isForDevice(common))
         return runOfDevice();
     driver::refuseDeviceOptions(common);

@@ -122,6 +122,7 @@ private Q_SLOTS:
     void followsTheSizeOfTheTerminal();
     void keepsTheLogOutWhenItGoesToAFile();
     void hidesControlCharactersOfAValue();
+    void wantsAFileForATraceBesideATable();
 
 private:
     QStringList arguments() const;
@@ -194,6 +195,13 @@ void TestHostProgramTerminal::keepsTheLogOutWhenItGoesToAFile()
 }
 
 /// A value must not steer the terminal.
+void TestHostProgramTerminal::wantsAFileForATraceBesideATable()
+{
+    TerminalProgram program(arguments() + QStringList{QStringLiteral("--trace")}, 80, 24);
+    QVERIFY(program.waitFor("--trace=FILE"));
+    QCOMPARE(program.exitCode(), 2);
+}
+
 void TestHostProgramTerminal::hidesControlCharactersOfAValue()
 {
     HostProcess host;

@@ -50,8 +50,7 @@ int Catalogue::run() const
     context.log.start(service.log, service.verbose);
     if (!service::askForPassword(context, &account))
         return terminal::exitRefused;
-    const std::optional<service::Catalogue> catalogue =
-        service::fetchCatalogue(context, service, account);
+    const std::optional<service::Catalogue> catalogue = catalogueOf(context, service, account);
     if (!catalogue)
         return terminal::exitRefused;
     context.out.write(textOf(*catalogue));

@@ -1,5 +1,8 @@
+#include "tools/host/check/check.h"
 #include "tools/host/commands.h"
+#include "tools/host/driver/setup.h"
 #include "tools/host/service/catalogue_fetch.h"
+#include "tools/host/value/status_text.h"
 
 #include <CLI/CLI.hpp>
 
@@ -235,6 +238,41 @@ void complete(const CLI::App* command, config::CommonOptions& common)
         throw CLI::RequiredError("--config (a service and its items) or --link (a device)");
     common.device_options << givenOptions(command, link_group);
     common.service_options << givenOptions(command, service_group);
+}
+
+void explainNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,
+                         const config::CommonOptions& common, int status)
+{
+    const QString next = check::checkCommand(common);
+    if (context.unix_signals.endRequested())
+        return;
+    if (value::isServiceError(status)) {
+        check::advise(context,
+                      QStringLiteral("login refused with %1: %2")
+                          .arg(value::statusText(status), value::loginAdvice()),
+                      next);
+        return;
+    }
+    check::explainSilence(context, setup.config.service.url, common.timeout, next);
+}
+
+std::optional<service::Catalogue> catalogueOf(terminal::Context& context,
+                                              const service::ServiceOptions& options,
+                                              const config::Account& account)
+{
+    service::ClientOutcome failure;
+    const std::optional<service::Catalogue> catalogue =
+        service::fetchCatalogue(context, options, account, &failure);
+    config::CommonOptions check;
+    check.config = options.account.config;
+    check.url = options.account.url;
+    check.url_file = options.account.url_file;
+    const QString next = check.config.isEmpty() ? QString() : check::checkCommand(check);
+    if (failure.isRefusal())
+        check::advise(context, QString(), next);
+    else if (!catalogue)
+        check::explainSilence(context, account.service.url, options.timeout, next);
+    return catalogue;
 }
 
 void addServiceOptions(CLI::App* command, service::ServiceOptions& options)

@@ -16,8 +16,21 @@ class App;
 class Option;
 } // namespace CLI
 
+namespace tovik_host::config {
+struct Account;
+}
+
 namespace tovik_host::service {
+struct Catalogue;
 struct ServiceOptions;
+} // namespace tovik_host::service
+
+namespace tovik_host::driver {
+struct ServiceSetup;
+}
+
+namespace tovik_host::terminal {
+struct Context;
 }
 
 namespace tovik_host {
@@ -79,6 +92,15 @@ void markOfDevice(CLI::Option* option);
 /// Completes \a common, once the line is parsed. Throws CLI::ParseError if the options name neither
 /// a configuration nor a link.
 void complete(const CLI::App* command, config::CommonOptions& common);
+
+/// Says why a driver got no connection to its service, given its \a status, and the next command.
+void explainNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,
+                         const config::CommonOptions& common, int status);
+
+/// What the service offers; nothing: it has been said why, and what to try next.
+std::optional<service::Catalogue> catalogueOf(terminal::Context& context,
+                                              const service::ServiceOptions& options,
+                                              const config::Account& account);
 
 /// The account, the time-out and the client's log of the commands that ask for a catalogue.
 void addServiceOptions(CLI::App* command, service::ServiceOptions& options);

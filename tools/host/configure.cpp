@@ -181,7 +181,7 @@ int Configure::run() const
                 .arg(account.password_env));
     }
     if (!offered)
-        offered = service::fetchCatalogue(context, service, account);
+        offered = catalogueOf(context, service, account);
     if (!offered)
         return terminal::exitRefused;
     const auto items = wantedItems(context, *offered, *this);

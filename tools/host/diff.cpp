@@ -74,8 +74,7 @@ std::optional<LoadedSide> sideFromService(const service::ServiceOptions& service
     context.log.start(service.log, service.verbose);
     if (!service::askForPassword(context, &account))
         return std::nullopt;
-    const std::optional<service::Catalogue> catalogue =
-        service::fetchCatalogue(context, service, account);
+    const std::optional<service::Catalogue> catalogue = catalogueOf(context, service, account);
     if (!catalogue)
         return std::nullopt;
     return LoadedSide{QUrl(account.service.url).toString(QUrl::RemoveUserInfo),

@@ -1,3 +1,4 @@
+#include "tools/host/check/check.h"
 #include "tools/host/commands.h"
 #include "tools/host/driver/driver_session.h"
 #include "tools/host/driver/service_values.h"
@@ -24,6 +25,19 @@ const char read_text[] =
     "  tovik-host read 4x1 4x2=16Bit-INT --library modbus_drv \\\n"
     "      --link serial:/dev/ttyUSB0,19200,8E1 --station 3";
 
+/// The item that ends the driver's cycle with an error: of those without a value the first one.
+/// Empty: none does.
+QString endOfCycle(const driver::FirstValues& first)
+{
+    if (!first.was_connected || first.all_read || !value::isServiceError(first.status))
+        return QString();
+    for (const driver::FirstValue& value : first.values) {
+        if (!value.arrived)
+            return value.item.name;
+    }
+    return QString();
+}
+
 /// Why there is no value; empty when there is one.
 QString problemOf(const driver::FirstValue& value, const driver::FirstValues& first)
 {
@@ -36,9 +50,16 @@ QString problemOf(const driver::FirstValue& value, const driver::FirstValues& fi
     }
     if (first.waited == terminal::Waited::interrupted)
         return QStringLiteral("interrupted");
+    const QString status = value::statusTextWithCode(first.status, value::StatusOf::service);
+    const QString end = endOfCycle(first);
+    if (!end.isEmpty() && end != value.item.name)
+        return QStringLiteral("not reached: %1 ends the cycle with %2").arg(end, status);
     if (first.status != 0) {
-        return QStringLiteral("no value: %1 (%2)")
-            .arg(value::statusText(first.status), value::statusCode(first.status));
+        return QStringLiteral("no value: ") + status +
+               (end.isEmpty() ? QString()
+                              : QStringLiteral("; does the service have an item with the id "
+                                               "\"%1\"?")
+                                    .arg(value.item.id));
     }
     if (first.all_read && value.answer.arrived) {
         return QStringLiteral("the service's value is no %1: compare the item's type with the "
@@ -104,6 +125,10 @@ int Read::runOfService() const
         const driver::Answer none = {true, QByteArray(), first.status};
         print(context, value.item, value.arrived ? value.answer : none, problem);
     }
+    if (!complete && !first.was_connected)
+        explainNoConnection(context, setup, common, first.status);
+    else if (!complete && first.waited != terminal::Waited::interrupted)
+        check::advise(context, QString(), check::checkCommand(common));
     return context.codeAfterWriting(complete ? terminal::exitDone : terminal::exitRefused);
 }
 

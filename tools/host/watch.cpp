@@ -1,3 +1,4 @@
+#include "tools/host/check/check.h"
 #include "tools/host/commands.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
@@ -238,7 +239,14 @@ int Watch::runOfService() const
             return goal.isReached(model);
         });
     }
-    return watch::endWatch(*view, model, goal, context);
+    const int code = watch::endWatch(*view, model, goal, context);
+    if (code == terminal::exitRefused && model.valueCount() == 0) {
+        if (model.wasConnected())
+            check::advise(context, QString(), check::checkCommand(common));
+        else
+            explainNoConnection(context, setup, common, model.status());
+    }
+    return code;
 }
 
 int Watch::runOfDevice() const

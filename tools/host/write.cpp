@@ -94,11 +94,17 @@ int Write::runOfService() const
     const driver::ServiceSetup setup(common, context);
     const config::ItemConfig to = onlyOne(setup.chosen({item}), item);
     const QByteArray bytes = encoded(to, value);
-    QString problem = driver::sendValue(context, setup, to, bytes, int(common.timeout * 1000));
+    const driver::SentValue sent =
+        driver::sendValue(context, setup, to, bytes, int(common.timeout * 1000));
+    QString problem = sent.problem;
     if (problem.isEmpty() && confirm > 0)
         problem = driver::confirmValue(context, setup, to, bytes, int(confirm * 1000));
-    return report(context, to, bytes,
-                  confirm > 0 ? QStringLiteral("confirmed") : QStringLiteral("sent"), problem);
+    const int code =
+        report(context, to, bytes,
+               confirm > 0 ? QStringLiteral("confirmed") : QStringLiteral("sent"), problem);
+    if (!sent.was_connected)
+        explainNoConnection(context, setup, common, sent.status);
+    return code;
 }
 
 int Write::runOfDevice() const

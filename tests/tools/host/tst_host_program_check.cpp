@@ -157,7 +157,8 @@ void TestHostProgramCheck::settingsThatNeverReconnect()
     QFile file(run.host.configFile());
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("{\"service\": {\"url\": \"https://127.0.0.1:1\", \"project\": \"p\", "
-               "\"email\": \"e\"}, \"items\": [{\"name\": \"A\", \"id\": \"a\", \"type\": "
+               "\"email\": \"e\", \"password\": \"p\"}, \"items\": [{\"name\": \"A\", \"id\": "
+               "\"a\", \"type\": "
                "\"Bit\"}], \"error_handling\": {\"type\": 1, "
                "\"return_time_enabled\": false}}");
     file.close();

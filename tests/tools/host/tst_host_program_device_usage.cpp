@@ -73,10 +73,10 @@ void TestHostProgramDeviceUsage::refuses()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, message);
-    const QString config =
-        write("{\n\"service\": {\"url\": \"https://127.0.0.1:1\", \"project\": \"p\","
-              " \"email\": \"e\"},\n\"items\": [{\"name\": \"a\", \"id\": \"i\","
-              " \"type\": \"Bit\"}]}");
+    const QString config = write(
+        "{\n\"service\": {\"url\": \"https://127.0.0.1:1\", \"project\": \"p\","
+        " \"email\": \"e\", \"password\": \"p\"},\n\"items\": [{\"name\": \"a\", \"id\": \"i\","
+        " \"type\": \"Bit\"}]}");
     arguments.replaceInStrings(QStringLiteral("SERVICE"), config);
     HostProcess host;
     QCOMPARE(runOnly(host, arguments +

@@ -15,6 +15,9 @@ private Q_SLOTS:
     void explainsMissingValues_data();
     void explainsMissingValues();
     void keepsWhatCameBeforeAnError();
+    void saysTheCauseAndWhatIsNext_data();
+    void saysTheCauseAndWhatIsNext();
+    void saysThatThereIsNoPassword();
     void waitsForALateService();
     void refusesALibraryWithoutAges();
     void printsJson();
@@ -109,9 +112,73 @@ void TestHostProgramRead::keepsWhatCameBeforeAnError()
     HostProcess host;
     host.addItem(QStringLiteral("A"), QStringLiteral("hex:0500"), QStringLiteral("16Bit-INT"));
     host.addItem(QStringLiteral("B"), QStringLiteral("bad"), QStringLiteral("16Bit-INT"));
-    QCOMPARE(host.run({QStringLiteral("read"), QStringLiteral("A"), QStringLiteral("B")}), 1);
+    host.addItem(QStringLiteral("C"), QStringLiteral("hex:0700"), QStringLiteral("16Bit-INT"));
+    QCOMPARE(host.run({QStringLiteral("read"), QStringLiteral("*")}), 1);
     QCOMPARE(host.output(), QStringLiteral("A = 5\n"));
-    QVERIFY(host.errors().startsWith(QLatin1String("tovik-host: B: no value: service error 7")));
+    QCOMPARE(host.errors(),
+             QStringLiteral(
+                 "tovik-host: B: no value: service error 7 (0x400F0007); does the service have an "
+                 "item with the id \"bad\"?\n"
+                 "tovik-host: C: not reached: B ends the cycle with service error 7 (0x400F0007)\n"
+                 "tovik-host: next: tovik-host check --config %1\n")
+                 .arg(host.configFile()));
+}
+
+void TestHostProgramRead::saysTheCauseAndWhatIsNext_data()
+{
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<QString>("cause");
+    QTest::newRow("login refused") << QStringLiteral("refused")
+                                   << QStringLiteral("login refused with service error 1: look at "
+                                                     "e-mail, password and project");
+    const QString nobody =
+        QStringLiteral("connect 127.0.0.1 port 1: refused: nobody listens on this port, or a "
+                       "firewall says no; see whether the service runs, and on this port");
+    QTest::newRow("not reachable") << QStringLiteral("unreachable") << nobody;
+    QTest::newRow("no word at all") << QStringLiteral("slow") << nobody;
+}
+
+void TestHostProgramRead::saysTheCauseAndWhatIsNext()
+{
+    QFETCH(QString, project);
+    QFETCH(QString, cause);
+    const QString last = QStringLiteral("tovik-host: %1; next: tovik-host check --config %2\n");
+    HostProcess host(project);
+    host.addItem(QStringLiteral("A"), QStringLiteral("hex:00"), QStringLiteral("Bit"));
+    for (const QStringList& words :
+         {QStringList{QStringLiteral("read"), QStringLiteral("A"), QStringLiteral("--timeout"),
+                      QStringLiteral("1")},
+          QStringList{QStringLiteral("write"), QStringLiteral("A"), QStringLiteral("1"),
+                      QStringLiteral("--timeout"), QStringLiteral("1")},
+          QStringList{QStringLiteral("watch"), QStringLiteral("--seconds"), QStringLiteral("1")}}) {
+        QCOMPARE(host.run(words), 1);
+        const QString errors = host.errors();
+        QVERIFY2(errors.endsWith(last.arg(cause, host.configFile())), qPrintable(errors));
+    }
+}
+
+/// Before anything is tried.
+void TestHostProgramRead::saysThatThereIsNoPassword()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("c.json"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("{\"service\": {\"url\": \"https://127.0.0.1:1\", \"project\": \"p\", "
+               "\"email\": \"e\"},\n\"items\": [{\"name\": \"A\", \"id\": \"a\", \"type\": "
+               "\"Bit\"}]}");
+    file.close();
+    HostProcess host;
+    host.startBare({QStringLiteral("read"), QStringLiteral("A"), QStringLiteral("--config"), path});
+    QCOMPARE(host.wait(), 2);
+    QCOMPARE(host.errors(),
+             QStringLiteral("tovik-host: %1:1: service: no password is given: add "
+                            "\"password_file\", \"password_env\" or \"password\", or set "
+                            "TOVIK_PASSWORD\n")
+                 .arg(path));
+    host.startBare({QStringLiteral("catalogue"), QStringLiteral("--config"), path});
+    QCOMPARE(host.wait(), 2);
+    QVERIFY(host.errors().startsWith(QLatin1String("tovik-host: no password was given; set ")));
 }
 
 void TestHostProgramRead::waitsForALateService()

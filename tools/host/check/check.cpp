@@ -10,9 +10,10 @@
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/trace.h"
 
-#include <memory>
+#include <QUrl>
 
-#include <unistd.h>
+#include <functional>
+#include <memory>
 
 namespace tovik_host::check {
 
@@ -20,6 +21,9 @@ namespace {
 
 /// Time-outs in a row after which the other items are left alone.
 const int most_timeouts = 3;
+
+/// Seconds that a step may take when something has failed already, and only its cause is wanted.
+const double longest_look = 3;
 
 /// The items of a configuration that \a patterns mean, in its order. Throws UsageError.
 QVector<config::ItemConfig> itemsFor(const QVector<config::ItemConfig>& all,
@@ -39,30 +43,34 @@ QVector<config::ItemConfig> itemsFor(const QVector<config::ItemConfig>& all,
 class Walk
 {
 public:
-    Walk(const config::CommonOptions& common, const QStringList& items)
-        : config_(driver::hostConfig(common, context_)),
-          url_(config_.service.url),
-          items_(itemsFor(config_.items, items)),
-          timeout_(common.timeout),
-          as_json_(common.json)
-    {
-        if (common.trace)
-            trace_ = std::make_unique<value::Trace>(*common.trace);
-        context_.log.start(common.log, common.verbose);
-    }
+    using Tell = std::function<void(const CheckStep&)>;
 
-    int run()
+    /// \param tell is told each step
+    Walk(terminal::Context& context, const config::HostConfig& config,
+         const QVector<config::ItemConfig>& items, double timeout, const Tell& tell,
+         value::Trace* trace = nullptr)
+        : context_(context),
+          config_(config),
+          url_(config_.service.url),
+          items_(items),
+          timeout_(timeout),
+          tell_(tell),
+          trace_(trace)
+    {}
+
+    Verdict toTheValues()
     {
         show(judgeErrorHandling(config_.error_handling));
         if (reachService() && converse())
             readItems();
         showNotTried();
-        const bool is_interrupted = context_.unix_signals.endRequested();
-        const Verdict verdict = judgeAll(steps_, is_interrupted);
-        for (const QString& line : verdictLines(verdict, as_json_))
-            context_.out.line(line);
-        return context_.codeAfterWriting(verdict.is_well ? terminal::exitDone
-                                                         : terminal::exitRefused);
+        return judgeAll(steps_, context_.unix_signals.endRequested());
+    }
+
+    Verdict toTheService()
+    {
+        reachService();
+        return judgeAll(steps_, context_.unix_signals.endRequested());
     }
 
 private:
@@ -70,7 +78,7 @@ private:
     bool show(const CheckStep& step)
     {
         steps_ << step;
-        context_.out.line(stepLine(step, as_json_));
+        tell_(step);
         return step.severity != Severity::failure && !context_.unix_signals.endRequested() &&
                !context_.out.broken();
     }
@@ -84,14 +92,14 @@ private:
     void readItem(ItemFinding* finding);
     void showNotTried();
 
-    terminal::Context context_;
-    config::HostConfig config_;
+    terminal::Context& context_;
+    const config::HostConfig& config_;
     QUrl url_;
     QVector<config::ItemConfig> items_;
     double timeout_;
-    bool as_json_;
+    const Tell tell_;
+    value::Trace* trace_; ///< Null unless the options want one.
     CheckSteps steps_;
-    std::unique_ptr<value::Trace> trace_; ///< Null unless the options want one.
     std::unique_ptr<service::CloudClient> client_;
 };
 
@@ -142,7 +150,7 @@ bool Walk::greet(const QString& address, const QNetworkProxy& proxy)
 bool Walk::converse()
 {
     client_ = std::make_unique<service::CloudClient>(config_.service);
-    client_->setListener(trace_.get());
+    client_->setListener(trace_);
     QObject::connect(&context_.unix_signals, &terminal::UnixSignals::endAsked, client_.get(),
                      &service::CloudClient::interrupt);
     if (!show(judgeConversation("login", client_->login(timeout_))))
@@ -202,7 +210,59 @@ void Walk::showNotTried()
 
 int runCheck(const config::CommonOptions& common, const QStringList& items)
 {
-    return Walk(common, items).run();
+    terminal::Context context;
+    const config::HostConfig config = driver::hostConfig(common, context);
+    const std::unique_ptr<value::Trace> trace =
+        common.trace ? std::make_unique<value::Trace>(*common.trace) : nullptr;
+    const QVector<config::ItemConfig> wanted = itemsFor(config.items, items);
+    context.log.start(common.log, common.verbose);
+    const auto tell = [&](const CheckStep& step) { context.out.line(stepLine(step, common.json)); };
+    const Verdict verdict =
+        Walk(context, config, wanted, common.timeout, tell, trace.get()).toTheValues();
+    for (const QString& line : verdictLines(verdict, common.json))
+        context.out.line(line);
+    return context.codeAfterWriting(verdict.is_well ? terminal::exitDone : terminal::exitRefused);
+}
+
+void explainSilence(terminal::Context& context, const QString& url, double timeout,
+                    const QString& next)
+{
+    if (context.unix_signals.endRequested())
+        return;
+    config::HostConfig config;
+    config.service.url = url;
+    const Verdict verdict =
+        Walk(context, config, {}, qMin(timeout, longest_look), [](const CheckStep&) {
+        }).toTheService();
+    if (verdict.is_well) {
+        advise(context, QString(), next);
+        return;
+    }
+    const Cause& cause = verdict.causes.first();
+    advise(context,
+           cause.advice.isEmpty() ? cause.found
+                                  : QStringLiteral("%1; %2").arg(cause.found, cause.advice),
+           next);
+}
+
+void advise(terminal::Context& context, const QString& cause, const QString& next)
+{
+    if (!next.isEmpty()) {
+        context.complain((cause.isEmpty() ? QString() : cause + QStringLiteral("; ")) +
+                         QStringLiteral("next: ") + next);
+    } else if (!cause.isEmpty()) {
+        context.complain(cause);
+    }
+}
+
+QString checkCommand(const config::CommonOptions& common)
+{
+    QStringList words = {QStringLiteral("tovik-host check --config"), common.config};
+    if (!common.url.isEmpty())
+        words << QStringLiteral("--url") << QUrl(common.url).toString(QUrl::RemoveUserInfo);
+    if (!common.url_file.isEmpty())
+        words << QStringLiteral("--url-file") << common.url_file;
+    return words.join(QLatin1Char(' '));
 }
 
 } // namespace tovik_host::check

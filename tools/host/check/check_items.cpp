@@ -55,8 +55,7 @@ QString refusalText(int code)
 
 QString failureText(const service::ClientOutcome& outcome)
 {
-    const bool is_refusal = outcome.kind == service::ClientOutcome::Failed && outcome.result != 256;
-    return is_refusal ? refusalText(outcome.result) : outcome.reason;
+    return outcome.isRefusal() ? refusalText(outcome.result) : outcome.reason;
 }
 
 QString failureAdvice(const service::ClientOutcome& outcome)
@@ -169,7 +168,9 @@ CheckStep judgeConversation(const char* name, const service::ClientOutcome& outc
     if (outcome.kind != service::ClientOutcome::Done) {
         step.severity = Severity::failure;
         step.text = failureText(outcome);
-        step.advice = failureAdvice(outcome);
+        const bool is_login = step.name == QLatin1String("login");
+        step.advice =
+            is_login && outcome.isRefusal() ? value::loginAdvice() : failureAdvice(outcome);
         step.facts["result"] = outcome.result;
     }
     return step;

@@ -153,13 +153,20 @@ QString readPassword(const JsonPlace& service, const QString& config_path)
         }
         return *line;
     }
-    if (!service.has("password_env"))
-        return service.optionalText("password");
-    const QString name = service.requiredText("password_env");
+    if (service.has("password"))
+        return service.at("password").text();
+    const bool is_named = service.has("password_env");
+    const QString name =
+        is_named ? service.requiredText("password_env") : defaultPasswordVariable();
     const QByteArray variable = name.toUtf8();
-    if (!qEnvironmentVariableIsSet(variable.constData())) {
+    if (!qEnvironmentVariableIsSet(variable.constData()) && is_named) {
         service.at("password_env")
             .fail(QStringLiteral("the environment has no variable \"%1\"").arg(name));
+    }
+    if (!qEnvironmentVariableIsSet(variable.constData())) {
+        service.fail(QStringLiteral("no password is given: add \"password_file\", \"password_env\" "
+                                    "or \"password\", or set %1")
+                         .arg(name));
     }
     return QString::fromUtf8(qgetenv(variable.constData()));
 }

@@ -47,7 +47,8 @@ void requireAccount(const Account& account);
 
 /// The account's password from the one member of the service object that gives it: "password"
 /// itself, "password_file" (its first line; a relative path starts at the configuration's folder)
-/// or "password_env" (a variable of the environment). Throws UsageError; no message shows it.
+/// or "password_env" (a variable of the environment); without any of them from the usual variable.
+/// Throws UsageError; no message shows it.
 QString readPassword(const JsonPlace& service, const QString& config_path);
 
 /// \a url as the driver can use it: without a slash at its end. Throws UsageError if it is no

@@ -20,8 +20,7 @@ ServiceConfig readService(const JsonPlace& place, const QString& path, bool with
         service.url = checkedUrl(place.at("url").text(), place.at("url").where());
     service.project = place.requiredText("project");
     service.email = place.requiredText("email");
-    const bool is_elsewhere = place.has("password_file") || place.has("password_env");
-    if (with_password || !is_elsewhere)
+    if (with_password || place.has("password"))
         service.password = readPassword(place, path);
     return service;
 }

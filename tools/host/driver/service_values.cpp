@@ -16,6 +16,7 @@ bool look(DriverSession& session, FirstValues& first, int* looks_under_error)
 {
     const value::DriverNumbers numbers = session.numbers();
     first.all_read = numbers.cycle_count.value_or(0) > 0;
+    first.was_connected = first.was_connected || numbers.connected.value_or(false);
     bool is_complete = true;
     for (int i = 0; i < first.values.size(); ++i) {
         FirstValue& value = first.values[i];
@@ -114,8 +115,8 @@ QString unfinished(terminal::Waited waited, const QString& problem)
 
 } // namespace
 
-QString sendValue(terminal::Context& context, const ServiceSetup& setup,
-                  const config::ItemConfig& item, const QByteArray& bytes, int milliseconds)
+SentValue sendValue(terminal::Context& context, const ServiceSetup& setup,
+                    const config::ItemConfig& item, const QByteArray& bytes, int milliseconds)
 {
     QElapsedTimer elapsed;
     elapsed.start();
@@ -124,13 +125,14 @@ QString sendValue(terminal::Context& context, const ServiceSetup& setup,
     DriverSession session(setup.plugin, config, {item});
 
     if (!session.numbers().write_count)
-        return QStringLiteral("this library does not tell what becomes of a write");
+        return {QStringLiteral("this library does not tell what becomes of a write"), true, 0};
 
     Connection connection;
     terminal::Waited waited = terminal::waitUntil(
         context.unix_signals, milliseconds, [&] { return connection.isDecided(session, item); });
     if (!connection.made)
-        return unfinished(waited, withStatus(QStringLiteral("no connection"), connection.status));
+        return {unfinished(waited, withStatus(QStringLiteral("no connection"), connection.status)),
+                false, connection.status};
 
     const value::DriverNumbers before = session.numbers();
     value::DriverNumbers now = before;
@@ -141,12 +143,13 @@ QString sendValue(terminal::Context& context, const ServiceSetup& setup,
                now.failed_write_count != before.failed_write_count;
     });
     if (waited != terminal::Waited::met) {
-        return unfinished(waited, QStringLiteral("no answer to the write in time; the service may "
-                                                 "have taken the value"));
+        return {unfinished(waited, QStringLiteral("no answer to the write in time; the service may "
+                                                  "have taken the value")),
+                true, 0};
     }
-    return now.write_count != before.write_count
-               ? QString()
-               : failureText(statusOfFailure(context.unix_signals, session, item));
+    if (now.write_count != before.write_count)
+        return {QString(), true, 0};
+    return {failureText(statusOfFailure(context.unix_signals, session, item)), true, 0};
 }
 
 QString confirmValue(terminal::Context& context, const ServiceSetup& setup,

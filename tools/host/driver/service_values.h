@@ -24,6 +24,8 @@ struct FirstValues
     terminal::Waited waited = terminal::Waited::met;
     /// The driver's status at the end.
     int status = 0;
+    /// The driver has been connected to the service.
+    bool was_connected = false;
     /// The driver has read all items, so that one without a value has one of another type.
     bool all_read = false;
 };
@@ -37,13 +39,20 @@ FirstValues fetchFirstValues(const Plugin& plugin, config::HostConfig config,
                              const QVector<config::ItemConfig>& items,
                              const terminal::UnixSignals& unix_signals, int milliseconds);
 
+/// What became of a write.
+struct SentValue
+{
+    QString problem; ///< Empty: the service has taken the value.
+    bool was_connected = false;
+    int status = 0; ///< The driver's, before it was connected.
+};
+
 /// Raises a write of \a bytes and runs the driver until it says that the service has the value.
 ///
 /// The driver's answer to a write comes at once and says nothing about the service; its numbers
-/// tell whether it is connected, and whether the value was sent. \return what went wrong; empty
-/// when nothing did.
-QString sendValue(terminal::Context& context, const ServiceSetup& setup,
-                  const config::ItemConfig& item, const QByteArray& bytes, int milliseconds);
+/// tell whether it is connected, and whether the value was sent.
+SentValue sendValue(terminal::Context& context, const ServiceSetup& setup,
+                    const config::ItemConfig& item, const QByteArray& bytes, int milliseconds);
 
 /// Waits until the service itself shows \a bytes.
 ///

@@ -2,8 +2,10 @@
 
 #include "tools/host/service/catalogue.h"
 #include "tools/host/service/cloud_client.h"
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/line_input.h"
 #include "tools/host/terminal/text_width.h"
+#include "tools/host/value/status_text.h"
 
 #include <QUrl>
 
@@ -56,8 +58,13 @@ void ProgressView::show(const CatalogueProgress& progress)
 bool askForPassword(terminal::Context& context, config::Account* account)
 {
     terminal::LineInput input(STDIN_FILENO, context.err, context.unix_signals);
-    if (account->has_password || !input.isTerminal())
+    if (account->has_password)
         return true;
+    if (!input.isTerminal()) {
+        throw terminal::UsageError(
+            QStringLiteral("no password was given; set %1, or use --password-file")
+                .arg(account->password_env));
+    }
     const std::optional<QString> answer =
         input.askSecretly(QStringLiteral("Password of %1 for project %2: ")
                               .arg(terminal::printable(account->service.email),
@@ -72,7 +79,7 @@ bool askForPassword(terminal::Context& context, config::Account* account)
 }
 
 std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const ServiceOptions& options,
-                                        const config::Account& account)
+                                        const config::Account& account, ClientOutcome* failure)
 {
     CloudClient client(account.service);
     QObject::connect(&context.unix_signals, &terminal::UnixSignals::endAsked, &client,
@@ -82,14 +89,14 @@ std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const Servic
     const QString url = QUrl(account.service.url).toString(QUrl::RemoveUserInfo);
     const ClientOutcome login = client.login(options.timeout);
     if (login.kind != ClientOutcome::Done) {
-        context.complain(QStringLiteral("login at %1 failed: %2").arg(url, login.reason));
-        if (!account.has_password)
-            context.warn(QStringLiteral("no password was given; set %1, or use --password-file")
-                             .arg(account.password_env));
+        context.complain(
+            QStringLiteral("login at %1 failed: %2").arg(url, login.reason) +
+            (login.isRefusal() ? QStringLiteral(": ") + value::loginAdvice() : QString()));
+        *failure = login;
         return std::nullopt;
     }
     ClientOutcome loading;
-    CatalogueProgress latest;
+    CatalogueProgress latest = {};
     {
         ProgressView view(context.err, options.quiet || options.verbose,
                           isatty(STDERR_FILENO) == 1);
@@ -106,6 +113,7 @@ std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const Servic
                                         .arg(counted(latest.groups_known, QStringLiteral("group")));
         context.complain(
             QStringLiteral("loading the catalogue failed%1: %2").arg(where, loading.reason));
+        *failure = loading;
         return std::nullopt;
     }
     return Catalogue{account.service.url, account.service.project, account.service.email,

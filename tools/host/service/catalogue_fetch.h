@@ -47,13 +47,13 @@ struct ServiceOptions
     QString log;          ///< They go to this file; empty: to none.
 };
 
-/// Asks the user for the password if nobody has told it and there is a terminal to ask on. False:
-/// the user did not answer.
+/// Asks the user for the password if nobody has told it. False: the user did not answer. Throws
+/// UsageError if there is no terminal to ask on.
 bool askForPassword(terminal::Context& context, config::Account* account);
 
-/// Logs in and loads the catalogue. Nothing: it has been said why.
+/// Logs in and loads the catalogue. Nothing: it has been said why, and \a failure is what failed.
 std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const ServiceOptions& options,
-                                        const config::Account& account);
+                                        const config::Account& account, ClientOutcome* failure);
 
 } // namespace tovik_host::service
 

@@ -28,6 +28,9 @@ struct ClientOutcome
         Interrupted ///< CloudClient::interrupt() was called.
     };
 
+    /// Whether the service itself has said no, by a code of its own.
+    bool isRefusal() const { return kind == Failed && result != 256; }
+
     Kind kind = Done;
     int result = 0;     ///< 0, 256 (found by the client), or the service's own code.
     double seconds = 0; ///< How long the step took.

@@ -60,6 +60,11 @@ bool isServiceError(int status)
     return status != 0 && status != client_failure_status;
 }
 
+QString loginAdvice()
+{
+    return QStringLiteral("look at e-mail, password and project");
+}
+
 QString resultText(int result)
 {
     return result == client_failure ? statusText(client_failure_status)

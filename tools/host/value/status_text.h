@@ -58,6 +58,8 @@ QString noValue();
 QString statusTextWithCode(int status, StatusOf whose);
 /// Whether the service itself has refused something: neither success nor a failure on the way.
 bool isServiceError(int status);
+/// What a user can look at when the service has refused a login.
+QString loginAdvice();
 /// A failed operation's result, as the client gives it, in words.
 QString resultText(int result);
 

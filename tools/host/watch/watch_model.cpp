@@ -106,6 +106,7 @@ bool WatchModel::endRound(const QDateTime& now)
 void WatchModel::takeNumbers(const value::DriverNumbers& numbers, qint64 moment)
 {
     numbers_ = numbers;
+    was_connected_ = was_connected_ || numbers.connected.value_or(false);
     if (numbers.read_count)
         read_rate_.take(moment, *numbers.read_count);
 }

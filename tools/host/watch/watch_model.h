@@ -51,6 +51,8 @@ public:
     /// Milliseconds without news after which a value is stale: so many cycles, each as long as the
     /// latest whole one and a second at least; 0: no value ever is.
     int staleAfter() const;
+    /// Whether the driver has been connected to the service.
+    bool wasConnected() const { return was_connected_; }
     /// How many values have come; one that stays as it is has come once.
     int valueCount() const { return value_count_; }
     /// The first item that was stale or had an error, with what it was and when; empty: none.
@@ -71,6 +73,7 @@ private:
     QVector<bool> has_value_;
     int stale_cycles_;
     int value_count_ = 0;
+    bool was_connected_ = false;
     QString first_trouble_;
     int status_ = 0;
     int round_status_ = 0;

@@ -32,7 +32,8 @@ private:
 namespace {
 
 const char service[] =
-    "\"service\": {\"url\": \"https://h\", \"project\": \"p\", \"email\": \"e\"}";
+    "\"service\": {\"url\": \"https://h\", \"project\": \"p\", \"email\": \"e\", "
+    "\"password\": \"x\"}";
 
 /// A file with this service object and one item.
 QByteArray withService(const char* object)
@@ -93,7 +94,8 @@ void TestHostConfigFile::readsEverything()
 void TestHostConfigFile::hasDefaults()
 {
     const HostConfig config =
-        loadConfig(write(withService("{\"project\": \"p\", \"email\": \"e\"}"))).config;
+        loadConfig(write(withService("{\"project\": \"p\", \"email\": \"e\", \"password\": \"\"}")))
+            .config;
     QVERIFY(config.service.url.isEmpty());
     QVERIFY(config.service.password.isEmpty());
     QCOMPARE(config.items.first().length, 0);
@@ -133,6 +135,13 @@ void TestHostConfigFile::namesPlaceOfError_data()
         "c.json:3: member \"items\" stands twice");
     row("service is a text", withService("\"x\""), "c.json:2: service: must be an object");
     row("bad address", withService("{\n\"url\": \"ftp://x\"}"), "c.json:4: service.url: must be");
+    row("no password", withService("{\"project\": \"p\", \"email\": \"e\"}"),
+        "c.json:2: service: no password is given: add \"password_file\", \"password_env\" or "
+        "\"password\", or set TOVIK_PASSWORD");
+    row("number beyond a double", "{\n\"x\": 1e999}",
+        "c.json:2: not valid JSON: a number is beyond what a double holds");
+    row("a catalogue", "{\"service\": {}, \"groups\": []}",
+        "c.json:1: is a catalogue, and a configuration is wanted");
     row("no project", withService("{\"email\": \"e\"}"),
         "c.json:2: service: the member \"project\" is missing");
     row("empty email", withService("{\"project\": \"p\",\n\"email\": \"\"}"),
@@ -214,7 +223,8 @@ void TestHostConfigFile::takesPasswordFromElsewhere_data()
         << QByteArray("\"password_file\": \"secret\"") << QStringLiteral("from f\u00eele");
     QTest::newRow("variable") << QByteArray("\"password_env\": \"TOVIK_TEST_PASSWORD\"")
                               << QStringLiteral("from environment");
-    QTest::newRow("none") << QByteArray("\"url\": \"http://h\"") << QString();
+    QTest::newRow("usual variable")
+        << QByteArray("\"url\": \"http://h\"") << QStringLiteral("from the usual one");
 }
 
 void TestHostConfigFile::takesPasswordFromElsewhere()
@@ -226,8 +236,11 @@ void TestHostConfigFile::takesPasswordFromElsewhere()
     file.write("from f\u00eele\r\nsecond line\n");
     file.close();
     qputenv("TOVIK_TEST_PASSWORD", "from environment");
+    qputenv("TOVIK_PASSWORD", "from the usual one");
     const QByteArray object = "{\"project\": \"p\", \"email\": \"e\", " + member + "}";
-    QCOMPARE(loadConfig(write(withService(object.constData()))).config.service.password, password);
+    const HostConfig config = loadConfig(write(withService(object.constData()))).config;
+    qunsetenv("TOVIK_PASSWORD");
+    QCOMPARE(config.service.password, password);
 }
 
 void TestHostConfigFile::saysThatFileIsMissing()

@@ -46,6 +46,12 @@ fuzz_packages=(clang-14 libclang-rt-14-dev)
 # To build for other processors and to emulate them, and to test under other locales.
 # shellcheck disable=SC2034 # other scripts read it
 cross_packages=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf mmdebstrap qemu-user-static util-linux)
+# To count the instructions there: the emulator that takes plug-ins.
+# shellcheck disable=SC2034
+panel_cost_packages=(qemu-user)
+# To look through the Buildroot package.
+# shellcheck disable=SC2034
+panel_packages=(curl python3-kconfiglib)
 # shellcheck disable=SC2034
 hostile_packages=(locales util-linux)
 

@@ -17,7 +17,8 @@ ELSEWHERE = re.compile(r"(?<![\d.])(?!127\.)\d+\.\d+\.\d+\.\d+(?![\d.])"
                        r"|https?://(?!127\.0\.0\.1\b|localhost\b)[\w\[.:]+")
 
 HERE = Path(__file__).resolve().parent
-PATIENCE = 120  # seconds; only a test that fails waits for so long
+# Seconds; only a test that fails waits for so long.
+PATIENCE = 120 * int(os.environ.get("TOVIK_TEST_TIME_FACTOR", "1"))
 
 
 class Processes:

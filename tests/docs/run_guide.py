@@ -10,6 +10,7 @@ Every code block has a mark, an HTML comment in the line before it:
   <!-- fails N -->               shell commands that exit with N
   <!-- until: TEXT -->           shell commands that succeed, the last of which goes on until it has
                                  printed TEXT and is then interrupted
+  <!-- where: PATH -->           shell commands that succeed; not run where PATH is not there
   <!-- background -->            a server, started and left to run; if a number ends the command, it
                                  is its port. After "$ command" lines of output may follow
   <!-- output -->                what the last shell commands have printed
@@ -56,7 +57,7 @@ class Guide:
     def do(self, block):
         self.numbers_vary = block.numbers_vary
         action = {"file": self.write, "part": self.fill_in, "run": self.run, "do": self.run,
-                  "fails": self.run, "until": self.run_until, "background": self.serve,
+                  "fails": self.run, "where": self.run_where, "until": self.run_until, "background": self.serve,
                   "output": self.compare, "session": self.session,
                   "printed by": self.printed_by, "watched by": self.watched_by,
                   "excerpt": self.excerpt, "diagram": self.diagram, "check": self.check}.get(block.word)
@@ -94,6 +95,12 @@ class Guide:
         if done.returncode != int(expected or 0):
             raise Failure(f"exit code {done.returncode}, not {expected or 0}\n"
                           f"{done.stdout}{done.stderr}")
+
+    def run_where(self, text, path):
+        if Path(path).exists():
+            self.run(text, 0)
+        else:
+            print(f"NOT RUN: there is no {path}", flush=True)
 
     def start(self, text, errors=subprocess.STDOUT):
         return self.stage.processes.start(["bash", "-e", "-c", self.stage.local(text)],
@@ -215,7 +222,8 @@ def arguments():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("document", help="the Markdown file")
-    parser.add_argument("--folder", required=True, help="where it is done; emptied before")
+    parser.add_argument("--folder", help="where it is done; emptied before. Without one nothing is run: "
+                        "only the marks are looked at")
     parser.add_argument("--source", required=True, help="the project's folder")
     parser.add_argument("--build", required=True, help="the build whose programs are used")
     parser.add_argument("--set", action="append", default=[], metavar="NAME=VALUE",
@@ -234,7 +242,7 @@ def arguments():
 
 def run_document(options):
     blocks = blocks_of(Path(options.document).read_text(encoding="utf-8"))
-    if not blocks:
+    if not blocks or not options.folder:
         return 0
     processes = Processes()
     try:

@@ -94,6 +94,19 @@ class Documents(unittest.TestCase):
         self.fails(fenced("run", "false\ntrue\n"), "exit code 1")
         self.fails("<!-- do: exit 3 -->\n", "exit code 3")
 
+    def test_where(self):
+        self.passes(fenced(f"where: {self.source}", "true\n"))
+        self.fails(fenced(f"where: {self.source}", "false\n"), "exit code 1")
+        self.passes(fenced("where: /nowhere", "false\n"))
+
+    def test_without_a_folder_only_the_marks(self):
+        options = SimpleNamespace(document=self.source / "page.md", folder=None)
+        options.document.write_text(fenced("run", "false\n"))
+        self.assertEqual(run_guide.run_document(options), 0)
+        options.document.write_text("```\ntrue\n```\n")
+        with self.assertRaisesRegex(Failure, "without a mark"):
+            run_guide.run_document(options)
+
     def test_fails(self):
         self.passes(fenced("fails 3", "exit 3\n"))
         self.fails(fenced("fails 3", "true\n"), "exit code 0, not 3")

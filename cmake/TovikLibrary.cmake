@@ -57,6 +57,7 @@ set(TOVIK_DRIVER_SOURCES
   framework/host_request.h framework/host_request.cpp
   framework/link_io.h framework/link_io.cpp
   framework/protocol_basic.h framework/protocol_basic.cpp
+  framework/told_traffic.h framework/told_traffic.cpp
   interface/drvlib.h interface/drvlib.cpp)
 
 # The library's sources keep to C++11: the panels' compilers are older than ours.

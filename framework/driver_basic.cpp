@@ -3,6 +3,7 @@
 #include "framework/host_request.h"
 #include "framework/link_io.h"
 #include "framework/result_code.h"
+#include "framework/told_traffic.h"
 
 #include <QDebug>
 #include <QElapsedTimer>
@@ -11,6 +12,7 @@
 
 using namespace host_request;
 using namespace result_code;
+using namespace told_traffic;
 
 namespace {
 
@@ -34,55 +36,6 @@ void takeSettings(const DrvBase& link, DriverBasic* driver)
     driver->link_param_a_ = link.link_param_a;
     driver->link_param_b_ = link.link_param_b;
 }
-
-TrafficListener* listenerOf(const DriverBasic& driver)
-{
-    if (driver.serial_)
-        return traffic::listenerOf(*driver.serial_);
-    return driver.ethernet_ ? traffic::listenerOf(*driver.ethernet_) : 0;
-}
-
-void tell(const DriverBasic& driver, Traffic::Kind kind, const QByteArray& bytes)
-{
-    TrafficListener* const listener = bytes.isEmpty() ? 0 : listenerOf(driver);
-    if (listener)
-        listener->hear(Traffic(kind, bytes));
-}
-
-void tellEnd(const DriverBasic& driver)
-{
-    if (TrafficListener* const listener = listenerOf(driver))
-        listener->hear(Traffic(Traffic::ended, QByteArray(), driver.error_code_));
-}
-
-/// Throws away what has come before, and sends.
-void send(const DriverBasic& driver, const QByteArray& request)
-{
-    const bool is_heard = listenerOf(driver) != 0;
-    tell(driver, Traffic::discarded, link_io::discard(driver.serial_, driver.ethernet_, is_heard));
-    if (link_io::send(driver.device_, request))
-        tell(driver, Traffic::sent, request);
-}
-
-QByteArray take(const DriverBasic& driver)
-{
-    const QByteArray response = link_io::take(driver.device_);
-    tell(driver, Traffic::taken, response);
-    return response;
-}
-
-/// Tells how an exchange has ended, wherever it ends.
-class EndTeller
-{
-public:
-    explicit EndTeller(const DriverBasic& driver) : driver_(driver) {}
-    ~EndTeller() { tellEnd(driver_); }
-
-private:
-    Q_DISABLE_COPY(EndTeller)
-
-    const DriverBasic& driver_;
-};
 
 /// What became of an exchange whose answer was not accepted.
 /// \param code what recv_abnormal_handler() said

@@ -20,7 +20,9 @@ struct TOVIK_EXPORT Traffic
         taken,     ///< These bytes have come from the device.
         discarded, ///< These bytes had come before the request, and are thrown away.
         ended,     ///< An exchange is over, with this code.
-                   // A service: one request after the other, each with these moments in this order.
+               // A service: one request after the other, each with these moments in this order. A
+               // name that is
+        // known later than the request needs it is told late, and then the connection is not.
         asked,     ///< A request begins. Text: method and address. Bytes: its body.
         named,     ///< The service's name has been looked up. Text: its addresses.
         connected, ///< To the service; to the millisecond, and not told behind a proxy.

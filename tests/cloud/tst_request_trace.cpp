@@ -144,6 +144,12 @@ void TestRequestTrace::secretsAreBlottedOut()
 void TestRequestTrace::nameIsLookedUp()
 {
     property_.host.replace(latin1("127.0.0.1"), latin1("localhost"));
+    // The request's own look-up may be the faster one.
+    service_->setHandler([this](const ScriptedRequest&) {
+        const bool is_named =
+            QTest::qWaitFor([this] { return kindsOf(log_.all()).contains(Traffic::named); }, 30000);
+        return is_named ? ScriptedReply::json("{\"errorcode\":0}") : ScriptedReply::close();
+    });
     Conversation conversation(&property_);
     QCOMPARE(login(conversation).result, 256); // without a token in the reply
     const Traffic named = firstOf(log_.all(), Traffic::named);

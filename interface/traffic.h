@@ -12,17 +12,15 @@ class DrvBase;
 /// Something that a driver says of its traffic, to whoever listens.
 struct TOVIK_EXPORT Traffic
 {
-    /// What is told.
+    /// What is told: up to `ended` of a device's link, from `asked` on of a service, each request
+    /// with its moments in this order. A name that is known later than the request needs it is told
+    /// late, and then the connection is not.
     enum Kind
     {
-        // A device's link.
         sent,      ///< These bytes have been handed to the link.
         taken,     ///< These bytes have come from the device.
         discarded, ///< These bytes had come before the request, and are thrown away.
         ended,     ///< An exchange is over, with this code.
-               // A service: one request after the other, each with these moments in this order. A
-               // name that is
-        // known later than the request needs it is told late, and then the connection is not.
         asked,     ///< A request begins. Text: method and address. Bytes: its body.
         named,     ///< The service's name has been looked up. Text: its addresses.
         connected, ///< To the service; to the millisecond, and not told behind a proxy.

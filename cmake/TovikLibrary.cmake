@@ -108,7 +108,7 @@ set_target_properties(tovik_iot PROPERTIES
 # functions of it (meta-types, their stream operators) for as long as the process lives.
 target_link_options(tovik_iot PRIVATE
   LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map
-  LINKER:-z,defs LINKER:-z,nodelete)
+  ${TOVIK_ALL_DEFINED} LINKER:-z,nodelete)
 
 # What a host is built from: the tools and the system tests load the driver with dlopen.
 add_library(tovik_host_side STATIC $<TARGET_OBJECTS:tovik_shared_objects>)

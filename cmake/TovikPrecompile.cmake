@@ -7,6 +7,9 @@ function(tovik_precompile target kind)
   if(NOT TOVIK_PRECOMPILE)
     return()
   endif()
+  # ccache takes a precompiled header of Clang's for another one when it holds the time.
+  target_compile_options(${target} PRIVATE
+    "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
   # Hardly ever holds anything, and would take the precompiled headers in all the same.
   set_source_files_properties(
     ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp

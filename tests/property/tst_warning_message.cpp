@@ -8,7 +8,7 @@
 
 #include <functional>
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TOVIK_SANITIZED
 // Qt's offscreen platform never frees its screen. Its name stands in whole stacks only.
 extern "C" const char* __asan_default_options()
 {

@@ -7,7 +7,6 @@ namespace fault_matrix {
 namespace {
 
 constexpr int unknown_token = 0x400F0004;
-constexpr int client_failure = 0x400F0256;
 
 QString latin1(const char* text)
 {

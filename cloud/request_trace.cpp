@@ -1,11 +1,10 @@
 #include "cloud/request_trace.h"
 
 #include "cloud/secrets.h"
+#include "compat/tls_session.h"
 
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QSslCertificate>
-#include <QSslConfiguration>
 #include <QStringList>
 #include <QVector>
 
@@ -14,19 +13,6 @@ namespace {
 quint16 portOf(const QUrl& url)
 {
     return quint16(url.port(url.scheme() == QLatin1String("https") ? 443 : 80));
-}
-
-/// Whether the handshake has resumed the session that the request offered.
-bool isResumed(const QNetworkReply& reply)
-{
-#if QT_VERSION >= 0x050200
-    // The service shows its certificate in a full handshake only.
-    return !reply.request().sslConfiguration().sessionTicket().isEmpty() &&
-           reply.sslConfiguration().peerCertificate().isNull();
-#else
-    Q_UNUSED(reply);
-    return false;
-#endif
 }
 
 } // namespace

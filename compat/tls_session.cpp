@@ -19,6 +19,11 @@ QString serviceOf(const QUrl& url)
     return url.toString(others);
 }
 
+bool hasOffered(const QNetworkReply& reply)
+{
+    return !reply.request().sslConfiguration().sessionTicket().isEmpty();
+}
+
 /// Whether the service was reached, and ended the conversation without an answer.
 bool isBrokenOff(const QNetworkReply& reply)
 {
@@ -34,6 +39,17 @@ bool isBrokenOff(const QNetworkReply& reply)
 #endif
 
 } // namespace
+
+bool isResumed(const QNetworkReply& reply)
+{
+#if QT_VERSION >= 0x050200
+    // The service shows its certificate in a full handshake only.
+    return hasOffered(reply) && reply.sslConfiguration().peerCertificate().isNull();
+#else
+    Q_UNUSED(reply);
+    return false;
+#endif
+}
 
 TlsSession::TlsSession(int pause) : pause_(pause), refusals_(0), is_resumed_(false) {}
 
@@ -53,7 +69,7 @@ void TlsSession::offer(QNetworkRequest* request) const
 void TlsSession::take(const QNetworkReply& reply)
 {
 #if QT_VERSION >= 0x050200
-    const bool has_offered = !reply.request().sslConfiguration().sessionTicket().isEmpty();
+    const bool has_offered = hasOffered(reply);
     const bool is_answered = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
     if (!is_answered) {
         if (has_offered && isBrokenOff(reply))
@@ -62,8 +78,7 @@ void TlsSession::take(const QNetworkReply& reply)
     }
     if (has_offered)
         refusals_ = 0;
-    // The service shows its certificate in a full handshake only.
-    is_resumed_ = has_offered && reply.sslConfiguration().peerCertificate().isNull();
+    is_resumed_ = ::isResumed(reply);
     if (isPausing())
         return;
     bytes_ = session_bytes::withoutCertificate(reply.sslConfiguration().sessionTicket());

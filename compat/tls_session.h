@@ -46,4 +46,7 @@ private:
     bool is_resumed_;
 };
 
+/// Whether \a reply, whose header has arrived, came with a session that its request had offered.
+bool isResumed(const QNetworkReply& reply);
+
 #endif

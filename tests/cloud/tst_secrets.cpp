@@ -37,7 +37,15 @@ void TestSecrets::members_data()
     row("that is no text", "{\"token\":12345,\"x\":1}", "{\"token\":***,\"x\":1}", {"12345"});
     row("cut off", "{\"errorcode\":0,\"token\":\"abcde", "{\"errorcode\":0,\"token\":\"***",
         {"abcde"});
-    row("cut off behind a backslash", "{\"token\":\"abc\\", "{\"token\":\"***", {"abc\\"});
+    row("with a carriage return", "{\"token\"\r\n:\r\n\"T\"}", "{\"token\"\r\n:\r\n\"***\"}",
+        {"T"});
+    row("named by a value before", "{\"a\":\"token\",\"token\":\"T\"}",
+        "{\"a\":\"token\",\"token\":\"***\"}", {"T"});
+    row("that is no text, cut off", "{\"token\":12345", "{\"token\":***", {"12345"});
+    row("cut off after the name", "{\"token\" ", "{\"token\" ", {});
+    row("cut off before the value", "{\"token\": ", "{\"token\": ", {});
+    row("cut off after a quotation mark", "{\"token\":\"", "{\"token\":\"", {});
+    row("cut off after a backslash", "{\"token\":\"abc\\", "{\"token\":\"***", {"abc\\"});
     row("name alone", "{\"a\":\"token\",\"b\":\"password\"}",
         "{\"a\":\"token\",\"b\":\"password\"}", {});
     row("name without a value", "\"token\"", "\"token\"", {});

@@ -52,7 +52,7 @@ LoadedSide sideFromFile(const QString& path, bool needs_account)
     LoadedSide loaded;
     loaded.name = path;
     if (!service::isCatalogue(file)) {
-        loaded.side = service::diffSide(config::loadConfig(path, false).config);
+        loaded.side = service::diffSide(config::loadConfig(path, config::Password::in_file).config);
         if (needs_account)
             loaded.account = config::accountOfConfig(path);
         return loaded;

@@ -2,6 +2,7 @@
 #include "tools/host/commands.h"
 #include "tools/host/terminal/context.h"
 #include "tools/host/terminal/exit_code.h"
+#include "tools/host/terminal/text_width.h"
 
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
@@ -44,7 +45,11 @@ int main(int argc, char** argv)
         const QCoreApplication application(argc, argv);
         return run();
     } catch (const terminal::UsageError& error) {
-        terminal::Streams().complain(error.message());
+        terminal::Streams streams;
+        QStringList lines = error.message().split(QLatin1Char('\n'));
+        streams.complain(lines.takeFirst());
+        for (const QString& line : qAsConst(lines))
+            streams.err.line(terminal::printable(line));
         return terminal::exitUsage;
     }
 }

@@ -88,7 +88,7 @@ QString defaultPasswordVariable()
 Account accountOfConfig(const QString& path)
 {
     Account account;
-    account.service = loadConfig(path, false).config.service;
+    account.service = loadConfig(path, Password::in_file).config.service;
     const JsonFile file = readJson(path);
     const JsonPlace service = JsonPlace(file).at("service");
     const QString password_file = service.optionalText("password_file");

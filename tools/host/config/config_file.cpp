@@ -12,7 +12,7 @@ namespace {
 
 const int longest_text = 65535;
 
-ServiceConfig readService(const JsonPlace& place, const QString& path, bool with_password)
+ServiceConfig readService(const JsonPlace& place, const QString& path, Password password)
 {
     place.allowOnly({"url", "project", "email", "password", "password_file", "password_env"});
     ServiceConfig service;
@@ -20,7 +20,9 @@ ServiceConfig readService(const JsonPlace& place, const QString& path, bool with
         service.url = checkedUrl(place.at("url").text(), place.at("url").where());
     service.project = place.requiredText("project");
     service.email = place.requiredText("email");
-    if (with_password || place.has("password"))
+    const bool is_elsewhere = place.has("password_file") || place.has("password_env");
+    if (password == Password::required || place.has("password") ||
+        (password == Password::if_given && is_elsewhere))
         service.password = readPassword(place, path);
     return service;
 }
@@ -87,7 +89,7 @@ value::OrderedJson jsonOf(const ItemConfig& item)
 
 } // namespace
 
-LoadedConfig loadConfig(const QString& path, bool with_password)
+LoadedConfig loadConfig(const QString& path, Password password)
 {
     const JsonFile file = readJson(path);
     const JsonPlace root(file);
@@ -102,7 +104,7 @@ LoadedConfig loadConfig(const QString& path, bool with_password)
     }
     root.at("items"); // missing, that is said before anything about the service
     LoadedConfig loaded;
-    loaded.config.service = readService(root.at("service"), path, with_password);
+    loaded.config.service = readService(root.at("service"), path, password);
     loaded.config.items = readItemList(
         root, readItem, QStringLiteral("the driver serves the first one only"), &loaded.warnings);
     if (root.has("error_handling"))

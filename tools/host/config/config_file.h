@@ -20,13 +20,19 @@ struct LoadedConfig
     QStringList warnings;
 };
 
+/// What is wanted of the password of a configuration.
+enum class Password
+{
+    required, ///< It is an error to have none.
+    if_given, ///< Wherever the configuration says.
+    in_file   ///< If it stands in the configuration itself.
+};
+
 /// Reads and checks the configuration file \a path.
 ///
 /// Throws UsageError with file, line and member for anything that is wrong. A missing
 /// "service.url" is allowed (the text stays empty), since the command line can give it.
-/// \param with_password whether it is fetched from the file or variable that the configuration
-/// names; otherwise only a password that stands in the configuration itself is known.
-LoadedConfig loadConfig(const QString& path, bool with_password = true);
+LoadedConfig loadConfig(const QString& path, Password password = Password::required);
 
 /// A configuration as loadConfig() reads it; ends with a line break. Without the password it says
 /// where to find it.

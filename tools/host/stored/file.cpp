@@ -104,7 +104,7 @@ File readJson(const QString& path, const QByteArray& bytes)
         root.fail(QStringLiteral("a configuration with \"service\" is read from a file only, since "
                                  "it may name other files beside it"));
     }
-    takeConfiguration(config::loadConfig(path), &file);
+    takeConfiguration(config::loadConfig(path, config::Password::if_given), &file);
     if (root.has("error_handling")) {
         file.notes << QStringLiteral("%1: error_handling is not part of the record and is left "
                                      "out: a host sets it as tovik_iot_err_... keys of the link")

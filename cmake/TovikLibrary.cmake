@@ -66,10 +66,14 @@ function(tovik_library_target target)
   tovik_warnings(${target})
   tovik_explicit_text(${target})
   target_include_directories(${target} SYSTEM PRIVATE ${PICOJSON_INCLUDE_DIR})
+  set(visibility hidden)
+  if(TOVIK_SHARE_UNDER_TEST) # the tests reach what is inside
+    set(visibility default)
+  endif()
   set_target_properties(${target} PROPERTIES
     CXX_STANDARD 11
     POSITION_INDEPENDENT_CODE ON
-    CXX_VISIBILITY_PRESET hidden
+    CXX_VISIBILITY_PRESET ${visibility}
     VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 

@@ -47,6 +47,10 @@ threads_packages=(mold qtbase5-private-dev util-linux)
 # shellcheck disable=SC2034 # other scripts read it
 fuzz_packages=("${clang_packages[@]}")
 
+# To make small faults in the library from clang's syntax tree.
+# shellcheck disable=SC2034 # scripts/mutants reads it
+mutants_packages=(python3-clang-14)
+
 # To build for other processors and to emulate them, and to test under other locales.
 # shellcheck disable=SC2034 # other scripts read it
 cross_packages=(g++-aarch64-linux-gnu g++-arm-linux-gnueabihf mmdebstrap qemu-user-static util-linux)

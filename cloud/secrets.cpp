@@ -16,14 +16,14 @@ bool isSpace(char character)
     return character == ' ' || character == '\t' || character == '\r' || character == '\n';
 }
 
-int behindSpace(const QByteArray& body, int at)
+int afterSpace(const QByteArray& body, int at)
 {
     while (at < body.size() && isSpace(body.at(at)))
         ++at;
     return at;
 }
 
-/// Where a text ends that begins at \a at, behind its quotation mark: at the other one, or where
+/// Where a text ends that begins at \a at, after its quotation mark: at the other one, or where
 /// the body ends.
 int endOfText(const QByteArray& body, int at)
 {
@@ -37,17 +37,17 @@ int endOfText(const QByteArray& body, int at)
 struct Place
 {
     int begin;
-    int end; ///< Behind the last byte.
+    int end; ///< After the last byte.
 };
 
 /// The value of the member whose name ends in front of \a at; empty at the body's end: it has none.
-Place valueBehind(const QByteArray& body, int at)
+Place valueAfter(const QByteArray& body, int at)
 {
     Place found = {body.size(), body.size()};
-    const int colon = behindSpace(body, at);
+    const int colon = afterSpace(body, at);
     if (colon >= body.size() || body.at(colon) != ':')
         return found; // a value that reads like a name
-    found.begin = behindSpace(body, colon + 1);
+    found.begin = afterSpace(body, colon + 1);
     if (found.begin < body.size() && body.at(found.begin) == '"') {
         ++found.begin;
         found.end = endOfText(body, found.begin);
@@ -66,7 +66,7 @@ Place nextFrom(const QByteArray& body, int from)
     for (int i = 0; i < int(sizeof keys / sizeof keys[0]); ++i) {
         int at = body.indexOf(keys[i], from);
         for (; at >= 0 && at < found.begin; at = body.indexOf(keys[i], at + 1)) {
-            const Place place = valueBehind(body, at + int(std::strlen(keys[i])));
+            const Place place = valueAfter(body, at + int(std::strlen(keys[i])));
             if (place.begin < found.begin)
                 found = place;
         }

@@ -37,7 +37,7 @@ bool parse(const std::string& json, picojson::value* value)
 }
 
 /// \param next what follows the opening quote
-const char* behindString(const char* next, const char* end)
+const char* afterString(const char* next, const char* end)
 {
     for (; next < end; ++next) {
         if (*next == '"')
@@ -111,7 +111,7 @@ bool nestsTooDeep(const std::string& json)
     for (const char* next = json.data() + qMin(first, json.size()); next < end;) {
         switch (*next++) {
         case '"':
-            next = behindString(next, end);
+            next = afterString(next, end);
             break;
         case '{':
         case '[':

@@ -56,7 +56,7 @@ struct Operation
 {
     const char* word;      ///< What the log calls it.
     const char* code_word; ///< What the log calls it in front of the service's code.
-    const char* path;      ///< Behind the service's address.
+    const char* path;      ///< After the service's address.
 };
 
 extern const Operation login;
@@ -79,7 +79,7 @@ QString requestBody(const picojson::object& members);
 
 /// Parses \a reply and checks its "errorcode"; what it finds wanting is logged.
 ///
-/// \param members receives the reply's members when the result is success. Text behind the first
+/// \param members receives the reply's members when the result is success. Text after the first
 ///        complete JSON value is ignored.
 Outcome checkReply(const std::string& reply, const Operation& operation, picojson::object* members);
 

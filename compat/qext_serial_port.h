@@ -55,7 +55,7 @@ enum ParityType
     PAR_SPACE ///< Always 0.
 };
 
-/// Stop bits behind a character.
+/// Stop bits after a character.
 enum StopBitsType
 {
     STOP_1,   ///< One.
@@ -77,7 +77,7 @@ struct PortSettings
     BaudRateType BaudRate; ///< Line speed.
     DataBitsType DataBits; ///< Bits of data in a character.
     ParityType Parity;     ///< Parity of a character.
-    StopBitsType StopBits; ///< Stop bits behind a character.
+    StopBitsType StopBits; ///< Stop bits after a character.
     FlowType FlowControl;  ///< Flow control.
     long Timeout_Millisec; ///< Longest that a write waits, in milliseconds; 0 or less: not at all.
 };

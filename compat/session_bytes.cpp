@@ -29,7 +29,7 @@ int byteAt(const QByteArray& bytes, int at)
     return static_cast<unsigned char>(bytes.at(at));
 }
 
-/// Reads a length that stands at \a at, and moves \a at behind it; -1: none in the form of DER.
+/// Reads a length that stands at \a at, and moves \a at after it; -1: none in the form of DER.
 int readLength(const QByteArray& bytes, int* at)
 {
     if (*at >= bytes.size())
@@ -60,7 +60,7 @@ bool readElement(const QByteArray& bytes, int at, int end, Element* element)
     return length >= 0 && length <= end - at;
 }
 
-/// Whether an element with \a tag may come as number \a index behind one with \a before: the fixed
+/// Whether an element with \a tag may come as number \a index after one with \a before: the fixed
 /// ones first, then optional ones in the order of their numbers.
 bool isInPlace(int tag, int index, int before)
 {

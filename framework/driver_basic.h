@@ -189,7 +189,7 @@ protected Q_SLOTS:
     /// Serves a write: one answer by SigResponse, with the bytes that were to be written.
     ///
     /// A unit name in braces, such as {A}, is served if the host's unit list is empty or has an
-    /// entry of that name with any digits behind it, {A} or {A}12; else the answer is 0x2002.
+    /// entry of that name with any digits after it, {A} or {A}12; else the answer is 0x2002.
     /// Other names are not looked up. If the host has set `stop_flag`, the request ends without an
     /// answer and leaves request_lock_ locked: a stopped driver serves nothing more.
     virtual void SlotSetValuesByteArray(QString unit_name, QString link_name, int station_no,

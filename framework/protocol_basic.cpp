@@ -121,7 +121,7 @@ int ProtocolBasic::array2Number(const QByteArray& data, int order, int ascii)
         if (place < 4)
             number |= quint32(ascii ? byteOf(bytes) : toByte(bytes[0])) << (8 * place);
     }
-    // An odd character is read again from the first byte on, with nothing behind it.
+    // An odd character is read again from the first byte on, with nothing after it.
     const int place = order != 0 ? 0 : count - 1;
     if (ascii && data.size() % 2 == 1 && count > 0 && place < 4)
         number |= quint32(digitValue(data.at(data.size() - 1))) << (8 * place + 4);

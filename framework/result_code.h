@@ -42,12 +42,12 @@ const int not_supported = 0x400CFFFF;
 const int invalid_length = 0x20010003;
 
 /// Words for the codes \a first to \a last. Where these are more than one, the code's place among
-/// them is said behind the words, counted from 0.
+/// them is said after the words, counted from 0.
 struct Words
 {
     int first;        ///< The only code, or the first of many.
     int last;         ///< The last of them.
-    const char* text; ///< UTF-8; null behind the last entry of a table.
+    const char* text; ///< UTF-8; null after the last entry of a table.
 };
 
 /// \a code in words: those of the first entry of \a of_driver that has it, else the framework's.

@@ -68,7 +68,7 @@ void runModbusRtu(const QByteArray& input)
 
     const QByteArray good = otherFrame(request.station, goodAnswer(request));
     framing.add(good);
-    require(framing.take(&answer), "a good answer is found behind anything");
+    require(framing.take(&answer), "a good answer is found after anything");
     framing.frame(request);
     framing.dropOldInput();
     framing.add(good);

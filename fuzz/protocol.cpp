@@ -117,7 +117,7 @@ void textAsNumber(Input* input)
     const int number = ProtocolBasic::str2Number(text, base);
     require(base >= 2 && base <= 36 ? true : number == 0, "a bad base gives 0");
     require(ProtocolBasic::str2Number(text.split('\0').first(), base) == number,
-            "what stands behind a zero byte does not count");
+            "what stands after a zero byte does not count");
     if (!text.contains('-') && !text.contains('\0'))
         require(quint32(ProtocolBasic::str2Number(text + '-', base)) == 0U - quint32(number),
                 "a minus anywhere makes it negative");

@@ -46,7 +46,7 @@ int sizeOfGap(const QByteArray& longer, const QByteArray& shorter)
     return longer.mid(front + gap) == shorter.mid(front) ? gap : -1;
 }
 
-/// What is behind tag and length.
+/// What is after tag and length.
 QByteArray contentsOf(const QByteArray& element)
 {
     const int first = static_cast<unsigned char>(element.at(1));

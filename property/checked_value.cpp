@@ -135,7 +135,7 @@ bool takeExpression(Fields* fields, ExpressionAllowance* expressions)
     return syntax <= QRegExp::W3CXmlSchema11 && expressions->spend(pattern);
 }
 
-/// The largest number behind the brace at \a position; 1 if none is larger.
+/// The largest number after the brace at \a position; 1 if none is larger.
 int largestCount(const QString& pattern, int position)
 {
     int largest = 1;

@@ -16,7 +16,7 @@ struct ExpressionAllowance
     bool spend(const QString& pattern);
 };
 
-/// Reads what stands behind the type and the null flag of a bit array, a date-time, a URL or a
+/// Reads what stands after the type and the null flag of a bit array, a date-time, a URL or a
 /// `QRegExp`, as far as Qt's reader can be given it.
 ///
 /// Qt's reader makes room for whatever count of bits it reads; it opens the file of any time zone

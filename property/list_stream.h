@@ -51,7 +51,7 @@ struct Reading
 void ReadMembers(QDataStream& stream, PropertyTovikIotDataItem* item, Reading* reading);
 void ReadMembers(QDataStream& stream, PropertyTovikIotGroup* group, Reading* reading);
 
-/// Reads a count and the elements, and stops behind the element in which the stream ends.
+/// Reads a count and the elements, and stops after the element in which the stream ends.
 ///
 /// Qt's own list operator empties the list when the stream ends early (since Qt 5), and reserves
 /// room for whatever count it reads. Neither suits stored project files: what could be read of a

@@ -30,7 +30,7 @@ int typeOfQt3(quint32 number)
 
 /// Reads the number of a type and, where the version has one, the null flag. Streams of Qt 4 count
 /// the types from `void*` on from another number than Qt 5 does, and Qt 4 itself reads no others;
-/// a type that is not Qt's own, such as a UUID in Qt 4, is one number and a name behind the flag.
+/// a type that is not Qt's own, such as a UUID in Qt 4, is one number and a name after the flag.
 int readType(QDataStream& stream, bool* null_flag)
 {
     const int first_version_of_qt5 = 13;
@@ -89,7 +89,7 @@ bool readElements(QDataStream& stream, QVariant* value, int depth, ExpressionAll
     return true;
 }
 
-/// What stands behind the type and the null flag. \a value is of the type, and empty.
+/// What stands after the type and the null flag. \a value is of the type, and empty.
 /// \return whether it is a value
 bool readContent(QDataStream& stream, QVariant* value, int depth, ExpressionAllowance* expressions)
 {
@@ -118,7 +118,7 @@ void readValue(QDataStream& stream, QVariant* value, int depth, ExpressionAllowa
     bool null_flag = false;
     const int type = readType(stream, &null_flag);
     if (type == QVariant::Invalid) {
-        QString nothing; // Qt 4 writes a text behind an invalid variant
+        QString nothing; // Qt 4 writes a text after an invalid variant
         if (stream.version() <= QDataStream::Qt_4_8)
             stream >> nothing;
         return;

@@ -132,7 +132,7 @@ def digest(text):
 
 
 def listed_files(rule):
-    """The files that a rule of `c++ -M` names behind its target."""
+    """The files that a rule of `c++ -M` names after its target."""
     words = re.findall(r"(?:\\[ #]|[^\s])+", rule.replace("\\\n", " "))[1:]
     return [re.sub(r"\\([ #])", r"\1", word).replace("$$", "$") for word in words]
 

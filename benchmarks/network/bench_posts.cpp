@@ -87,7 +87,7 @@ private:
 template <typename Request>
 double serviceTime(const bench::TlsService& service, int requests, const Request& request)
 {
-    // What the service does behind its reply is the reply's as well.
+    // What the service does after its reply is the reply's as well.
     const auto pause = std::chrono::milliseconds(20);
     std::this_thread::sleep_for(pause);
     const double begin = service.processorTime();

@@ -5,7 +5,7 @@
 
 namespace modbus {
 
-/// A TCP frame: transaction number, protocol 0, number of bytes behind it, unit, PDU.
+/// A TCP frame: transaction number, protocol 0, number of bytes after it, unit, PDU.
 QByteArray tcpFrame(int transaction, int unit, const QByteArray& pdu);
 
 /// Frames of a TCP connection.

@@ -33,7 +33,7 @@ _tovik_goes_on() {
   compopt -o nospace 2>/dev/null || true
 }
 
-# What stands behind option $2 in help text $1, such as FILE or KIND:{json,stream}.
+# What stands after option $2 in help text $1, such as FILE or KIND:{json,stream}.
 _tovik_meaning() {
   # Any other word would be taken for a part of the script.
   [[ $2 =~ ^--?[a-zA-Z0-9-]+$ ]] || return 0

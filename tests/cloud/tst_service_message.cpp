@@ -95,7 +95,7 @@ void TestServiceMessage::check_data()
     QTest::newRow("success") << latin1("{\"errorcode\":0}") << 0 << QString() << int(Outcome::fine);
     QTest::newRow("a fraction counts as zero")
         << latin1("{\"errorcode\":0.9}") << 0 << QString() << int(Outcome::fine);
-    QTest::newRow("text behind the value is ignored")
+    QTest::newRow("text after the value is ignored")
         << latin1("{\"errorcode\":0} and more") << 0 << QString() << int(Outcome::fine);
     QTest::newRow("the last of two keys counts")
         << latin1("{\"errorcode\":5,\"errorcode\":0}") << 0 << QString() << int(Outcome::fine);
@@ -215,9 +215,9 @@ void TestServiceMessage::nesting_data()
     row("brackets in a text", "[\"" + std::string(200, '[') + "\"]", false);
     row("escaped quote in a text", "[\"\\\"" + std::string(200, '[') + "\"]", false);
     row("escaped backslash ends the text", "[\"\\\\\"," + std::string(100, '['), true);
-    row("deep text behind the first value", "{} " + std::string(200, '['), false);
-    row("deep text behind a number", "1" + std::string(200, '['), false);
-    row("deep text behind a text", "\"[\"" + std::string(200, '['), false);
+    row("deep text after the first value", "{} " + std::string(200, '['), false);
+    row("deep text after a number", "1" + std::string(200, '['), false);
+    row("deep text after a text", "\"[\"" + std::string(200, '['), false);
     row("blanks in front", " \t\r\n" + std::string(101, '['), true);
     row("empty", "", false);
     row("only blanks", "  ", false);

@@ -269,7 +269,7 @@ void TestSessionBytes::keepsWhatLooksOtherwise_data()
     row("one byte", QByteArray("\x30"));
     row("no certificate", sequence(first_elements + times + context));
     row("a set in place of the sequence", "\x31" + good.mid(1));
-    row("something behind it", good + 'x');
+    row("something after it", good + 'x');
     row("cut", good.left(good.size() - 1));
     row("a length with a zero in front", QByteArray::fromHex("308200") + good.mid(2));
     row("a long length of a short one",

@@ -123,7 +123,7 @@ void TestText::nulEndsTheText_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("padded") << QByteArray("ab\0\0\0", 5) << utf16({'a', 'b'});
     QTest::newRow("NUL first") << QByteArray("\0ab", 3) << QString();
-    QTest::newRow("more behind it") << QByteArray("\xe4\0\xe4", 3) << utf16({0xe4});
+    QTest::newRow("more after it") << QByteArray("\xe4\0\xe4", 3) << utf16({0xe4});
     QTest::newRow("NUL alone") << QByteArray("\0", 1) << QString();
     QTest::newRow("no NUL") << QByteArray("ab") << utf16({'a', 'b'});
     QTest::newRow("nothing") << QByteArray() << QString();

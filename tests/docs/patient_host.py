@@ -24,7 +24,7 @@ def patient(arguments):
         added = ["--response-timeout", LONGER["--response-timeout"]]
     if command in ("read", "write") and "--timeout" not in result and "--help" not in result:
         added += ["--timeout", LONGER["--timeout"]]
-    # Behind "--" nothing is an option.
+    # After "--" nothing is an option.
     return [command, *added, *result[1:]] if added else result
 
 

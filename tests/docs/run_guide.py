@@ -14,7 +14,7 @@ Every code block has a mark, an HTML comment in the line before it:
   <!-- background -->            a server, started and left to run; if a number ends the command, it
                                  is its port. After "$ command" lines of output may follow
   <!-- output -->                what the last shell commands have printed
-  <!-- session -->               commands behind "$ ", and what each prints
+  <!-- session -->               commands after "$ ", and what each prints
   <!-- printed by: COMMAND -->   lines that COMMAND prints, in this order, among others. It succeeds;
                                  with "! " in front of the last command, that one fails by itself
   <!-- watched by: COMMAND -->   the same; COMMAND goes on until all lines but the last one have

@@ -99,7 +99,7 @@ void TestDriverBasicPolling::outcome_data()
     const QString none = QLatin1String("transparent - 0x400a0000");
     const QString abc = QLatin1String("transparent 616263 0x0");
     const Arrivals at_once{{1, "abc"}};
-    // One poll sees the bytes, eleven that nothing has changed; budget must be left after them.
+    // One poll sees the bytes, eleven that nothing has changed; budget must be left behind them.
     QTest::newRow("TCP, default budget") << false << 1 << 10 << at_once << none << 10;
     QTest::newRow("TCP, budget just used up") << false << 1 << 12 << at_once << none << 12;
     QTest::newRow("TCP, budget just enough") << false << 1 << 13 << at_once << abc << 12;
@@ -121,12 +121,12 @@ void TestDriverBasicPolling::outcome_data()
     const Arrivals split{{1, "a"}, {12, "b"}, {23, "c"}};
     QTest::newRow("TCP, bytes as far apart as may be") << false << 1 << 100 << split << abc << 34;
     const Arrivals too_far{{1, "abc"}, {13, "d"}};
-    QTest::newRow("TCP, a byte too far behind") << false << 1 << 100 << too_far << abc << 12;
+    QTest::newRow("TCP, a byte too far after") << false << 1 << 100 << too_far << abc << 12;
     const Arrivals serial_split{{1, "a"}, {52, "bc"}};
     QTest::newRow("serial, bytes as far apart as may be")
         << true << 1 << 200 << serial_split << abc << 103;
     const Arrivals serial_too_far{{1, "abc"}, {53, "d"}};
-    QTest::newRow("serial, a byte too far behind")
+    QTest::newRow("serial, a byte too far after")
         << true << 1 << 200 << serial_too_far << abc << 52;
 }
 

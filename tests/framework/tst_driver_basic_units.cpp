@@ -61,11 +61,11 @@ void TestDriverBasicUnits::served_data()
         QTest::newRow(name) << QString::fromUtf8(unit) << texts(units) << is_served;
     };
     row("itself", "{A}", {"{A}"}, true);
-    row("one digit behind it", "{A}", {"{A}1"}, true);
-    row("many digits behind it", "{A}", {"{A}1234567890"}, true);
-    row("letter behind it", "{A}", {"{A}x"}, false);
-    row("digit and letter behind it", "{A}", {"{A}1x"}, false);
-    row("blank behind it", "{A}", {"{A} "}, false);
+    row("one digit after it", "{A}", {"{A}1"}, true);
+    row("many digits after it", "{A}", {"{A}1234567890"}, true);
+    row("letter after it", "{A}", {"{A}x"}, false);
+    row("digit and letter after it", "{A}", {"{A}1x"}, false);
+    row("blank after it", "{A}", {"{A} "}, false);
     row("something before it", "{A}", {"x{A}"}, false);
     row("without braces", "{A}", {"A", "A1", "A12"}, false);
     row("another letter", "{A}", {"{B}", "{AA}", "{}"}, false);

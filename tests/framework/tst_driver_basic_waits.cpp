@@ -110,7 +110,7 @@ void TestDriverBasicWaits::lines_data()
         };
         row("in one piece", "12.5 kg\r", "", "\r", result_code::success);
         row("an end of two characters, split", "12.5 kg\r", "\n", "\r\n", result_code::success);
-        row("more behind the end", "12.5\rmore", "", "\r", result_code::success);
+        row("more after the end", "12.5\rmore", "", "\r", result_code::success);
         row("nothing but the end", "\r", "", "\r", result_code::success);
         row("no end", "12.5", " kg", "\r", result_code::no_answer_in_time);
     }

@@ -14,7 +14,7 @@ const result_code::Words words[] = {
     {INT_MIN, -1, "below"},
     {7, 7, "M\xC3\xB6we"},
     {0, 0, nullptr},
-    {8, 8, "behind the end"},
+    {8, 8, "after the end"},
 };
 
 } // namespace
@@ -76,12 +76,12 @@ void TestResultCode::wordsOfADriver_data()
     QTest::newRow("the first entry counts") << 0x4F010002 << "busy";
     QTest::newRow("first of many") << 0x4F010000 << "the device refuses with code 0";
     QTest::newRow("last of many") << 0x4F01FFFF << "the device refuses with code 65535";
-    QTest::newRow("behind many") << 0x4F020000 << QString();
+    QTest::newRow("after many") << 0x4F020000 << QString();
     QTest::newRow("the framework's, in other words") << 0x1002 << "halted";
     QTest::newRow("the framework's") << 0x2002 << "unit not served";
     QTest::newRow("negative") << -1 << "below 2147483647";
     QTest::newRow("UTF-8") << 7 << QString(QLatin1String("M\xF6we"));
-    QTest::newRow("behind the end of the table") << 8 << QString();
+    QTest::newRow("after the end of the table") << 8 << QString();
     QTest::newRow("success") << 0 << "ok";
 }
 

@@ -70,7 +70,7 @@ StreamBytes& StreamBytes::variant(const QVariant& value)
         return typeTag(133, 36).word(value.value<ushort>(), 2);
     case QMetaType::Float:
         return typeTag(135, 38).floatingPoint(value.value<float>());
-    default: // none: Qt 4 wrote a null text behind it
+    default: // none: Qt 4 wrote a null text after it
         word(0, 4).flag(true);
         return format_.isQt4() ? text(QString()) : *this;
     }

@@ -235,8 +235,8 @@ void TestConfigurationStream::nullAndEmptyTextsStay_data()
 {
     QTest::addColumn<QStringList>("texts");
     const QString empty = QLatin1String("");
-    QTest::newRow("null behind empty") << QStringList{empty, QString(), empty};
-    QTest::newRow("empty behind null") << QStringList{QString(), empty, QString()};
+    QTest::newRow("null after empty") << QStringList{empty, QString(), empty};
+    QTest::newRow("empty after null") << QStringList{QString(), empty, QString()};
 }
 
 void TestConfigurationStream::nullAndEmptyTextsStay()

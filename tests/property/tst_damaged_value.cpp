@@ -211,7 +211,7 @@ void TestDamagedValue::expressionsOfOneRecord()
     QVERIFY(valid > 500);
     QVERIFY(valid < 1500);
     QVERIFY(!read.dataitems[count - 1].value.isValid());
-    QCOMPARE(read.dataitems[count - 1].length, 1); // what stands behind a value is read
+    QCOMPARE(read.dataitems[count - 1].length, 1); // what stands after a value is read
 }
 
 QTEST_GUILESS_MAIN(TestDamagedValue)

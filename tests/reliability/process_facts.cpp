@@ -33,7 +33,7 @@ qint64 residentKib()
     char line[128] = "";
     const bool is_read = std::fgets(line, sizeof line, file) != nullptr;
     std::fclose(file);
-    // Behind the size of everything that is mapped.
+    // After the size of everything that is mapped.
     const char* const resident = is_read ? std::strchr(line, ' ') : nullptr;
     return resident ? std::strtoll(resident, nullptr, 10) * sysconf(_SC_PAGESIZE) / 1024 : 0;
 }

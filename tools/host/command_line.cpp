@@ -37,7 +37,7 @@ const CLI::App* commandOf(const CLI::App& app, const Words& words)
         return nullptr;
     if (isOption(first)) {
         throw terminal::UsageError(
-            QStringLiteral("%1 stands before the command; options come behind it: tovik-host "
+            QStringLiteral("%1 stands before the command; options come after it: tovik-host "
                            "COMMAND %1 ...")
                 .arg(text(name)));
     }

@@ -14,7 +14,7 @@ namespace tovik_host {
 /// what help is asked for. False: that was all. Throws UsageError in the user's words.
 bool parseLine(CLI::App& app, std::vector<std::string> words);
 
-/// Puts the user's settings behind the command that begins \a words, as far as that command has
+/// Puts the user's settings after the command that begins \a words, as far as that command has
 /// such options and the line does not give them. The file is `tovik/tovik-host.json` in the folder
 /// of the user's configurations. A password in it goes into the environment, where every command
 /// looks for one. Throws UsageError, also for a password that others may read.

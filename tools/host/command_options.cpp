@@ -146,7 +146,7 @@ void addTrace(CLI::App* command, config::CommonOptions& common)
     const auto set = [&common](const std::string& word) {
         common.trace = QString::fromStdString(word);
     };
-    // Takes a value behind "=" only: the next word may be an item.
+    // Takes a value after "=" only: the next word may be an item.
     command
         ->add_option_function<std::string>(
             "--trace", set,
@@ -219,7 +219,7 @@ void addRequest(CLI::App* command, config::CommonOptions& common)
     addNumber(command, "--length", request.length, "Bytes of a String", "BYTES", 1,
               config::limits::length);
     addNumber(command, "--elements", request.elements,
-              "Values of the type, one behind the other, in one request (default 1)", "N", 1,
+              "Values of the type, one after the other, in one request (default 1)", "N", 1,
               config::limits::elements);
     addNumber(command, "--station", request.station, "Station number of the device (default 1)",
               "N", 0, config::limits::station);

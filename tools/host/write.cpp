@@ -15,7 +15,7 @@ const char write_text[] =
     "driver has sent it. --confirm starts another driver, which knows nothing of the write,\n"
     "and waits until that one hears the value from the service. A device itself says whether\n"
     "it has taken the value.\n"
-    "A value that begins with a minus sign and is no plain number goes behind \"--\".\n"
+    "A value that begins with a minus sign and is no plain number goes after \"--\".\n"
     "\n"
     "Example:\n"
     "  tovik-host write Pump.Speed 1200 --config plant.json --confirm 5\n"

@@ -9,7 +9,7 @@
 
 /// \file
 /// What the servers of the interoperability tests have in common. Both are one device: station 1,
-/// four areas of `interop::area_size` elements, and behind them, from `interop::exceptions_at` on,
+/// four areas of `interop::area_size` elements, and after them, from `interop::exceptions_at` on,
 /// addresses each of which is answered by the exception of its number.
 namespace interop {
 

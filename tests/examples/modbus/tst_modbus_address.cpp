@@ -69,14 +69,14 @@ void TestModbusAddress::refuses_data()
     row("no x", "417");
     row("other letter", "4y17");
     row("blank before", " 4x17");
-    row("blank behind", "4x17 ");
+    row("blank after", "4x17 ");
     row("blank inside", "4x 17");
     row("hexadecimal number", "4xFF");
     row("digits that are not ASCII", "4x١٧");
     QTest::newRow("zero character") << QString::fromLatin1("4x17") + QChar(0);
     row("bit 16", "4x17.16");
     row("negative bit", "4x17.-1");
-    row("no bit behind the point", "4x17.");
+    row("no bit after the point", "4x17.");
     row("no number before the point", "4x.3");
     row("two points", "4x17.3.1");
     row("bit of a coil", "0x17.3");

@@ -181,7 +181,7 @@ void TestModbusDriverAnswers::badAnswers_data()
         row("too short", transport, pduAnswer(transport, "03021234"), BadAnswerLength);
         row("too long", transport, pduAnswer(transport, "0306123456789ABC"), BadAnswerLength);
         row(
-            "bytes behind", transport,
+            "bytes after", transport,
             [=](const QByteArray& r) { return good(r).append("\0\0\0", 3); }, Ok);
         row(
             "two in one", transport,
@@ -193,7 +193,7 @@ void TestModbusDriverAnswers::badAnswers_data()
             "noise", transport, [](const QByteArray&) { return QByteArray(300, '\xFF'); },
             transport == Transport::Rtu ? BadChecksum : NoAnswerInTime);
         row(
-            "behind noise", transport,
+            "after noise", transport,
             [=](const QByteArray& r) { return QByteArray(20, '\xFF') + good(r); }, Ok);
     }
     row(

@@ -78,7 +78,7 @@ void TestModbusDriverLost::closedInMidReply_data()
 {
     QTest::addColumn<int>("bytes");
     for (const int bytes : {0, 1, 6, 7, 12})
-        QTest::addRow("behind %d bytes", bytes) << bytes;
+        QTest::addRow("after %d bytes", bytes) << bytes;
 }
 
 void TestModbusDriverLost::closedInMidReply()

@@ -95,15 +95,15 @@ void TestModbusRtu::finds_data()
     const QByteArray exception = rtuFrame(0x11, hex("8302"));
     QTest::newRow("the answer") << good() << int(Ok);
     QTest::newRow("an exception") << exception << 0x400B0002;
-    QTest::newRow("behind noise") << hex("00FF1103") + good() << int(Ok);
-    QTest::newRow("behind another station's answer")
+    QTest::newRow("after noise") << hex("00FF1103") + good() << int(Ok);
+    QTest::newRow("after another station's answer")
         << rtuFrame(0x12, hex(good_pdu)) + good() << int(Ok);
-    QTest::newRow("behind a damaged one") << good().replace(4, 1, "x") + good() << int(Ok);
-    QTest::newRow("behind a cut one") << good().left(7) + good() << int(Ok);
+    QTest::newRow("after a damaged one") << good().replace(4, 1, "x") + good() << int(Ok);
+    QTest::newRow("after a cut one") << good().left(7) + good() << int(Ok);
     QTest::newRow("before noise") << good() + hex("1103") << int(Ok);
-    QTest::newRow("behind an answer with fewer registers")
+    QTest::newRow("after an answer with fewer registers")
         << rtuFrame(0x11, hex("0304022B0000")) + good() << int(Ok);
-    QTest::newRow("exception behind noise") << hex("11") + exception << 0x400B0002;
+    QTest::newRow("exception after noise") << hex("11") + exception << 0x400B0002;
 }
 
 void TestModbusRtu::finds()

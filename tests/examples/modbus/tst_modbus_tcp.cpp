@@ -94,13 +94,13 @@ void TestModbusTcp::finds_data()
     const auto answer = [](const char* pdu) { return tcpFrame(2, unit, hex(pdu)); };
     row("the answer", good(2), Ok);
     row("an exception", answer("8302"), 0x400B0002);
-    row("behind a late answer", good(1) + good(2), Ok);
-    row("behind two late answers", good(1) + good(0) + good(2), Ok);
-    row("behind a cut late answer", good(1).left(9) + good(2), Ok);
-    row("behind a header with the length 0", hex("0001000000000103") + good(2), Ok);
-    row("behind noise", hex("FFFFFFFFFFFFFFFFFF") + good(2), Ok);
-    row("behind another protocol", good(2).replace(3, 1, "\7") + good(2), Ok);
-    row("exception behind noise", hex("FFFFFFFFFFFFFFFFFF") + answer("8303"), 0x400B0003);
+    row("after a late answer", good(1) + good(2), Ok);
+    row("after two late answers", good(1) + good(0) + good(2), Ok);
+    row("after a cut late answer", good(1).left(9) + good(2), Ok);
+    row("after a header with the length 0", hex("0001000000000103") + good(2), Ok);
+    row("after noise", hex("FFFFFFFFFFFFFFFFFF") + good(2), Ok);
+    row("after another protocol", good(2).replace(3, 1, "\7") + good(2), Ok);
+    row("exception after noise", hex("FFFFFFFFFFFFFFFFFF") + answer("8303"), 0x400B0003);
     row("before noise", good(2) + hex("000000"), Ok);
     row("other unit", tcpFrame(2, unit + 1, hex(good_pdu)), OtherStation);
     row("other function", answer("040412345678"), OtherFunction);
@@ -142,7 +142,7 @@ void TestModbusTcp::passesOver_data()
     row("late answer cut, the answer is no answer", good(1).left(12) + good(2).left(9),
         NoAnswerInTime);
     row("cut in the header", good(2).left(5), BadAnswerLength);
-    row("cut behind the header", good(2).left(8), BadAnswerLength);
+    row("cut after the header", good(2).left(8), BadAnswerLength);
     row("a byte short", good(2).left(good(2).size() - 1), BadAnswerLength);
     row("the length says more than there is", good(2).replace(5, 1, "\x70"), BadAnswerLength);
     row("the length says more than a frame has", good(2).replace(4, 1, "\x70"), BadAnswerLength);
@@ -182,8 +182,8 @@ void TestModbusTcp::oldInputIsNoAnswer_data()
 {
     QTest::addColumn<QByteArray>("input");
     QTest::newRow("with the number of the request") << good(2);
-    QTest::newRow("behind another") << good(1) + good(2);
-    QTest::newRow("behind noise") << hex("FFFFFFFFFFFFFFFFFF") + good(2);
+    QTest::newRow("after another") << good(1) + good(2);
+    QTest::newRow("after noise") << hex("FFFFFFFFFFFFFFFFFF") + good(2);
 }
 
 void TestModbusTcp::oldInputIsNoAnswer()

@@ -44,7 +44,7 @@ struct History
     static History fromText(const QString& text, QString* problem);
 };
 
-/// A served item. Behind the types come twins: an item with the name, or with the id, of the first.
+/// A served item. After the types come twins: an item with the name, or with the id, of the first.
 struct ServedItem
 {
     QString name;

@@ -77,7 +77,7 @@ void TestHostProgramCommandLine::saysWhatIsWrong_data()
     row("option nearly", "watch --confg c", "watch has no option --confg; --config?");
     row("option of another command", "watch --force", "watch has no option --force");
     row("option before the command", "--config=c read A",
-        "--config stands before the command; options come behind it: tovik-host COMMAND --config "
+        "--config stands before the command; options come after it: tovik-host COMMAND --config "
         "...");
     row("time with a unit", "watch -c c --seconds 5s",
         "--seconds: \"5s\" is no number from 0.1 to 1000000 (tovik-host help watch)");

@@ -37,7 +37,7 @@ struct ItemConfig
     QString id;   ///< The service's id of the item; a device's items have none.
     const value::ItemType* type = nullptr; ///< Never null in a loaded configuration.
     int length = 0;           ///< Characters that a text has room for; 0: as many as come.
-    int elements = 1;         ///< Values of the type, one behind the other, that are one item.
+    int elements = 1;         ///< Values of the type, one after the other, that are one item.
     ItemRequest request = {}; ///< Of a device's item only.
 };
 

@@ -19,7 +19,7 @@ config::ItemConfig itemOf(const QString& text, const config::RequestOptions& opt
     item.request.address = item.name;
     item.type = equals < 0 ? &config::itemType(options.typeName(), QStringLiteral("--type"))
                            : &config::itemType(text.mid(equals + 1),
-                                               QStringLiteral("\"%1\": behind \"=\"").arg(text));
+                                               QStringLiteral("\"%1\": after \"=\"").arg(text));
     if (item.type->size == 0) {
         if (!options.length) {
             throw terminal::UsageError(

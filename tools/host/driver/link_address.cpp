@@ -98,7 +98,7 @@ TcpAddress parseTcp(const Source& source, const QString& rest)
     if (bracketed && (colon != end + 1 ||
                       QHostAddress(address.host).protocol() != QAbstractSocket::IPv6Protocol)) {
         source.fail(QStringLiteral("only an IPv6 address goes into brackets, and the port right "
-                                   "behind them: tcp:[::1]:502"));
+                                   "after them: tcp:[::1]:502"));
     }
     const QString port = rest.mid(colon + 1);
     bool is_number = false;
@@ -136,7 +136,7 @@ SerialAddress parseSerial(const Source& source, const QString& rest)
                                    "control, such as serial:/dev/ttyS0,19200,8E1,none"));
     }
     if (parts.size() > 1 && !readWord(baud_rates, parts.at(1), &address.baud_rate)) {
-        source.fail(QStringLiteral("\"%1\" is no speed; behind the device comes one of: %2")
+        source.fail(QStringLiteral("\"%1\" is no speed; after the device comes one of: %2")
                         .arg(parts.at(1), allWords(baud_rates)));
     }
     if (parts.size() > 2)

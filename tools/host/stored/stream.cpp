@@ -85,7 +85,7 @@ public:
         const bool is_whole = takeHeader() && visitMembers(reading_.record, *this);
         const int end = position();
         if (is_whole && end < size_) {
-            const QString text = QStringLiteral("%1 bytes stand behind the end of the record");
+            const QString text = QStringLiteral("%1 bytes stand after the end of the record");
             stop(end, text.arg(size_ - end), end);
         }
         return reading_;

@@ -159,8 +159,8 @@ void TestHostDeviceConfig::refuses_data()
     };
     row("unknown type", "a", "INT", 0, "--type: \"INT\" is no type; the types are: Bit");
     row("unknown type of an address", "a=INT", "Bit", 0,
-        "\"a=INT\": behind \"=\": \"INT\" is no type; the types are: Bit");
-    row("no type of an address", "a=", "Bit", 0, "\"a=\": behind \"=\": \"\" is no type");
+        "\"a=INT\": after \"=\": \"INT\" is no type; the types are: Bit");
+    row("no type of an address", "a=", "Bit", 0, "\"a=\": after \"=\": \"\" is no type");
     row("type alone", "=Bit", "Bit", 0, "\"=Bit\": the address is empty");
     row("text without a length", "a", "String", 0, "a: a String needs its length: --length BYTES");
     row("length without a text", "a", "Bit", 4, "--length is for texts: give --type String");

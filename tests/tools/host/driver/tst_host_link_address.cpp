@@ -103,12 +103,12 @@ void TestHostLinkAddress::refuses_data()
     row("IPv6 without brackets", "tcp:::1:502", "an IPv6 address goes into brackets: tcp:[::1]");
     row("open bracket", "tcp:[::1:502", "the bracket is not closed");
     row("IPv4 in brackets", "tcp:[127.0.0.1]:502", "only an IPv6 address goes into brackets");
-    row("something behind the bracket", "tcp:[::1]x:502", "only an IPv6 address goes into");
+    row("something after the bracket", "tcp:[::1]x:502", "only an IPv6 address goes into");
     row("brackets without a port", "tcp:[::1]", "the port is missing");
     row("no device", "serial:", "the device is missing: write serial:DEVICE,BAUD,FRAME");
     row("no device but a speed", "serial:,9600", "the device is missing");
-    row("odd speed", "serial:/dev/ttyS0,9601", "\"9601\" is no speed; behind the device comes one");
-    row("frame in place of the speed", "serial:/dev/ttyS0,8N1", "\"8N1\" is no speed; behind");
+    row("odd speed", "serial:/dev/ttyS0,9601", "\"9601\" is no speed; after the device comes one");
+    row("frame in place of the speed", "serial:/dev/ttyS0,8N1", "\"8N1\" is no speed; after");
     row("short frame", "serial:/dev/ttyS0,9600,8N", "\"8N\" is no frame such as 8N1");
     row("nine data bits", "serial:/dev/ttyS0,9600,9N1", "\"9N1\" is no frame such as 8N1");
     row("unknown parity", "serial:/dev/ttyS0,9600,8X1", "\"8X1\" is no frame such as 8N1");

@@ -6,7 +6,7 @@
 /// A driver on the framework for the devices of line_device.h.
 ///
 /// A request is a line: `r STATION FIELD1 LENGTH EXTRA1 EXTRA2 ADDRESS` for a read, and with `w`
-/// and the bytes behind it for a write. An address says what the driver makes of it:
+/// and the bytes after it for a write. An address says what the driver makes of it:
 ///   "hex:0500"     it expects as many bytes as stand there
 ///   "long:0500"    the same; the device sends one more
 ///   "code:00AB12"  it refuses with this code and sends nothing

@@ -48,7 +48,7 @@ void TestHostProgramStoredSafety::leavesFilesAsTheyWere_data()
     const QStringList force = {QStringLiteral("--force")};
     QTest::newRow("without --force") << good << QStringList() << 2;
     QTest::newRow("cut stream") << good.left(200) << force << 1;
-    QTest::newRow("bytes behind the record") << good + "x" << force << 1;
+    QTest::newRow("bytes after the record") << good + "x" << force << 1;
     QTest::newRow("no JSON") << QByteArray("{\"tovik_iot\": ") << force << 2;
     QTest::newRow("wrong member") << QByteArray("{\"tovik_iot\": {\"x\": 1}}") << force << 2;
     QTest::newRow("nothing") << QByteArray() << force << 2;

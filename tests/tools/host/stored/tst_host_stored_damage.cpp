@@ -226,15 +226,15 @@ void TestHostStoredDamage::namesOffsetAndMember_data()
         "takes more than the 0 bytes that the file still has");
     row("text with half a character", QByteArray(1, '\0') + QByteArray::fromHex("00000003414243"),
         1, "host", "a text has two bytes for each character,");
-    row("bytes behind the record", good + "xyz", 29, "",
-        "3 bytes stand behind the end of the record");
+    row("bytes after the record", good + "xyz", 29, "",
+        "3 bytes stand after the end of the record");
     row("flag", QByteArray("\x02") + good.mid(1), 0, "aux_flag",
         "02 stands here, where Qt writes 01");
     row("null flag", withValue(QByteArray::fromHex("000000020500000001")), 49, "dataitems[0].value",
         "05 stands here, where Qt writes 01");
     row("value's flag", withValue(QByteArray::fromHex("000000010009")), 50, "dataitems[0].value",
         "09 stands here, where Qt writes 01");
-    row("text behind no value",
+    row("text after no value",
         withValue(QByteArray::fromHex("0000000001") +
                   usualBytes().text(QStringLiteral("x")).bytes()),
         50, "dataitems[0].value", "00 stands here, where Qt writes ff");

@@ -81,7 +81,7 @@ void TestHostTrace::framesInPieces()
     QVERIFY2(lines.first().startsWith(moment(".010000 +0.010000 << 61 62 63 ")),
              qPrintable(lines.first()));
     QVERIFY(lines.first().endsWith(QLatin1String("|abc|  2 pieces in 4.0 ms")));
-    // The next gap is that behind the last piece.
+    // The next gap is that after the last piece.
     QVERIFY(lines.last().startsWith(moment(".014500 +0.000500 ==")));
 }
 

@@ -79,19 +79,19 @@ Words reversed(const Words& words)
     return reversed;
 }
 
-void print(const CLI::App& app, const CLI::Success& asked)
+int print(const CLI::App& app, const CLI::Success& asked)
 {
     std::ostringstream text;
     app.exit(asked, text, text);
     terminal::Streams streams;
     streams.out.write(QByteArray::fromStdString(text.str()));
-    if (streams.codeAfterWriting(terminal::exitDone) != terminal::exitDone)
-        std::exit(terminal::exitUsage);
+    const bool is_printed = streams.codeAfterWriting(terminal::exitDone) == terminal::exitDone;
+    return is_printed ? terminal::exitDone : terminal::exitUsage;
 }
 
 } // namespace
 
-bool parseLine(CLI::App& app, Words words)
+std::optional<int> parseLine(CLI::App& app, Words words)
 {
     const bool asks_for_help = !words.empty() && words.front() == "help";
     if (asks_for_help && (words.size() == 1 || !isOption(words[1]))) {
@@ -106,15 +106,14 @@ bool parseLine(CLI::App& app, Words words)
     try {
         app.parse(reversed(words));
     } catch (const CLI::Success& asked) {
-        print(app, asked);
-        return false;
+        return print(app, asked);
     } catch (const CLI::ParseError& error) {
         QString problem = text(withoutMark(error.what()));
         if (command)
             problem += QStringLiteral(" (tovik-host help %1)").arg(text(command->get_name()));
         throw terminal::UsageError(problem);
     }
-    return true;
+    return std::nullopt;
 }
 
 } // namespace tovik_host

@@ -1,6 +1,7 @@
 #ifndef TOOLS_HOST_COMMAND_LINE_H
 #define TOOLS_HOST_COMMAND_LINE_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,9 @@ class App;
 namespace tovik_host {
 
 /// Parses a command line without the program, after what the user's settings add to it, and prints
-/// what help is asked for. False: that was all. Throws UsageError in the user's words.
-bool parseLine(CLI::App& app, std::vector<std::string> words);
+/// what help is asked for; that was all then, and the exit code is returned. Throws UsageError in
+/// the user's words.
+std::optional<int> parseLine(CLI::App& app, std::vector<std::string> words);
 
 /// Puts the user's settings after the command that begins \a words, as far as that command has
 /// such options and the line does not give them. The file is `tovik/tovik-host.json` in the folder

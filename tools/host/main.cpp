@@ -40,8 +40,8 @@ int main(int argc, char** argv)
                            addConfigure, addDiff, addConvert, addShow})
         add(app, run);
     try {
-        if (!parseLine(app, std::vector<std::string>(argv + 1, argv + argc)))
-            return terminal::exitDone;
+        if (const auto code = parseLine(app, std::vector<std::string>(argv + 1, argv + argc)))
+            return *code;
         const QCoreApplication application(argc, argv);
         return run();
     } catch (const terminal::UsageError& error) {

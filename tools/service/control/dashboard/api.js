@@ -1,5 +1,9 @@
 /** The service did not answer. */
-export class Gone extends Error {}
+export class Gone extends Error {
+    constructor() {
+        super('the service does not answer; try again when it is back');
+    }
+}
 
 /** The service said no, and why. */
 export class Refused extends Error {}
@@ -41,8 +45,8 @@ export class Api {
         }
         try {
             return await fetch(path, { method, body, headers, signal: AbortSignal.timeout(patience) });
-        } catch (error) {
-            throw new Gone(error.message);
+        } catch {
+            throw new Gone();
         }
     }
 
@@ -50,8 +54,8 @@ export class Api {
         let answer;
         try {
             answer = await response.json();
-        } catch (error) {
-            throw new Gone(error.message);
+        } catch {
+            throw new Gone();
         }
         if (!response.ok) {
             throw new Refused(answer.error ?? `status ${response.status}`);

@@ -161,6 +161,10 @@ export class FaultList {
         const active = this.#entries.filter((entry) => entry.active).length;
         setText(byId('faults-active'), active > 0 ? `${active} active` : 'none active');
         byId('faults-active').dataset.active = String(active > 0);
+        const told = `${count(active, 'fault')} active`;
+        setText(byId('faults-on'), told);
+        byId('faults-on').hidden = active === 0;
+        document.title = active > 0 ? `${told} – tovik-cloud` : 'tovik-cloud';
         byId('no-fault').hidden = this.#entries.length > 0;
         sessionStorage.setItem(place, JSON.stringify(this.#entries.map(({ text }) => text)));
     }

@@ -35,6 +35,18 @@ export function count(number, noun) {
     return `${number} ${noun}${number === 1 ? '' : 's'}`;
 }
 
+/** What this service means by its codes. */
+const codeMeanings = new Map([
+    [1, 'unknown e-mail or password'], [3, 'not this account\u2019s project'],
+    [4, 'token unknown or expired'], [7, 'no such group or item'], [8, 'read-only'],
+    [9, 'value of another type, out of range or too long'], [15, 'malformed request'],
+    [255, 'internal error']]);
+
+/** What the result of a request means; empty for one that needs no words. */
+export function resultMeaning({ status, errorcode }) {
+    return status === 200 ? codeMeanings.get(errorcode) ?? '' : '';
+}
+
 /** The result of a request, and whether it is good, bad or no answer at all. */
 export function requestResult(request) {
     if (request.status === 0) {

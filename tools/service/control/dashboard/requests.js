@@ -1,5 +1,5 @@
 import { byId, element, setText } from './dom.js';
-import { clock, requestResult } from './format.js';
+import { clock, requestResult, resultMeaning } from './format.js';
 
 const shown = 200;
 
@@ -12,7 +12,8 @@ function makeRow(request) {
         element('td', { className: 'number' }, String(request.number)),
         element('td', {}, clock(request.time)),
         element('td', {}, request.path),
-        element('td', {}, element('span', { className: kind }, result), struck),
+        element('td', {}, element('span', { className: kind }, result),
+                element('span', { className: 'meaning' }, resultMeaning(request)), struck),
         element('td', { className: 'number' }, request.duration_ms.toFixed(1)),
         element('td', {}, element('code', {}, JSON.stringify(request.body))));
 }

@@ -1,6 +1,7 @@
 const shownSeconds = 120;
 const keptPoints = 240;
 const longestPause = 5;
+const place = 'tovik-cloud trends';
 const width = 260;
 const height = 32;
 
@@ -52,6 +53,17 @@ class Trend {
         if (this.#chart) {
             this.#draw(time);
         }
+    }
+
+    /** What is kept, as text can hold it: an end of a line is null there. */
+    get points() {
+        return this.#points;
+    }
+
+    /** Goes on from what the same page has kept before it was loaded anew. */
+    resume(points, time) {
+        this.#points = points.filter(({ x }) => x > time - shownSeconds)
+            .map((point) => ({ ...point, y: point.y ?? NaN }));
     }
 
     show(time) {
@@ -138,9 +150,11 @@ class Trend {
     }
 }
 
-/** All trends; draws those that are on the screen. */
+/** All trends; draws those that are on the screen. What they hold outlives a reload of the page. */
 export class Trends {
     #byCanvas = new Map();
+    #byItem = new Map();
+    #kept = JSON.parse(sessionStorage.getItem(place) ?? '{}');
     #time = 0;
     #observer = new IntersectionObserver((entries) => {
         for (const entry of entries) {
@@ -157,6 +171,10 @@ export class Trends {
         matchMedia('(prefers-color-scheme: dark)').addEventListener('change', () => {
             this.#byCanvas.forEach((trend) => trend.recolour());
         });
+        addEventListener('pagehide', () => {
+            const points = [...this.#byItem].map(([id, trend]) => [id, trend.points]);
+            sessionStorage.setItem(place, JSON.stringify(Object.fromEntries(points)));
+        });
     }
 
     /** A trend whose canvas is to be put into the page. */
@@ -167,6 +185,9 @@ export class Trends {
         canvas.setAttribute('role', 'img');
         canvas.setAttribute('aria-label', `Trend of ${item.name}`);
         const trend = new Trend(item, canvas);
+        trend.resume(this.#kept[item.id] ?? [], Date.now() / 1000);
+        delete this.#kept[item.id];
+        this.#byItem.set(item.id, trend);
         this.#byCanvas.set(canvas, trend);
         this.#observer.observe(canvas);
         return trend;
@@ -181,5 +202,6 @@ export class Trends {
         this.#observer.disconnect();
         this.#byCanvas.forEach((trend) => trend.hide());
         this.#byCanvas.clear();
+        this.#byItem.clear();
     }
 }

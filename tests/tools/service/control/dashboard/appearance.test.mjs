@@ -68,6 +68,18 @@ test('the keyboard reaches everything, in the order of the page, and sees where 
     assert.deepEqual(places, [...places].sort((a, b) => a - b), `${order}`);
 });
 
+test('the faults are a few keys away, on a wide screen, too', async () => {
+    page = await browser.open(cloud);
+    for (let index = 0; (await page.evaluate(() => document.activeElement.textContent)) !== 'Faults';
+        index += 1) {
+        assert.ok(index < 6, 'no link to the faults among the first stops');
+        await page.keyboard.press('Tab');
+    }
+    await page.keyboard.press('Enter');
+    await page.keyboard.press('Tab');
+    assert.ok(await page.evaluate(() => document.activeElement.closest('#faults') !== null));
+});
+
 test('every field and button has a name', async () => {
     page = await browser.open(cloud);
     const nameless = await page.evaluate(() => {
@@ -143,6 +155,38 @@ for (const width of [1024, 768, 480, 360]) {
         assert.deepEqual(outside, []);
     });
 }
+
+for (const width of [390, 1440]) {
+    test(`the table of clients fits in its place on a screen ${width} wide`, async () => {
+        page = await browser.open(cloud, { viewport: { width, height: 900 } });
+        await cloud.login();
+        const table = page.locator('#clients .scroll');
+        await until(async () => await table.locator('tbody tr').count() > 0, 'for a client');
+        const [needed, given] = await table.evaluate((node) => [node.scrollWidth, node.clientWidth]);
+        assert.ok(needed <= given, `${needed} in ${given}`);
+        const cells = await table.locator('td.number').evaluateAll(
+            (nodes) => nodes.filter((node) => node.scrollWidth > node.clientWidth)
+                .map((node) => node.textContent));
+        assert.deepEqual(cells, []);
+    });
+}
+
+test('a telephone scrolls the page, and no list in it', async () => {
+    page = await browser.open(cloud, { viewport: { width: 390, height: 844 } });
+    await shows(page.locator('#matches'), '47 items');
+    for (const list of ['#items .scroll', '#requests .scroll', '#fault-list']) {
+        const [whole, seen] = await page.locator(list).evaluate(
+            (node) => [node.scrollHeight, node.clientHeight]);
+        assert.ok(whole <= seen, `${list}: ${seen} of ${whole}`);
+    }
+});
+
+test('a long text is shown whole where there is room', async () => {
+    page = await browser.open(cloud);
+    const cut = await valueOf(page, 'boiler-serial').evaluate(
+        (node) => node.scrollWidth > node.clientWidth);
+    assert.equal(cut, false);
+});
 
 test('nothing jumps while values move, faults strike and clients come', async () => {
     page = await browser.open(cloud);

@@ -30,8 +30,8 @@ test('a service that is gone is missed, and welcome when it is back', async () =
         await shows(page.locator('#state'), 'No connection');
         await page.getByText('The service has not answered since').waitFor();
         await page.getByLabel('New value of Sensor offset').press('Enter');
-        await until(async () => await page.locator('tr[data-item="hall-offset"] .problem').textContent(),
-                    'for the failed change to be told');
+        const problem = page.locator('tr[data-item="hall-offset"] .problem');
+        await shows(problem, 'the service does not answer; try again when it is back');
 
         cloud = await Cloud.start(['--control-port', cloud.controlPort]);
         await page.locator('#state[data-state=live]').waitFor();

@@ -33,15 +33,20 @@ test('a fault is put together, strikes, goes off and on again', async () => {
     await page.getByRole('button', { name: 'Switch on' }).click();
     await shows(state(text), 'active, struck 0 times');
     await shows(page.locator('#faults-active'), '1 active');
+    await shows(page.locator('#faults-on'), '1 fault active');
+    assert.equal(await page.title(), '1 fault active – tovik-cloud');
 
     const token = await cloud.login();
     assert.equal(await cloud.value(token, 'hall-fan'), undefined);
     await shows(state(text), 'active, struck 1 time');
+    await shows(rows().first().locator('.meaning'), 'value of another type, out of range or too long');
 
     const turn = page.getByRole('switch', { name: text });
     await turn.focus();
     await page.keyboard.press('Space');
     await shows(state(text), 'off');
+    await page.locator('#faults-on').waitFor({ state: 'hidden' });
+    assert.equal(await page.title(), 'tovik-cloud');
     assert.deepEqual(await cloud.faults(), []);
     assert.equal(await cloud.value(token, 'hall-fan'), 2);
     await page.keyboard.press('Space');

@@ -181,6 +181,18 @@ function drawn(type, values) {
     }, [type, values]);
 }
 
+test('a trend outlives a reload of the page', async () => {
+    const counted = () => page.evaluate(() => {
+        const canvas = document.querySelector('tr[data-item="boiler-flow"] canvas');
+        return window.Chart.getChart(canvas)?.data.datasets[0].data.length ?? 0;
+    });
+    await until(async () => await counted() >= 3, 'for some values');
+    const before = await counted();
+    await page.reload();
+    await until(counted, 'for the trend to be drawn');
+    assert.ok(await counted() >= before, `${await counted()} of ${before}`);
+});
+
 test('a trend has a gap where no value came', async () => {
     const { line, range, words } = await drawn('16Bit-INT', [[100, 10], [104, 20], [110, 20], [111, 30]]);
     assert.deepEqual(line, [[100, 10], [104, 20], [104, null], [110, 20], [111, 30]]);

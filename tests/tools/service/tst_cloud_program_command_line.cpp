@@ -16,6 +16,7 @@ private slots:
     void fullDisk();
     void namesPlaceInBadProject();
     void portInUseFails();
+    void addressOfAnotherComputerFails();
     void writesUrlFiles();
     void logsToAFile();
 
@@ -146,6 +147,16 @@ void TestCloudProgramCommandLine::portInUseFails()
         {CloudProcess::exampleProject(), QStringLiteral("--port"), QString::number(cloud.port())});
     QCOMPARE(outcome.exit_code, 1);
     QVERIFY2(outcome.errors.contains(QStringLiteral("choose another port")),
+             qPrintable(outcome.errors));
+}
+
+void TestCloudProgramCommandLine::addressOfAnotherComputerFails()
+{
+    // Nobody has an address of this network: it is for documents.
+    const Outcome outcome = run(
+        {CloudProcess::exampleProject(), QStringLiteral("--host"), QStringLiteral("192.0.2.1")});
+    QCOMPARE(outcome.exit_code, 1);
+    QVERIFY2(outcome.errors.contains(QStringLiteral("give an address of this computer")),
              qPrintable(outcome.errors));
 }
 

@@ -122,9 +122,12 @@ FileDescriptor Port::boundSocket() const
         ::socket(address_.ss_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     setOption(socket.get(), SOL_SOCKET, SO_REUSEADDR, 1);
     if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address_), address_size_) != 0) {
+        const int error = errno;
         throw std::runtime_error("cannot use " + hostAndPort(host_, number_) + ": " +
-                                 std::generic_category().message(errno) +
-                                 "; choose another port, or 0 for a free one");
+                                 std::generic_category().message(error) +
+                                 (error == EADDRNOTAVAIL
+                                      ? "; give an address of this computer"
+                                      : "; choose another port, or 0 for a free one"));
     }
     return socket;
 }

@@ -104,7 +104,8 @@ void RequestTrace::end(const QByteArray& body)
         problem = reply_->errorString();
         // Qt quotes the address, with what it has for logging in.
         problem.replace(url_.toString(), url_.toString(QUrl::RemoveUserInfo));
-        problem.replace(QString::fromLatin1(url_.toEncoded()), url_.toString(QUrl::RemoveUserInfo));
+        problem.replace(QString::fromLatin1(url_.toEncoded().constData()),
+                        url_.toString(QUrl::RemoveUserInfo));
     }
     tell(Traffic::answered, secrets::blotted(body, secrets_), status.toInt(), problem);
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-const int short_time = 120;  // ms; runs out in the tests of silence
+const int short_time = 400;  // ms; runs out in the tests of silence
 const int long_time = 30000; // ms
 
 QString latin1(const char* text)

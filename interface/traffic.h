@@ -23,7 +23,8 @@ struct TOVIK_EXPORT Traffic
         ended,     ///< An exchange is over, with this code.
         asked,     ///< A request begins. Text: method and address. Bytes: its body.
         named,     ///< The service's name has been looked up. Text: its addresses.
-        connected, ///< To the service; to the millisecond, and not told behind a proxy.
+        connected, ///< To the service; to the millisecond. Not told behind a proxy, nor always with
+                   ///< HTTP.
         encrypted, ///< The TLS handshake is done; needs Qt 5.1.
         answering, ///< The reply's header is there. Code: 1 if its TLS session is a resumed one.
         answered,  ///< The reply is there, or nothing more comes. Bytes: its body. Code: HTTP's

@@ -82,8 +82,7 @@ void TestRequestTrace::moments_data()
     QTest::addColumn<bool>("is_encrypted");
     QTest::addColumn<QList<int>>("kinds");
     QTest::newRow("http") << false
-                          << QList<int>({Traffic::asked, Traffic::connected, Traffic::answering,
-                                         Traffic::answered});
+                          << QList<int>({Traffic::asked, Traffic::answering, Traffic::answered});
     QTest::newRow("https") << true
                            << QList<int>({Traffic::asked, Traffic::connected, Traffic::encrypted,
                                           Traffic::answering, Traffic::answered});
@@ -100,7 +99,10 @@ void TestRequestTrace::moments()
     Conversation conversation(&property_);
     login(conversation);
     const QList<Traffic> heard = log_.all();
-    QTEST(kindsOf(heard), "kinds");
+    QList<int> kinds = kindsOf(heard);
+    if (!is_encrypted) // the connection may be over before it is looked for
+        kinds.removeOne(Traffic::connected);
+    QTEST(kinds, "kinds");
     qint64 latest = before;
     for (const Traffic& traffic : heard) {
         QVERIFY(traffic.time >= latest);
@@ -144,10 +146,14 @@ void TestRequestTrace::secretsAreBlottedOut()
 void TestRequestTrace::nameIsLookedUp()
 {
     property_.host.replace(latin1("127.0.0.1"), latin1("localhost"));
-    // The request's own look-up may be the faster one.
+    // The request's own look-up may be the faster one, and the connection over before it is seen.
     service_->setHandler([this](const ScriptedRequest&) {
-        const bool is_named =
-            QTest::qWaitFor([this] { return kindsOf(log_.all()).contains(Traffic::named); }, 30000);
+        const bool is_named = QTest::qWaitFor(
+            [this] {
+                const QList<int> kinds = kindsOf(log_.all());
+                return kinds.contains(Traffic::named) && kinds.contains(Traffic::connected);
+            },
+            30000);
         return is_named ? ScriptedReply::json("{\"errorcode\":0}") : ScriptedReply::close();
     });
     Conversation conversation(&property_);

@@ -1,9 +1,8 @@
 #include "tests/framework/driver_bench.h"
 
-#include <QHostAddress>
-#include <QThread>
+#include "tests/support/kernel_input.h"
 
-#include <sys/ioctl.h>
+#include <QHostAddress>
 
 namespace {
 
@@ -70,18 +69,7 @@ DrvBase& DriverBench::settings() const
 
 bool DriverBench::waitInKernel(int size) const
 {
-    // Counted, not timed: a machine that stands still for a while is no reason to fail.
-    for (int polls = 0; polls < patience; ++polls) {
-        int waiting = 0;
-        if (serial)
-            waiting = int(serial->bytesAvailable());
-        else
-            ioctl(int(ethernet->socketDescriptor()), FIONREAD, &waiting);
-        if (waiting >= size)
-            return true;
-        QThread::msleep(1);
-    }
-    return false;
+    return ::waitInKernel(serial.get(), ethernet.get(), size);
 }
 
 bool DriverBench::waitInQt(int size) const

@@ -2,11 +2,10 @@
 #include "examples/modbus/modbus_status.h"
 #include "examples/modbus/modbus_tcp.h"
 #include "tests/examples/modbus/modbus_bench.h"
+#include "tests/support/kernel_input.h"
 
 #include <QElapsedTimer>
 #include <QTest>
-
-#include <sys/ioctl.h>
 
 using namespace modbus;
 
@@ -21,18 +20,10 @@ const char* const good_pdu = "030412345678";
 const char* const good_bytes = "34127856";
 
 /// Until what the device has sent is there, and has been read by nobody.
-void waitForInput(ModbusBench& bench)
+bool waitForInput(const ModbusBench& bench)
 {
-    for (int polls = 0; polls < 10000; ++polls) {
-        int waiting = 0;
-        if (bench.transport == Transport::Rtu)
-            waiting = int(bench.serial.bytesAvailable());
-        else
-            ioctl(int(bench.ethernet.socketDescriptor()), FIONREAD, &waiting);
-        if (waiting > 0)
-            return;
-        QTest::qSleep(1);
-    }
+    return waitInKernel(bench.transport == Transport::Rtu ? &bench.serial : nullptr,
+                        &bench.ethernet, 1);
 }
 
 } // namespace
@@ -166,7 +157,7 @@ void TestModbusDriverLate::lateAnswerBetweenRequests()
     bench.setResponseTimeout(short_timeout);
     COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, NoAnswerInTime);
     bench.device.send(bench.frame(bench.device.requests().first(), hex(late_pdu)));
-    waitForInput(bench);
+    QVERIFY(waitForInput(bench));
     if (event_loop_runs)
         QTest::qWait(20);
     bench.answerWith(hex(good_pdu));
@@ -199,7 +190,7 @@ void TestModbusDriverLate::staleBytes()
     bench.answerWith(hex(good_pdu));
     COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
     bench.device.send(stale);
-    waitForInput(bench);
+    QVERIFY(waitForInput(bench));
     const Got got = bench.host->read(readOf("4x1", 4));
     COMPARE_STATUS(got.status, Ok);
     QCOMPARE(got.data.toHex(), QByteArray(good_bytes));

@@ -5,23 +5,22 @@
 #include <sys/prctl.h>
 #endif
 
-namespace {
-
-const int patience = 60000; // ms
-
-} // namespace
+int BoundProcess::patience()
+{
+    return 60000 * qMax(1, qEnvironmentVariableIntValue("TOVIK_CLOCK"));
+}
 
 BoundProcess::~BoundProcess()
 {
     if (state() == NotRunning)
         return;
     kill();
-    waitForFinished(patience);
+    waitForFinished(patience());
 }
 
 int BoundProcess::waitForExitCode()
 {
-    if (state() != NotRunning && !waitForFinished(patience))
+    if (state() != NotRunning && !waitForFinished(patience()))
         return -1;
     return exitStatus() == NormalExit ? exitCode() : -1;
 }

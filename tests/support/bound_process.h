@@ -12,6 +12,10 @@ public:
     /// Ends it by force if it still runs.
     ~BoundProcess() override;
 
+    /// Milliseconds for what may take long on a busy machine: a minute, also where TOVIK_CLOCK
+    /// makes time go by faster.
+    static int patience();
+
     /// Waits for its end, with all the time that a busy machine may take.
     /// \return the exit code, or -1 if it does not end, or not by itself
     int waitForExitCode();

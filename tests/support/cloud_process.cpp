@@ -11,8 +11,6 @@ using nlohmann::json;
 
 namespace {
 
-constexpr int patience = 60000; // ms; a program may take long to start on a busy machine
-
 ServiceAnswer toAnswer(const httplib::Result& result)
 {
     ServiceAnswer answer;
@@ -60,7 +58,7 @@ bool CloudProcess::startProject(const QString& project, const QStringList& optio
     process_.start(program(), QStringList(project) + options);
     const QRegularExpression lines(QStringLiteral(
         "Service: (https?)://127\\.0\\.0\\.1:(\\d+)\nControl: http://[^/]+:(\\d+)\n"));
-    while (process_.waitForReadyRead(patience)) {
+    while (process_.waitForReadyRead(BoundProcess::patience())) {
         output_ += QString::fromUtf8(process_.readAllStandardOutput());
         const auto match = lines.match(output_);
         if (match.hasMatch()) {
@@ -101,7 +99,7 @@ ServiceAnswer CloudProcess::postRaw(const std::string& path, const std::string& 
     } else {
         client = std::make_unique<httplib::ClientImpl>("127.0.0.1", port_);
     }
-    client->set_read_timeout(patience / 1000);
+    client->set_read_timeout(BoundProcess::patience() / 1000);
     return toAnswer(client->Post(path, body, content_type));
 }
 
@@ -129,7 +127,7 @@ ServiceAnswer CloudProcess::control(const std::string& method, const std::string
                                     const std::string& body)
 {
     httplib::Client client("127.0.0.1", control_port_);
-    client.set_read_timeout(patience / 1000);
+    client.set_read_timeout(BoundProcess::patience() / 1000);
     if (method == "GET")
         return toAnswer(client.Get(path));
     if (method == "DELETE")

@@ -1,6 +1,8 @@
 #include "tests/reliability/soak/fault_plan.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
 namespace {
 
@@ -14,7 +16,7 @@ struct Kind
     double most;
 };
 
-const std::array<Kind, 11> kinds{{
+const std::array<Kind, 14> kinds{{
     {"refused connections", "refuse", false, false, 2, 12},
     {"service restarts", "", true, false, 1, 8},
     {"tokens expire", "", false, true, 0, 0},
@@ -26,11 +28,22 @@ const std::array<Kind, 11> kinds{{
     {"cut replies", "truncated", false, false, 1, 4},
     {"HTTP errors", "http500", false, false, 1, 6},
     {"refused writes", "errorcode:code=9,path=write", false, false, 1, 6},
+    // Those of a day.
+    {"another certificate", "wrong-host", false, false, 3, 15},
+    {"an expired certificate", "expired", false, false, 3, 15},
+    {"TLS sessions lost", "tickets-lost", false, false, 1, 2},
 }};
+const std::size_t kinds_without_day = 11;
+const double never = std::numeric_limits<double>::infinity();
 
 } // namespace
 
-FaultPlan::FaultPlan(unsigned seed, double pace) : random_(seed), pace_(pace) {}
+FaultPlan::FaultPlan(unsigned seed, double pace, double day_seconds)
+    : random_(seed),
+      pace_(pace),
+      day_seconds_(day_seconds),
+      night_begins_(day_seconds > 0 ? day_seconds * 10 / 24 : never)
+{}
 
 /// The standard's distributions differ between libraries, its generator does not.
 double FaultPlan::between(double least, double most)
@@ -41,7 +54,7 @@ double FaultPlan::between(double least, double most)
 
 PlannedFault FaultPlan::next()
 {
-    const Kind& kind = kinds[random_() % kinds.size()];
+    const Kind& kind = kinds[random_() % (day_seconds_ > 0 ? kinds.size() : kinds_without_day)];
     PlannedFault fault;
     fault.name = kind.name;
     fault.spec = kind.spec;
@@ -49,5 +62,11 @@ PlannedFault FaultPlan::next()
     fault.expires = kind.expires;
     fault.pause = between(4, 16) / pace_;
     fault.length = between(kind.least, kind.most) / pace_;
+    if (passed_ + fault.pause >= night_begins_) {
+        const double pause = std::max(0.0, night_begins_ - passed_);
+        fault = {"night", {}, true, false, pause, day_seconds_ / 3};
+        night_begins_ = never;
+    }
+    passed_ += fault.pause + fault.length;
     return fault;
 }

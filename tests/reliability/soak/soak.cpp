@@ -117,7 +117,9 @@ int main(int argc, char** argv)
     const QCommandLineOption output(QStringLiteral("output"),
                                     QStringLiteral("samples and faults as lines of JSON"),
                                     QStringLiteral("FILE"));
-    parser.addOptions({minutes, seed, items, pace, output});
+    const QCommandLineOption day(
+        QStringLiteral("day"), QStringLiteral("it is a day, with a night and tokens that expire"));
+    parser.addOptions({minutes, seed, items, pace, output, day});
     parser.process(application);
     SoakPlan plan;
     plan.seconds = 60 * parser.value(minutes).toDouble();
@@ -125,6 +127,7 @@ int main(int argc, char** argv)
     plan.items = parser.value(items).toInt();
     plan.pace = parser.value(pace).toDouble();
     plan.output = parser.value(output);
+    plan.is_day = parser.isSet(day);
     if (plan.seconds <= 0 || plan.items <= 0 || plan.pace <= 0) {
         std::fprintf(stderr, "soak: --minutes, --items and --pace take numbers above 0\n");
         return 2;

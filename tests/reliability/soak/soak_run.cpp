@@ -23,10 +23,14 @@ const int cycle_patience = 60000;
 /// Every so often the host writes many values at once.
 const int turns_between_bursts = 60;
 const int burst_size = 50;
+/// Seconds that tokens are good for on a day: less than most of the time between two faults.
+const int token_lifetime = 120;
 
 } // namespace
 
-SoakRun::SoakRun(const SoakPlan& plan) : plan_(plan), faults_(plan.seed, plan.pace)
+SoakRun::SoakRun(const SoakPlan& plan)
+    : plan_(plan),
+      faults_(plan.seed, plan.pace, plan.is_day ? plan.seconds : 0)
 {
     // What the run itself remembers must not look like a leak.
     samples_.reserve(std::size_t(plan.seconds) + 60);
@@ -90,10 +94,12 @@ bool SoakRun::startService()
     const int port = cloud_ ? cloud_->port() : 0;
     control_port_ = cloud_ ? cloud_->controlPort() : 0;
     cloud_.reset(new CloudProcess);
-    return cloud_->startProject(folder_.filePath(QStringLiteral("plant.json")),
-                                {QStringLiteral("--log"), QStringLiteral("/dev/null"),
-                                 QStringLiteral("--port"), QString::number(port),
-                                 QStringLiteral("--control-port"), QString::number(control_port_)});
+    QStringList options{QStringLiteral("--log"),          QStringLiteral("/dev/null"),
+                        QStringLiteral("--port"),         QString::number(port),
+                        QStringLiteral("--control-port"), QString::number(control_port_)};
+    if (plan_.is_day)
+        options << QStringLiteral("--token-lifetime") << QString::number(token_lifetime);
+    return cloud_->startProject(folder_.filePath(QStringLiteral("plant.json")), options);
 }
 
 void SoakRun::startHost()

@@ -22,8 +22,9 @@ struct SoakPlan
     double seconds = 600;
     unsigned seed = 1;
     int items = 200;
-    double pace = 1; ///< Faults come, and go, so many times faster.
-    QString output;  ///< Samples and faults go there as lines of JSON; nowhere if empty.
+    double pace = 1;     ///< Faults come, and go, so many times faster.
+    bool is_day = false; ///< It is a day, with a night; tokens expire by themselves.
+    QString output;      ///< Samples and faults go there as lines of JSON; nowhere if empty.
 };
 
 /// What was done to the plug-in, besides being looked at.

@@ -1,6 +1,7 @@
 #include "tests/reliability/soak/fault_plan.h"
 #include "tests/reliability/soak/judge.h"
 
+#include <QSet>
 #include <QTest>
 
 #include <functional>
@@ -44,6 +45,7 @@ private Q_SLOTS:
     void complains();
     void shortRuns();
     void planIsTheSameForTheSameSeed();
+    void aDayHasOneNight();
 };
 
 void TestSoakJudge::passes_data()
@@ -169,6 +171,33 @@ void TestSoakJudge::planIsTheSameForTheSameSeed()
         differs = different.next().name != fault.name || differs;
     }
     QVERIFY(differs);
+}
+
+void TestSoakJudge::aDayHasOneNight()
+{
+    const double day = 86400;
+    FaultPlan plan(7, 1, day);
+    QSet<QString> names;
+    double began = 0;
+    int nights = 0;
+    for (double passed = 0; passed < 3 * day;) {
+        const PlannedFault fault = plan.next();
+        names.insert(QString::fromStdString(fault.name));
+        passed += fault.pause;
+        if (fault.name == "night") {
+            ++nights;
+            began = passed;
+            QVERIFY(fault.restarts);
+            QCOMPARE(fault.length, 8 * 3600.0);
+        }
+        passed += fault.length;
+    }
+    QCOMPARE(nights, 1);
+    // A fault of before may take some seconds of it.
+    QVERIFY(began >= 36000 && began < 36016);
+    QVERIFY(names.contains(QStringLiteral("another certificate")));
+    QVERIFY(names.contains(QStringLiteral("TLS sessions lost")));
+    QCOMPARE(names.size(), 15);
 }
 
 QTEST_GUILESS_MAIN(TestSoakJudge)

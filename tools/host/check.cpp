@@ -15,6 +15,7 @@ const char check_text[] =
     "and certificate, login, catalogue, and every item: known, of the right type, of the right\n"
     "JSON type, and how long its read takes. Ends with what the driver's cycle comes to, and a\n"
     "verdict. It needs no driver library, writes nothing, and shows no password or token.\n"
+    "With --url and no configuration it goes as far as no account is needed.\n"
     "Of a device on a link, with its driver: the link, its settings, an answer at all, the "
     "station,\n"
     "every item, and the times that answers take against the time that the driver waits.\n"
@@ -66,7 +67,7 @@ void addCheck(CLI::App& app, Run& run)
     addLink(command, options->common.link);
     addRequest(command, options->common);
     command->callback([command, options, &run] {
-        complete(command, options->common);
+        complete(command, options->common, Needs::address);
         if (!options->addresses.isEmpty())
             options->common.device_options
                 << QStringLiteral("\"%1\"").arg(options->addresses.first());

@@ -232,28 +232,34 @@ void addRequest(CLI::App* command, config::CommonOptions& common)
     addNumber(command, "--extra2", request.extra2, driver_s);
 }
 
-void complete(const CLI::App* command, config::CommonOptions& common)
+void complete(const CLI::App* command, config::CommonOptions& common, Needs needs)
 {
-    if (common.config.isEmpty() && !common.link.address)
-        throw CLI::RequiredError("--config (a service and its items) or --link (a device)");
+    const bool takes_address = needs == Needs::address;
+    const bool has_address = !common.url.isEmpty() || !common.url_file.isEmpty();
+    if (common.config.isEmpty() && !common.link.address && !(takes_address && has_address)) {
+        throw CLI::RequiredError(std::string("--config (a service and its items)") +
+                                 (takes_address ? ", --url (a service)" : "") +
+                                 " or --link (a device)");
+    }
     common.device_options << givenOptions(command, link_group);
     common.service_options << givenOptions(command, service_group);
+}
+
+QString causeOfNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,
+                            const config::CommonOptions& common, int status)
+{
+    if (!value::isServiceError(status))
+        return check::causeOfSilence(context, setup.config.service.url, common.timeout);
+    return QStringLiteral("login refused with %1: %2")
+        .arg(value::statusText(status), value::loginAdvice());
 }
 
 void explainNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,
                          const config::CommonOptions& common, int status)
 {
-    const QString next = check::checkCommand(common);
-    if (context.unix_signals.endRequested())
-        return;
-    if (value::isServiceError(status)) {
-        check::advise(context,
-                      QStringLiteral("login refused with %1: %2")
-                          .arg(value::statusText(status), value::loginAdvice()),
-                      next);
-        return;
-    }
-    check::explainSilence(context, setup.config.service.url, common.timeout, next);
+    const QString cause = causeOfNoConnection(context, setup, common, status);
+    if (!context.unix_signals.endRequested())
+        check::advise(context, cause, check::checkCommand(common));
 }
 
 std::optional<service::Catalogue> catalogueOf(terminal::Context& context,
@@ -263,15 +269,18 @@ std::optional<service::Catalogue> catalogueOf(terminal::Context& context,
     service::ClientOutcome failure;
     const std::optional<service::Catalogue> catalogue =
         service::fetchCatalogue(context, options, account, &failure);
+    if (catalogue || context.unix_signals.endRequested())
+        return catalogue;
     config::CommonOptions check;
     check.config = options.account.config;
     check.url = options.account.url;
     check.url_file = options.account.url_file;
-    const QString next = check.config.isEmpty() ? QString() : check::checkCommand(check);
-    if (failure.isRefusal())
-        check::advise(context, QString(), next);
-    else if (!catalogue)
-        check::explainSilence(context, account.service.url, options.timeout, next);
+    const QString cause =
+        failure.isRefusal() ? QString()
+                            : check::causeOfSilence(context, account.service.url, options.timeout);
+    // A check of a mere address has nothing to say on a login that was refused.
+    const bool is_of_use = !check.config.isEmpty() || !failure.isRefusal();
+    check::advise(context, cause, is_of_use ? check::checkCommand(check) : QString());
     return catalogue;
 }
 

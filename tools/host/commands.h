@@ -89,11 +89,22 @@ void addRequest(CLI::App* command, config::CommonOptions& common);
 /// Marks an option as one that only a service has, or only a device.
 void markOfService(CLI::Option* option);
 void markOfDevice(CLI::Option* option);
-/// Completes \a common, once the line is parsed. Throws CLI::ParseError if the options name neither
-/// a configuration nor a link.
-void complete(const CLI::App* command, config::CommonOptions& common);
+/// What a command needs beside its own options.
+enum class Needs
+{
+    configuration, ///< Or a link.
+    address        ///< A service's address will do, too.
+};
 
-/// Says why a driver got no connection to its service, given its \a status, and the next command.
+/// Completes \a common, once the line is parsed. Throws CLI::ParseError if the options do not name
+/// what the command needs.
+void complete(const CLI::App* command, config::CommonOptions& common,
+              Needs needs = Needs::configuration);
+
+/// Why a driver with this \a status got no connection to its service; empty: that is not known.
+QString causeOfNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,
+                            const config::CommonOptions& common, int status);
+/// Says it, with the next command.
 void explainNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,
                          const config::CommonOptions& common, int status);
 

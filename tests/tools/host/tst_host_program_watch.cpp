@@ -61,10 +61,11 @@ void TestHostProgramWatch::printsALineForEveryChange()
     const QStringList lines = withoutTimes(host.outputLines());
     QCOMPARE(lines.first(),
              QStringLiteral("driver 7.8.9 watches project plant at https://127.0.0.1:1"));
-    QCOMPARE(lines.at(1), QStringLiteral("A = \u2013  no value yet  ok"));
+    QCOMPARE(lines.at(1), QStringLiteral("A = \u2013  no value yet"));
     QVERIFY(lines.contains(QStringLiteral("A = 5  [05 00]  0x400F0007")));
     QVERIFY(lines.contains(QStringLiteral("T\u00fcr = \u00b7[\u00fc  [1b 5b fc]  0x400F0007")));
-    QVERIFY(lines.contains(QStringLiteral("status: service error 7 (0x400F0007)")));
+    QVERIFY(lines.contains(QStringLiteral("status: service error 7 (0x400F0007): Z ends "
+                                          "the cycle")));
     QCOMPARE(lines.last(), QStringLiteral("end"));
 }
 

@@ -4,6 +4,7 @@
 #include "tools/host/check/check_step.h"
 #include "tools/host/check/check_way.h"
 #include "tools/host/check/probe.h"
+#include "tools/host/config/account.h"
 #include "tools/host/config/item_choice.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/service/cloud_client.h"
@@ -39,6 +40,14 @@ QVector<config::ItemConfig> itemsFor(const QVector<config::ItemConfig>& all,
     return wanted;
 }
 
+/// A configuration of nothing but the service's address.
+config::HostConfig hostAt(const QString& url)
+{
+    config::HostConfig config;
+    config.service.url = url;
+    return config;
+}
+
 /// One run: takes the steps one after the other and shows each as it comes.
 class Walk
 {
@@ -67,10 +76,15 @@ public:
         return judgeAll(steps_, context_.unix_signals.endRequested());
     }
 
+    /// As far as no account is needed.
     Verdict toTheService()
     {
         reachService();
-        return judgeAll(steps_, context_.unix_signals.endRequested());
+        Verdict verdict = judgeAll(steps_, context_.unix_signals.endRequested());
+        if (verdict.is_well)
+            verdict.summary = QStringLiteral("the way to the service is free; login, catalogue and "
+                                             "values need an account: --config FILE");
+        return verdict;
     }
 
 private:
@@ -211,38 +225,35 @@ void Walk::showNotTried()
 int runCheck(const config::CommonOptions& common, const QStringList& items)
 {
     terminal::Context context;
-    const config::HostConfig config = driver::hostConfig(common, context);
+    const bool has_account = !common.config.isEmpty();
+    const config::HostConfig config =
+        has_account ? driver::hostConfig(common, context)
+                    : hostAt(config::givenAddress(common.url, common.url_file));
     const std::unique_ptr<value::Trace> trace =
         common.trace ? std::make_unique<value::Trace>(*common.trace) : nullptr;
     const QVector<config::ItemConfig> wanted = itemsFor(config.items, items);
     context.log.start(common.log, common.verbose);
     const auto tell = [&](const CheckStep& step) { context.out.line(stepLine(step, common.json)); };
-    const Verdict verdict =
-        Walk(context, config, wanted, common.timeout, tell, trace.get()).toTheValues();
+    Walk walk(context, config, wanted, common.timeout, tell, trace.get());
+    const Verdict verdict = has_account ? walk.toTheValues() : walk.toTheService();
     for (const QString& line : verdictLines(verdict, common.json))
         context.out.line(line);
     return context.codeAfterWriting(verdict.is_well ? terminal::exitDone : terminal::exitRefused);
 }
 
-void explainSilence(terminal::Context& context, const QString& url, double timeout,
-                    const QString& next)
+QString causeOfSilence(terminal::Context& context, const QString& url, double timeout)
 {
     if (context.unix_signals.endRequested())
-        return;
-    config::HostConfig config;
-    config.service.url = url;
+        return QString();
+    const config::HostConfig config = hostAt(url);
     const Verdict verdict =
         Walk(context, config, {}, qMin(timeout, longest_look), [](const CheckStep&) {
         }).toTheService();
-    if (verdict.is_well) {
-        advise(context, QString(), next);
-        return;
-    }
+    if (verdict.causes.isEmpty()) // interrupted, or all is well
+        return QString();
     const Cause& cause = verdict.causes.first();
-    advise(context,
-           cause.advice.isEmpty() ? cause.found
-                                  : QStringLiteral("%1; %2").arg(cause.found, cause.advice),
-           next);
+    return cause.advice.isEmpty() ? cause.found
+                                  : QStringLiteral("%1; %2").arg(cause.found, cause.advice);
 }
 
 void advise(terminal::Context& context, const QString& cause, const QString& next)
@@ -257,7 +268,9 @@ void advise(terminal::Context& context, const QString& cause, const QString& nex
 
 QString checkCommand(const config::CommonOptions& common)
 {
-    QStringList words = {QStringLiteral("tovik-host check --config"), common.config};
+    QStringList words = {QStringLiteral("tovik-host check")};
+    if (!common.config.isEmpty())
+        words << QStringLiteral("--config") << common.config;
     if (!common.url.isEmpty())
         words << QStringLiteral("--url") << QUrl(common.url).toString(QUrl::RemoveUserInfo);
     if (!common.url_file.isEmpty())

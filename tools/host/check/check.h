@@ -7,14 +7,13 @@
 namespace tovik_host::check {
 
 /// Walks the way that a value takes from the service to a host, tells each step, and ends with a
-/// verdict. Returns the exit code; throws UsageError.
+/// verdict; without a configuration as far as no account is needed. Returns the exit code; throws
+/// UsageError.
 int runCheck(const config::CommonOptions& common, const QStringList& items);
 
-/// Says in one line why nothing comes from the service at \a url: what a check finds between here
-/// and its first words, or nothing of that. Asks nobody to log in. \param timeout in seconds \param
-/// next the command to go on with, which ends the line; may be empty
-void explainSilence(terminal::Context& context, const QString& url, double timeout,
-                    const QString& next);
+/// Why nothing comes from the service at \a url, in one line: what a check finds between here and
+/// its first words; empty: nothing of that. Asks nobody to log in. \param timeout in seconds
+QString causeOfSilence(terminal::Context& context, const QString& url, double timeout);
 /// Says \a cause, if there is one, and the command to go on with, if there is one.
 void advise(terminal::Context& context, const QString& cause, const QString& next);
 /// The check that goes on where a command with these options has failed.

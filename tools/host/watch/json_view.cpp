@@ -77,6 +77,21 @@ void JsonView::statusChanged(const WatchModel& model)
     value::OrderedJson line = value::jsonReport("status", model.statusSince());
     line["status"] = value::statusCode(model.status()).toStdString();
     line["status_text"] = value::statusText(model.status(), model.statusOf()).toStdString();
+    if (model.status() != 0 && model.cycleEnd() >= 0) {
+        line["cycle_ends_at"] = model.items().at(model.cycleEnd()).item.name.toStdString();
+        line["not_reached"] = value::OrderedJson::array();
+        for (int i = 0; i < model.items().size(); ++i) {
+            if (model.isNotReached(i))
+                line["not_reached"].push_back(model.items().at(i).item.name.toStdString());
+        }
+    }
+    output_.line(value::jsonLine(line));
+}
+
+void JsonView::causeFound(const WatchModel& model, const QDateTime& now)
+{
+    value::OrderedJson line = value::jsonReport("cause", now);
+    line["cause"] = model.cause().toStdString();
     output_.line(value::jsonLine(line));
 }
 

@@ -42,9 +42,11 @@ void LineView::valueChanged(const ItemState& state)
         return;
     }
     if (state.is_waited_for) {
-        line(state.changed_at,
-             QStringLiteral("%1 = %2  no value yet  %3")
-                 .arg(state.item.name, value::noValue(), value::statusWord(state.answer.status)));
+        QString text =
+            QStringLiteral("%1 = %2  no value yet").arg(state.item.name, value::noValue());
+        if (state.answer.status != 0)
+            text += QStringLiteral("  ") + value::statusCode(state.answer.status);
+        line(state.changed_at, text);
         return;
     }
     if (!state.answer.has_value) {
@@ -70,8 +72,12 @@ void LineView::staleChanged(const WatchModel& model, int index, const QDateTime&
 
 void LineView::statusChanged(const WatchModel& model)
 {
-    line(model.statusSince(),
-         QStringLiteral("status: ") + value::statusTextWithCode(model.status(), model.statusOf()));
+    line(model.statusSince(), QStringLiteral("status: ") + model.statusText());
+}
+
+void LineView::causeFound(const WatchModel& model, const QDateTime& now)
+{
+    line(now, QStringLiteral("cause: ") + model.cause());
 }
 
 void LineView::numbersDue(const WatchModel& model, const QDateTime& now)

@@ -52,6 +52,8 @@ Row rowOf(const WatchModel& model, int index, const QDateTime& now)
     QString status = value::statusWord(state.answer.status);
     if (!state.answer.arrived)
         status = QStringLiteral("no answer");
+    else if (model.isNotReached(index))
+        status = QStringLiteral("not reached");
     else if (state.is_waited_for && is_fine)
         status = QStringLiteral("no value yet");
     else if (state.is_stale)
@@ -143,9 +145,10 @@ void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const W
     const QString since = QStringLiteral(", since %1 (%2)")
                               .arg(model.statusSince().toString(QStringLiteral("HH:mm:ss")),
                                    ageText(model.statusSince().secsTo(now)));
-    add(QStringLiteral("Status   ") + value::statusTextWithCode(model.status(), model.statusOf()) +
-            since,
+    add(QStringLiteral("Status   ") + model.statusText() + since,
         model.status() == 0 ? LineStyle::plain : LineStyle::trouble);
+    if (!model.cause().isEmpty())
+        add(QStringLiteral("Cause    ") + model.cause(), LineStyle::trouble);
     const QString missing = missingText(model);
     if (!missing.isEmpty())
         add(QStringLiteral("Values   ") + missing,
@@ -157,8 +160,11 @@ void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const W
         add(QString(), LineStyle::plain);
 }
 
-LineStyle styleOf(const ItemState& state)
+LineStyle styleOf(const WatchModel& model, int index)
 {
+    const ItemState& state = model.items().at(index);
+    if (model.isNotReached(index))
+        return LineStyle::stale;
     if (!state.answer.arrived || state.answer.status != 0)
         return LineStyle::trouble;
     return state.is_stale ? LineStyle::stale : LineStyle::plain;
@@ -175,7 +181,7 @@ void addItems(QVector<ScreenLine>& screen, const WatchModel& model, const QDateT
     const bool all_fit = rows.size() <= room;
     const int shown = all_fit ? rows.size() : room - 1;
     for (int i = 0; i < shown; ++i) {
-        const LineStyle style = i == 0 ? LineStyle::heading : styleOf(model.items().at(i - 1));
+        const LineStyle style = i == 0 ? LineStyle::heading : styleOf(model, i - 1);
         screen << ScreenLine{joined(rows.at(i), widths, size.columns), style};
     }
     if (!all_fit) {

@@ -19,6 +19,7 @@ public:
     void valueChanged(const ItemState& state) override;
     void staleChanged(const WatchModel& model, int index, const QDateTime& now) override;
     void statusChanged(const WatchModel& model) override;
+    void causeFound(const WatchModel& model, const QDateTime& now) override;
     void numbersDue(const WatchModel& model, const QDateTime& now) override;
     void end(const QDateTime& now) override;
 
@@ -37,6 +38,7 @@ public:
     void valueChanged(const ItemState& state) override;
     void staleChanged(const WatchModel& model, int index, const QDateTime& now) override;
     void statusChanged(const WatchModel& model) override;
+    void causeFound(const WatchModel& model, const QDateTime& now) override;
     void numbersDue(const WatchModel& model, const QDateTime& now) override;
     void end(const QDateTime& now) override;
 

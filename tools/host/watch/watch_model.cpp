@@ -95,12 +95,59 @@ QVector<int> WatchModel::judgeAges(const QDateTime& now)
 
 bool WatchModel::endRound(const QDateTime& now)
 {
-    const bool changed = round_status_ != status_;
+    const int previous = status_;
+    const int previous_end = cycle_end_;
     status_ = round_status_;
     round_status_ = 0;
-    if (changed)
+    if (status_ != previous)
         status_since_ = now;
-    return changed;
+    if (status_ == 0)
+        cause_.clear();
+    cycle_end_ = findCycleEnd(previous, now);
+    return status_ != previous || cycle_end_ != previous_end;
+}
+
+/// A driver that is refused an item connects anew and looks well until it is refused again, so one
+/// refusal counts for a while.
+int WatchModel::findCycleEnd(int previous_status, const QDateTime& now)
+{
+    if (value::isServiceError(status_)) {
+        if (status_ != previous_status)
+            cycle_refusal_ = previous_status == 0 && was_connected_ ? status_ : 0;
+        refused_at_ = now;
+    }
+    const int shortest_while = 3000;
+    if (cycle_refusal_ == 0 || refused_at_.msecsTo(now) > qMax(shortest_while, staleAfter()))
+        return -1;
+    const auto end = std::find_if(items_.begin(), items_.end(), [](const ItemState& state) {
+        return state.is_waited_for || state.is_stale;
+    });
+    return end == items_.end() ? -1 : int(end - items_.begin());
+}
+
+bool WatchModel::isNotReached(int index) const
+{
+    const ItemState& state = items_.at(index);
+    return cycle_end_ >= 0 && index > cycle_end_ && (state.is_waited_for || state.is_stale);
+}
+
+QString WatchModel::cycleEndText() const
+{
+    if (cycle_end_ < 0)
+        return QString();
+    int count = 0;
+    for (int i = 0; i < items_.size(); ++i)
+        count += isNotReached(i) ? 1 : 0;
+    const QString text = QStringLiteral("%1: %2 ends the cycle")
+                             .arg(value::statusTextWithCode(cycle_refusal_, status_of_),
+                                  items_.at(cycle_end_).item.name);
+    return count == 0 ? text : text + QStringLiteral(", items not reached: %1").arg(count);
+}
+
+QString WatchModel::statusText() const
+{
+    return status_ == 0 || cycle_end_ < 0 ? value::statusTextWithCode(status_, status_of_)
+                                          : cycleEndText();
 }
 
 void WatchModel::takeNumbers(const value::DriverNumbers& numbers, qint64 moment)

@@ -35,8 +35,8 @@ public:
     /// what they call older than any value is what the driver's cache began with. True: it is
     /// another one than before.
     bool take(int index, const driver::Answer& given, const QDateTime& now);
-    /// Ends a round: the driver's status is the first one of the round that is not 0. True: it is
-    /// another one than before.
+    /// Ends a round: the driver's status is the first one of the round that is not 0. True: it, or
+    /// the item that ends the driver's cycle, is another one than before.
     bool endRound(const QDateTime& now);
     /// Takes the driver's numbers at a moment, in milliseconds of a steady clock.
     void takeNumbers(const value::DriverNumbers& numbers, qint64 moment);
@@ -59,6 +59,18 @@ public:
     const QString& firstTrouble() const { return first_trouble_; }
     int status() const { return status_; }
     value::StatusOf statusOf() const { return status_of_; }
+    /// The status in words and code, with the item that ends the driver's cycle.
+    QString statusText() const;
+    /// The item at whose error the driver's cycle ends, so that no later one is asked for; -1: the
+    /// service has refused none.
+    int cycleEnd() const { return cycle_end_; }
+    /// The service's error, that item, and how many are not reached; empty: there is none.
+    QString cycleEndText() const;
+    /// Whether the item at \a index has no news because the cycle ends before it.
+    bool isNotReached(int index) const;
+    /// Why there is no connection, as far as somebody has found it out since there is none.
+    const QString& cause() const { return cause_; }
+    void setCause(const QString& cause) { cause_ = cause; }
     const QDateTime& statusSince() const { return status_since_; }
     const value::DriverNumbers& numbers() const { return numbers_; }
     std::optional<double> readsPerSecond() const { return read_rate_.perSecond(); }
@@ -68,6 +80,7 @@ public:
 
 private:
     void keepTrouble(const ItemState& state, const QString& what, const QDateTime& now);
+    int findCycleEnd(int previous_status, const QDateTime& now);
 
     QVector<ItemState> items_;
     QVector<bool> has_value_;
@@ -79,6 +92,10 @@ private:
     int round_status_ = 0;
     value::StatusOf status_of_ = value::StatusOf::service;
     QDateTime status_since_;
+    int cycle_refusal_ = 0; ///< The service's latest error, if it came in a cycle; no login's.
+    QDateTime refused_at_;  ///< When the status was an error of the service last.
+    int cycle_end_ = -1;
+    QString cause_;
     value::DriverNumbers numbers_;
     value::ReadRate read_rate_;
 };

@@ -32,6 +32,8 @@ public:
     /// The value of the item at the index has become stale, or is no longer.
     virtual void staleChanged(const WatchModel&, int, const QDateTime&) {}
     virtual void statusChanged(const WatchModel&) {}
+    /// It has been found out why there is no connection.
+    virtual void causeFound(const WatchModel&, const QDateTime&) {}
     /// All items have been read, or a while has passed.
     virtual void roundDone(const WatchModel&, const QDateTime&) {}
     /// The time between two reports of the driver's numbers is over.

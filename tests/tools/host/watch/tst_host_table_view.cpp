@@ -16,6 +16,8 @@ private Q_SLOTS:
     void namesTheLinkOfADevice();
     void countsItemsWithoutAValue();
     void marksStaleItems();
+    void tellsWhichItemEndsTheCycle();
+    void tellsTheCause();
     void neverExceedsItsSize_data();
     void neverExceedsItsSize();
     void dropsColumnsThatSayLeast();
@@ -161,6 +163,48 @@ void TestHostTableView::marksStaleItems()
     const QStringList low = texts(drawTable(WatchSubject(), model, {}, start, {100, 6}));
     QCOMPARE(low.size(), 6);
     QVERIFY(low.at(4).startsWith(QLatin1String("ITEM")));
+}
+
+void TestHostTableView::tellsWhichItemEndsTheCycle()
+{
+    WatchModel model({item("a", "16Bit-INT"), item("b", "16Bit-INT"), item("c", "16Bit-INT")},
+                     start, 3);
+    value::DriverNumbers numbers;
+    numbers.connected = true;
+    numbers.tells_ages = true;
+    numbers.ages = {200, std::nullopt, 5000};
+    model.takeNumbers(numbers, 0);
+    model.judgeAges(start);
+    for (const int status : {0, 0x400F0007}) {
+        for (int i = 0; i < 3; ++i)
+            model.take(i, {true, QByteArray(2, '\0'), status}, start);
+        model.endRound(start);
+    }
+    const QVector<ScreenLine> screen = drawTable(WatchSubject(), model, {}, start, {100, 30});
+    QVERIFY2(screen.at(2).text.startsWith(
+                 QStringLiteral("Status   service error 7 (0x400F0007): b ends the cycle, items "
+                                "not reached: 1, since ")),
+             qPrintable(screen.at(2).text));
+    QCOMPARE(screen.at(7).style, LineStyle::trouble);
+    QCOMPARE(screen.at(8).text,
+             QStringLiteral("c     16Bit-INT  0      00 00  not reached  5.0 s"));
+    QCOMPARE(screen.at(8).style, LineStyle::stale);
+}
+
+void TestHostTableView::tellsTheCause()
+{
+    WatchModel model({item("a", "16Bit-INT")}, start);
+    model.take(0, {true, QByteArray(2, '\0'), 0x400F0256}, start);
+    model.endRound(start);
+    model.setCause(QStringLiteral("refused"));
+    const QVector<ScreenLine> screen = drawTable(WatchSubject(), model, {}, start, {100, 30});
+    QCOMPARE(screen.at(3).text, QStringLiteral("Cause    refused"));
+    QCOMPARE(screen.at(3).style, LineStyle::trouble);
+    model.take(0, {true, QByteArray(2, '\0'), 0}, start);
+    model.endRound(start);
+    QVERIFY(texts(drawTable(WatchSubject(), model, {}, start, {100, 30}))
+                .filter(QStringLiteral("Cause"))
+                .isEmpty());
 }
 
 void TestHostTableView::neverExceedsItsSize_data()

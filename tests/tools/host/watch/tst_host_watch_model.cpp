@@ -20,6 +20,8 @@ private Q_SLOTS:
     void cacheOfTheDriverIsNoValue();
     void valueWithoutNewsIsStale();
     void staleCountsInCyclesOfTheDriver();
+    void itemAtWhoseErrorTheCycleEnds();
+    void refusedLoginEndsNoCycle();
     void keepsTheFirstTrouble_data();
     void keepsTheFirstTrouble();
 };
@@ -170,6 +172,56 @@ void TestHostWatchModel::staleCountsInCyclesOfTheDriver()
     QCOMPARE(after(999), 3000);
     QCOMPARE(after(1000), 3000);
     QCOMPARE(after(1001), 6000);
+}
+
+namespace {
+
+/// One round in which the first item has a value and the others wait; every answer has the status.
+bool round(WatchModel& model, int status, const QDateTime& now)
+{
+    value::DriverNumbers numbers;
+    numbers.connected = status == 0;
+    numbers.tells_ages = true;
+    numbers.ages = {100, std::nullopt, std::nullopt};
+    model.takeNumbers(numbers, start.msecsTo(now));
+    for (int i = 0; i < model.items().size(); ++i)
+        model.take(i, answer("0500", status), now);
+    return model.endRound(now);
+}
+
+} // namespace
+
+void TestHostWatchModel::itemAtWhoseErrorTheCycleEnds()
+{
+    WatchModel model({item("a"), item("b"), item("c")}, start, 3);
+    round(model, 0, start);
+    QCOMPARE(model.cycleEnd(), -1);
+    QVERIFY(round(model, 0x400F0007, start.addSecs(1)));
+    QCOMPARE(model.cycleEnd(), 1);
+    QVERIFY(!model.isNotReached(0));
+    QVERIFY(!model.isNotReached(1));
+    QVERIFY(model.isNotReached(2));
+    QCOMPARE(model.statusText(), QStringLiteral("service error 7 (0x400F0007): b ends the cycle, "
+                                                "items not reached: 1"));
+    QVERIFY(!round(model, 0x400F0007, start.addSecs(2)));
+    // Connected anew, and soon refused again.
+    QVERIFY(round(model, 0, start.addSecs(3)));
+    QCOMPARE(model.cycleEnd(), 1);
+    QCOMPARE(model.statusText(), QStringLiteral("ok"));
+    QVERIFY(round(model, 0, start.addSecs(6)));
+    QCOMPARE(model.cycleEnd(), -1);
+}
+
+void TestHostWatchModel::refusedLoginEndsNoCycle()
+{
+    WatchModel model({item("a"), item("b"), item("c")}, start, 3);
+    round(model, 0x400F0001, start);
+    QCOMPARE(model.cycleEnd(), -1);
+    round(model, 0, start.addSecs(1));
+    round(model, 0x400F0256, start.addSecs(2));
+    round(model, 0x400F0001, start.addSecs(3));
+    QCOMPARE(model.cycleEnd(), -1);
+    QVERIFY(!model.isNotReached(2));
 }
 
 void TestHostWatchModel::keepsTheFirstTrouble_data()

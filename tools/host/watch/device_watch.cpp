@@ -1,0 +1,91 @@
+#include "tools/host/watch/device_watch.h"
+
+#include <QTimer>
+
+namespace tovik_host::watch {
+
+namespace {
+
+/// A table whose requests are slow is drawn in between.
+const int longest_without_drawing = 500;
+
+} // namespace
+
+DeviceWatch::DeviceWatch(driver::DeviceSetup& setup, driver::DeviceHost& host, WatchView& view,
+                         const WatchGoal& goal, bool tells_of_link)
+    : setup_(setup),
+      host_(host),
+      view_(view),
+      goal_(goal),
+      model_(setup.config.items, QDateTime::currentDateTime()),
+      tells_of_link_(tells_of_link)
+{}
+
+bool DeviceWatch::ended() const
+{
+    return time_is_up_ || goal_.isReached(model_) || setup_.context.unix_signals.endRequested() ||
+           setup_.context.out.broken();
+}
+
+void DeviceWatch::draw()
+{
+    view_.roundDone(model_, QDateTime::currentDateTime());
+    since_drawing_.start();
+}
+
+/// Once for each loss, however long it lasts.
+void DeviceWatch::tellOfLink(const driver::DeviceAnswer& answer)
+{
+    const bool is_lost = !answer.link_problem.isEmpty();
+    if (is_lost == link_is_lost_)
+        return;
+    link_is_lost_ = is_lost;
+    const QString news = is_lost ? QStringLiteral("link lost: %1; trying again until it is back")
+                                       .arg(answer.link_problem)
+                                 : QStringLiteral("link is back");
+    setup_.context.log.take(QStringLiteral("[tovik-host] ") + news);
+    if (tells_of_link_)
+        setup_.complainOfLink(news);
+}
+
+void DeviceWatch::readRound()
+{
+    for (int i = 0; i < model_.items().size(); ++i) {
+        const driver::DeviceAnswer answer = host_.readAgain(model_.items().at(i).item);
+        if (ended())
+            return;
+        tellOfLink(answer);
+        if (model_.take(i, answer.answer, QDateTime::currentDateTime()))
+            view_.valueChanged(model_.items().at(i));
+        if (since_drawing_.hasExpired(longest_without_drawing))
+            draw();
+    }
+    if (model_.endRound(QDateTime::currentDateTime()))
+        view_.statusChanged(model_);
+    draw();
+}
+
+void DeviceWatch::run(double seconds, int interval)
+{
+    QObject context;
+    QObject::connect(&setup_.context.unix_signals, &terminal::UnixSignals::terminalResized,
+                     &context, [this] { draw(); });
+    if (seconds > 0) {
+        QTimer::singleShot(int(seconds * 1000), &context, [this] {
+            time_is_up_ = true;
+            host_.stop();
+        });
+    }
+    since_drawing_.start();
+    while (!ended()) {
+        QElapsedTimer elapsed;
+        elapsed.start();
+        readRound();
+        if (!ended()) {
+            terminal::waitUntil(setup_.context.unix_signals, interval - int(elapsed.elapsed()),
+                                [this] { return ended(); });
+        }
+    }
+}
+
+} // namespace tovik_host::watch

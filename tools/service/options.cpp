@@ -2,10 +2,12 @@
 
 #include "tools/service/control/control_guard.h"
 #include "tools/service/faults/fault.h"
+#include "tools/service/settings.h"
 
 #include <CLI/CLI.hpp>
 
 #include <cerrno>
+#include <filesystem>
 #include <iostream>
 #include <stdexcept>
 #include <system_error>
@@ -161,6 +163,7 @@ ParsedOptions parseOptions(int count, char** arguments)
     app.set_version_flag("--version", "tovik-cloud " TOVIK_VERSION);
     app.add_flag("--check", options.check_only, "Only check the project file");
     app.add_flag("--list-faults", list_faults, "Explain the faults and exit");
+    addSettings(app);
     addNetworkOptions(app, options);
     addControlOptions(app, options);
     addTlsOptions(app, options);
@@ -169,6 +172,10 @@ ParsedOptions parseOptions(int count, char** arguments)
     app.footer("\n" + faults::faultHelp() +
                "\nExit codes: 0 success, 1 failure at run time, 2 wrong usage or "
                "project file.");
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return std::string("tovik-cloud: ") + error.what() +
+               "\nRun with --help for more information.\n";
+    });
     try {
         app.parse(count, arguments);
     } catch (const CLI::ParseError& error) {
@@ -176,8 +183,10 @@ ParsedOptions parseOptions(int count, char** arguments)
         requireOutput();
         return parsed;
     }
-    if (list_faults) {
-        std::cout << faults::faultHelp();
+    const bool asks_for_help =
+        options.project_file == "help" && !std::filesystem::exists(options.project_file);
+    if (list_faults || asks_for_help) {
+        std::cout << (list_faults ? faults::faultHelp() : app.help());
         requireOutput();
         parsed.exit_code = exit_success;
         return parsed;

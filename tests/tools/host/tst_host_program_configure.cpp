@@ -149,11 +149,13 @@ void TestHostProgramConfigure::saysWhatMatchedNothing()
     ServiceRun run(cloud_.port());
     const QString output = run.file(QStringLiteral("out.json"));
     QCOMPARE(run.command({QStringLiteral("configure"), QStringLiteral("Pump/*"),
-                          QStringLiteral("x?"), QStringLiteral("--output"), output}),
+                          QStringLiteral("x?"), QStringLiteral("Boilr/*"),
+                          QStringLiteral("boiler/Status wrd"), QStringLiteral("--output"), output}),
              1);
     QCOMPARE(run.host().errors(),
              QStringLiteral("tovik-host: nothing is chosen of 47 items; nothing in the catalogue "
-                            "matches \"Pump/*\", \"x?\"\n"));
+                            "matches \"Pump/*\", \"x?\", \"Boilr/*\" (Boiler/*?), "
+                            "\"boiler/Status wrd\" (Boiler/Status word?)\n"));
     QVERIFY(!QFile::exists(output));
 }
 
@@ -177,6 +179,10 @@ void TestHostProgramConfigure::leavesFilesAlone_data()
     row("no catalogue",
         {force, QStringLiteral("*"), QStringLiteral("--catalogue"), QStringLiteral("/none")}, 2,
         "cannot read the catalogue \"/none\"");
+    row("a configuration for a catalogue",
+        {force, QStringLiteral("*"), QStringLiteral("--catalogue"),
+         QStringLiteral(TOVIK_EXAMPLES "/plant/watch.json")},
+        2, "watch.json:1: is a configuration, and a catalogue is wanted");
 }
 
 void TestHostProgramConfigure::leavesFilesAlone()

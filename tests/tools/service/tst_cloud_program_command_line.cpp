@@ -12,6 +12,8 @@ class TestCloudProgramCommandLine : public QObject
 private slots:
     void exitsWith_data();
     void exitsWith();
+    void takesSettings_data();
+    void takesSettings();
     void fullDisk_data();
     void fullDisk();
     void namesPlaceInBadProject();
@@ -52,6 +54,7 @@ void TestCloudProgramCommandLine::exitsWith_data()
         QTest::newRow(title) << QString::fromUtf8(arguments) << code << QString::fromUtf8(text);
     };
     row("help", "--help", 0, "wrong-host");
+    row("help without dashes", "help", 0, "wrong-host");
     row("list of faults", "--list-faults", 0, "connection reset before any reply");
     row("check of a good project", "--check PROJECT", 0, "good");
     row("version", "--version", 0, "tovik-cloud 1.");
@@ -59,6 +62,8 @@ void TestCloudProgramCommandLine::exitsWith_data()
         "the plant has no item \"boiler-flwo\"; boiler-flow?");
     row("no project", "", 2, "the project file is missing");
     row("project that does not exist", "/nonexistent.json", 2, "cannot read the project file");
+    row("configuration of the host tool", "CONFIGURATION", 2,
+        "watch.json: is a configuration of tovik-host, and a project file is wanted");
     row("unknown option", "--colour PROJECT", 2, "--colour");
     row("port out of range", "--port 70000 PROJECT", 2, "70000");
     row("unknown TLS version", "--tls 1.1 PROJECT", 2, "1.1");
@@ -94,9 +99,63 @@ void TestCloudProgramCommandLine::exitsWith()
     QFETCH(int, code);
     QFETCH(QString, text);
     arguments.replace(QStringLiteral("PROJECT"), CloudProcess::exampleProject());
+    arguments.replace(QStringLiteral("CONFIGURATION"),
+                      CloudProcess::exampleProject().replace(QLatin1String("plant.json"),
+                                                             QLatin1String("watch.json")));
     QStringList list = arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts);
     list.replaceInStrings(QStringLiteral("NOTHING"), QString());
     const Outcome outcome = run(list);
+    const QString& where = code == 0 ? outcome.output : outcome.errors;
+    QVERIFY2(where.contains(text), qPrintable(where));
+    QCOMPARE(outcome.exit_code, code);
+    QVERIFY2(code == 0 || outcome.errors.startsWith(QStringLiteral("tovik-cloud: ")) ||
+                 outcome.errors.startsWith(QStringLiteral("20")), // the log's lines have a date
+             qPrintable(outcome.errors));
+}
+
+void TestCloudProgramCommandLine::takesSettings_data()
+{
+    QTest::addColumn<QByteArray>("settings");
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char* title, const char* settings, const char* arguments, int code,
+                        const char* text) {
+        QTest::newRow(title) << QByteArray(settings) << QString::fromUtf8(arguments) << code
+                             << QString::fromUtf8(text);
+    };
+    row("number", "{\"port\": 70000}", "PROJECT", 2, "--port: Value 70000 not in range");
+    row("what the line says, it says", "{\"port\": 70000}", "--port 70001 PROJECT", 2, "70001");
+    row("switch", "{\"list-faults\": true}", "PROJECT", 0, "connection reset before any reply");
+    row("switched off", "{\"list-faults\": false, \"check\": true}", "PROJECT", 0, "good");
+    row("list", "{\"fault\": [\"reset\", \"hang:often=1\"]}", "PROJECT", 2,
+        "hang takes no key \"often\"");
+    row("two that exclude each other", "{\"http\": true}", "--tls 1.2 PROJECT", 2,
+        "--http excludes --tls");
+    row("unknown option", "{\"colour\": 1}", "PROJECT", 2, "settings: no option \"colour\"");
+    row("value of another kind", "{\"port\": {}}", "PROJECT", 2,
+        "settings: port must be a text, a number, true, false or a list of texts");
+    row("list of numbers", "{\"fault\": [1]}", "PROJECT", 2, "settings: fault must be a text");
+    row("no object", "[", "PROJECT", 2, "settings: the file is no JSON object");
+    row("file that is not there", "{}", "--settings /nonexistent PROJECT", 2, "/nonexistent");
+}
+
+void TestCloudProgramCommandLine::takesSettings()
+{
+    QFETCH(QByteArray, settings);
+    QFETCH(QString, arguments);
+    QFETCH(int, code);
+    QFETCH(QString, text);
+    const QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("tovik")));
+    QFile file(folder.filePath(QStringLiteral("tovik/tovik-cloud.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(settings);
+    file.close();
+    arguments.replace(QStringLiteral("PROJECT"), CloudProcess::exampleProject());
+    qputenv("XDG_CONFIG_HOME", folder.path().toUtf8());
+    const Outcome outcome = run(arguments.split(QLatin1Char(' ')));
+    qunsetenv("XDG_CONFIG_HOME");
     const QString& where = code == 0 ? outcome.output : outcome.errors;
     QVERIFY2(where.contains(text), qPrintable(where));
     QCOMPARE(outcome.exit_code, code);

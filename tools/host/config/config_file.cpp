@@ -93,6 +93,9 @@ LoadedConfig loadConfig(const QString& path, Password password)
 {
     const JsonFile file = readJson(path);
     const JsonPlace root(file);
+    if (root.has("accounts"))
+        root.fail(
+            QStringLiteral("is a project file of tovik-cloud, and a configuration is wanted"));
     if (root.has("groups")) {
         root.fail(QStringLiteral("is a catalogue, and a configuration is wanted, such as "
                                  "tovik-host configure --catalogue makes of it"));

@@ -97,6 +97,17 @@ QString typeNamed(const QString& name)
     return name;
 }
 
+/// What nobody is called, with what it may stand for: an item, or the items of a group.
+QString missingText(const QString& text, const QVector<OfferedItem>& offered)
+{
+    QStringList names;
+    for (const OfferedItem& item : offered)
+        names << item.path() << item.item.name << item.item.id << item.group + QLatin1String("/*");
+    const QString near = terminal::nearText(text, names);
+    const QString quoted = QStringLiteral("\"%1\"").arg(text);
+    return near.isEmpty() ? quoted : quoted + QStringLiteral(" (%1)").arg(near.mid(2));
+}
+
 } // namespace
 
 QVector<OfferedItem> offeredItems(const Catalogue& catalogue)
@@ -170,11 +181,10 @@ FilteredItems filterItems(const QVector<OfferedItem>& offered, const ItemFilter&
             (is_of_type || types.words.isEmpty()))
             result.items << item;
     }
-    const auto report = [&result](const auto& words, const QString& start, auto text_of) {
+    const auto report = [&](const auto& words, const QString& start, auto text_of) {
         for (int i = 0; i < words.words.size(); ++i) {
             if (!words.met.at(i))
-                result.without_match
-                    << start + QStringLiteral("\"%1\"").arg(text_of(words.words.at(i)));
+                result.without_match << start + missingText(text_of(words.words.at(i)), offered);
         }
     };
     const auto text_of_pattern = [](const ItemPattern& pattern) { return pattern.text(); };

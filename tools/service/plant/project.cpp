@@ -84,6 +84,8 @@ Project parseProject(const std::string& text)
     } catch (const Json::parse_error& error) {
         failSyntax(text, error.byte);
     }
+    if (root.is_object() && root.contains("items") && !root.contains("groups"))
+        throw ProjectError("is a configuration of tovik-host, and a project file is wanted");
     const JsonReader reader(root, "$");
     reader.allowOnly({"accounts", "groups"});
     Project project;

@@ -140,6 +140,8 @@ void TestHostConfigFile::namesPlaceOfError_data()
         "\"password\", or set TOVIK_PASSWORD");
     row("number beyond a double", "{\n\"x\": 1e999}",
         "c.json:2: not valid JSON: a number is beyond what a double holds");
+    row("a project file of the service", "{\"accounts\": [], \"groups\": []}",
+        "c.json:1: is a project file of tovik-cloud, and a configuration is wanted");
     row("a catalogue", "{\"service\": {}, \"groups\": []}",
         "c.json:1: is a catalogue, and a configuration is wanted");
     row("no project", withService("{\"email\": \"e\"}"),

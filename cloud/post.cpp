@@ -1,6 +1,6 @@
 #include "cloud/post.h"
 
-#include "cloud/request_trace.h"
+#include "cloud/trace/request_trace.h"
 #include "compat/whole_post.h"
 
 #include <QDebug>

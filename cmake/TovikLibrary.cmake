@@ -36,8 +36,8 @@ set(TOVIK_CLIENT_SOURCES
   cloud/monitor_data_item.h
   cloud/post.h cloud/post.cpp
   cloud/reconnect_timer.h cloud/reconnect_timer.cpp
-  cloud/request_trace.h cloud/request_trace.cpp
-  cloud/secrets.h cloud/secrets.cpp
+  cloud/trace/request_trace.h cloud/trace/request_trace.cpp
+  cloud/trace/secrets.h cloud/trace/secrets.cpp
   cloud/service_message.h cloud/service_message.cpp
   cloud/tovik_iot.h cloud/tovik_iot.cpp
   cloud/write_queue.h cloud/write_queue.cpp

@@ -1,5 +1,5 @@
-#ifndef CLOUD_REQUEST_TRACE_H
-#define CLOUD_REQUEST_TRACE_H
+#ifndef CLOUD_TRACE_REQUEST_TRACE_H
+#define CLOUD_TRACE_REQUEST_TRACE_H
 
 #include "compat/new_sockets.h"
 #include "interface/traffic.h"

@@ -1,4 +1,4 @@
-#include "cloud/secrets.h"
+#include "cloud/trace/secrets.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
-#include "cloud/request_trace.h"
+#include "cloud/trace/request_trace.h"
 
-#include "cloud/secrets.h"
+#include "cloud/trace/secrets.h"
 #include "compat/tls_session.h"
 
 #include <QNetworkReply>

@@ -1,5 +1,5 @@
-#ifndef CLOUD_SECRETS_H
-#define CLOUD_SECRETS_H
+#ifndef CLOUD_TRACE_SECRETS_H
+#define CLOUD_TRACE_SECRETS_H
 
 #include <QByteArray>
 #include <QList>

@@ -6,23 +6,42 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-TcpFarEnd::TcpFarEnd() : listener_(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0))
+TcpFarEnd::TcpFarEnd(quint32 address) : address_(address)
 {
+    TcpFarEnd::comeBack();
+}
+
+TcpFarEnd::~TcpFarEnd()
+{
+    TcpFarEnd::hangUp();
+    TcpFarEnd::leave();
+}
+
+void TcpFarEnd::leave()
+{
+    if (listener_ >= 0)
+        close(listener_);
+    listener_ = -1;
+}
+
+/// On the port of the first time.
+void TcpFarEnd::comeBack()
+{
+    if (listener_ >= 0)
+        return;
+    listener_ = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    const int yes = 1; // connections that it has ended do not keep the port
+    setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_addr.s_addr = htonl(address_);
+    address.sin_port = htons(port_);
     auto* generic = reinterpret_cast<sockaddr*>(&address);
     socklen_t size = sizeof(address);
     if (bind(listener_, generic, size) != 0 || listen(listener_, 5) != 0 ||
         getsockname(listener_, generic, &size) != 0)
         qFatal("cannot listen on the loopback interface");
     port_ = ntohs(address.sin_port);
-}
-
-TcpFarEnd::~TcpFarEnd()
-{
-    TcpFarEnd::hangUp();
-    close(listener_);
 }
 
 void TcpFarEnd::acceptConnection()

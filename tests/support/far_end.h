@@ -13,6 +13,7 @@ public:
     virtual QByteArray receive() = 0;
     virtual void send(const QByteArray& bytes) = 0;
     virtual void hangUp() = 0;
+    virtual void leave() {}
     virtual void comeBack() {}
     virtual quint16 port() const { return 0; }
     virtual QString portName() const { return QString(); }
@@ -20,16 +21,18 @@ public:
     virtual int connections() const { return 0; }
 };
 
-/// Listens on a free port of the loopback interface; one connection at a time, the latest.
+/// Listens on a free port; one connection at a time, the latest.
 class TcpFarEnd : public ScriptedDevice::FarEnd
 {
 public:
-    TcpFarEnd();
+    explicit TcpFarEnd(quint32 address);
     ~TcpFarEnd() override;
 
     QByteArray receive() override;
     void send(const QByteArray& bytes) override;
     void hangUp() override;
+    void leave() override;
+    void comeBack() override;
     quint16 port() const override { return port_; }
     int connections() const override { return connections_; }
 
@@ -38,7 +41,8 @@ private:
 
     void acceptConnection();
 
-    int listener_;
+    const quint32 address_;
+    int listener_ = -1;
     int connection_ = -1;
     int connections_ = 0;
     quint16 port_ = 0;

@@ -23,12 +23,12 @@ bool becomesTrue(Condition condition)
 
 } // namespace
 
-ScriptedDevice::ScriptedDevice(Line line, const Framing& framing)
+ScriptedDevice::ScriptedDevice(Line line, const Framing& framing, quint32 address)
     : framing_(framing),
       behaviours_{Behaviour()}
 {
     if (line == Line::Tcp)
-        far_end_.reset(new TcpFarEnd);
+        far_end_.reset(new TcpFarEnd(address));
     else
         far_end_.reset(new PtyFarEnd);
     thread_ = std::thread([this] { run(); });
@@ -89,6 +89,13 @@ void ScriptedDevice::hangUpLocked()
     ++hang_ups_;
 }
 
+void ScriptedDevice::leave()
+{
+    const QMutexLocker locker(&mutex_);
+    hangUpLocked();
+    far_end_->leave();
+}
+
 bool ScriptedDevice::hasHungUp() const
 {
     const QMutexLocker locker(&mutex_);
@@ -119,12 +126,15 @@ bool ScriptedDevice::waitForReceived(int size) const
     return becomesTrue([&] { return received().size() >= size; });
 }
 
+int ScriptedDevice::connections() const
+{
+    const QMutexLocker locker(&mutex_);
+    return far_end_->connections();
+}
+
 bool ScriptedDevice::waitForConnections(int count) const
 {
-    return becomesTrue([&] {
-        const QMutexLocker locker(&mutex_);
-        return far_end_->connections() >= count;
-    });
+    return becomesTrue([&] { return connections() >= count; });
 }
 
 void ScriptedDevice::waitUntilServed(int requests)

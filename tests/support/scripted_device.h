@@ -28,7 +28,7 @@ class ScriptedDevice
 public:
     enum class Line
     {
-        Tcp, ///< On a free port of the loopback interface; one connection at a time, the latest.
+        Tcp, ///< On a free port; one connection at a time, the latest.
         Pty
     };
 
@@ -37,7 +37,8 @@ public:
     /// What to do about a request; called in the device's thread. None does nothing.
     using Behaviour = std::function<QList<DeviceStep>(const QByteArray& request)>;
 
-    ScriptedDevice(Line line, const Framing& framing);
+    /// \param address one of the machine's own, where TCP listens
+    ScriptedDevice(Line line, const Framing& framing, quint32 address = 0x7F000001);
     ~ScriptedDevice();
 
     /// Where to connect to; 0 on a pseudo terminal.
@@ -56,9 +57,11 @@ public:
     /// Ends the connection, and whatever is being sent; a pseudo terminal stays so until it comes
     /// back.
     void hangUp();
+    /// Hangs up, and cannot be reached any more.
+    void leave();
     /// Whether it has hung up, and not come back.
     bool hasHungUp() const;
-    /// Can be reached again after it has hung up; under another name on a pseudo terminal.
+    /// Can be reached again: on the same port, or a pseudo terminal of another name.
     void comeBack();
 
     /// All that has been received.
@@ -67,6 +70,7 @@ public:
     QList<QByteArray> requests() const;
     /// Waits until at least so much has been received.
     bool waitForReceived(int size) const;
+    int connections() const;
     /// Waits until the other side of a new connection can be spoken to.
     bool waitForConnections(int count) const;
     /// Waits until everything that was to be done about so many requests has been done.

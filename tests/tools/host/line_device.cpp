@@ -1,140 +1,94 @@
 #include "tests/tools/host/line_device.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QHostAddress>
-#include <QTcpSocket>
+
+#include <unistd.h>
 
 namespace {
 
 /// An address of the machine itself that only this process uses: so the port stays ours while the
 /// device is away.
-QHostAddress ownAddress()
+quint32 ownAddress()
 {
-    const quint32 process = quint32(QCoreApplication::applicationPid());
-    return QHostAddress((127U << 24) | (1U << 23) | ((process & 0x3FFFFF) << 1) | 1);
+    return (127U << 24) | (1U << 23) | ((quint32(::getpid()) & 0x3FFFFF) << 1) | 1;
 }
 
-const int look_milliseconds = 2;
+int lineIn(const QByteArray& input)
+{
+    return input.indexOf('\n') + 1;
+}
 
 } // namespace
 
-QByteArray LineDevice::answerTo(const QByteArray& bytes)
+LineDevice::LineDevice(ScriptedDevice::Line line) : device_(line, lineIn, ownAddress())
 {
-    QByteArray answer;
-    pending_ += bytes;
-    for (int end = pending_.indexOf('\n'); end >= 0; end = pending_.indexOf('\n')) {
-        const QByteArray line = pending_.left(end);
-        pending_.remove(0, end + 1);
-        lines_ << line;
-        answer += answerToLine(line);
-    }
-    return answer;
+    device_.setBehaviour([this](const QByteArray& request) {
+        return QList<DeviceStep>{answerTo(request.chopped(1))};
+    });
+    showPort();
 }
 
-QByteArray LineDevice::answerToLine(const QByteArray& line)
+DeviceStep LineDevice::answerTo(const QByteArray& line)
 {
     if (line.startsWith('x'))
-        return line.mid(1);
+        return {line.mid(1)};
     const QList<QByteArray> words = line.split(' ');
     const int length = words.value(3).toInt();
     const QByteArray address = words.value(6);
     const QByteArray argument = QByteArray::fromHex(address.mid(address.indexOf(':') + 1));
-    if (address == "close")
-        hangUp();
     if (address == "silent" || address == "close")
-        return QByteArray();
+        return {QByteArray(), 0, address == "close"};
     if (words.first() == "w") {
         memory_[address] = QByteArray::fromHex(words.value(7));
-        return "ok";
+        return {"ok"};
     }
     if (address.startsWith("hex:"))
-        return argument;
+        return {argument};
     if (address.startsWith("long:"))
-        return argument + '\0';
+        return {argument + '\0'};
     if (address == "params")
-        return words.mid(1, 5).join(' ').leftJustified(length, '\0');
-    return memory_.value(address, QByteArray(length, '\0'));
-}
-
-TcpLineDevice::TcpLineDevice()
-{
-    connect(&server_, &QTcpServer::newConnection, this, &TcpLineDevice::onConnection);
-    comeBack();
-    port_ = server_.serverPort();
-}
-
-QString TcpLineDevice::link() const
-{
-    return QStringLiteral("tcp:%1:%2").arg(ownAddress().toString()).arg(port_);
-}
-
-void TcpLineDevice::leave()
-{
-    server_.close();
-    hangUp();
-}
-
-void TcpLineDevice::comeBack()
-{
-    if (!server_.listen(ownAddress(), port_))
-        qFatal("cannot listen: %s", qPrintable(server_.errorString()));
-}
-
-void TcpLineDevice::hangUp()
-{
-    for (QTcpSocket* socket : findChildren<QTcpSocket*>())
-        socket->disconnectFromHost();
-}
-
-void TcpLineDevice::onConnection()
-{
-    while (QTcpSocket* socket = server_.nextPendingConnection()) {
-        ++connections_;
-        socket->setParent(this);
-        connect(socket, &QTcpSocket::readyRead, this,
-                [this, socket] { socket->write(answerTo(socket->readAll())); });
-        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-    }
-}
-
-SerialLineDevice::SerialLineDevice()
-{
-    connect(&timer_, &QTimer::timeout, this, &SerialLineDevice::look);
-    timer_.start(look_milliseconds);
-    comeBack();
+        return {words.mid(1, 5).join(' ').leftJustified(length, '\0')};
+    return {memory_.value(address, QByteArray(length, '\0'))};
 }
 
 /// A link to the pty, whose own name changes each time.
-QString SerialLineDevice::path() const
+QString LineDevice::path() const
 {
     return folder_.filePath(QStringLiteral("port"));
 }
 
-QString SerialLineDevice::link() const
+void LineDevice::showPort()
 {
-    return QStringLiteral("serial:%1,115200,8N1").arg(path());
+    if (device_.port() == 0 && !QFile::link(device_.portName(), path()))
+        qFatal("cannot make a link to a pseudo terminal");
 }
 
-void SerialLineDevice::leave()
+QString LineDevice::link() const
+{
+    return device_.port() == 0 ? QStringLiteral("serial:%1,115200,8N1").arg(path())
+                               : QStringLiteral("tcp:%1:%2")
+                                     .arg(QHostAddress(ownAddress()).toString())
+                                     .arg(device_.port());
+}
+
+void LineDevice::leave()
 {
     // In this order: a free pty's name may be somebody else's the next moment.
     QFile::remove(path());
-    pty_.reset();
+    device_.leave();
 }
 
-void SerialLineDevice::comeBack()
+void LineDevice::comeBack()
 {
-    pty_ = std::make_unique<Pty>();
-    if (!pty_->isValid() || !QFile::link(pty_->portName(), path()))
-        qFatal("cannot make a pseudo terminal");
+    device_.comeBack();
+    showPort();
 }
 
-void SerialLineDevice::look()
+QList<QByteArray> LineDevice::lines() const
 {
-    if (!pty_)
-        return;
-    const QByteArray answer = answerTo(pty_->take());
-    if (!answer.isEmpty())
-        pty_->send(answer);
+    QList<QByteArray> lines;
+    for (const QByteArray& request : device_.requests())
+        lines << request.chopped(1);
+    return lines;
 }

@@ -1,20 +1,12 @@
 #ifndef TESTS_TOOLS_HOST_LINE_DEVICE_H
 #define TESTS_TOOLS_HOST_LINE_DEVICE_H
 
-#include "tests/support/pty.h"
+#include "tests/support/scripted_device.h"
 
-#include <QList>
 #include <QMap>
-#include <QObject>
-#include <QTcpServer>
 #include <QTemporaryDir>
-#include <QTimer>
 
-#include <memory>
-
-class QTcpSocket;
-
-/// A device for the echo driver, which lives in the test's own event loop.
+/// A device for the echo driver.
 ///
 /// It answers the driver's lines by their address:
 ///   "hex:0500"     these bytes
@@ -24,78 +16,29 @@ class QTcpSocket;
 ///   "close"        nothing, and it hangs up
 ///   others         the bytes that were written there last, or zeros
 /// and a line that begins with "x" by the rest of it.
-class LineDevice : public QObject
+class LineDevice
 {
-    Q_OBJECT
-
 public:
-    /// The argument of --link.
-    virtual QString link() const = 0;
+    explicit LineDevice(ScriptedDevice::Line line = ScriptedDevice::Line::Tcp);
+
+    /// The argument of --link; the same after it has come back.
+    QString link() const;
     /// Goes away, as a device that is switched off.
-    virtual void leave() = 0;
+    void leave();
     /// Comes back at the same place.
-    virtual void comeBack() = 0;
+    void comeBack();
     /// All lines that have come.
-    const QList<QByteArray>& lines() const { return lines_; }
-
-protected:
-    /// Takes what has come, and returns what is to be sent.
-    QByteArray answerTo(const QByteArray& bytes);
-    virtual void hangUp() {}
-
-private:
-    QByteArray answerToLine(const QByteArray& line);
-
-    QByteArray pending_;
-    QList<QByteArray> lines_;
-    QMap<QByteArray, QByteArray> memory_;
-};
-
-/// The device behind a TCP port.
-class TcpLineDevice : public LineDevice
-{
-    Q_OBJECT
-
-public:
-    TcpLineDevice();
-
-    QString link() const override;
-    void leave() override;
-    void comeBack() override;
-    /// Closes the connections and goes on listening.
-    void hangUp() override;
-    int connections() const { return connections_; }
-
-private Q_SLOTS:
-    void onConnection();
-
-private:
-    QTcpServer server_;
-    quint16 port_ = 0;
-    int connections_ = 0;
-};
-
-/// The device on a serial line.
-class SerialLineDevice : public LineDevice
-{
-    Q_OBJECT
-
-public:
-    SerialLineDevice();
-
-    QString link() const override;
-    void leave() override;
-    void comeBack() override;
-
-private Q_SLOTS:
-    void look();
+    QList<QByteArray> lines() const;
+    int connections() const { return device_.connections(); }
 
 private:
     QString path() const;
+    void showPort();
+    DeviceStep answerTo(const QByteArray& line);
 
-    QTemporaryDir folder_;
-    std::unique_ptr<Pty> pty_;
-    QTimer timer_;
+    const QTemporaryDir folder_;
+    QMap<QByteArray, QByteArray> memory_; ///< The device's thread alone knows it.
+    ScriptedDevice device_;
 };
 
 #endif

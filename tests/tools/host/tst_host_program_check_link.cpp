@@ -68,7 +68,7 @@ void TestHostProgramCheckLink::walks()
 {
     QFETCH(QStringList, arguments);
     QFETCH(int, code);
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("check --json") + arguments), code);
     QTEST(judgements(host), "steps");
@@ -76,7 +76,7 @@ void TestHostProgramCheckLink::walks()
 
 void TestHostProgramCheckLink::linkThatIsDown()
 {
-    TcpLineDevice device;
+    LineDevice device;
     const QStringList arguments = onDevice(words("check hex:0500 --json"), device);
     device.leave();
     HostProcess host;
@@ -89,7 +89,7 @@ void TestHostProgramCheckLink::linkThatIsDown()
 
 void TestHostProgramCheckLink::printsAVerdict()
 {
-    SerialLineDevice device;
+    LineDevice device(ScriptedDevice::Line::Pty);
     HostProcess host;
     QCOMPARE(runOn(host, device, words("check hex:0500")), 0);
     QVERIFY2(host.output().contains(QLatin1String("a character takes 0.1 ms")),
@@ -100,7 +100,7 @@ void TestHostProgramCheckLink::printsAVerdict()
 
 void TestHostProgramCheckLink::needsAnAddress()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("check")), 2);
     QVERIFY(host.errors().contains(QLatin1String("name an address")));
@@ -108,7 +108,7 @@ void TestHostProgramCheckLink::needsAnAddress()
 
 void TestHostProgramCheckLink::hasATrace()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("check hex:0500 --trace")), 0);
     QCOMPARE(host.errors().count(QLatin1String(" >> ")), 5); // one item, as often as times need

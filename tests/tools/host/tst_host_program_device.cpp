@@ -32,7 +32,7 @@ private Q_SLOTS:
 
 void TestHostProgramDevice::reads()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device,
                    words("read hex:ffff hex:feff=16Bit-INT hex:0000c03f=32Bit-FLOAT hex:01=Bit")),
@@ -49,7 +49,7 @@ void TestHostProgramDevice::reads()
 
 void TestHostProgramDevice::readsJson()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("read hex:0500 code:400B0102 --json")), 1);
     const QVector<nlohmann::json> lines = host.outputJson();
@@ -67,7 +67,7 @@ void TestHostProgramDevice::readsJson()
 
 void TestHostProgramDevice::readsManyElementsInOneRequest()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("read hex:01000200feff=16Bit-INT --elements 3")), 0);
     QCOMPARE(host.output(), QStringLiteral("hex:01000200feff = 1 2 -2\n"));
@@ -81,7 +81,7 @@ void TestHostProgramDevice::readsManyElementsInOneRequest()
 
 void TestHostProgramDevice::writesManyElementsInOneRequest()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     const QStringList three{QStringLiteral("write"), QStringLiteral("a"),
                             QStringLiteral("1 2 65535"), QStringLiteral("--elements"),
@@ -109,7 +109,7 @@ void TestHostProgramDevice::refusesElementsThatAreNone()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, problem);
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, arguments), 2);
     QVERIFY2(host.errors().contains(problem), qPrintable(host.errors()));
@@ -118,7 +118,7 @@ void TestHostProgramDevice::refusesElementsThatAreNone()
 
 void TestHostProgramDevice::readsItemsOfAFile()
 {
-    TcpLineDevice device;
+    LineDevice device;
     QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("device.json")));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -140,7 +140,7 @@ void TestHostProgramDevice::readsItemsOfAFile()
 
 void TestHostProgramDevice::readsOnASerialLine()
 {
-    SerialLineDevice device;
+    LineDevice device(ScriptedDevice::Line::Pty);
     HostProcess host;
     QCOMPARE(runOn(host, device, words("read hex:0500")), 0);
     QCOMPARE(host.output(), QStringLiteral("hex:0500 = 5\n"));
@@ -180,7 +180,7 @@ void TestHostProgramDevice::explainsMissingValues()
     QStringList arguments = {QStringLiteral("read"), address};
     if (address == QLatin1String("silent"))
         arguments += words("--response-timeout 50");
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, arguments), 1);
     QCOMPARE(host.output(), QString());
@@ -191,7 +191,7 @@ void TestHostProgramDevice::explainsMissingValues()
 
 void TestHostProgramDevice::repeats()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("read silent --response-timeout 20 --retries 2")), 1);
     QTRY_COMPARE_WITH_TIMEOUT(device.lines().size(), 3, 50000);
@@ -199,7 +199,7 @@ void TestHostProgramDevice::repeats()
 
 void TestHostProgramDevice::printsWhatCameBesideErrors()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("read hex:0500 code:5 hex:0600")), 1);
     QCOMPARE(host.output(), QStringLiteral("hex:0500 = 5\nhex:0600 = 6\n"));
@@ -228,7 +228,7 @@ void TestHostProgramDevice::writes()
     QFETCH(QStringList, arguments);
     QFETCH(QString, output);
     QFETCH(QByteArray, line);
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, arguments), 0);
     QCOMPARE(host.output(), output + QStringLiteral("  written\n"));
@@ -257,7 +257,7 @@ void TestHostProgramDevice::explainsFailedWrites()
     QFETCH(QStringList, arguments);
     QFETCH(int, exit_code);
     QFETCH(QString, message);
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, arguments), exit_code);
     QCOMPARE(host.output(), QString());
@@ -277,7 +277,7 @@ void TestHostProgramDevice::saysThatTheLinkDoesNotOpen_data()
 void TestHostProgramDevice::saysThatTheLinkDoesNotOpen()
 {
     QFETCH(QStringList, arguments);
-    TcpLineDevice device;
+    LineDevice device;
     device.leave();
     HostProcess host;
     QCOMPARE(runOn(host, device, arguments), 1);
@@ -289,7 +289,7 @@ void TestHostProgramDevice::saysThatTheLinkDoesNotOpen()
 
 void TestHostProgramDevice::endsOnSignal()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     host.startBare(onDevice({QStringLiteral("read"), QStringLiteral("silent"),
                              QStringLiteral("hex:0500"), QStringLiteral("--response-timeout"),

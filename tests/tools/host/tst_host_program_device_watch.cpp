@@ -43,7 +43,7 @@ QStringList watch(const char* rest)
 
 void TestHostProgramDeviceWatch::printsALineForEveryChange()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     host.startBare(onDevice(watch("hex:0500 hex:01=Bit code:400B0101"), device));
     QVERIFY(waitForText(host, QStringLiteral("status:")));
@@ -61,7 +61,7 @@ void TestHostProgramDeviceWatch::printsALineForEveryChange()
 
 void TestHostProgramDeviceWatch::printsJson()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     host.startBare(onDevice(watch("hex:0500 unbuildable --json"), device));
     QVERIFY(waitForText(host, QStringLiteral("\"event\":\"status\"")));
@@ -80,7 +80,7 @@ void TestHostProgramDeviceWatch::printsJson()
 
 void TestHostProgramDeviceWatch::watchesTheItemsOfAFile()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("c.json")));
@@ -103,18 +103,14 @@ void TestHostProgramDeviceWatch::goesOnAfterALostDevice_data()
 void TestHostProgramDeviceWatch::goesOnAfterALostDevice()
 {
     QFETCH(bool, serial);
-    std::unique_ptr<LineDevice> device;
-    if (serial)
-        device = std::make_unique<SerialLineDevice>();
-    else
-        device = std::make_unique<TcpLineDevice>();
+    LineDevice device(serial ? ScriptedDevice::Line::Pty : ScriptedDevice::Line::Tcp);
     HostProcess host;
-    host.startBare(onDevice(watch("hex:0500 --verbose"), *device));
+    host.startBare(onDevice(watch("hex:0500 --verbose"), device));
     QVERIFY(waitForText(host, QStringLiteral("hex:0500 = 5  [05 00]  ok")));
-    device->leave();
+    device.leave();
     QVERIFY(waitForText(host, QStringLiteral("status: offline: no link to the device, or not "
                                              "supported (0x400CFFFF)")));
-    device->comeBack();
+    device.comeBack();
     QVERIFY(waitForText(host, QStringLiteral("status: ok")));
     host.sendSignal(SIGINT);
     QCOMPARE(waitForEnd(host), 0);
@@ -128,7 +124,7 @@ void TestHostProgramDeviceWatch::goesOnAfterALostDevice()
 
 void TestHostProgramDeviceWatch::tellsOfALossOnce()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     host.startBare(onDevice(watch("a b c d"), device));
     QVERIFY(waitForText(host, QStringLiteral("d = 0  [00 00]  ok")));
@@ -162,7 +158,7 @@ void TestHostProgramDeviceWatch::endsOnSignal()
 {
     QFETCH(QString, address);
     QFETCH(int, number);
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     host.startBare(onDevice({QStringLiteral("watch"), address, QStringLiteral("--response-timeout"),
                              QStringLiteral("600000"), QStringLiteral("--log"), host.logFile()},
@@ -176,7 +172,7 @@ void TestHostProgramDeviceWatch::endsOnSignal()
 
 void TestHostProgramDeviceWatch::endsAtItsTimeThoughTheDeviceIsSilent()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device,
                    words("watch silent --response-timeout 600000 --retries 100 --seconds 0.3")),
@@ -188,7 +184,7 @@ void TestHostProgramDeviceWatch::endsAtItsTimeThoughTheDeviceIsSilent()
 
 void TestHostProgramDeviceWatch::endsWhenNobodyReads()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QStringList arguments = onDevice(watch("a"), device);
     arguments.prepend(HostProcess::program());

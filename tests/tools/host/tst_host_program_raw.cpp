@@ -31,7 +31,7 @@ void TestHostProgramRaw::printsTheAnswer_data()
 void TestHostProgramRaw::printsTheAnswer()
 {
     QFETCH(QStringList, arguments);
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, arguments + words("--timeout 20")), 0);
     QCOMPARE(host.output(), QStringLiteral("01 ff 02\n"));
@@ -40,7 +40,7 @@ void TestHostProgramRaw::printsTheAnswer()
 
 void TestHostProgramRaw::worksOnASerialLine()
 {
-    SerialLineDevice device;
+    LineDevice device(ScriptedDevice::Line::Pty);
     HostProcess host;
     QCOMPARE(runOn(host, device, words("raw 78 01 FF 02 0A --timeout 20")), 0);
     QCOMPARE(host.output(), QStringLiteral("01 ff 02\n"));
@@ -48,7 +48,7 @@ void TestHostProgramRaw::worksOnASerialLine()
 
 void TestHostProgramRaw::printsJson()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("raw 78 01 0A --json --timeout 20")), 0);
     nlohmann::json line = host.outputJson().first();
@@ -66,7 +66,7 @@ void TestHostProgramRaw::printsJson()
 
 void TestHostProgramRaw::saysThatNothingCame()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("raw 01 02 --timeout 0.2")), 1);
     QCOMPARE(host.output(), QString());
@@ -78,7 +78,7 @@ void TestHostProgramRaw::saysThatNothingCame()
 
 void TestHostProgramRaw::needsMoreThanTheLibrarysDefault()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("raw 78 01 0A --response-timeout 10 --timeout 20")), 1);
     const QString errors = host.errors();
@@ -87,7 +87,7 @@ void TestHostProgramRaw::needsMoreThanTheLibrarysDefault()
 
 void TestHostProgramRaw::asksTheDriverWhetherItIsSupported()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     const QStringList arguments = words("raw 78 01 0A --link-param-a 1 --timeout 20");
     QCOMPARE(runOn(host, device, arguments), 1);
@@ -101,7 +101,7 @@ void TestHostProgramRaw::asksTheDriverWhetherItIsSupported()
 
 void TestHostProgramRaw::endsOnSignal()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     // Complete lines without an answer; the transparent mode has no flag that stops it.
     host.startBare(onDevice(words("raw 0A --response-timeout 1000"), device));

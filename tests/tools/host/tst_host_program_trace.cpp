@@ -58,7 +58,7 @@ void TestHostProgramTrace::ofADevice()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, arrows);
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     runOn(host, device, arguments + words("--trace"));
     const QString found = arrowsOf(host.errors());
@@ -73,7 +73,7 @@ void TestHostProgramTrace::appendsToAFile()
     const QString path = folder.filePath(QStringLiteral("trace"));
     const QStringList arguments{QStringLiteral("read"), QStringLiteral("--trace=") + path,
                                 QStringLiteral("hex:0500")};
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     for (int i = 0; i < 2; ++i) {
         QCOMPARE(runOn(host, device, arguments), 0);
@@ -87,7 +87,7 @@ void TestHostProgramTrace::appendsToAFile()
 
 void TestHostProgramTrace::needsAFileThatCanBeWritten()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("read a --trace=/no/such/folder/trace")), 2);
     QVERIFY(host.errors().contains(QLatin1String("/no/such/folder/trace")));

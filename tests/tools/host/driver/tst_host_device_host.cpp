@@ -82,9 +82,8 @@ void TestHostDeviceHost::addLinks()
 std::unique_ptr<LineDevice> TestHostDeviceHost::makeDevice() const
 {
     QFETCH(bool, serial);
-    if (serial)
-        return std::make_unique<SerialLineDevice>();
-    return std::make_unique<TcpLineDevice>();
+    return std::make_unique<LineDevice>(serial ? ScriptedDevice::Line::Pty
+                                               : ScriptedDevice::Line::Tcp);
 }
 
 /// With all the time that a slow machine may take.
@@ -116,7 +115,7 @@ void TestHostDeviceHost::readsAndWrites()
 
 void TestHostDeviceHost::handsOverEveryNumber()
 {
-    TcpLineDevice device;
+    LineDevice device;
     DeviceHost host(*plugin_, configFor(device), *unix_signals_);
     QCOMPARE(host.open(), QString());
     config::ItemConfig text = item("params", "String");
@@ -130,7 +129,7 @@ void TestHostDeviceHost::handsOverEveryNumber()
 
 void TestHostDeviceHost::handsOverNameAndSettings()
 {
-    TcpLineDevice device;
+    LineDevice device;
     DeviceConfig config = configFor(device);
     config.settings = {1, 20000, 3, 4, 5};
     config.unit = QStringLiteral("{A}");
@@ -146,7 +145,7 @@ void TestHostDeviceHost::saysWhyTheLinkDoesNotOpen_data()
 {
     QTest::addColumn<QString>("link");
     QTest::addColumn<QString>("problem");
-    TcpLineDevice device;
+    LineDevice device;
     device.leave();
     QTest::newRow("nobody listens") << device.link() << QStringLiteral("connection refused; is");
     QTest::newRow("no device") << QStringLiteral("serial:/no/such/port")
@@ -191,7 +190,7 @@ void TestHostDeviceHost::opensALostLinkBeforeTheNextRequest()
 
 void TestHostDeviceHost::saysThatTheLinkWentDuringTheRequest()
 {
-    TcpLineDevice device;
+    LineDevice device;
     DeviceHost host(*plugin_, configFor(device), *unix_signals_);
     QCOMPARE(host.open(), QString());
     const DeviceAnswer answer = host.read(item("close"));
@@ -217,7 +216,7 @@ void TestHostDeviceHost::comesBackWithoutWaiting()
 
 void TestHostDeviceHost::stopEndsARequestAtOnce()
 {
-    TcpLineDevice device;
+    LineDevice device;
     DeviceHost host(*plugin_, configFor(device), *unix_signals_);
     QCOMPARE(host.open(), QString());
     QTimer timer;
@@ -234,7 +233,7 @@ void TestHostDeviceHost::stopEndsARequestAtOnce()
 
 void TestHostDeviceHost::asksAStoppedDriverNoMore()
 {
-    TcpLineDevice device;
+    LineDevice device;
     DeviceHost host(*plugin_, configFor(device), *unix_signals_);
     QCOMPARE(host.open(), QString());
     host.stop();

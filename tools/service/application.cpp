@@ -1,17 +1,13 @@
 #include "tools/service/application.h"
 
+#include "tools/file/whole_file.h"
 #include "tools/service/control/control_api.h"
 #include "tools/service/http/front_end.h"
 #include "tools/service/http/handshake_fault.h"
 #include "tools/service/http/service_front.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -63,16 +59,12 @@ private:
 };
 
 /// Others see the file complete or not at all.
-void writeAtomically(const std::string& file, const std::string& text)
+void writeFile(const std::string& file, const std::string& text)
 {
-    const std::string temporary = file + "." + std::to_string(::getpid()) + ".tmp";
-    std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
-    stream << text;
-    stream.close();
-    if (!stream || std::rename(temporary.c_str(), file.c_str()) != 0) {
-        const std::string reason = std::generic_category().message(errno);
-        std::remove(temporary.c_str());
-        throw std::runtime_error("cannot write " + file + ": " + reason);
+    try {
+        tovik_file::writeWholeFile(file, text);
+    } catch (const std::system_error& error) {
+        throw std::runtime_error("cannot write " + file + ": " + error.code().message());
     }
 }
 
@@ -123,7 +115,7 @@ void Application::start()
         log_.note("fault " + std::to_string(id) + " added, " + text);
     }
     if (!options_.save_certificate_file.empty())
-        writeAtomically(options_.save_certificate_file, tls_->certificatesPem());
+        writeFile(options_.save_certificate_file, tls_->certificatesPem());
     withdrawAddresses();
     service_port_.start();
     control_port_.start();
@@ -220,9 +212,9 @@ void Application::announce()
 {
     const std::string control = controlUrl();
     if (!options_.control_file.empty())
-        writeAtomically(options_.control_file, control + "\n");
+        writeFile(options_.control_file, control + "\n");
     if (!options_.url_file.empty())
-        writeAtomically(options_.url_file, serviceUrl() + "\n");
+        writeFile(options_.url_file, serviceUrl() + "\n");
     log_.note("started, " + serviceUrl() + ", control " + control);
     std::cout << "Service: " << serviceUrl() << "\nControl: " << control
               << "\nDashboard: " << control << "/\n";

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void ofADevice();
     void appendsToAFile();
     void needsAFileThatCanBeWritten();
+    void goesOnWithAFullDisk();
     void ofAService();
 };
 
@@ -92,6 +93,18 @@ void TestHostProgramTrace::needsAFileThatCanBeWritten()
     QCOMPARE(runOn(host, device, words("read a --trace=/no/such/folder/trace")), 2);
     QVERIFY(host.errors().contains(QLatin1String("/no/such/folder/trace")));
     QCOMPARE(device.lines().size(), 0);
+}
+
+void TestHostProgramTrace::goesOnWithAFullDisk()
+{
+    TcpLineDevice device;
+    HostProcess host;
+    QCOMPARE(runOn(host, device, words("read hex:0500 hex:0600 --trace=/dev/full")), 0);
+    QCOMPARE(host.output(), QStringLiteral("hex:0500 = 5\nhex:0600 = 6\n"));
+    QCOMPARE(
+        host.errors(),
+        QStringLiteral("tovik-host: warning: the trace \"/dev/full\" lacks lines from here on: "
+                       "No space left on device\n"));
 }
 
 void TestHostProgramTrace::ofAService()

@@ -16,6 +16,7 @@ private slots:
     void takesSettings();
     void fullDisk_data();
     void fullDisk();
+    void fullDiskOfTheLog();
     void namesPlaceInBadProject();
     void portInUseFails();
     void addressOfAnotherComputerFails();
@@ -182,6 +183,21 @@ void TestCloudProgramCommandLine::fullDisk()
     const QByteArray errors = process.readAllStandardError();
     QVERIFY2(errors.contains("tovik-cloud: cannot write to standard output: No space left"),
              errors.constData());
+}
+
+void TestCloudProgramCommandLine::fullDiskOfTheLog()
+{
+    CloudProcess cloud;
+    QVERIFY(cloud.start(
+        {QStringLiteral("--verbose"), QStringLiteral("--log"), QStringLiteral("/dev/full")}));
+    const std::string token = cloud.login();
+    QVERIFY(!token.empty());
+    QCOMPARE(cloud.stop(SIGTERM), 0);
+    const QString said = QString::fromStdString(cloud.log());
+    QVERIFY2(said.endsWith(QStringLiteral(
+                 " the log file lacks lines from here on: No space left on device\n")),
+             qPrintable(said));
+    QCOMPARE(said.count(QLatin1Char('\n')), 1);
 }
 
 void TestCloudProgramCommandLine::namesPlaceInBadProject()

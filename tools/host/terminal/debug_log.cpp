@@ -1,14 +1,9 @@
 #include "tools/host/terminal/debug_log.h"
 
-#include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/output.h"
-
 #include <QDateTime>
-#include <QFile>
 #include <QMutexLocker>
 
 #include <atomic>
-#include <cerrno>
 
 namespace tovik_host::terminal {
 
@@ -40,19 +35,12 @@ DebugLog::~DebugLog()
 {
     qInstallMessageHandler(nullptr);
     current_log = nullptr;
-    if (file_)
-        std::fclose(file_);
 }
 
 void DebugLog::writeToFile(const QString& path)
 {
-    std::FILE* file = std::fopen(QFile::encodeName(path).constData(), "a");
-    if (!file) {
-        throw UsageError(
-            QStringLiteral("cannot write the log \"%1\": %2").arg(path, qt_error_string(errno)));
-    }
     const QMutexLocker locker(&lock_);
-    file_ = file;
+    file_.emplace(QStringLiteral("the log"), path);
 }
 
 void DebugLog::echo()
@@ -90,12 +78,9 @@ void DebugLog::take(const QString& line)
         lines_ << KeptLine{line, 1};
     if (lines_.size() > kept_lines)
         lines_.removeFirst();
-    const QByteArray bytes = line.toUtf8();
-    if (file_) {
-        const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
-        std::fprintf(file_, "%s %s\n", time.toUtf8().constData(), bytes.constData());
-        std::fflush(file_);
-    }
+    if (file_)
+        file_->line(QDateTime::currentDateTime().toString(Qt::ISODateWithMs) + QLatin1Char(' ') +
+                    line);
     if (echoes_)
         Output(STDERR_FILENO).foreignLine(line);
 }

@@ -1,12 +1,14 @@
 #ifndef TOOLS_HOST_TERMINAL_DEBUG_LOG_H
 #define TOOLS_HOST_TERMINAL_DEBUG_LOG_H
 
+#include "tools/host/terminal/output.h"
+
 #include <QMutex>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
-#include <cstdio>
+#include <optional>
 
 namespace tovik_host::terminal {
 
@@ -42,7 +44,7 @@ private:
 
     mutable QMutex lock_;
     QVector<KeptLine> lines_;
-    std::FILE* file_ = nullptr;
+    std::optional<LineOutput> file_;
     bool echoes_ = false;
 };
 

@@ -1,16 +1,18 @@
 #include "tools/host/terminal/output.h"
 
+#include "tools/file/whole_file.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/text_width.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/stat.h>
 #include <unistd.h>
+
+#include <system_error>
 
 namespace tovik_host::terminal {
 
@@ -60,6 +62,35 @@ void Output::foreignLine(const QString& text)
     line(::isatty(descriptor_) == 1 ? printable(text) : text);
 }
 
+namespace {
+
+tovik_file::LineFile opened(const QString& name, const QString& path)
+{
+    try {
+        return tovik_file::LineFile(QFile::encodeName(path).toStdString());
+    } catch (const std::system_error& error) {
+        throw UsageError(
+            QStringLiteral("cannot write %1: %2").arg(name, qt_error_string(error.code().value())));
+    }
+}
+
+} // namespace
+
+LineOutput::LineOutput(const QString& what, const QString& path)
+    : name_(QStringLiteral("%1 \"%2\"").arg(what, printable(path))),
+      file_(opened(name_, path))
+{}
+
+void LineOutput::line(const QString& text)
+{
+    const int error = file_.append((text + QLatin1Char('\n')).toStdString());
+    if (error != 0) {
+        Output(STDERR_FILENO)
+            .line(QStringLiteral("tovik-host: warning: %1 lacks lines from here on: %2")
+                      .arg(name_, qt_error_string(error)));
+    }
+}
+
 void checkOutputFile(const QString& path, bool may_replace)
 {
     const QFileInfo info(path);
@@ -78,19 +109,13 @@ void checkOutputFile(const QString& path, bool may_replace)
 void saveFile(const QString& path, const QByteArray& bytes, bool is_secret)
 {
     checkOutputFile(path, true);
-    QSaveFile file(path);
-    // Nobody else may open a secret before it has its mode, not even the empty file.
-    const mode_t mask = is_secret ? ::umask(0077) : 0;
-    bool is_done = file.open(QIODevice::WriteOnly);
-    if (is_secret)
-        ::umask(mask);
-    // It has the mode of the file that it replaces.
-    if (is_done && is_secret)
-        is_done = file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    is_done = is_done && file.write(bytes) == bytes.size() && file.commit();
-    if (!is_done) {
-        throw UsageError(
-            QStringLiteral("cannot write %1: %2").arg(printable(path), file.errorString()));
+    try {
+        tovik_file::writeWholeFile(QFile::encodeName(path).toStdString(), bytes.toStdString(),
+                                   is_secret ? tovik_file::Readers::owner
+                                             : tovik_file::Readers::as_before);
+    } catch (const std::system_error& error) {
+        throw UsageError(QStringLiteral("cannot write %1: %2")
+                             .arg(printable(path), qt_error_string(error.code().value())));
     }
 }
 

@@ -1,6 +1,8 @@
 #ifndef TOOLS_HOST_TERMINAL_OUTPUT_H
 #define TOOLS_HOST_TERMINAL_OUTPUT_H
 
+#include "tools/file/line_file.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -35,13 +37,29 @@ private:
     int error_ = 0;
 };
 
+/// A file that lines are appended to, such as a log. Those that cannot be written are missing in
+/// it, which is said on the standard error, once for all that follow each other.
+class LineOutput
+{
+public:
+    /// \param what of a path, such as "the log"
+    /// Throws UsageError when the file cannot be written.
+    LineOutput(const QString& what, const QString& path);
+
+    void line(const QString& text);
+
+private:
+    QString name_;
+    tovik_file::LineFile file_;
+};
+
 /// Throws UsageError when \a path may not be written: when it exists and \a may_replace is not set,
 /// and always when it is no regular file.
 void checkOutputFile(const QString& path, bool may_replace);
 
-/// Writes \a bytes to \a path: to a file beside it first, which takes its place once it is
-/// complete. \param is_secret nobody but the owner may read it, though others might read what it
-/// replaces Throws UsageError; the file is then as it was.
+/// Writes \a bytes to \a path, or leaves what is there: tools/file/whole_file.h.
+/// \param is_secret nobody but the owner may read it, though others might read what it replaces
+/// Throws UsageError; the file is then as it was.
 void saveFile(const QString& path, const QByteArray& bytes, bool is_secret);
 
 } // namespace tovik_host::terminal

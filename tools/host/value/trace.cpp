@@ -1,15 +1,11 @@
 #include "tools/host/value/trace.h"
 
-#include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/text_width.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <QMutexLocker>
 
-#include <cerrno>
 #include <cstdlib>
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace tovik_host::value {
@@ -36,20 +32,6 @@ QString textOf(const QByteArray& bytes)
 QString millisecondsText(qint64 time)
 {
     return QStringLiteral("%1 ms").arg(double(time) / 1000, 0, 'f', 1);
-}
-
-int openedFile(const QString& path)
-{
-    if (path.isEmpty())
-        return STDERR_FILENO;
-    const int mode = 0644;
-    const int descriptor = ::open(QFile::encodeName(path).constData(),
-                                  O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, mode);
-    if (descriptor < 0) {
-        throw terminal::UsageError(QStringLiteral("cannot write the trace to \"%1\": %2")
-                                       .arg(path, qt_error_string(errno)));
-    }
-    return descriptor;
 }
 
 } // namespace
@@ -160,13 +142,15 @@ QStringList TrafficText::service(const Traffic& traffic)
     return lines;
 }
 
-Trace::Trace(const QString& path) : descriptor_(openedFile(path)), output_(descriptor_) {}
+Trace::Trace(const QString& path)
+{
+    if (!path.isEmpty())
+        file_.emplace(QStringLiteral("the trace"), path);
+}
 
 Trace::~Trace()
 {
     write(text_.rest());
-    if (descriptor_ != STDERR_FILENO)
-        ::close(descriptor_);
 }
 
 void Trace::hear(const Traffic& traffic)
@@ -178,8 +162,13 @@ void Trace::hear(const Traffic& traffic)
 /// At once, so that the lines of two threads do not mix.
 void Trace::write(const QStringList& lines)
 {
-    if (!lines.isEmpty())
-        output_.line(lines.join(QLatin1Char('\n')));
+    if (lines.isEmpty())
+        return;
+    const QString text = lines.join(QLatin1Char('\n'));
+    if (file_)
+        file_->line(text);
+    else
+        terminal::Output(STDERR_FILENO).line(text);
 }
 
 } // namespace tovik_host::value

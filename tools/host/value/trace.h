@@ -61,8 +61,7 @@ private:
     void write(const QStringList& lines);
 
     QMutex lock_;
-    int descriptor_;
-    terminal::Output output_;
+    std::optional<terminal::LineOutput> file_; ///< Nothing: it is the standard error.
     TrafficText text_;
 };
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
 #include <ctime>
 #include <iostream>
@@ -30,17 +29,15 @@ std::string timeStamp()
 
 } // namespace
 
-EventLog::EventLog(const std::string& file, bool verbose)
-    : verbose_(verbose),
-      to_file_(!file.empty())
+EventLog::EventLog(const std::string& file, bool verbose) : verbose_(verbose)
 {
-    if (!to_file_)
+    if (file.empty())
         return;
-    file_.open(file, std::ios::app);
-    if (!file_) {
+    try {
+        file_.emplace(file);
+    } catch (const std::system_error& error) {
         throw std::runtime_error("cannot write the log file " + file + ": " +
-                                 std::generic_category().message(errno) +
-                                 "; choose another with --log");
+                                 error.code().message() + "; choose another with --log");
     }
 }
 
@@ -53,7 +50,15 @@ void EventLog::note(const std::string& text)
         [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
     line += '\n';
     const std::lock_guard<std::mutex> lock(mutex_);
-    (to_file_ ? static_cast<std::ostream&>(file_) : std::cerr) << line << std::flush;
+    if (!file_) {
+        std::cerr << line << std::flush;
+        return;
+    }
+    const int error = file_->append(line);
+    if (error != 0) {
+        std::cerr << timeStamp() << " the log file lacks lines from here on: "
+                  << std::generic_category().message(error) << std::endl;
+    }
 }
 
 void EventLog::detail(const std::string& text)

@@ -1,13 +1,16 @@
 #ifndef TOOLS_SERVICE_HTTP_EVENT_LOG_H
 #define TOOLS_SERVICE_HTTP_EVENT_LOG_H
 
-#include <fstream>
+#include "tools/file/line_file.h"
+
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace tovik_service::http {
 
 /// Writes one line for each noteworthy event, to stderr or a file.
+/// What a full disk does not take is missing in the file, which is said on stderr.
 /// Safe to use from several threads.
 class EventLog
 {
@@ -23,9 +26,8 @@ public:
 
 private:
     bool verbose_;
-    bool to_file_;
     std::mutex mutex_;
-    std::ofstream file_;
+    std::optional<tovik_file::LineFile> file_; ///< Nothing: it is stderr.
 };
 
 } // namespace tovik_service::http

@@ -4,6 +4,13 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <thread>
+
 using namespace tovik_host;
 using namespace tovik_host::config;
 
@@ -21,6 +28,7 @@ private Q_SLOTS:
     void takesPasswordFromElsewhere_data();
     void takesPasswordFromElsewhere();
     void saysThatFileIsMissing();
+    void readsAFileThatIsReplaced();
 
 private:
     QString write(const QByteArray& text);
@@ -253,6 +261,55 @@ void TestHostConfigFile::saysThatFileIsMissing()
     } catch (const terminal::UsageError& error) {
         QVERIFY(error.message().startsWith(QLatin1String("cannot read the configuration")));
     }
+}
+
+/// What has been opened stays, though its name leads to another by now.
+void TestHostConfigFile::readsAFileThatIsReplaced()
+{
+    QByteArray items;
+    for (int i = 0; i < 300; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        items += (i == 0 ? "" : ",") + QByteArray("{\"name\": \"") + number + "\", \"id\": \"" +
+                 number + "\", \"type\": \"Bit\"}";
+    }
+    const QByteArray longer = QByteArray("{") + service + ", \"items\": [" + items + "]}";
+    const QByteArray shorter =
+        QByteArray("{") + service + R"(, "items": [{"name": "a", "id": "i", "type": "Bit"}]})";
+    const QByteArray path = QFile::encodeName(folder_.filePath(QStringLiteral("replaced")));
+    const QByteArray next = path + ".next";
+    const std::array<QByteArray, 2> sources{path + ".1", path + ".2"};
+    QVERIFY(QFile::rename(write(longer), QFile::decodeName(sources[0])));
+    QVERIFY(QFile::rename(write(shorter), QFile::decodeName(sources[1])));
+    const auto replace = [&](std::size_t source) {
+        return ::link(sources[source].constData(), next.constData()) == 0 &&
+               ::rename(next.constData(), path.constData()) == 0;
+    };
+    QVERIFY(replace(0));
+    std::atomic<bool> is_done{false};
+    std::atomic<bool> is_replaced{true};
+    std::thread writer([&] {
+        for (std::size_t i = 1; !is_done && is_replaced; ++i) {
+            is_replaced = replace(i % sources.size());
+            QThread::usleep(100); // the reader wants the folder, too
+        }
+    });
+    QMap<int, int> seen;
+    QString error;
+    QElapsedTimer patience;
+    patience.start();
+    while (error.isEmpty() && (seen.value(1) < 10 || seen.value(300) < 10) &&
+           patience.elapsed() < 60000) {
+        try {
+            ++seen[loadConfig(QFile::decodeName(path)).config.items.size()];
+        } catch (const terminal::UsageError& what) {
+            error = what.message();
+        }
+    }
+    is_done = true;
+    writer.join();
+    QCOMPARE(error, QString());
+    QVERIFY(is_replaced);
+    QCOMPARE(seen.keys(), (QList<int>{1, 300}));
 }
 
 QTEST_APPLESS_MAIN(TestHostConfigFile)

@@ -20,6 +20,9 @@
 /// driver meet by the signals' normalised texts and indices, and by the order of the virtual
 /// operations: names, parameters and order must not change.
 ///
+/// Connect to `SigTovikResponse` and `SigTovikInternalCmd` with the types as they are declared: Qt
+/// 4 records `unsigned char` and `unsigned short` where Qt 5 records `uchar` and `ushort`.
+///
 /// All signals are emitted in the thread of the driver object.
 class TOVIK_EXPORT DrvInterface : public QObject
 {

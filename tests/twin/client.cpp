@@ -15,7 +15,8 @@ namespace {
 
 const int any_age = 60000; // ms
 
-// Of the faults, those whose end does not hang on time; an array as a reply would end the program.
+// Left out are an array as a reply, which would end the program; the fault of a TLS version that Qt
+// 4 does not speak; and those of a client that resumes sessions, as Qt 4 does not.
 const char* const faults[] = {"",
                               "errorcode",
                               "errorcode:code=1",
@@ -40,12 +41,18 @@ const char* const faults[] = {"",
                               "http500",
                               "http500:status=404",
                               "http500-empty",
+                              "drip:ms=1",
+                              "delay:ms=50",
+                              "hang:path=login,seconds=1",
                               "reset",
                               "reset-mid",
                               "refuse",
                               "token-expiry",
                               "wrong-host",
-                              "expired"};
+                              "expired",
+                              "tickets-lost",
+                              "no-tickets",
+                              "tls-version:version=1.2"};
 
 void sayResult(const char* operation, int result)
 {
@@ -109,6 +116,17 @@ void sayTimers(const TovikIot& client)
     say(line);
 }
 
+/// So that polling does not begin by itself while a slot takes its time on a busy machine.
+void putOffPolling(const TovikIot& client)
+{
+    const int never = 3600000; // ms
+    const QList<QTimer*> timers = client.findChildren<QTimer*>();
+    for (int i = 0; i < timers.size(); ++i) {
+        if (timers.at(i)->isActive())
+            timers.at(i)->setInterval(never);
+    }
+}
+
 /// What follows a failure, with each policy of the host.
 void policies(ServiceUnderControl& service, int type, bool return_time_en, bool restore_switch)
 {
@@ -130,9 +148,11 @@ void policies(ServiceUnderControl& service, int type, bool return_time_en, bool 
         sayTimers(client);
         say("fault " + QByteArray(fault));
         service.setFault(fault);
+        putOffPolling(client);
         client.SlotMonitorTimeOut();
         client.SlotWriteValue(3, QVariant(55));
         client.SlotReconnect();
+        putOffPolling(client);
         client.SlotReconnect();
     }
     client.Disconnect2Cloud();
@@ -185,6 +205,27 @@ void driver(ServiceUnderControl& service)
     sayLog();
 }
 
+/// The driver is closed while its client waits for an answer.
+void closingInside(const char* request, ServiceUnderControl& service)
+{
+    const int until_asked = 1500; // ms; the first read comes after a second
+    const int at_once = 5000;     // ms
+    section(("closing " + QByteArray(request)).constData());
+    service.setFault("hang:path=" + QByteArray(request));
+    DrvEthernet link;
+    link.driver_specific_data[QLatin1String("tovik_iot")] = QVariant::fromValue(service.property());
+    const DrvTovikIot driver(&link);
+    QElapsedTimer time;
+    time.start();
+    waitUntil([&] { return time.elapsed() > until_asked; });
+    say("connected " + driver.property("connected").toByteArray());
+    time.start();
+    link.EmitNotifyBeforeRelease();
+    say("at once " + QByteArray::number(time.elapsed() < at_once));
+    sayLog();
+    service.setFault("");
+}
+
 } // namespace
 
 void twinClient(ServiceUnderControl& service)
@@ -197,4 +238,7 @@ void twinClient(ServiceUnderControl& service)
             policies(service, type, (flags & 1) != 0, (flags & 2) != 0);
     }
     driver(service);
+    closingInside("login", service);
+    closingInside("items", service);
+    closingInside("value", service);
 }

@@ -13,7 +13,9 @@
 
 namespace {
 
-const int pause = 20000; // microseconds, between the parts of an answer that comes in parts
+// Microseconds between the parts of an answer that comes in parts.
+const int pause = 20000;
+const int long_pause = 850000;
 
 void send(int descriptor, const char* bytes)
 {
@@ -34,6 +36,11 @@ bool answer(int descriptor, const QByteArray& request)
         send(descriptor, "ef");
         usleep(pause);
         send(descriptor, "gh");
+        return true;
+    case 'p':
+        send(descriptor, "be");
+        usleep(long_pause);
+        send(descriptor, "fore");
         return true;
     case 'r':
         send(descriptor, "!xyz");

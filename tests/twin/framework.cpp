@@ -92,6 +92,19 @@ void requests(LineDriver* driver, Replace replace)
     sayLog();
 }
 
+/// The parts of the answer are further apart than half the time after which the line counts as
+/// silent, which is all that a port gives that does not wait.
+void transparentWithAPause(LineDriver* driver)
+{
+    Ear ear;
+    QObject::connect(driver, SIGNAL(SigTransparentResponse(QByteArray, int)), &ear,
+                     SLOT(onTransparentResponse(QByteArray, int)));
+    driver->interval_timeout_ = 10;
+    driver->response_timeout_ = transparent_limit;
+    driver->RunTransparentRequest("pause\n");
+    sayLog();
+}
+
 void overTcp()
 {
     section("tcp");
@@ -123,6 +136,8 @@ void overSerialLine()
     say("times " + QByteArray::number(driver.interval_timeout_) + ' ' +
         QByteArray::number(driver.character_3_5_));
     requests(&driver, replace);
+    replace();
+    transparentWithAPause(&driver);
     const BaudRateType speeds[] = {BAUD300, BAUD1200, BAUD9600, BAUD115200};
     for (BaudRateType speed : speeds) {
         link.setBaudRate(speed);

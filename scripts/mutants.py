@@ -8,6 +8,7 @@ import json
 import os
 import pathlib
 import random
+import signal
 import subprocess
 import sys
 import time
@@ -26,6 +27,11 @@ def key(mutant, line):
     return f"{mutant.file}: {line.strip()} [{mutant.kind}: {mutant.was} -> {mutant.text}]"
 
 
+def folder_of(mutant):
+    """The one that has its tests, which those of the folders in it share."""
+    return next(folder for folder in FOLDERS if mutant.file.startswith(folder + "/"))
+
+
 class Bench:
     def __init__(self, copy, build):
         self.copy, self.build = pathlib.Path(copy).resolve(), pathlib.Path(build).resolve()
@@ -33,7 +39,7 @@ class Bench:
 
     def sources(self, folders):
         return [path.relative_to(self.copy).as_posix() for folder in folders
-                for path in sorted((self.copy / folder).glob("*.cpp"))]
+                for path in sorted((self.copy / folder).rglob("*.cpp"))]
 
     def tests(self, folder):
         """The tests of a folder; what drives the whole client is a test of its parts, too."""
@@ -57,7 +63,7 @@ class Bench:
         sound = path.read_bytes()
         path.write_bytes(sound[:mutant.begin] + mutant.text.encode() + sound[mutant.end:])
         try:
-            return self.outcome(os.path.dirname(mutant.file), LIMIT)
+            return self.outcome(folder_of(mutant), LIMIT)
         finally:
             path.write_bytes(sound)
 
@@ -72,11 +78,14 @@ class Bench:
 
     @staticmethod
     def runs(command, limit):
-        try:
-            return subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                                  timeout=limit, check=False).returncode == 0
-        except subprocess.TimeoutExpired:
-            return False
+        """Whether it ends well in time; none of its tests outlives it, such as one that never ends."""
+        with subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                              start_new_session=True) as process:
+            try:
+                return process.wait(limit) == 0
+            except subprocess.TimeoutExpired:
+                os.killpg(process.pid, signal.SIGKILL)
+                return False
 
 
 def report(results, equivalent):
@@ -113,7 +122,7 @@ def main():
     if options.sample:
         sites = random.Random(options.seed).sample(sites, min(options.sample, len(sites)))
     verdicts = json.loads(VERDICTS.read_text())
-    for folder in [] if options.list else sorted({os.path.dirname(each.file) for each in sites}):
+    for folder in [] if options.list else sorted({folder_of(each) for each in sites}):
         if bench.outcome(folder, None) != "survived":
             raise ValueError(f"{folder}: the tests of the sound library do not pass")
     results = []

@@ -113,6 +113,8 @@ void TestDamagedValue::damaged_data()
     for (const char* const pattern :
          {"(a{1000}){1000}", "((a{99}){99}){99}", "[a-z]{1000}", "x{4294967295}"})
         QTest::addRow("expression of copies, %s", pattern) << expression(pattern, 0) << 0;
+    QTest::newRow("expression that ends inside of a brace")
+        << expression("a{2", 0) << int(QMetaType::QRegExp);
     QTest::newRow("expression, 100,000 deep") << expression(QByteArray(100000, '('), 0) << 0;
     QTest::newRow("expression that looks ahead, 60 deep")
         << expression(QByteArray("(?=").repeated(60), 0) << 0;

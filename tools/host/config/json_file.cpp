@@ -7,6 +7,7 @@
 
 #include <iterator>
 #include <limits>
+#include <utility>
 
 namespace tovik_host::config {
 
@@ -59,72 +60,115 @@ QString elementPath(const QString& list, int index)
     return QStringLiteral("%1[%2]").arg(list).arg(index);
 }
 
-/// Notes the lines while the parser goes through the text.
-class LineTaker
+/// The reason in a message of the JSON library, without the text around the place, which may be the
+/// password.
+QString reasonOf(const std::string& message)
+{
+    const std::size_t dash = message.find(" - ");
+    const std::size_t start = dash == std::string::npos ? 0 : dash + 3;
+    return QString::fromStdString(
+        message.substr(start, message.find("; last read", start) - start));
+}
+
+/// Makes the document, and notes the lines, while the parser goes through the text. The library's
+/// own maker of documents takes a time that grows with the square of a list's length when it has
+/// somebody to tell.
+class DocumentMaker : public nlohmann::json_sax<nlohmann::json>
 {
 public:
-    LineTaker(const LineCounter& counter, JsonFile* file) : counter_(counter), file_(file) {}
+    DocumentMaker(const LineCounter& counter, JsonFile* file) : counter_(counter), file_(file) {}
 
-    void take(nlohmann::json::parse_event_t event, const nlohmann::json& parsed)
+    bool null() override { return take(nullptr); }
+    bool boolean(bool value) override { return take(value); }
+    bool number_integer(number_integer_t value) override { return take(value); }
+    bool number_unsigned(number_unsigned_t value) override { return take(value); }
+    bool number_float(number_float_t value, const string_t&) override { return take(value); }
+    bool string(string_t& value) override { return take(std::move(value)); }
+    bool binary(binary_t&) override { return false; } // of other formats
+    bool start_object(std::size_t) override { return enter(nlohmann::json::object()); }
+    bool key(string_t& name) override
     {
-        using Event = nlohmann::json::parse_event_t;
-        switch (event) {
-        case Event::key:
-            takeName(QString::fromStdString(parsed.get<std::string>()));
-            break;
-        case Event::object_start:
-        case Event::array_start:
-            begin();
-            levels_.append({event == Event::array_start, path(), {}, {}, 0});
-            if (levels_.size() > deepest + 1) {
-                throw terminal::UsageError(
-                    QStringLiteral("%1: brackets stand in one another more than %2 deep")
-                        .arg(file_->path)
-                        .arg(deepest));
-            }
-            break;
-        case Event::object_end:
-        case Event::array_end:
-            levels_.removeLast();
-            end();
-            break;
-        case Event::value:
-            begin();
-            end();
-            break;
-        }
+        takeName(QString::fromStdString(name));
+        levels_.last().member = &(*levels_.last().json)[name];
+        return true;
+    }
+    bool end_object() override { return leave(); }
+    bool start_array(std::size_t) override { return enter(nlohmann::json::array()); }
+    bool end_array() override { return leave(); }
+    bool parse_error(std::size_t, const std::string&,
+                     const nlohmann::detail::exception& error) override
+    {
+        const bool is_number = dynamic_cast<const nlohmann::json::out_of_range*>(&error) != nullptr;
+        throw terminal::UsageError(
+            QStringLiteral("%1:%2: not valid JSON: %3")
+                .arg(file_->path)
+                .arg(counter_.line)
+                .arg(is_number ? QStringLiteral("a number is beyond what a double holds")
+                               : reasonOf(error.what())));
     }
 
 private:
     /// An object or a list that the parser is in.
     struct Level
     {
-        bool is_list;
+        nlohmann::json* json;
+        nlohmann::json* member; ///< The current one, of an object.
         QString path;
         QString name;        ///< Of the current member.
         QSet<QString> names; ///< Of all members so far.
         int index;
     };
 
-    bool isInList() const { return !levels_.isEmpty() && levels_.last().is_list; }
+    bool isInList() const { return !levels_.isEmpty() && levels_.last().json->is_array(); }
     /// Of the value that the parser is at.
     QString path() const
     {
         if (levels_.isEmpty())
             return QString();
         const Level& level = levels_.last();
-        return level.is_list ? elementPath(level.path, level.index)
-                             : memberPath(level.path, level.name);
+        return level.json->is_array() ? elementPath(level.path, level.index)
+                                      : memberPath(level.path, level.name);
     }
-    void begin()
+    /// Puts a value where the parser is.
+    nlohmann::json* put(nlohmann::json value)
     {
-        if (isInList())
+        if (isInList()) {
             file_->lines.insert(path(), counter_.line);
+            levels_.last().json->push_back(std::move(value));
+            return &levels_.last().json->back();
+        }
+        nlohmann::json* const place = levels_.isEmpty() ? &file_->root : levels_.last().member;
+        *place = std::move(value);
+        return place;
     }
-    void end()
+    void goOn()
     {
         if (isInList())
             ++levels_.last().index;
+    }
+    bool take(nlohmann::json value)
+    {
+        put(std::move(value));
+        goOn();
+        return true;
+    }
+    bool enter(nlohmann::json empty)
+    {
+        const QString where = path();
+        levels_.append({put(std::move(empty)), nullptr, where, {}, {}, 0});
+        if (levels_.size() > deepest + 1) {
+            throw terminal::UsageError(
+                QStringLiteral("%1: brackets stand in one another more than %2 deep")
+                    .arg(file_->path)
+                    .arg(deepest));
+        }
+        return true;
+    }
+    bool leave()
+    {
+        levels_.removeLast();
+        goOn();
+        return true;
     }
     void takeName(const QString& name)
     {
@@ -146,39 +190,15 @@ private:
     QVector<Level> levels_;
 };
 
-/// The reason in a message of the JSON library, without the text around the place, which may be the
-/// password.
-QString reasonOf(const std::string& message)
-{
-    const std::size_t dash = message.find(" - ");
-    const std::size_t start = dash == std::string::npos ? 0 : dash + 3;
-    return QString::fromStdString(
-        message.substr(start, message.find("; last read", start) - start));
-}
-
 } // namespace
 
 JsonFile parseJson(const QString& path, const QByteArray& text)
 {
     JsonFile file = {path, {}, {}};
     LineCounter counter;
-    LineTaker lines(counter, &file);
-    const auto take = [&lines](int, nlohmann::json::parse_event_t event, nlohmann::json& parsed) {
-        lines.take(event, parsed);
-        return true;
-    };
-    const auto fail = [&](const QString& reason) {
-        throw terminal::UsageError(
-            QStringLiteral("%1:%2: not valid JSON: %3").arg(path).arg(counter.line).arg(reason));
-    };
-    try {
-        file.root = nlohmann::json::parse(CountingIterator{text.begin(), &counter},
-                                          CountingIterator{text.end(), &counter}, take);
-    } catch (const nlohmann::json::out_of_range&) {
-        fail(QStringLiteral("a number is beyond what a double holds"));
-    } catch (const nlohmann::json::exception& error) {
-        fail(reasonOf(error.what()));
-    }
+    DocumentMaker maker(counter, &file);
+    nlohmann::json::sax_parse(CountingIterator{text.begin(), &counter},
+                              CountingIterator{text.end(), &counter}, &maker);
     return file;
 }
 

@@ -1,4 +1,5 @@
 #include "tools/host/config/config_file.h"
+#include "tools/host/config/json_file.h"
 #include "tools/host/terminal/exit_code.h"
 
 #include <QTemporaryDir>
@@ -9,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <cstdio>
+#include <ctime>
 #include <thread>
 
 using namespace tovik_host;
@@ -29,6 +31,7 @@ private Q_SLOTS:
     void takesPasswordFromElsewhere();
     void saysThatFileIsMissing();
     void readsAFileThatIsReplaced();
+    void readsALongList();
 
 private:
     QString write(const QByteArray& text);
@@ -310,6 +313,18 @@ void TestHostConfigFile::readsAFileThatIsReplaced()
     QCOMPARE(error, QString());
     QVERIFY(is_replaced);
     QCOMPARE(seen.keys(), (QList<int>{1, 300}));
+}
+
+/// A time that grows with the square of the length would be more than a minute.
+void TestHostConfigFile::readsALongList()
+{
+    const QByteArray text = "{\"items\": [" + QByteArray("{},").repeated(39999) + "{}]}";
+    const std::clock_t before = std::clock();
+    const JsonFile file = parseJson(QStringLiteral("x"), text);
+    const double seconds = double(std::clock() - before) / CLOCKS_PER_SEC;
+    QCOMPARE(int(file.root.at("items").size()), 40000);
+    QCOMPARE(file.lines.size(), 40001);
+    QVERIFY2(seconds < 20, qPrintable(QString::number(seconds)));
 }
 
 QTEST_APPLESS_MAIN(TestHostConfigFile)

@@ -97,7 +97,7 @@ void TestHostProgramTrace::needsAFileThatCanBeWritten()
 
 void TestHostProgramTrace::goesOnWithAFullDisk()
 {
-    TcpLineDevice device;
+    LineDevice device;
     HostProcess host;
     QCOMPARE(runOn(host, device, words("read hex:0500 hex:0600 --trace=/dev/full")), 0);
     QCOMPARE(host.output(), QStringLiteral("hex:0500 = 5\nhex:0600 = 6\n"));

@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <iostream>
@@ -143,6 +144,21 @@ std::string findProblem(Options& options)
     return {};
 }
 
+/// The file of settings in brackets if the option that \a problem begins with stands there, and not
+/// on the line.
+std::string originOf(const std::string& problem, const CLI::App& app, int count,
+                     char* const* arguments)
+{
+    const std::string name = problem.substr(0, problem.find(':'));
+    const CLI::Option* const option = app.get_option_no_throw(name);
+    const bool is_given =
+        !option || std::any_of(arguments, arguments + count, [&name](const char* word) {
+            const std::string text(word);
+            return text.substr(0, text.find('=')) == name;
+        });
+    return is_given ? std::string() : " (in " + app["--settings"]->as<std::string>() + ")";
+}
+
 } // namespace
 
 void requireOutput()
@@ -172,8 +188,9 @@ ParsedOptions parseOptions(int count, char** arguments)
     app.footer("\n" + faults::faultHelp() +
                "\nExit codes: 0 success, 1 failure at run time, 2 wrong usage or "
                "project file.");
-    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    app.failure_message([&](const CLI::App*, const CLI::Error& error) {
         return std::string("tovik-cloud: ") + error.what() +
+               originOf(error.what(), app, count, arguments) +
                "\nRun with --help for more information.\n";
     });
     try {

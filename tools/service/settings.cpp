@@ -31,23 +31,29 @@ public:
 
     std::vector<CLI::ConfigItem> from_config(std::istream& input) const override
     {
+        const std::string file = app_["--settings"]->as<std::string>();
         const Json settings = Json::parse(input, nullptr, false);
         if (!settings.is_object())
-            throw CLI::ValidationError("settings", "the file is no JSON object");
+            throw CLI::ValidationError(file, "the file is no JSON object");
         std::vector<CLI::ConfigItem> given;
         for (const auto& member : settings.items()) {
             if (!app_.get_option_no_throw("--" + member.key()))
-                throw CLI::ValidationError("settings", "no option \"" + member.key() + "\"");
+                throw CLI::ValidationError(file, "no option \"" + member.key() + "\"");
             CLI::ConfigItem item;
             item.name = member.key();
-            item.inputs = wordsOf(member.key(), member.value());
+            item.inputs = wordsOf(member.value());
+            if (item.inputs.empty()) {
+                throw CLI::ValidationError(file, member.key() + " must be a text, a number, true, "
+                                                                "false or a list of texts");
+            }
             given.push_back(item);
         }
         return given;
     }
 
 private:
-    static std::vector<std::string> wordsOf(const std::string& name, const Json& value)
+    /// Empty: it is no value of an option.
+    static std::vector<std::string> wordsOf(const Json& value)
     {
         if (value.is_string())
             return {value.get<std::string>()};
@@ -59,10 +65,7 @@ private:
             is_list = is_list && one.is_string();
             words.push_back(is_list ? one.get<std::string>() : std::string());
         }
-        if (!is_list)
-            throw CLI::ValidationError(
-                "settings", name + " must be a text, a number, true, false or a list of texts");
-        return words;
+        return is_list ? words : std::vector<std::string>();
     }
 
     const CLI::App& app_;

@@ -125,19 +125,25 @@ void TestCloudProgramCommandLine::takesSettings_data()
         QTest::newRow(title) << QByteArray(settings) << QString::fromUtf8(arguments) << code
                              << QString::fromUtf8(text);
     };
-    row("number", "{\"port\": 70000}", "PROJECT", 2, "--port: Value 70000 not in range");
-    row("what the line says, it says", "{\"port\": 70000}", "--port 70001 PROJECT", 2, "70001");
+    row("number", "{\"port\": 70000}", "PROJECT", 2,
+        "--port: Value 70000 not in range 0 to 65535 (in FILE)\n");
+    row("what the line says, it says", "{\"port\": 70000}", "--port 70001 PROJECT", 2,
+        "70001 not in range 0 to 65535\n");
+    row("what the line says in one word", "{\"port\": 70000}", "--port=70001 PROJECT", 2,
+        "70001 not in range 0 to 65535\n");
     row("switch", "{\"list-faults\": true}", "PROJECT", 0, "connection reset before any reply");
     row("switched off", "{\"list-faults\": false, \"check\": true}", "PROJECT", 0, "good");
     row("list", "{\"fault\": [\"reset\", \"hang:often=1\"]}", "PROJECT", 2,
         "hang takes no key \"often\"");
     row("two that exclude each other", "{\"http\": true}", "--tls 1.2 PROJECT", 2,
         "--http excludes --tls");
-    row("unknown option", "{\"colour\": 1}", "PROJECT", 2, "settings: no option \"colour\"");
+    row("unknown option", "{\"colour\": 1}", "PROJECT", 2,
+        "tovik-cloud: FILE: no option \"colour\"");
     row("value of another kind", "{\"port\": {}}", "PROJECT", 2,
-        "settings: port must be a text, a number, true, false or a list of texts");
-    row("list of numbers", "{\"fault\": [1]}", "PROJECT", 2, "settings: fault must be a text");
-    row("no object", "[", "PROJECT", 2, "settings: the file is no JSON object");
+        "tovik-cloud: FILE: port must be a text, a number, true, false or a list of texts");
+    row("list of numbers", "{\"fault\": [1]}", "PROJECT", 2,
+        "tovik-cloud: FILE: fault must be a text");
+    row("no object", "[", "PROJECT", 2, "tovik-cloud: FILE: the file is no JSON object");
     row("file that is not there", "{}", "--settings /nonexistent PROJECT", 2, "/nonexistent");
 }
 
@@ -154,6 +160,7 @@ void TestCloudProgramCommandLine::takesSettings()
     file.write(settings);
     file.close();
     arguments.replace(QStringLiteral("PROJECT"), CloudProcess::exampleProject());
+    text.replace(QStringLiteral("FILE"), file.fileName());
     qputenv("XDG_CONFIG_HOME", folder.path().toUtf8());
     const Outcome outcome = run(arguments.split(QLatin1Char(' ')));
     qunsetenv("XDG_CONFIG_HOME");

@@ -52,21 +52,44 @@ const CLI::App* commandOf(const CLI::App& app, const Words& words)
                                (near.isEmpty() ? hint : near));
 }
 
-void refuseUnknownOptions(const CLI::App& command, const Words& words)
+QStringList longNamesOf(const CLI::App& command)
 {
     QStringList names;
     for (const CLI::Option* option : command.get_options()) {
         for (const std::string& name : option->get_lnames())
             names << QStringLiteral("--") + text(name);
     }
+    return names;
+}
+
+/// Which other commands have the option \a name, as the end of a message; empty: none has.
+QString whoHas(const QString& name, const CLI::App& app)
+{
+    QStringList commands;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        if (longNamesOf(*command).contains(name))
+            commands << text(command->get_name());
+    }
+    if (commands.isEmpty())
+        return QString();
+    const QString last = commands.takeLast();
+    return commands.isEmpty() ? QStringLiteral("; %1 has it").arg(last)
+                              : QStringLiteral("; %1 and %2 have it")
+                                    .arg(commands.join(QStringLiteral(", ")), last);
+}
+
+void refuseUnknownOptions(const CLI::App& app, const CLI::App& command, const Words& words)
+{
+    const QStringList names = longNamesOf(command);
     for (const std::string& word : words) {
         if (word == "--")
             return;
         const QString name = text(word.substr(0, word.find('=')));
         if (name.startsWith(QLatin1String("--")) && !names.contains(name)) {
+            const QString others = whoHas(name, app);
             throw terminal::UsageError(
                 QStringLiteral("%1 has no option %2").arg(text(command.get_name()), name) +
-                terminal::nearText(name, names));
+                (others.isEmpty() ? terminal::nearText(name, names) : others));
         }
     }
 }
@@ -100,7 +123,7 @@ std::optional<int> parseLine(CLI::App& app, Words words)
     }
     const CLI::App* const command = commandOf(app, words);
     if (command) {
-        refuseUnknownOptions(*command, words);
+        refuseUnknownOptions(app, *command, words);
         addSettings(*command, words);
     }
     try {

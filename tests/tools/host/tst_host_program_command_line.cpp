@@ -21,6 +21,7 @@ private Q_SLOTS:
     void refusesAnOpenPassword();
     void refusesLibraries_data();
     void refusesLibraries();
+    void namesALibraryThatTheDriverNeeds();
     void namesPlaceOfConfigurationError();
     void warnsOfRepeatedItems();
     void takesTheAddressFromElsewhere_data();
@@ -75,7 +76,11 @@ void TestHostProgramCommandLine::saysWhatIsWrong_data()
     row("command", "dance", "there is no command \"dance\"; tovik-host help lists the commands");
     row("command to explain", "help reed", "there is no command \"reed\"; read?");
     row("option nearly", "watch --confg c", "watch has no option --confg; --config?");
-    row("option of another command", "watch --force", "watch has no option --force");
+    row("option of other commands", "watch --force",
+        "watch has no option --force; raw, configure and convert have it");
+    row("option of another command", "read --metrics 3",
+        "read has no option --metrics; watch has it");
+    row("option of none", "watch --nonsense", "watch has no option --nonsense");
     row("option before the command", "--config=c read A",
         "--config stands before the command; options come after it: tovik-host COMMAND --config "
         "...");
@@ -283,6 +288,33 @@ void TestHostProgramCommandLine::refusesLibraries()
     const QString errors = host.errors();
     QVERIFY2(errors.contains(message), qPrintable(errors));
     QVERIFY2(errors.contains(QLatin1String("--library")), qPrintable(errors));
+}
+
+/// As a driver that is installed where the loader does not look for its library.
+void TestHostProgramCommandLine::namesALibraryThatTheDriverNeeds()
+{
+    QFile driver(HostProcess::echoDriver());
+    QVERIFY(driver.open(QFile::ReadOnly));
+    QByteArray bytes = driver.readAll();
+    QVERIFY(bytes.contains("libtovik_iot.so.1"));
+    bytes.replace("libtovik_iot.so.1", "libtovik_not.so.1");
+    const QTemporaryDir folder;
+    QFile needy(folder.filePath(QStringLiteral("libneedy.so.1")));
+    QVERIFY(needy.open(QFile::WriteOnly));
+    QCOMPARE(needy.write(bytes), bytes.size());
+    needy.close();
+    HostProcess host;
+    host.startBare({QStringLiteral("read"), QStringLiteral("a"), QStringLiteral("--link"),
+                    QStringLiteral("tcp:127.0.0.1:1"), QStringLiteral("--library"),
+                    needy.fileName()});
+    QCOMPARE(host.wait(), 2);
+    QCOMPARE(
+        host.errors(),
+        QStringLiteral("tovik-host: cannot load the driver library %1, since it needs another: "
+                       "libtovik_not.so.1: cannot open shared object file: No such file or "
+                       "directory. LD_LIBRARY_PATH or ldconfig tells the loader where "
+                       "libtovik_not.so.1 is.\n")
+            .arg(needy.fileName()));
 }
 
 void TestHostProgramCommandLine::namesPlaceOfConfigurationError()

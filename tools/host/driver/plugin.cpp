@@ -41,6 +41,22 @@ QString loaderError()
     return text ? QString::fromLocal8Bit(text) : QStringLiteral("no reason given");
 }
 
+/// Why the library at \a path was not loaded. The loader names the file that it does not find,
+/// which may be another one that the library needs.
+QString loadProblem(const QString& path)
+{
+    const QString error = loaderError();
+    const QString missing = error.section(QLatin1Char(':'), 0, 0);
+    if (missing == path || !QFileInfo(path).isFile() || !missing.contains(QLatin1String(".so"))) {
+        return QStringLiteral("cannot load the driver library: %1. Build or install it, "
+                              "or name it with --library.")
+            .arg(error);
+    }
+    return QStringLiteral("cannot load the driver library %1, since it needs another: %2. "
+                          "LD_LIBRARY_PATH or ldconfig tells the loader where %3 is.")
+        .arg(path, error, missing);
+}
+
 /// The entry point \a name as a function of type Function.
 template <typename Function>
 Function entryPoint(void* library, const char* name, const QString& path)
@@ -61,12 +77,8 @@ Function entryPoint(void* library, const char* name, const QString& path)
 Plugin::Plugin(const QString& path) : path_(path)
 {
     void* library = dlopen(path.toLocal8Bit().constData(), RTLD_NOW | RTLD_LOCAL);
-    if (!library) {
-        throw terminal::UsageError(
-            QStringLiteral("cannot load the driver library: %1. Build or install it, "
-                           "or name it with --library.")
-                .arg(loaderError()));
-    }
+    if (!library)
+        throw terminal::UsageError(loadProblem(path));
     factory_ = entryPoint<Factory>(library, "create_drvlib", path);
     version_ = entryPoint<Version>(library, "drv_version", path);
     const auto result_codes =

@@ -303,7 +303,7 @@ void addServiceOptions(CLI::App* command, service::ServiceOptions& options)
                "NAME")
         ->excludes("--password-file");
     addTimeout(command, options.timeout, "Longest wait for one answer of the service");
-    command->add_flag("--quiet", options.quiet, "No progress");
+    command->add_flag("-q,--quiet", options.quiet, "No progress");
     addLog(command, options.log, options.verbose, "Client");
 }
 

@@ -211,7 +211,7 @@ void addConfigure(CLI::App& app, Run& run)
     command->add_flag("--interactive", options->interactive, "Choose among them in a dialogue");
     addText(command, "--catalogue", options->catalogue,
             "Saved catalogue (catalogue --json), instead of asking the service", "FILE");
-    addText(command, "--output", options->output, "File to write (default: standard output)",
+    addText(command, "-o,--output", options->output, "File to write (default: standard output)",
             "FILE");
     command->add_flag("--force", options->force, "Replace an existing file");
     command->add_flag("--with-password", options->with_password,

@@ -167,7 +167,7 @@ void addRead(CLI::App& app, Run& run)
     addService(command, options->common);
     addTimeout(command, options->common.timeout, "Longest wait for the values, or for the link");
     command->add_flag("-j,--json", options->common.json, "One line of JSON for every item");
-    command->add_flag("--quiet", options->quiet, "The values only");
+    command->add_flag("-q,--quiet", options->quiet, "The values only");
     addLink(command, options->common.link);
     addRequest(command, options->common);
     command->callback([command, options, &run] {

@@ -209,12 +209,12 @@ void TestHostProgramConfigure::replacesAFileIfForced()
     ServiceRun run(cloud_.port());
     const QString output = run.file(QStringLiteral("out.json"));
     const QStringList arguments = {QStringLiteral("configure"), QStringLiteral("Hall/*"),
-                                   QStringLiteral("--output"), output};
+                                   QStringLiteral("-o"), output};
     QCOMPARE(run.command(arguments), 0);
     QCOMPARE(run.host().errors(), output + QStringLiteral(": 11 items\n"));
     QCOMPARE(
         run.command(arguments + QStringList{QStringLiteral("--force"), QStringLiteral("--type"),
-                                            QStringLiteral("Bit"), QStringLiteral("--quiet")}),
+                                            QStringLiteral("Bit"), QStringLiteral("-q")}),
         0);
     QCOMPARE(run.host().errors(), QString());
     QCOMPARE(namesIn(jsonIn(output)), QStringLiteral("Hall.Light|Hall.Door open"));

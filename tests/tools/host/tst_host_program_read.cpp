@@ -68,7 +68,7 @@ void TestHostProgramRead::isNotFooledByInitialValues()
     QFETCH(QString, value);
     HostProcess host;
     host.addItem(QStringLiteral("A"), id, type);
-    QCOMPARE(host.run({QStringLiteral("read"), QStringLiteral("A"), QStringLiteral("--quiet")}), 0);
+    QCOMPARE(host.run({QStringLiteral("read"), QStringLiteral("A"), QStringLiteral("-q")}), 0);
     QCOMPARE(host.output(), value + QLatin1Char('\n'));
 }
 

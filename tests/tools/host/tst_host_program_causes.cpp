@@ -16,6 +16,8 @@ private Q_SLOTS:
     void saysWhyThereIsNoConnection();
     void saysThatTheLoginIsRefused_data();
     void saysThatTheLoginIsRefused();
+    void saysThatTheServiceDoesNotAnswer_data();
+    void saysThatTheServiceDoesNotAnswer();
     void namesACheckWithoutAConfiguration();
     void goesOnWithACertificateThatNobodyTrusts_data();
     void goesOnWithACertificateThatNobodyTrusts();
@@ -133,6 +135,42 @@ void TestHostProgramCauses::saysThatTheLoginIsRefused()
     QVERIFY2(
         errors.endsWith(latin1("next: tovik-host check --config %1\n").arg(run.host.configFile())),
         qPrintable(errors));
+}
+
+/// The certificate is one that nobody trusts, here as often: that keeps no value away.
+void TestHostProgramCauses::saysThatTheServiceDoesNotAnswer_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QString>("said");
+    const QString hangs = latin1("hang:path=login");
+    const QString is_silent = latin1("the way to the service is free, but it has not answered yet");
+    for (const QStringList& words : {commands.at(0), commands.at(1), commands.at(2)})
+        QTest::newRow(qPrintable(words.first() + latin1(" of one that hangs")))
+            << hangs << words << is_silent;
+    QTest::newRow("one that hangs, while it is watched")
+        << hangs << QStringList{latin1("watch"), latin1("--seconds"), latin1("8")}
+        << latin1("  cause: ") + is_silent;
+    QTest::newRow("catalogue of one that hangs")
+        << hangs << QStringList{latin1("catalogue"), latin1("--timeout"), latin1("1")}
+        << latin1("failed: no answer within 1 s\ntovik-host: next: tovik-host check ");
+    QTest::newRow("one that answers with a page")
+        << latin1("not-json") << commands.at(0)
+        << latin1(
+               "the way to the service is free, but no answer comes that the driver understands");
+}
+
+void TestHostProgramCauses::saysThatTheServiceDoesNotAnswer()
+{
+    QFETCH(QString, fault);
+    QFETCH(QStringList, words);
+    QFETCH(QString, said);
+    CauseRun run;
+    QVERIFY(run.startService({latin1("--fault"), fault}));
+    QCOMPARE(run.command(words), 1);
+    const QString all = run.host.output() + run.host.errors();
+    QVERIFY2(all.contains(said), qPrintable(all));
+    QVERIFY2(!all.contains(latin1("certificate")), qPrintable(all));
 }
 
 /// An account on the command line is none that a check could take.

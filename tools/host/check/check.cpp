@@ -249,7 +249,8 @@ QString causeOfSilence(terminal::Context& context, const QString& url, double ti
     const Verdict verdict =
         Walk(context, config, {}, qMin(timeout, longest_look), [](const CheckStep&) {
         }).toTheService();
-    if (verdict.causes.isEmpty()) // interrupted, or all is well
+    // What is worth a warning keeps no value away. Failures come first.
+    if (verdict.is_well || context.unix_signals.endRequested())
         return QString();
     const Cause& cause = verdict.causes.first();
     return cause.advice.isEmpty() ? cause.found

@@ -12,7 +12,7 @@ namespace tovik_host::check {
 int runCheck(const config::CommonOptions& common, const QStringList& items);
 
 /// Why nothing comes from the service at \a url, in one line: what a check finds between here and
-/// its first words; empty: nothing of that. Asks nobody to log in. \param timeout in seconds
+/// its first words; empty: the way is free. Asks nobody to log in. \param timeout in seconds
 QString causeOfSilence(terminal::Context& context, const QString& url, double timeout);
 /// Says \a cause, if there is one, and the command to go on with, if there is one.
 void advise(terminal::Context& context, const QString& cause, const QString& next);

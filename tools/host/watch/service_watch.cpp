@@ -9,6 +9,8 @@ namespace {
 
 /// Seconds without a connection after which the cause is looked for.
 const int patience = 2;
+/// The same while the driver reports no error: a login takes its time.
+const int patience_without_error = 5;
 
 } // namespace
 
@@ -37,8 +39,9 @@ bool ServiceWatch::isOver() const
 bool ServiceWatch::wantsCause() const
 {
     const QDateTime since = model_.statusSince();
-    return model_.status() != 0 && model_.cycleEnd() < 0 && since != looked_at_ &&
-           since.secsTo(QDateTime::currentDateTime()) >= patience;
+    const int wait = model_.status() == 0 ? patience_without_error : patience;
+    return !model_.isConnected() && model_.cycleEnd() < 0 && since != looked_at_ &&
+           since.secsTo(QDateTime::currentDateTime()) >= wait;
 }
 
 void ServiceWatch::lookForCause()

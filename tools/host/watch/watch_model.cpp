@@ -101,7 +101,7 @@ bool WatchModel::endRound(const QDateTime& now)
     round_status_ = 0;
     if (status_ != previous)
         status_since_ = now;
-    if (status_ == 0)
+    if (isConnected())
         cause_.clear();
     cycle_end_ = findCycleEnd(previous, now);
     return status_ != previous || cycle_end_ != previous_end;

@@ -53,6 +53,8 @@ public:
     int staleAfter() const;
     /// Whether the driver has been connected to the service.
     bool wasConnected() const { return was_connected_; }
+    /// Whether it is now, as far as the driver tells.
+    bool isConnected() const { return numbers_.connected.value_or(status_ == 0); }
     /// How many values have come; one that stays as it is has come once.
     int valueCount() const { return value_count_; }
     /// The first item that was stale or had an error, with what it was and when; empty: none.

@@ -7,6 +7,7 @@
 namespace {
 
 const QByteArray setpoint = QByteArray::fromHex("4100"); // 65
+const int patience = 60000; // ms; an emulated driver on a busy machine takes many
 
 } // namespace
 
@@ -45,7 +46,7 @@ void TestPluginResumption::init()
     host_->serve("Setpoint", "boiler-setpoint", "16Bit-INT");
     HostSide::setErrorHandling(&host_->link, 2, 1, false, false);
     host_->start();
-    QTRY_VERIFY(connected());
+    QTRY_VERIFY_WITH_TIMEOUT(connected(), patience);
 }
 
 void TestPluginResumption::cleanup()
@@ -95,10 +96,10 @@ void TestPluginResumption::goesOn()
     QFETCH(bool, fails_once);
     const int id = cloud_.addFault(fault.toStdString());
     QVERIFY(id > 0);
-    QTRY_VERIFY(cloud_.applied(id) > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(cloud_.applied(id) > 0, patience);
     const int before = requests();
-    QTRY_VERIFY(requests() >= before + 2);
-    QTRY_VERIFY(connected());
+    QTRY_VERIFY_WITH_TIMEOUT(requests() >= before + 2, patience);
+    QTRY_VERIFY_WITH_TIMEOUT(connected(), patience);
     QCOMPARE(log_->count("[TOVIK IoT] Stop monitor!"), fails_once ? 1 : 0);
 }
 

@@ -97,25 +97,33 @@ bool WatchModel::endRound(const QDateTime& now)
 {
     const int previous = status_;
     const int previous_end = cycle_end_;
-    status_ = round_status_;
+    takeRefusal(now);
+    cycle_end_ = findCycleEnd(now);
+    // A driver that is refused an item connects anew, and looks well until it is refused again.
+    status_ = round_status_ == 0 && cycle_end_ >= 0 ? cycle_refusal_ : round_status_;
+    latest_round_ = round_status_;
     round_status_ = 0;
     if (status_ != previous)
         status_since_ = now;
     if (isConnected())
         cause_.clear();
-    cycle_end_ = findCycleEnd(previous, now);
     return status_ != previous || cycle_end_ != previous_end;
 }
 
-/// A driver that is refused an item connects anew and looks well until it is refused again, so one
-/// refusal counts for a while.
-int WatchModel::findCycleEnd(int previous_status, const QDateTime& now)
+/// Takes what the service has refused in this round, if it has.
+void WatchModel::takeRefusal(const QDateTime& now)
 {
-    if (value::isServiceError(status_)) {
-        if (status_ != previous_status)
-            cycle_refusal_ = previous_status == 0 && was_connected_ ? status_ : 0;
+    if (value::isServiceError(round_status_)) {
+        if (round_status_ != latest_round_)
+            cycle_refusal_ = latest_round_ == 0 && was_connected_ ? round_status_ : 0;
         refused_at_ = now;
+    } else if (round_status_ != 0) {
+        cycle_refusal_ = 0;
     }
+}
+
+int WatchModel::findCycleEnd(const QDateTime& now) const
+{
     const int shortest_while = 3000;
     if (cycle_refusal_ == 0 || refused_at_.msecsTo(now) > qMax(shortest_while, staleAfter()))
         return -1;

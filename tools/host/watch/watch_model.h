@@ -35,8 +35,8 @@ public:
     /// what they call older than any value is what the driver's cache began with. True: it is
     /// another one than before.
     bool take(int index, const driver::Answer& given, const QDateTime& now);
-    /// Ends a round: the driver's status is the first one of the round that is not 0. True: it, or
-    /// the item that ends the driver's cycle, is another one than before.
+    /// Ends a round: the driver's status is the first one of the round that is not 0; while an item
+    /// ends the driver's cycle, the refusal. True: it, or that item, is another one than before.
     bool endRound(const QDateTime& now);
     /// Takes the driver's numbers at a moment, in milliseconds of a steady clock.
     void takeNumbers(const value::DriverNumbers& numbers, qint64 moment);
@@ -82,7 +82,8 @@ public:
 
 private:
     void keepTrouble(const ItemState& state, const QString& what, const QDateTime& now);
-    int findCycleEnd(int previous_status, const QDateTime& now);
+    void takeRefusal(const QDateTime& now);
+    int findCycleEnd(const QDateTime& now) const;
 
     QVector<ItemState> items_;
     QVector<bool> has_value_;
@@ -91,7 +92,8 @@ private:
     bool was_connected_ = false;
     QString first_trouble_;
     int status_ = 0;
-    int round_status_ = 0;
+    int round_status_ = 0; ///< Of the round so far.
+    int latest_round_ = 0; ///< Of the round before.
     value::StatusOf status_of_ = value::StatusOf::service;
     QDateTime status_since_;
     int cycle_refusal_ = 0; ///< The service's latest error, if it came in a cycle; no login's.

@@ -205,11 +205,14 @@ void TestHostWatchModel::itemAtWhoseErrorTheCycleEnds()
                                                 "items not reached: 1"));
     QVERIFY(!round(model, 0x400F0007, start.addSecs(2)));
     // Connected anew, and soon refused again.
-    QVERIFY(round(model, 0, start.addSecs(3)));
+    QVERIFY(!round(model, 0, start.addSecs(3)));
     QCOMPARE(model.cycleEnd(), 1);
-    QCOMPARE(model.statusText(), QStringLiteral("ok"));
-    QVERIFY(round(model, 0, start.addSecs(6)));
+    QCOMPARE(model.status(), 0x400F0007);
+    QVERIFY(!round(model, 0x400F0007, start.addSecs(4)));
+    QVERIFY(!round(model, 0, start.addSecs(5)));
+    QVERIFY(round(model, 0, start.addSecs(8)));
     QCOMPARE(model.cycleEnd(), -1);
+    QCOMPARE(model.statusText(), QStringLiteral("ok"));
 }
 
 void TestHostWatchModel::refusedLoginEndsNoCycle()

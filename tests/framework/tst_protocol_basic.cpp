@@ -294,6 +294,7 @@ void TestProtocolBasic::digitBaseTransform_data()
     QTest::newRow("BCD to number") << 0x1234 << 10 << 16 << 1234;
     QTest::newRow("zero") << 0 << 16 << 10 << 0;
     QTest::newRow("nine digits lose the highest") << 123456789 << 16 << 10 << 0x23456789;
+    QTest::newRow("nine digits lose it in a small base, too") << 123456789 << 10 << 10 << 23456789;
     QTest::newRow("negative") << -12 << 16 << 10 << -0x12;
     QTest::newRow("digits of base 0") << 12 << 16 << 0 << 0;
     QTest::newRow("digits of base 1 are zeros") << 12 << 16 << 1 << 0;

@@ -14,8 +14,8 @@ using Json = nlohmann::json;
 /// Where it is by default; empty: nowhere.
 std::string settingsFile()
 {
-    const char* const folder = std::getenv("XDG_CONFIG_HOME");
-    const char* const home = std::getenv("HOME");
+    const char* const folder = ::secure_getenv("XDG_CONFIG_HOME");
+    const char* const home = ::secure_getenv("HOME");
     const char* const file = "/tovik/tovik-cloud.json";
     if (folder && *folder)
         return std::string(folder) + file;

@@ -2,6 +2,7 @@
 
 #include "tools/service/control/control_guard.h"
 #include "tools/service/faults/fault.h"
+#include "tools/service/plant/near_name.h"
 #include "tools/service/settings.h"
 
 #include <CLI/CLI.hpp>
@@ -159,6 +160,23 @@ std::string originOf(const std::string& problem, const CLI::App& app, int count,
     return is_given ? std::string() : " (in " + app["--settings"]->as<std::string>() + ")";
 }
 
+/// The first word that is no option, with the option that it may mean; empty: all are.
+std::string unknownOption(const CLI::App& app)
+{
+    const std::vector<std::string> words = app.remaining();
+    const auto unknown = std::find_if(words.begin(), words.end(),
+                                      [](const std::string& word) { return word[0] == '-'; });
+    if (unknown == words.end())
+        return std::string();
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options()) {
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    }
+    const std::string near = plant::nearName(unknown->substr(0, unknown->find('=')), names);
+    return "no option \"" + *unknown + "\"" + (near.empty() ? "" : "; " + near + "?");
+}
+
 } // namespace
 
 void requireOutput()
@@ -189,8 +207,10 @@ ParsedOptions parseOptions(int count, char** arguments)
                "\nExit codes: 0 success, 1 failure at run time, 2 wrong usage or "
                "project file.");
     app.failure_message([&](const CLI::App*, const CLI::Error& error) {
-        return std::string("tovik-cloud: ") + error.what() +
-               originOf(error.what(), app, count, arguments) +
+        const std::string unknown = unknownOption(app);
+        return "tovik-cloud: " +
+               (unknown.empty() ? error.what() + originOf(error.what(), app, count, arguments)
+                                : unknown) +
                "\nRun with --help for more information.\n";
     });
     try {

@@ -65,7 +65,10 @@ void TestCloudProgramCommandLine::exitsWith_data()
     row("project that does not exist", "/nonexistent.json", 2, "cannot read the project file");
     row("configuration of the host tool", "CONFIGURATION", 2,
         "watch.json: is a configuration of tovik-host, and a project file is wanted");
-    row("unknown option", "--colour PROJECT", 2, "--colour");
+    row("unknown option", "--colour PROJECT", 2, "no option \"--colour\"\n");
+    row("misspelt option", "--list-fault", 2, "no option \"--list-fault\"; --list-faults?");
+    row("misspelt option with a value", "--prot=8443 PROJECT", 2,
+        "no option \"--prot=8443\"; --port?");
     row("port out of range", "--port 70000 PROJECT", 2, "70000");
     row("unknown TLS version", "--tls 1.1 PROJECT", 2, "1.1");
     row("unknown key type", "--key-type dsa PROJECT", 2, "dsa");

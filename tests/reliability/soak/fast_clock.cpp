@@ -38,8 +38,8 @@ Nanoseconds nanoseconds(const timespec& time)
 timespec timeOf(Nanoseconds time)
 {
     timespec result{};
-    result.tv_sec = time / second;
-    result.tv_nsec = time % second;
+    result.tv_sec = time_t(time / second);
+    result.tv_nsec = long(time % second);
     return result;
 }
 
@@ -105,7 +105,7 @@ int gettimeofday(timeval* time, void*) noexcept
 
 time_t time(time_t* time) noexcept
 {
-    const time_t seconds = now(CLOCK_REALTIME) / second;
+    const time_t seconds = time_t(now(CLOCK_REALTIME) / second);
     if (time)
         *time = seconds;
     return seconds;

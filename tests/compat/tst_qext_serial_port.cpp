@@ -65,6 +65,7 @@ private Q_SLOTS:
     void lineSpeed_data();
     void lineSpeed();
     void stopBitsAndFlowReachTheLine();
+    void markAndSpaceReachTheLine();
     void refusedSettingLeavesThePortInUse();
     void portsThatDoNotOpen_data();
     void portsThatDoNotOpen();
@@ -208,6 +209,18 @@ void TestQextSerialPort::stopBitsAndFlowReachTheLine()
     port.setParity(PAR_ODD); // a pseudo terminal has no parity, but keeps which one was asked for
     QVERIFY(pty.attributes().c_cflag & PARODD);
     QCOMPARE(port.parity(), PAR_ODD);
+}
+
+void TestQextSerialPort::markAndSpaceReachTheLine()
+{
+    Pty pty;
+    QextSerialPort port(pty.portName());
+    QVERIFY(port.open(QIODevice::ReadWrite));
+    termios line = pty.attributes();
+    line.c_cflag |= CMSPAR;
+    QCOMPARE(tcsetattr(pty.descriptor(), TCSANOW, &line), 0);
+    if (!(pty.attributes().c_cflag & CMSPAR))
+        QSKIP("the lines of this kernel, or of its emulator, have no such parity");
     port.setParity(PAR_MARK);
     QCOMPARE(pty.attributes().c_cflag & (CMSPAR | PARODD), tcflag_t(CMSPAR | PARODD));
     port.setParity(PAR_SPACE);

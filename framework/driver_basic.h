@@ -208,7 +208,8 @@ protected:
     /// Waits until new input has arrived on the link, at most so long; meanwhile what has been
     /// written leaves. Waits alike on every kind of link, and leaves no error on the host's socket,
     /// as Qt's own `waitForReadyRead()` does when it has waited in vain. Returns at once if the
-    /// link is closed or lost; negative counts as 0.
+    /// link is closed or lost; negative counts as 0. Input that is there when it begins need not
+    /// end it: look first, and wait in short steps.
     void waitForLinkInput(int milliseconds);
     /// Waits until \a count bytes are waiting on the link: what request_send_wait() is for, where
     /// the answer's length is known. Waits response_timeout_ at most, and hears a stop request

@@ -1,5 +1,7 @@
 #include "tools/file/line_file.h"
 
+#include "tools/file/write_all.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -23,20 +25,12 @@ LineFile::~LineFile()
 int LineFile::append(const std::string& lines)
 {
     const std::string bytes = is_cut_ ? '\n' + lines : lines;
-    std::size_t done = 0;
-    int error = 0;
-    while (error == 0 && done < bytes.size()) {
-        const ssize_t count = ::write(descriptor_, bytes.data() + done, bytes.size() - done);
-        if (count >= 0)
-            done += std::size_t(count);
-        else if (errno != EINTR)
-            error = errno;
-    }
-    if (done > 0)
-        is_cut_ = bytes[done - 1] != '\n';
+    const Written written = writeAll(descriptor_, bytes);
+    if (written.count > 0)
+        is_cut_ = bytes[written.count - 1] != '\n';
     const bool is_news = error_ == 0;
-    error_ = error;
-    return is_news ? error : 0;
+    error_ = written.error;
+    return is_news ? written.error : 0;
 }
 
 } // namespace tovik_file

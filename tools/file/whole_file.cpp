@@ -1,5 +1,7 @@
 #include "tools/file/whole_file.h"
 
+#include "tools/file/write_all.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -70,13 +72,9 @@ public:
 
     void write(const std::string& bytes)
     {
-        for (std::size_t done = 0; done < bytes.size();) {
-            const ssize_t count = ::write(descriptor_, bytes.data() + done, bytes.size() - done);
-            if (count >= 0)
-                done += std::size_t(count);
-            else if (errno != EINTR)
-                fail(errno);
-        }
+        const int error = writeAll(descriptor_, bytes).error;
+        if (error != 0)
+            fail(error);
     }
 
     void replaceTarget()

@@ -160,6 +160,12 @@ std::string originOf(const std::string& problem, const CLI::App& app, int count,
     return is_given ? std::string() : " (in " + app["--settings"]->as<std::string>() + ")";
 }
 
+/// How wrong usage is told.
+std::string usageText(const std::string& problem)
+{
+    return "tovik-cloud: " + problem + "\nRun with --help for more information.\n";
+}
+
 /// The first word that is no option, with the option that it may mean; empty: all are.
 std::string unknownOption(const CLI::App& app)
 {
@@ -208,10 +214,9 @@ ParsedOptions parseOptions(int count, char** arguments)
                "project file.");
     app.failure_message([&](const CLI::App*, const CLI::Error& error) {
         const std::string unknown = unknownOption(app);
-        return "tovik-cloud: " +
-               (unknown.empty() ? error.what() + originOf(error.what(), app, count, arguments)
-                                : unknown) +
-               "\nRun with --help for more information.\n";
+        return usageText(unknown.empty()
+                             ? error.what() + originOf(error.what(), app, count, arguments)
+                             : unknown);
     });
     try {
         app.parse(count, arguments);
@@ -230,7 +235,7 @@ ParsedOptions parseOptions(int count, char** arguments)
     }
     const std::string problem = findProblem(options);
     if (!problem.empty()) {
-        std::cerr << "tovik-cloud: " << problem << "\nRun with --help for more information.\n";
+        std::cerr << usageText(problem);
         parsed.exit_code = exit_usage;
     }
     return parsed;

@@ -69,8 +69,7 @@ void addCheck(CLI::App& app, Run& run)
     command->callback([command, options, &run] {
         complete(command, options->common, Needs::address);
         if (!options->addresses.isEmpty())
-            options->common.device_options
-                << QStringLiteral("\"%1\"").arg(options->addresses.first());
+            options->common.device_options << u"\"%1\""_s.arg(options->addresses.first());
         run = [options] { return options->run(); };
     });
 }

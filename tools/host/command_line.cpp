@@ -3,7 +3,7 @@
 #include "tools/host/commands.h"
 #include "tools/host/terminal/context.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <CLI/CLI.hpp>
 
@@ -28,18 +28,17 @@ bool isOption(const std::string& word)
 /// The command that begins \a words; null: the program's own options do.
 const CLI::App* commandOf(const CLI::App& app, const Words& words)
 {
-    const QString hint = QStringLiteral("; tovik-host help lists the commands");
+    const QString hint = u"; tovik-host help lists the commands"_s;
     if (words.empty())
-        throw terminal::UsageError(QStringLiteral("the command is missing") + hint);
+        throw terminal::UsageError(u"the command is missing"_s + hint);
     const std::string& first = words.front();
     const std::string name = first.substr(0, first.find('='));
     if (isOption(first) && app.get_option_no_throw(name))
         return nullptr;
     if (isOption(first)) {
         throw terminal::UsageError(
-            QStringLiteral("%1 stands before the command; options come after it: tovik-host "
-                           "COMMAND %1 ...")
-                .arg(text(name)));
+            u"%1 stands before the command; options come after it: tovik-host COMMAND %1 ..."_s.arg(
+                text(name)));
     }
     QStringList names;
     for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
@@ -48,7 +47,7 @@ const CLI::App* commandOf(const CLI::App& app, const Words& words)
             return command;
     }
     const QString near = terminal::nearText(text(first), names);
-    throw terminal::UsageError(QStringLiteral("there is no command \"%1\"").arg(text(first)) +
+    throw terminal::UsageError(u"there is no command \"%1\""_s.arg(text(first)) +
                                (near.isEmpty() ? hint : near));
 }
 
@@ -57,7 +56,7 @@ QStringList longNamesOf(const CLI::App& command)
     QStringList names;
     for (const CLI::Option* option : command.get_options()) {
         for (const std::string& name : option->get_lnames())
-            names << QStringLiteral("--") + text(name);
+            names << u"--"_s + text(name);
     }
     return names;
 }
@@ -73,9 +72,8 @@ QString whoHas(const QString& name, const CLI::App& app)
     if (commands.isEmpty())
         return QString();
     const QString last = commands.takeLast();
-    return commands.isEmpty() ? QStringLiteral("; %1 has it").arg(last)
-                              : QStringLiteral("; %1 and %2 have it")
-                                    .arg(commands.join(QStringLiteral(", ")), last);
+    return commands.isEmpty() ? u"; %1 has it"_s.arg(last)
+                              : u"; %1 and %2 have it"_s.arg(commands.join(u", "_s), last);
 }
 
 void refuseUnknownOptions(const CLI::App& app, const CLI::App& command, const Words& words)
@@ -88,7 +86,7 @@ void refuseUnknownOptions(const CLI::App& app, const CLI::App& command, const Wo
         if (name.startsWith(QLatin1String("--")) && !names.contains(name)) {
             const QString others = whoHas(name, app);
             throw terminal::UsageError(
-                QStringLiteral("%1 has no option %2").arg(text(command.get_name()), name) +
+                u"%1 has no option %2"_s.arg(text(command.get_name()), name) +
                 (others.isEmpty() ? terminal::nearText(name, names) : others));
         }
     }
@@ -133,7 +131,7 @@ std::optional<int> parseLine(CLI::App& app, Words words)
     } catch (const CLI::ParseError& error) {
         QString problem = text(withoutMark(error.what()));
         if (command)
-            problem += QStringLiteral(" (tovik-host help %1)").arg(text(command->get_name()));
+            problem += u" (tovik-host help %1)"_s.arg(text(command->get_name()));
         throw terminal::UsageError(problem);
     }
     return std::nullopt;

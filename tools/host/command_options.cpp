@@ -248,19 +248,16 @@ void complete(const CLI::App* command, config::CommonOptions& common, Needs need
 QString causeOfNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,
                             const config::CommonOptions& common, int status)
 {
-    if (value::isServiceError(status)) {
-        return QStringLiteral("login refused with %1: %2")
-            .arg(value::statusText(status), value::loginAdvice());
-    }
+    if (value::isServiceError(status))
+        return u"login refused with %1: %2"_s.arg(value::statusText(status), value::loginAdvice());
     const QString cause = check::causeOfSilence(context, setup.config.service.url, common.timeout);
     if (!cause.isEmpty())
         return cause;
     return status == 0
-               ? QStringLiteral("the way to the service is free, but it has not answered yet; the "
-                                "driver waits without a time-out: look at the service")
-               : QStringLiteral("the way to the service is free, but no answer comes that the "
-                                "driver understands: look at the service; --trace shows what "
-                                "comes");
+               ? u"the way to the service is free, but it has not answered yet; the driver waits "
+                 "without a time-out: look at the service"_s
+               : u"the way to the service is free, but no answer comes that the driver "
+                 "understands: look at the service; --trace shows what comes"_s;
 }
 
 void explainNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,

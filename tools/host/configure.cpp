@@ -6,7 +6,7 @@
 #include "tools/host/service/configure_dialogue.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/line_input.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <CLI/CLI.hpp>
 #include <QFileInfo>
@@ -50,14 +50,12 @@ void checkFolder(const QString& output)
 {
     const QFileInfo folder(QFileInfo(output).absolutePath());
     if (!folder.isDir()) {
-        throw terminal::UsageError(
-            QStringLiteral("cannot write %1: there is no folder %2")
-                .arg(terminal::printable(output), terminal::printable(folder.filePath())));
+        throw terminal::UsageError(u"cannot write %1: there is no folder %2"_s.arg(
+            terminal::printable(output), terminal::printable(folder.filePath())));
     }
     if (!folder.isWritable()) {
-        throw terminal::UsageError(
-            QStringLiteral("cannot write %1: the folder %2 is not writable")
-                .arg(terminal::printable(output), terminal::printable(folder.filePath())));
+        throw terminal::UsageError(u"cannot write %1: the folder %2 is not writable"_s.arg(
+            terminal::printable(output), terminal::printable(folder.filePath())));
     }
 }
 
@@ -72,8 +70,8 @@ void checkOptions(const Configure& options)
     service::checkFilter(filter);
     if (!options.interactive && filter.patterns.isEmpty() && filter.types.isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("which items? Give patterns such as 'Boiler/*' (or '*' for "
-                           "all), --type TYPE, or --interactive"));
+            u"which items? Give patterns such as 'Boiler/*' (or '*' for all), --type TYPE, or "
+            "--interactive"_s);
     }
 }
 
@@ -125,22 +123,20 @@ std::optional<QVector<service::OfferedItem>> wantedItems(terminal::Context& cont
     const service::FilteredItems filtered =
         service::filterItems(service::offeredItems(catalogue), options.filter);
     if (filtered.items.isEmpty()) {
-        context.complain(
-            QStringLiteral("nothing is chosen of %1%2")
-                .arg(service::counted(catalogue.itemCount(), QStringLiteral("item")),
-                     filtered.without_match.isEmpty()
-                         ? QStringLiteral(": no item meets all of the conditions")
-                         : QStringLiteral("; nothing in the catalogue matches %1")
-                               .arg(filtered.without_match.join(QStringLiteral(", ")))));
+        context.complain(u"nothing is chosen of %1%2"_s.arg(
+            service::counted(catalogue.itemCount(), u"item"_s),
+            filtered.without_match.isEmpty() ? u": no item meets all of the conditions"_s
+                                             : u"; nothing in the catalogue matches %1"_s.arg(
+                                                   filtered.without_match.join(u", "_s))));
         return std::nullopt;
     }
     for (const QString& pattern : filtered.without_match)
-        context.warn(QStringLiteral("nothing in the catalogue matches %1").arg(pattern));
+        context.warn(u"nothing in the catalogue matches %1"_s.arg(pattern));
     if (!options.interactive)
         return filtered.items;
     const auto chosen = choose(context, filtered.items);
     if (!chosen)
-        context.complain(QStringLiteral("nothing is chosen, and nothing was written"));
+        context.complain(u"nothing is chosen, and nothing was written"_s);
     return chosen;
 }
 
@@ -155,9 +151,8 @@ void write(terminal::Context& context, const config::Account& account,
     terminal::checkOutputFile(options.output, options.force);
     terminal::saveFile(options.output, text.toUtf8(), options.with_password);
     if (!options.service.quiet) {
-        context.err.line(
-            QStringLiteral("%1: %2").arg(terminal::printable(options.output),
-                                         service::counted(items.size(), QStringLiteral("item"))));
+        context.err.line(u"%1: %2"_s.arg(terminal::printable(options.output),
+                                         service::counted(items.size(), u"item"_s)));
     }
 }
 
@@ -166,7 +161,7 @@ int Configure::run() const
     checkOptions(*this);
     std::optional<service::Catalogue> offered;
     if (!catalogue.isEmpty())
-        offered = service::readCatalogue(config::readJson(catalogue, QStringLiteral("catalogue")));
+        offered = service::readCatalogue(config::readJson(catalogue, u"catalogue"_s));
     const bool needs_password = !offered || with_password;
     config::Account account =
         accountFor(service, offered.value_or(service::Catalogue()), needs_password);
@@ -176,9 +171,8 @@ int Configure::run() const
         return terminal::exitRefused;
     if (with_password && !account.has_password) {
         throw terminal::UsageError(
-            QStringLiteral("--with-password: there is no password; set %1, or use "
-                           "--password-file")
-                .arg(account.password_env));
+            u"--with-password: there is no password; set %1, or use --password-file"_s.arg(
+                account.password_env));
     }
     if (!offered)
         offered = catalogueOf(context, service, account);

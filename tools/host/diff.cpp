@@ -47,8 +47,7 @@ struct LoadedSide
 
 LoadedSide sideFromFile(const QString& path, bool needs_account)
 {
-    const config::JsonFile file =
-        config::readJson(path, QStringLiteral("catalogue or configuration"));
+    const config::JsonFile file = config::readJson(path, u"catalogue or configuration"_s);
     LoadedSide loaded;
     loaded.name = path;
     if (!service::isCatalogue(file)) {
@@ -129,7 +128,7 @@ int Diff::run() const
         text = asJson(old_side, *new_side, differences);
     } else {
         for (const service::Difference& difference : differences)
-            text += service::differenceLine(difference) + QLatin1Char('\n');
+            text += service::differenceLine(difference) + u'\n';
     }
     terminal::Context context;
     context.out.write(text);

@@ -2,7 +2,7 @@
 #include "tools/host/commands.h"
 #include "tools/host/terminal/context.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
@@ -46,7 +46,7 @@ int main(int argc, char** argv)
         return run();
     } catch (const terminal::UsageError& error) {
         terminal::Streams streams;
-        QStringList lines = error.message().split(QLatin1Char('\n'));
+        QStringList lines = error.message().split(u'\n');
         streams.complain(lines.takeFirst());
         for (const QString& line : qAsConst(lines))
             streams.err.line(terminal::printable(line));

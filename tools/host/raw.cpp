@@ -25,7 +25,7 @@ const char raw_text[] =
 
 QString subject()
 {
-    return QStringLiteral("raw");
+    return u"raw"_s;
 }
 
 void printJson(terminal::Context& context, const QByteArray& request, const driver::Answer& answer,
@@ -52,9 +52,9 @@ QString problemOf(const driver::DeviceSetup& setup, const driver::DeviceAnswer& 
         answer.answer.arrived && answer.answer.status == result_code::no_answer_in_time;
     if (!silent || !answer.link_problem.isEmpty() || setup.context.unix_signals.endRequested())
         return setup.failureOf(answer);
-    return QStringLiteral("no complete answer within the budget of %1 ms; is the frame complete, "
-                          "with its checksum? A slow device needs a longer --response-timeout")
-        .arg(setup.config.settings.response_timeout);
+    return u"no complete answer within the budget of %1 ms; is the frame complete, with its "
+           "checksum? A slow device needs a longer --response-timeout"_s.arg(
+               setup.config.settings.response_timeout);
 }
 
 struct Raw
@@ -70,8 +70,8 @@ int Raw::run() const
 {
     if (!driver::isForDevice(common)) {
         throw terminal::UsageError(
-            QStringLiteral("raw is for a device on a link, and there is none: add "
-                           "--link tcp:HOST:PORT or --link serial:DEVICE"));
+            u"raw is for a device on a link, and there is none: add --link tcp:HOST:PORT or --link "
+            "serial:DEVICE"_s);
     }
     const value::HexBytes request = value::parseHexBytes(bytes);
     if (!request.problem.isEmpty())
@@ -82,8 +82,10 @@ int Raw::run() const
     if (!setup.open(host))
         return terminal::exitRefused;
     if (!force && !host.supportsRaw()) {
-        context.complain(subject(), QStringLiteral("the driver says that it does not support the "
-                                                   "transparent mode; --force tries all the same"));
+        context.complain(
+            subject(),
+            u"the driver says that it does not support the transparent mode; --force tries all the "
+            "same"_s);
         return terminal::exitRefused;
     }
     const driver::DeviceAnswer answer = host.sendRaw(request.bytes);

@@ -44,30 +44,25 @@ QString problemOf(const driver::FirstValue& value, const driver::FirstValues& fi
     if (value.arrived && value::decodeValue(*value.item.type, value.answer.bytes))
         return QString();
     const QString type = QString::fromLatin1(value.item.type->name);
-    if (value.arrived) {
-        return QStringLiteral("the driver's bytes [%1] are no %2")
-            .arg(value::hexText(value.answer.bytes), type);
-    }
+    if (value.arrived)
+        return u"the driver's bytes [%1] are no %2"_s.arg(value::hexText(value.answer.bytes), type);
     if (first.waited == terminal::Waited::interrupted)
-        return QStringLiteral("interrupted");
+        return u"interrupted"_s;
     const QString status = value::statusTextWithCode(first.status, value::StatusOf::service);
     const QString end = endOfCycle(first);
     if (!end.isEmpty() && end != value.item.name)
-        return QStringLiteral("not reached: %1 ends the cycle with %2").arg(end, status);
+        return u"not reached: %1 ends the cycle with %2"_s.arg(end, status);
     if (first.status != 0) {
-        return QStringLiteral("no value: ") + status +
-               (end.isEmpty() ? QString()
-                              : QStringLiteral("; does the service have an item with the id "
-                                               "\"%1\"?")
-                                    .arg(value.item.id));
+        return u"no value: "_s + status +
+               (end.isEmpty()
+                    ? QString()
+                    : u"; does the service have an item with the id \"%1\"?"_s.arg(value.item.id));
     }
     if (first.all_read && value.answer.arrived) {
-        return QStringLiteral("the service's value is no %1: compare the item's type with the "
-                              "service's")
-            .arg(type);
+        return u"the service's value is no %1: compare the item's type with the service's"_s.arg(
+            type);
     }
-    return QStringLiteral("no value came in time, and the driver reports no error; --verbose "
-                          "shows its log");
+    return u"no value came in time, and the driver reports no error; --verbose shows its log"_s;
 }
 
 struct Read
@@ -96,7 +91,7 @@ void Read::print(terminal::Context& context, const config::ItemConfig& item,
             line["problem"] = problem.toStdString();
         context.out.line(value::jsonLine(line));
     } else if (text) {
-        context.out.foreignLine(quiet ? *text : QStringLiteral("%1 = %2").arg(item.name, *text));
+        context.out.foreignLine(quiet ? *text : u"%1 = %2"_s.arg(item.name, *text));
     } else {
         context.complain(item.name, problem);
     }

@@ -15,8 +15,7 @@ namespace tovik_host {
 namespace {
 
 /// Options of a service; with a link on the line they would be about something else.
-const QStringList of_service = {QStringLiteral("config"), QStringLiteral("url"),
-                                QStringLiteral("url-file")};
+const QStringList of_service = {u"config"_s, u"url"_s, u"url-file"_s};
 
 /// The names by which \a words may give \a option.
 bool isGiven(const CLI::Option& option, const std::vector<std::string>& words)
@@ -55,10 +54,8 @@ void refuseOpenPassword(const config::JsonPlace& settings, const QString& path)
         (settings.has("url") && !QUrl(settings.at("url").text()).password().isEmpty());
     const auto others = QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ReadOther |
                         QFileDevice::WriteOther;
-    if (has_password && (QFileInfo(path).permissions() & others)) {
-        settings.fail(QStringLiteral("a password stands here, and others may read it: chmod 600 %1")
-                          .arg(path));
-    }
+    if (has_password && (QFileInfo(path).permissions() & others))
+        settings.fail(u"a password stands here, and others may read it: chmod 600 %1"_s.arg(path));
 }
 
 /// A setting as it would stand on the line; empty: it is switched off.
@@ -68,7 +65,7 @@ std::string wordOf(const std::string& name, const config::JsonPlace& place)
     if (json.is_boolean())
         return json.get<bool>() ? "--" + name : std::string();
     if (!json.is_string() && !json.is_number())
-        place.fail(QStringLiteral("must be a text, a number, true or false"));
+        place.fail(u"must be a text, a number, true or false"_s);
     return "--" + name + "=" + (json.is_string() ? json.get<std::string>() : json.dump());
 }
 
@@ -77,10 +74,10 @@ std::string wordOf(const std::string& name, const config::JsonPlace& place)
 void addSettings(const CLI::App& command, std::vector<std::string>& words)
 {
     const QString path = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-                         QStringLiteral("/tovik/tovik-host.json");
+                         u"/tovik/tovik-host.json"_s;
     if (!QFileInfo::exists(path))
         return;
-    const config::JsonFile file = config::readJson(path, QStringLiteral("settings"));
+    const config::JsonFile file = config::readJson(path, u"settings"_s);
     const config::JsonPlace settings(file);
     settings.allowOnly({"config", "library", "url", "url-file", "project", "email", "password",
                         "password-file", "password-env", "timeout", "interval", "stale", "log",

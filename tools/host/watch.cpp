@@ -47,8 +47,8 @@ int Watch::run() const
     const bool is_traced_to_errors = common.trace && common.trace->isEmpty();
     if (is_traced_to_errors && watch::isWatchedOnTerminal(common) && ::isatty(STDERR_FILENO) != 0) {
         throw terminal::UsageError(
-            QStringLiteral("the trace and the table would write over each other: name a file "
-                           "with --trace=FILE"));
+            u"the trace and the table would write over each other: name a file with "
+            "--trace=FILE"_s);
     }
     if (driver::isForDevice(common))
         return runOfDevice();
@@ -84,8 +84,7 @@ int Watch::runOfDevice() const
 {
     if (items.isEmpty() && common.config.isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("there is nothing to watch: name addresses, or a file of "
-                           "items with --config"));
+            u"there is nothing to watch: name addresses, or a file of items with --config"_s);
     }
     terminal::Context context;
     driver::DeviceSetup setup(common, items, context);

@@ -41,7 +41,7 @@ QByteArray encoded(const config::ItemConfig& item, const QString& value)
 {
     const value::EncodedValue encoded = config::bytesOf(item, value);
     if (!encoded.ok())
-        throw terminal::UsageError(QStringLiteral("%1: %2").arg(item.name, encoded.problem));
+        throw terminal::UsageError(u"%1: %2"_s.arg(item.name, encoded.problem));
     return encoded.bytes;
 }
 
@@ -49,9 +49,8 @@ config::ItemConfig onlyOne(const QVector<config::ItemConfig>& items, const QStri
 {
     if (items.size() == 1)
         return items.first();
-    throw terminal::UsageError(QStringLiteral("\"%1\" is %2 items; one is written at a time")
-                                   .arg(named)
-                                   .arg(items.size()));
+    throw terminal::UsageError(
+        u"\"%1\" is %2 items; one is written at a time"_s.arg(named).arg(items.size()));
 }
 
 /// \param done what has become of the value; empty: it was not written
@@ -72,8 +71,7 @@ int Write::report(terminal::Context& context, const config::ItemConfig& to, cons
             line["problem"] = problem.toStdString();
         context.out.line(value::jsonLine(line));
     } else if (problem.isEmpty()) {
-        context.out.foreignLine(
-            QStringLiteral("%1 = %2  %3").arg(to.name, text.value_or(QString()), done));
+        context.out.foreignLine(u"%1 = %2  %3"_s.arg(to.name, text.value_or(QString()), done));
     } else {
         context.complain(to.name, problem);
     }
@@ -99,9 +97,7 @@ int Write::runOfService() const
     QString problem = sent.problem;
     if (problem.isEmpty() && confirm > 0)
         problem = driver::confirmValue(context, setup, to, bytes, int(confirm * 1000));
-    const int code =
-        report(context, to, bytes,
-               confirm > 0 ? QStringLiteral("confirmed") : QStringLiteral("sent"), problem);
+    const int code = report(context, to, bytes, confirm > 0 ? u"confirmed"_s : u"sent"_s, problem);
     if (!sent.was_connected)
         explainNoConnection(context, setup, common, sent.status);
     return code;
@@ -117,8 +113,8 @@ int Write::runOfDevice() const
     if (!setup.open(host))
         return terminal::exitRefused;
     const QString failure = setup.failureOf(host.write(to, bytes));
-    return report(context, to, bytes, QStringLiteral("written"),
-                  failure.isEmpty() ? QString() : QStringLiteral("not written: ") + failure);
+    return report(context, to, bytes, u"written"_s,
+                  failure.isEmpty() ? QString() : u"not written: "_s + failure);
 }
 
 } // namespace

@@ -31,7 +31,7 @@ QVector<config::ItemConfig> itemsFor(const QVector<config::ItemConfig>& all,
                                      const QStringList& patterns)
 {
     const QVector<config::ItemConfig> chosen =
-        config::chosenItems(all, patterns, QStringLiteral("--items: the configuration"));
+        config::chosenItems(all, patterns, u"--items: the configuration"_s);
     QVector<config::ItemConfig> wanted;
     for (const config::ItemConfig& item : all) {
         if (patterns.isEmpty() || config::findItem(chosen, item.name))
@@ -82,8 +82,9 @@ public:
         reachService();
         Verdict verdict = judgeAll(steps_, context_.unix_signals.endRequested());
         if (verdict.is_well)
-            verdict.summary = QStringLiteral("the way to the service is free; login, catalogue and "
-                                             "values need an account: --config FILE");
+            verdict.summary =
+                u"the way to the service is free; login, catalogue and values need an account: "
+                "--config FILE"_s;
         return verdict;
     }
 
@@ -204,9 +205,8 @@ void Walk::readItem(ItemFinding* finding)
 /// What the way would have had after its last step.
 void Walk::showNotTried()
 {
-    QStringList names = {QStringLiteral("name"), QStringLiteral("connect"),
-                         isEncrypted() ? QStringLiteral("tls") : QStringLiteral("http"),
-                         QStringLiteral("login"), QStringLiteral("catalogue")};
+    QStringList names = {u"name"_s, u"connect"_s, isEncrypted() ? u"tls"_s : u"http"_s, u"login"_s,
+                         u"catalogue"_s};
     for (const CheckStep& step : steps_)
         names.removeAll(step.name);
     if (names.isEmpty())
@@ -253,30 +253,27 @@ QString causeOfSilence(terminal::Context& context, const QString& url, double ti
     if (verdict.is_well || context.unix_signals.endRequested())
         return QString();
     const Cause& cause = verdict.causes.first();
-    return cause.advice.isEmpty() ? cause.found
-                                  : QStringLiteral("%1; %2").arg(cause.found, cause.advice);
+    return cause.advice.isEmpty() ? cause.found : u"%1; %2"_s.arg(cause.found, cause.advice);
 }
 
 void advise(terminal::Context& context, const QString& cause, const QString& next)
 {
-    if (!next.isEmpty()) {
-        context.complain((cause.isEmpty() ? QString() : cause + QStringLiteral("; ")) +
-                         QStringLiteral("next: ") + next);
-    } else if (!cause.isEmpty()) {
+    if (!next.isEmpty())
+        context.complain((cause.isEmpty() ? QString() : cause + u"; "_s) + u"next: "_s + next);
+    else if (!cause.isEmpty())
         context.complain(cause);
-    }
 }
 
 QString checkCommand(const config::CommonOptions& common)
 {
-    QStringList words = {QStringLiteral("tovik-host check")};
+    QStringList words = {u"tovik-host check"_s};
     if (!common.config.isEmpty())
-        words << QStringLiteral("--config") << common.config;
+        words << u"--config"_s << common.config;
     if (!common.url.isEmpty())
-        words << QStringLiteral("--url") << QUrl(common.url).toString(QUrl::RemoveUserInfo);
+        words << u"--url"_s << QUrl(common.url).toString(QUrl::RemoveUserInfo);
     if (!common.url_file.isEmpty())
-        words << QStringLiteral("--url-file") << common.url_file;
-    return words.join(QLatin1Char(' '));
+        words << u"--url-file"_s << common.url_file;
+    return words.join(u' ');
 }
 
 } // namespace tovik_host::check

@@ -1,6 +1,6 @@
 #include "tools/host/check/check_items.h"
 
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 #include "tools/host/value/status_text.h"
 
 #include "cloud/driver_status.h"
@@ -15,7 +15,7 @@ namespace {
 
 QString quoted(const QString& text)
 {
-    return QStringLiteral("\"%1\"").arg(text);
+    return u"\"%1\""_s.arg(text);
 }
 
 /// A single has no more digits than these.
@@ -30,15 +30,15 @@ QString simulatedMeaning(int code)
 {
     switch (code) {
     case 1:
-        return QStringLiteral("no account has this e-mail address and password");
+        return u"no account has this e-mail address and password"_s;
     case 3:
-        return QStringLiteral("the account does not have this project");
+        return u"the account does not have this project"_s;
     case 4:
-        return QStringLiteral("the token is unknown or has expired");
+        return u"the token is unknown or has expired"_s;
     case 7:
-        return QStringLiteral("there is no such group or data item");
+        return u"there is no such group or data item"_s;
     case 15:
-        return QStringLiteral("the request is malformed");
+        return u"the request is malformed"_s;
     default:
         return QString();
     }
@@ -46,11 +46,11 @@ QString simulatedMeaning(int code)
 
 QString refusalText(int code)
 {
-    QString text = QStringLiteral("service error %1").arg(code);
+    QString text = u"service error %1"_s.arg(code);
     const QString meaning = simulatedMeaning(code);
     if (!meaning.isEmpty())
-        text += QStringLiteral(" (by it tovik-cloud means: %1)").arg(meaning);
-    return text + QStringLiteral("; %1").arg(hostStatusText(code));
+        text += u" (by it tovik-cloud means: %1)"_s.arg(meaning);
+    return text + u"; %1"_s.arg(hostStatusText(code));
 }
 
 QString failureText(const service::ClientOutcome& outcome)
@@ -62,14 +62,14 @@ QString failureAdvice(const service::ClientOutcome& outcome)
 {
     switch (outcome.kind) {
     case service::ClientOutcome::TimedOut:
-        return QStringLiteral("look at the service; the driver waits without a time-out");
+        return u"look at the service; the driver waits without a time-out"_s;
     case service::ClientOutcome::BadReply:
-        return QStringLiteral("see whether the address is that of the service's API, and not of a "
-                              "web page or a proxy");
+        return u"see whether the address is that of the service's API, and not of a web page or a "
+               "proxy"_s;
     case service::ClientOutcome::Failed:
         return outcome.result == 256
-                   ? QStringLiteral("look at the service and the way to it")
-                   : QStringLiteral("ask the service what its code %1 means").arg(outcome.result);
+                   ? u"look at the service and the way to it"_s
+                   : u"ask the service what its code %1 means"_s.arg(outcome.result);
     default:
         return QString();
     }
@@ -80,9 +80,8 @@ QString itemAdvice(const ItemFinding& finding)
 {
     if (finding.is_known || finding.outcome.kind != service::ClientOutcome::Failed)
         return failureAdvice(finding.outcome);
-    return finding.suggestion.isEmpty()
-               ? QStringLiteral("correct the id, or remove the item")
-               : QStringLiteral("correct the id: %1").arg(finding.suggestion);
+    return finding.suggestion.isEmpty() ? u"correct the id, or remove the item"_s
+                                        : u"correct the id: %1"_s.arg(finding.suggestion);
 }
 
 void judgeReadValue(const ItemFinding& finding, CheckStep* step)
@@ -91,25 +90,23 @@ void judgeReadValue(const ItemFinding& finding, CheckStep* step)
     const bool is_other_type = finding.is_known && finding.catalogue_type != type;
     if (!finding.outcome.reason.isEmpty()) {
         step->severity = Severity::failure;
-        step->text = finding.outcome.reason +
-                     QStringLiteral("; the host keeps the item's first value, with status 0");
-        step->advice = is_other_type
-                           ? QStringLiteral("set the item's type to %1").arg(finding.catalogue_type)
-                           : QStringLiteral("compare the item's type with what the service sends");
+        step->text =
+            finding.outcome.reason + u"; the host keeps the item's first value, with status 0"_s;
+        step->advice = is_other_type ? u"set the item's type to %1"_s.arg(finding.catalogue_type)
+                                     : u"compare the item's type with what the service sends"_s;
         return;
     }
     step->text = valueText(finding.value);
     if (is_other_type) {
         step->severity = Severity::warning;
-        step->text += QStringLiteral("; of type %1 in the catalogue and %2 here")
-                          .arg(finding.catalogue_type, type);
-        step->advice =
-            QStringLiteral("set the item's type to %1, unless the host wants other bytes")
-                .arg(finding.catalogue_type);
+        step->text +=
+            u"; of type %1 in the catalogue and %2 here"_s.arg(finding.catalogue_type, type);
+        step->advice = u"set the item's type to %1, unless the host wants other bytes"_s.arg(
+            finding.catalogue_type);
     } else if (!finding.is_known) {
         step->severity = Severity::warning;
-        step->text += QStringLiteral("; the service has it, and not in its catalogue");
-        step->advice = QStringLiteral("ask the service why");
+        step->text += u"; the service has it, and not in its catalogue"_s;
+        step->advice = u"ask the service why"_s;
     }
 }
 
@@ -118,11 +115,9 @@ void judgeReadValue(const ItemFinding& finding, CheckStep* step)
 QString hostStatusText(int result)
 {
     const int status = driver_status::fromResult(result);
-    if (status == 0) {
-        return QStringLiteral(
-            "the driver has no status for it: the host sees 0, as if all were well");
-    }
-    return QStringLiteral("the host gets status %1").arg(value::statusCode(status));
+    if (status == 0)
+        return u"the driver has no status for it: the host sees 0, as if all were well"_s;
+    return u"the host gets status %1"_s.arg(value::statusCode(status));
 }
 
 CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups)
@@ -155,15 +150,15 @@ ItemFinding lookUpItem(const config::ItemConfig& item, const CatalogueItems& cat
         if (best >= 0 && (distance > best || (distance == best && !is_name)))
             continue;
         best = distance;
-        finding.suggestion = QStringLiteral("the catalogue has %1 (%2, %3)")
-                                 .arg(quoted(other.id), other.name, other.type);
+        finding.suggestion =
+            u"the catalogue has %1 (%2, %3)"_s.arg(quoted(other.id), other.name, other.type);
     }
     return finding;
 }
 
 CheckStep judgeConversation(const char* name, const service::ClientOutcome& outcome)
 {
-    CheckStep step = makeStep(name, Severity::ok, QStringLiteral("accepted"));
+    CheckStep step = makeStep(name, Severity::ok, u"accepted"_s);
     step.seconds = outcome.seconds;
     if (outcome.kind != service::ClientOutcome::Done) {
         step.severity = Severity::failure;
@@ -184,7 +179,7 @@ CheckStep judgeCatalogue(const service::ClientOutcome& outcome,
     for (const PropertyTovikIotGroup& group : groups)
         items += group.dataitems.size();
     if (step.severity == Severity::ok)
-        step.text = QStringLiteral("%1 groups, %2 items").arg(groups.size()).arg(items);
+        step.text = u"%1 groups, %2 items"_s.arg(groups.size()).arg(items);
     step.facts["groups"] = groups.size();
     step.facts["items"] = items;
     return step;
@@ -211,7 +206,7 @@ CheckStep judgeItem(const ItemFinding& finding)
     step.severity = Severity::failure;
     step.text = failureText(finding.outcome);
     if (!finding.is_known)
-        step.text += QStringLiteral("; the catalogue has no item %1").arg(quoted(finding.item.id));
+        step.text += u"; the catalogue has no item %1"_s.arg(quoted(finding.item.id));
     step.advice = itemAdvice(finding);
     step.facts["result"] = finding.outcome.result;
     return step;
@@ -226,15 +221,15 @@ const int most_names = 5;
 
 QString namesText(const QStringList& names)
 {
-    QString text = QStringList(names.mid(0, most_names)).join(QStringLiteral(", "));
+    QString text = QStringList(names.mid(0, most_names)).join(u", "_s);
     if (names.size() > most_names)
-        text += QStringLiteral(" and %1 more").arg(names.size() - most_names);
+        text += u" and %1 more"_s.arg(names.size() - most_names);
     return text;
 }
 
 QString secondsText(double seconds)
 {
-    return QStringLiteral("%1 s").arg(seconds, 0, 'f', seconds < 10 ? 2 : 0);
+    return u"%1 s"_s.arg(seconds, 0, 'f', seconds < 10 ? 2 : 0);
 }
 
 /// The slowest items, with their times.
@@ -245,10 +240,8 @@ QStringList slowItems(QVector<ItemFinding> findings)
     });
     QStringList slow;
     for (const ItemFinding& finding : findings) {
-        if (finding.outcome.seconds >= slow_read) {
-            slow << QStringLiteral("%1 %2").arg(finding.item.name,
-                                                secondsText(finding.outcome.seconds));
-        }
+        if (finding.outcome.seconds >= slow_read)
+            slow << u"%1 %2"_s.arg(finding.item.name, secondsText(finding.outcome.seconds));
     }
     return slow;
 }
@@ -276,18 +269,16 @@ CheckStep judgeStoppedCycle(const QVector<ItemFinding>& findings, int stop)
     const bool is_waiting = finding.outcome.kind == service::ClientOutcome::TimedOut;
     CheckStep step = makeStep("cycle", Severity::failure, QString());
     if (is_waiting) {
-        step.text = QStringLiteral("waits at %1 for as long as the service does; values reach the "
-                                   "host at the end of a cycle, so none does")
-                        .arg(finding.item.name);
-        step.advice = QStringLiteral("look at the service; if it is only slow, try a longer "
-                                     "--timeout");
+        step.text =
+            u"waits at %1 for as long as the service does; values reach the host at the end of a "
+            "cycle, so none does"_s.arg(finding.item.name);
+        step.advice = u"look at the service; if it is only slow, try a longer --timeout"_s;
     } else {
-        step.text = QStringLiteral("ends at %1 every time").arg(finding.item.name);
+        step.text = u"ends at %1 every time"_s.arg(finding.item.name);
         step.text += later.isEmpty()
-                         ? QStringLiteral("; it is the last item, and each time the connection is "
-                                          "made anew")
-                         : QStringLiteral("; without a value stay: %1").arg(namesText(later));
-        step.advice = QStringLiteral("put %1 right, or remove it").arg(finding.item.name);
+                         ? u"; it is the last item, and each time the connection is made anew"_s
+                         : u"; without a value stay: %1"_s.arg(namesText(later));
+        step.advice = u"put %1 right, or remove it"_s.arg(finding.item.name);
     }
     step.facts["arriving"] = is_waiting ? 0 : arriving(findings, stop);
     step.facts["ends_at"] = finding.item.name.toStdString();
@@ -312,20 +303,19 @@ CheckStep judgeCycle(const QVector<ItemFinding>& findings, bool is_complete)
     const double period = std::max(std::ceil(sum / cycle_period), 1.0) * cycle_period;
     const double oldest = sum + period;
     CheckStep step = makeStep("cycle", Severity::ok, QString());
-    step.text = QStringLiteral("%1 for %2 %3: values are up to %4 old")
-                    .arg(secondsText(sum))
+    step.text = u"%1 for %2 %3: values are up to %4 old"_s.arg(secondsText(sum))
                     .arg(findings.size())
-                    .arg(findings.size() == 1 ? QStringLiteral("item") : QStringLiteral("items"),
-                         secondsText(oldest));
+                    .arg(findings.size() == 1 ? u"item"_s : u"items"_s, secondsText(oldest));
     if (!is_complete)
-        step.text += QStringLiteral(", and older with the items that were left out");
+        step.text += u", and older with the items that were left out"_s;
     const QStringList slow = slowItems(findings);
     if (!slow.isEmpty())
-        step.text += QStringLiteral("; slow: %1").arg(namesText(slow));
+        step.text += u"; slow: %1"_s.arg(namesText(slow));
     if (sum > cycle_period) {
         step.severity = Severity::warning;
-        step.advice = QStringLiteral("items are read one after the other: serve fewer of them, or "
-                                     "see why the service takes its time");
+        step.advice =
+            u"items are read one after the other: serve fewer of them, or see why the service "
+            "takes its time"_s;
     }
     step.seconds = sum;
     step.facts["arriving"] = arriving(findings, findings.size());

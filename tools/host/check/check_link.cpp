@@ -14,7 +14,7 @@ const double usual_share = 0.5;
 
 QString millisecondsText(double seconds)
 {
-    return QStringLiteral("%1 ms").arg(seconds * 1000, 0, 'f', 1);
+    return u"%1 ms"_s.arg(seconds * 1000, 0, 'f', 1);
 }
 
 int countOf(const QVector<LinkRead>& reads, bool (*holds)(const LinkRead&))
@@ -45,9 +45,8 @@ QString stationsOf(const QVector<LinkRead>& reads)
         if (!stations.contains(station))
             stations << station;
     }
-    return stations.size() == 1
-               ? QStringLiteral("station %1 answers").arg(stations.first())
-               : QStringLiteral("stations %1 answer").arg(stations.join(QStringLiteral(", ")));
+    return stations.size() == 1 ? u"station %1 answers"_s.arg(stations.first())
+                                : u"stations %1 answer"_s.arg(stations.join(u", "_s));
 }
 
 } // namespace
@@ -55,20 +54,18 @@ QString stationsOf(const QVector<LinkRead>& reads)
 CheckStep judgeOpening(const driver::DeviceConfig& config, const QString& problem, double seconds)
 {
     CheckStep step = makeStep("link", problem.isEmpty() ? Severity::ok : Severity::failure,
-                              problem.isEmpty() ? QStringLiteral("open") : problem);
+                              problem.isEmpty() ? u"open"_s : problem);
     step.subject = driver::linkText(config.link);
     step.seconds = seconds;
     if (!problem.isEmpty())
-        step.advice =
-            QStringLiteral("without a link nothing else can be well: set this right first");
+        step.advice = u"without a link nothing else can be well: set this right first"_s;
     return step;
 }
 
 CheckStep judgeLineSettings(const driver::DeviceConfig& config)
 {
     const driver::LinkSettings& settings = config.settings;
-    QString text = QStringLiteral("the driver waits %1 ms for an answer, %2 repeats, %3 ms before "
-                                  "each request")
+    QString text = u"the driver waits %1 ms for an answer, %2 repeats, %3 ms before each request"_s
                        .arg(settings.response_timeout)
                        .arg(settings.retries)
                        .arg(settings.request_delay);
@@ -80,8 +77,8 @@ CheckStep judgeLineSettings(const driver::DeviceConfig& config)
         const int bits =
             int(serial->data_bits) + 1 + stop_bits + (serial->parity == PAR_NONE ? 0 : 1);
         const double character = double(bits) / double(serial->baud_rate);
-        step.text += QStringLiteral("; a character takes %1, a hundred of them %2")
-                         .arg(millisecondsText(character), millisecondsText(100 * character));
+        step.text += u"; a character takes %1, a hundred of them %2"_s.arg(
+            millisecondsText(character), millisecondsText(100 * character));
         step.facts["character_seconds"] = character;
     }
     return step;
@@ -92,20 +89,21 @@ CheckStep judgeAnyAnswer(const driver::DeviceConfig& config, const QVector<LinkR
     CheckStep step = makeStep("answer", Severity::ok, QString());
     const int answers = countOf(reads, hasAnswer);
     if (answers > 0) {
-        step.text = QStringLiteral("%1 of %2 requests are answered").arg(answers).arg(reads.size());
+        step.text = u"%1 of %2 requests are answered"_s.arg(answers).arg(reads.size());
     } else if (countOf(reads, hasSent) == 0) {
         step.severity = Severity::failure;
-        step.text = QStringLiteral("nothing was asked: the driver sends no such request");
-        step.advice = QStringLiteral("correct the addresses; the steps of the items say why");
+        step.text = u"nothing was asked: the driver sends no such request"_s;
+        step.advice = u"correct the addresses; the steps of the items say why"_s;
     } else {
         step.severity = Severity::failure;
-        step.text = QStringLiteral("not a single byte comes back");
-        step.advice = std::holds_alternative<driver::TcpAddress>(config.link)
-                          ? QStringLiteral("somebody takes connections there and is silent: is it "
-                                           "the right port, the right driver, the right station?")
-                          : QStringLiteral("in this order: is the device on; are A and B not "
-                                           "exchanged; are speed and frame those of the device; is "
-                                           "the station number right; is it the right driver?");
+        step.text = u"not a single byte comes back"_s;
+        step.advice =
+            std::holds_alternative<driver::TcpAddress>(config.link)
+                ? u"somebody takes connections there and is silent: is it the right port, the "
+                  "right driver, the right station?"_s
+                : u"in this order: is the device on; are A and B not exchanged; are speed and "
+                  "frame those of the device; is the station number right; is it the right "
+                  "driver?"_s;
     }
     step.facts["answered"] = answers;
     return step;
@@ -117,14 +115,15 @@ CheckStep judgeStation(const QVector<LinkRead>& reads)
     const int good = countOf(reads, isGood);
     step.facts["arriving"] = good;
     if (good > 0) {
-        step.text = stationsOf(reads) + QStringLiteral(" with values");
+        step.text = stationsOf(reads) + u" with values"_s;
     } else if (countOf(reads, hasAnswer) == 0) {
         step.severity = Severity::not_tried;
     } else {
         step.severity = Severity::warning;
-        step.text = stationsOf(reads) + QStringLiteral(", and with no value");
-        step.advice = QStringLiteral("the steps of the items say what the driver makes of the "
-                                     "answers; --trace shows them byte by byte");
+        step.text = stationsOf(reads) + u", and with no value"_s;
+        step.advice =
+            u"the steps of the items say what the driver makes of the answers; --trace shows them "
+            "byte by byte"_s;
     }
     return step;
 }
@@ -166,8 +165,7 @@ CheckStep judgeTimes(const driver::DeviceConfig& config, const QVector<LinkRead>
     const double limit = config.settings.response_timeout / 1000.0;
     const double longest = times.last();
     step.text =
-        QStringLiteral("%1 answers took %2 to %3, usually %4, of the %5 that the driver waits")
-            .arg(times.size())
+        u"%1 answers took %2 to %3, usually %4, of the %5 that the driver waits"_s.arg(times.size())
             .arg(millisecondsText(times.first()), millisecondsText(longest),
                  millisecondsText(times.at(times.size() / 2)), millisecondsText(limit));
     step.facts["shortest"] = times.first();
@@ -175,14 +173,14 @@ CheckStep judgeTimes(const driver::DeviceConfig& config, const QVector<LinkRead>
     step.facts["stray_bytes"] = stray_bytes;
     if (stray_bytes > 0) {
         step.severity = Severity::warning;
-        step.cause = QStringLiteral("%1 bytes came too late, or unasked").arg(stray_bytes);
-        step.text = QStringLiteral("%1 [%2]").arg(step.cause, step.text);
-        step.advice = QStringLiteral("a longer --response-timeout; is there another master on the "
-                                     "line, or noise?");
+        step.cause = u"%1 bytes came too late, or unasked"_s.arg(stray_bytes);
+        step.text = u"%1 [%2]"_s.arg(step.cause, step.text);
+        step.advice =
+            u"a longer --response-timeout; is there another master on the line, or noise?"_s;
     } else if (longest > usual_share * limit) {
         step.severity = Severity::warning;
-        step.advice = QStringLiteral("leave room for a bad day: --response-timeout %1")
-                          .arg(int(std::ceil(3 * longest * 100)) * 10);
+        step.advice = u"leave room for a bad day: --response-timeout %1"_s.arg(
+            int(std::ceil(3 * longest * 100)) * 10);
     }
     return step;
 }

@@ -1,6 +1,6 @@
 #include "tools/host/check/check_step.h"
 
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 #include "tools/host/value/json_text.h"
 
 #include <cmath>
@@ -26,7 +26,7 @@ const char* markOf(Severity severity)
 
 QString placeOf(const CheckStep& step)
 {
-    return step.subject.isEmpty() ? step.name : step.name + QLatin1Char(' ') + step.subject;
+    return step.subject.isEmpty() ? step.name : step.name + u' ' + step.subject;
 }
 
 int countOf(const CheckSteps& steps, Severity severity)
@@ -49,20 +49,17 @@ int arriving(const CheckSteps& steps)
 
 QString countText(int count, const char* one, const char* more)
 {
-    return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? one : more));
+    return u"%1 %2"_s.arg(count).arg(QLatin1String(count == 1 ? one : more));
 }
 
 QString summaryOf(const CheckSteps& steps)
 {
     const int warnings = countOf(steps, Severity::warning);
-    if (countOf(steps, Severity::failure) > 0) {
-        return arriving(steps) > 0 ? QStringLiteral("not every value arrives")
-                                   : QStringLiteral("no value arrives");
-    }
+    if (countOf(steps, Severity::failure) > 0)
+        return arriving(steps) > 0 ? u"not every value arrives"_s : u"no value arrives"_s;
     if (warnings == 0)
-        return QStringLiteral("all is well, every value arrives");
-    return QStringLiteral("every value arrives, with %1")
-        .arg(countText(warnings, "warning", "warnings"));
+        return u"all is well, every value arrives"_s;
+    return u"every value arrives, with %1"_s.arg(countText(warnings, "warning", "warnings"));
 }
 
 } // namespace
@@ -74,14 +71,13 @@ Verdict judgeAll(const CheckSteps& steps, bool is_interrupted)
         for (const CheckStep& step : steps) {
             if (step.severity == wanted)
                 verdict.causes << Cause{
-                    QStringLiteral("%1: %2").arg(placeOf(step),
-                                                 step.cause.isEmpty() ? step.text : step.cause),
+                    u"%1: %2"_s.arg(placeOf(step), step.cause.isEmpty() ? step.text : step.cause),
                     step.advice};
         }
     }
     if (is_interrupted) {
         verdict.is_well = false;
-        verdict.summary = QStringLiteral("interrupted, nothing is proved");
+        verdict.summary = u"interrupted, nothing is proved"_s;
         return verdict;
     }
     verdict.is_well = countOf(steps, Severity::failure) == 0;
@@ -91,17 +87,15 @@ Verdict judgeAll(const CheckSteps& steps, bool is_interrupted)
 
 QString stepLine(const CheckStep& step, bool as_json)
 {
-    const QString text =
-        step.severity == Severity::not_tried ? QStringLiteral("not tried") : step.text;
+    const QString text = step.severity == Severity::not_tried ? u"not tried"_s : step.text;
     if (!as_json) {
-        QString line = QStringLiteral("%1  %2  ")
-                           .arg(QLatin1String(markOf(step.severity)), -4)
-                           .arg(step.name, -11);
+        QString line =
+            u"%1  %2  "_s.arg(QLatin1String(markOf(step.severity)), -4).arg(step.name, -11);
         if (!step.subject.isEmpty())
-            line += step.subject + QStringLiteral(": ");
+            line += step.subject + u": "_s;
         line += text;
         if (step.seconds)
-            line += QStringLiteral("  (%1 ms)").arg(std::lround(*step.seconds * 1000));
+            line += u"  (%1 ms)"_s.arg(std::lround(*step.seconds * 1000));
         return terminal::printable(line);
     }
     value::OrderedJson line = value::jsonReport("step");
@@ -137,12 +131,11 @@ QStringList verdictLines(const Verdict& verdict, bool as_json)
         }
         return {value::jsonLine(line)};
     }
-    QStringList lines = {QString(), terminal::printable(QStringLiteral("Verdict: ") +
-                                                        verdict.summary + QLatin1Char('.'))};
+    QStringList lines = {QString(), terminal::printable(u"Verdict: "_s + verdict.summary + u'.')};
     for (const Cause& cause : verdict.causes) {
-        lines << terminal::printable(QStringLiteral("  - ") + cause.found);
+        lines << terminal::printable(u"  - "_s + cause.found);
         if (!cause.advice.isEmpty())
-            lines << terminal::printable(QStringLiteral("    What to do: ") + cause.advice);
+            lines << terminal::printable(u"    What to do: "_s + cause.advice);
     }
     return lines;
 }

@@ -21,56 +21,56 @@ QString libraryName(long version)
 {
     const long major = version >> 28;
     if (major >= 3)
-        return QStringLiteral("libssl.so.%1").arg(major);
-    return QStringLiteral("libssl.so.%1.%2").arg(major).arg((version >> 20) & 0xFF);
+        return u"libssl.so.%1"_s.arg(major);
+    return u"libssl.so.%1.%2"_s.arg(major).arg((version >> 20) & 0xFF);
 }
 
 QString proxyText(const ProxyFacts& facts)
 {
-    return QStringLiteral("%1:%2").arg(facts.host).arg(facts.port);
+    return u"%1:%2"_s.arg(facts.host).arg(facts.port);
 }
 
 QString withReason(const QString& text, const QString& reason)
 {
-    return reason.isEmpty() ? text : QStringLiteral("%1: %2").arg(text, reason);
+    return reason.isEmpty() ? text : u"%1: %2"_s.arg(text, reason);
 }
 
 QString waitedText(double timeout)
 {
-    return QStringLiteral("no answer within %1 s").arg(timeout);
+    return u"no answer within %1 s"_s.arg(timeout);
 }
 
 QString connectText(const ConnectFacts& facts, double timeout)
 {
     switch (facts.end) {
     case ProbeEnd::done:
-        return QStringLiteral("connected");
+        return u"connected"_s;
     case ProbeEnd::refused:
-        return QStringLiteral("refused: nobody listens on this port, or a firewall says no");
+        return u"refused: nobody listens on this port, or a firewall says no"_s;
     case ProbeEnd::unreachable:
-        return withReason(QStringLiteral("no way to this address"), facts.reason);
+        return withReason(u"no way to this address"_s, facts.reason);
     case ProbeEnd::timed_out:
         return waitedText(timeout);
     case ProbeEnd::interrupted:
-        return QStringLiteral("interrupted");
+        return u"interrupted"_s;
     case ProbeEnd::failed:
         break;
     }
-    return withReason(QStringLiteral("failed"), facts.reason);
+    return withReason(u"failed"_s, facts.reason);
 }
 
 QString connectAdvice(ProbeEnd end)
 {
     switch (end) {
     case ProbeEnd::refused:
-        return QStringLiteral("see whether the service runs, and on this port");
+        return u"see whether the service runs, and on this port"_s;
     case ProbeEnd::unreachable:
-        return QStringLiteral("look at this machine's network: cable, address, route");
+        return u"look at this machine's network: cable, address, route"_s;
     case ProbeEnd::timed_out:
-        return QStringLiteral("look for a firewall that swallows packets, or a machine that is "
-                              "off; the driver waits as long as the system tries");
+        return u"look for a firewall that swallows packets, or a machine that is off; the driver "
+               "waits as long as the system tries"_s;
     default:
-        return QStringLiteral("look at the network between here and the service");
+        return u"look at the network between here and the service"_s;
     }
 }
 
@@ -84,41 +84,40 @@ CheckStep judgeErrorHandling(const config::ErrorHandling& settings)
     handling.return_time_en = settings.return_time_enabled;
     handling.restore_switch_bs_en = settings.restore_switch_enabled;
     if (handling.reconnectsByTimer()) {
-        const QString every =
-            settings.type == 1 ? QStringLiteral("reconnects every %1 s").arg(settings.return_time)
-                               : QStringLiteral("reconnects every second");
+        const QString every = settings.type == 1
+                                  ? u"reconnects every %1 s"_s.arg(settings.return_time)
+                                  : u"reconnects every second"_s;
         return makeStep("settings", Severity::ok, every);
     }
     if (handling.reconnectsByReads()) {
-        return makeStep("settings", Severity::ok,
-                        QStringLiteral("reconnects when the host reads: every second read in an "
-                                       "error tries once"));
+        return makeStep(
+            "settings", Severity::ok,
+            u"reconnects when the host reads: every second read in an error tries once"_s);
     }
-    return makeStep("settings", Severity::warning,
-                    QStringLiteral("never reconnects: after the first error no value comes until "
-                                   "the host is started anew"),
-                    QStringLiteral("set error_handling.return_time_enabled, or another type"));
+    return makeStep(
+        "settings", Severity::warning,
+        u"never reconnects: after the first error no value comes until the host is started anew"_s,
+        u"set error_handling.return_time_enabled, or another type"_s);
 }
 
 CheckStep judgeSslLibrary(const SslLibraryFacts& facts)
 {
     CheckStep step;
     const QString advice =
-        QStringLiteral("install %1 of the series that Qt was built for (%2), with its libcrypto, "
-                       "where the loader finds it")
-            .arg(libraryName(facts.built_for), facts.built_for_text);
+        u"install %1 of the series that Qt was built for (%2), with its libcrypto, where the "
+        "loader finds it"_s.arg(libraryName(facts.built_for), facts.built_for_text);
     if (!facts.is_supported) {
         step = makeStep("openssl", Severity::failure,
-                        QStringLiteral("Qt finds no OpenSSL that fits: there is no https"), advice);
+                        u"Qt finds no OpenSSL that fits: there is no https"_s, advice);
     } else if (seriesOf(facts.built_for) != seriesOf(facts.running)) {
         step = makeStep("openssl", Severity::warning,
-                        QStringLiteral("%1 is in use, and Qt was built for %2")
-                            .arg(facts.running_text, facts.built_for_text),
+                        u"%1 is in use, and Qt was built for %2"_s.arg(facts.running_text,
+                                                                       facts.built_for_text),
                         advice);
     } else {
-        step = makeStep("openssl", Severity::ok,
-                        QStringLiteral("%1 (Qt was built for %2)")
-                            .arg(facts.running_text, facts.built_for_text));
+        step =
+            makeStep("openssl", Severity::ok,
+                     u"%1 (Qt was built for %2)"_s.arg(facts.running_text, facts.built_for_text));
     }
     step.facts["built_for"] = facts.built_for_text.toStdString();
     step.facts["running"] = facts.running_text.toStdString();
@@ -129,11 +128,10 @@ CheckStep judgeProxy(const ProxyFacts& facts)
 {
     CheckStep step = makeStep(
         "proxy", Severity::warning,
-        QStringLiteral("the driver goes through the %1 proxy %2")
-            .arg(facts.is_http ? QStringLiteral("HTTP") : QStringLiteral("SOCKS"),
-                 proxyText(facts)),
-        QStringLiteral("if that is not meant: Qt takes the proxy from the host's environment "
-                       "(https_proxy, http_proxy, all_proxy; no_proxy names exceptions)"));
+        u"the driver goes through the %1 proxy %2"_s.arg(facts.is_http ? u"HTTP"_s : u"SOCKS"_s,
+                                                         proxyText(facts)),
+        u"if that is not meant: Qt takes the proxy from the host's environment (https_proxy, "
+        "http_proxy, all_proxy; no_proxy names exceptions)"_s);
     step.facts["proxy"] = proxyText(facts).toStdString();
     return step;
 }
@@ -142,20 +140,17 @@ CheckStep judgeName(const NameFacts& facts, double timeout)
 {
     CheckStep step;
     if (facts.is_address) {
-        step = makeStep("name", Severity::ok, QStringLiteral("is an address, nothing to look up"));
+        step = makeStep("name", Severity::ok, u"is an address, nothing to look up"_s);
     } else if (facts.end == ProbeEnd::done) {
-        step = makeStep("name", Severity::ok, facts.addresses.join(QStringLiteral(", ")));
+        step = makeStep("name", Severity::ok, facts.addresses.join(u", "_s));
     } else if (facts.end == ProbeEnd::interrupted) {
-        step = makeStep("name", Severity::failure, QStringLiteral("interrupted"));
+        step = makeStep("name", Severity::failure, u"interrupted"_s);
     } else if (facts.end == ProbeEnd::timed_out) {
-        step =
-            makeStep("name", Severity::failure, waitedText(timeout),
-                     QStringLiteral("look at this machine's name service: resolv.conf, network"));
+        step = makeStep("name", Severity::failure, waitedText(timeout),
+                        u"look at this machine's name service: resolv.conf, network"_s);
     } else {
-        step = makeStep("name", Severity::failure,
-                        withReason(QStringLiteral("is not found"), facts.reason),
-                        QStringLiteral("correct the address of the service, or this machine's name "
-                                       "service"));
+        step = makeStep("name", Severity::failure, withReason(u"is not found"_s, facts.reason),
+                        u"correct the address of the service, or this machine's name service"_s);
     }
     step.subject = facts.host;
     if (!facts.is_address)
@@ -179,7 +174,7 @@ CheckSteps judgeConnections(const QVector<ConnectFacts>& facts, double timeout)
             if (one.end != ProbeEnd::interrupted)
                 step.advice = connectAdvice(one.end);
         }
-        step.subject = QStringLiteral("%1 port %2").arg(one.address).arg(one.port);
+        step.subject = u"%1 port %2"_s.arg(one.address).arg(one.port);
         step.seconds = one.seconds;
         step.facts["address"] = one.address.toStdString();
         step.facts["port"] = one.port;
@@ -196,23 +191,23 @@ void explainFailedHandshake(const TlsFacts& facts, double timeout, CheckStep* st
 {
     step->severity = Severity::failure;
     if (facts.end == ProbeEnd::interrupted) {
-        step->text = QStringLiteral("interrupted");
+        step->text = u"interrupted"_s;
     } else if (facts.protocol == Protocol::http) {
-        step->text = QStringLiteral("the port speaks plain HTTP, not TLS");
-        step->advice = QStringLiteral("begin the address with http://, or use the port for https");
+        step->text = u"the port speaks plain HTTP, not TLS"_s;
+        step->advice = u"begin the address with http://, or use the port for https"_s;
     } else if (facts.protocol == Protocol::other) {
-        step->text = QStringLiteral("the port speaks something that is neither TLS nor HTTP");
-        step->advice = QStringLiteral("correct the port in the address of the service");
+        step->text = u"the port speaks something that is neither TLS nor HTTP"_s;
+        step->advice = u"correct the port in the address of the service"_s;
     } else if (facts.end == ProbeEnd::timed_out) {
-        step->text =
-            QStringLiteral("the port takes the connection and says nothing for %1 s").arg(timeout);
-        step->advice = QStringLiteral("look at the service, or at what stands before it; the "
-                                      "driver waits without a time-out, and serves its first "
-                                      "values with status 0 meanwhile");
+        step->text = u"the port takes the connection and says nothing for %1 s"_s.arg(timeout);
+        step->advice =
+            u"look at the service, or at what stands before it; the driver waits without a "
+            "time-out, and serves its first values with status 0 meanwhile"_s;
     } else {
-        step->text = QStringLiteral("the handshake failed: %1").arg(facts.reason);
-        step->advice = QStringLiteral("see whether the port is one for https, and which versions "
-                                      "of TLS the service allows");
+        step->text = u"the handshake failed: %1"_s.arg(facts.reason);
+        step->advice =
+            u"see whether the port is one for https, and which versions of TLS the service "
+            "allows"_s;
     }
 }
 
@@ -223,7 +218,7 @@ std::string isoDay(const QDateTime& time)
 
 QString dayText(const QDateTime& time)
 {
-    return time.toUTC().toString(QStringLiteral("yyyy-MM-dd"));
+    return time.toUTC().toString(u"yyyy-MM-dd"_s);
 }
 
 } // namespace
@@ -236,7 +231,7 @@ CheckStep judgeHandshake(const TlsFacts& facts, double timeout)
         explainFailedHandshake(facts, timeout, &step);
         return step;
     }
-    step.text = QStringLiteral("%1, %2").arg(facts.version, facts.cipher);
+    step.text = u"%1, %2"_s.arg(facts.version, facts.cipher);
     step.facts["protocol"] = facts.version.toStdString();
     step.facts["cipher"] = facts.cipher.toStdString();
     return step;
@@ -246,9 +241,9 @@ CheckStep judgeResumption(bool is_resumed)
 {
     CheckStep step = makeStep(
         "resumption", Severity::ok,
-        is_resumed ? QStringLiteral("each connection resumes the TLS session of the one before")
-                   : QStringLiteral("the service resumes no TLS session: each connection costs a "
-                                    "full handshake"));
+        is_resumed
+            ? u"each connection resumes the TLS session of the one before"_s
+            : u"the service resumes no TLS session: each connection costs a full handshake"_s);
     step.facts["resumed"] = is_resumed;
     return step;
 }
@@ -257,21 +252,22 @@ CheckStep judgeCertificate(const CertificateFacts& facts, const QDateTime& now)
 {
     QStringList complaints = facts.complaints;
     // Told by themselves, as Qt stops at the first objection to a chain.
-    const bool is_named = complaints.join(QLatin1Char(' ')).contains(QLatin1String("expired"));
+    const bool is_named = complaints.join(u' ').contains(QLatin1String("expired"));
     if (facts.valid_until < now && !is_named)
-        complaints << QStringLiteral("The certificate has expired");
-    QString text = QStringLiteral("%1, issued by %2, valid from %3 to %4, key %5")
-                       .arg(facts.subject, facts.issuer, dayText(facts.valid_from),
-                            dayText(facts.valid_until), facts.key);
+        complaints << u"The certificate has expired"_s;
+    QString text = u"%1, issued by %2, valid from %3 to %4, key %5"_s.arg(
+        facts.subject, facts.issuer, dayText(facts.valid_from), dayText(facts.valid_until),
+        facts.key);
     if (!facts.names.isEmpty())
-        text += QStringLiteral(", for %1").arg(facts.names.join(QStringLiteral(", ")));
+        text += u", for %1"_s.arg(facts.names.join(u", "_s));
     CheckStep step = makeStep("certificate", Severity::ok, text);
     if (!complaints.isEmpty()) {
         step.severity = Severity::warning;
-        step.cause = complaints.join(QStringLiteral("; "));
-        step.text = QStringLiteral("%1 [%2]").arg(step.cause, text);
-        step.advice = QStringLiteral("the driver does not verify certificates, so values come all "
-                                     "the same; but nobody knows who sends them");
+        step.cause = complaints.join(u"; "_s);
+        step.text = u"%1 [%2]"_s.arg(step.cause, text);
+        step.advice =
+            u"the driver does not verify certificates, so values come all the same; but nobody "
+            "knows who sends them"_s;
     }
     step.facts["subject"] = facts.subject.toStdString();
     step.facts["issuer"] = facts.issuer.toStdString();
@@ -294,23 +290,23 @@ CheckStep judgePlainHttp(const TlsFacts& facts, double timeout)
     step.seconds = facts.seconds;
     if (facts.end == ProbeEnd::interrupted) {
         step.severity = Severity::failure;
-        step.text = QStringLiteral("interrupted");
+        step.text = u"interrupted"_s;
     } else if (facts.protocol == Protocol::tls) {
         step.severity = Severity::failure;
-        step.text = QStringLiteral("the port speaks TLS, and the address begins with http://");
-        step.advice = QStringLiteral("begin the address with https://");
+        step.text = u"the port speaks TLS, and the address begins with http://"_s;
+        step.advice = u"begin the address with https://"_s;
     } else if (facts.protocol == Protocol::http) {
-        step.text = QStringLiteral("plain HTTP: password and values are not encrypted");
-        step.advice = QStringLiteral("use https where the service offers it");
+        step.text = u"plain HTTP: password and values are not encrypted"_s;
+        step.advice = u"use https where the service offers it"_s;
     } else if (facts.protocol == Protocol::other) {
         step.severity = Severity::failure;
-        step.text = QStringLiteral("the port speaks something that is neither HTTP nor TLS");
-        step.advice = QStringLiteral("correct the port in the address of the service");
+        step.text = u"the port speaks something that is neither HTTP nor TLS"_s;
+        step.advice = u"correct the port in the address of the service"_s;
     } else {
         // It may still answer what it knows: the login tells.
         step.text = facts.end == ProbeEnd::timed_out
-                        ? QStringLiteral("no answer to a request for / within %1 s").arg(timeout)
-                        : QStringLiteral("no answer to a request for /: %1").arg(facts.reason);
+                        ? u"no answer to a request for / within %1 s"_s.arg(timeout)
+                        : u"no answer to a request for /: %1"_s.arg(facts.reason);
     }
     return step;
 }

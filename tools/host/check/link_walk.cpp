@@ -65,8 +65,8 @@ public:
           as_json_(common.json)
     {
         if (setup_.config.items.isEmpty()) {
-            throw terminal::UsageError(QStringLiteral(
-                "there is nothing to ask the device for: name an address that it has"));
+            throw terminal::UsageError(
+                u"there is nothing to ask the device for: name an address that it has"_s);
         }
         setup_.plugin.setListener(&ear_);
     }

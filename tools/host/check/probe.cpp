@@ -130,20 +130,20 @@ QString keyText(const QSslKey& key)
     const int bits = key.length();
     switch (key.algorithm()) {
     case QSsl::Rsa:
-        return QStringLiteral("RSA, %1 bits").arg(bits);
+        return u"RSA, %1 bits"_s.arg(bits);
     case QSsl::Ec:
-        return QStringLiteral("elliptic curve, %1 bits").arg(bits);
+        return u"elliptic curve, %1 bits"_s.arg(bits);
     case QSsl::Dsa:
-        return QStringLiteral("DSA, %1 bits").arg(bits);
+        return u"DSA, %1 bits"_s.arg(bits);
     default:
-        return QStringLiteral("of a kind that Qt does not know");
+        return u"of a kind that Qt does not know"_s;
     }
 }
 
 QString nameOf(const QStringList& common, const QStringList& organisation)
 {
     const QStringList names = common.isEmpty() ? organisation : common;
-    return names.isEmpty() ? QStringLiteral("(no name)") : names.join(QStringLiteral(", "));
+    return names.isEmpty() ? u"(no name)"_s : names.join(u", "_s);
 }
 
 CertificateFacts certificateFacts(const QSslCertificate& certificate,
@@ -171,15 +171,15 @@ QString protocolText(QSsl::SslProtocol protocol)
 {
     switch (protocol) {
     case QSsl::TlsV1_0:
-        return QStringLiteral("TLS 1.0");
+        return u"TLS 1.0"_s;
     case QSsl::TlsV1_1:
-        return QStringLiteral("TLS 1.1");
+        return u"TLS 1.1"_s;
     case QSsl::TlsV1_2:
-        return QStringLiteral("TLS 1.2");
+        return u"TLS 1.2"_s;
     case QSsl::TlsV1_3:
-        return QStringLiteral("TLS 1.3");
+        return u"TLS 1.3"_s;
     default:
-        return QStringLiteral("TLS of unknown version");
+        return u"TLS of unknown version"_s;
     }
 }
 

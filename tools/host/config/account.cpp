@@ -32,7 +32,7 @@ void takeFromFile(const QString& path, Account* account)
     const std::optional<QString> line = firstLine(path, &problem);
     if (!line) {
         throw terminal::UsageError(
-            QStringLiteral("cannot read the password file \"%1\": %2").arg(path, problem));
+            u"cannot read the password file \"%1\": %2"_s.arg(path, problem));
     }
     account->service.password = *line;
     account->has_password = true;
@@ -82,7 +82,7 @@ void takePassword(const AccountOptions& options, Account* account, bool needs_pa
 
 QString defaultPasswordVariable()
 {
-    return QStringLiteral("TOVIK_PASSWORD");
+    return u"TOVIK_PASSWORD"_s;
 }
 
 Account accountOfConfig(const QString& path)
@@ -118,15 +118,15 @@ void requireAccount(const Account& account)
 {
     QStringList missing;
     if (account.service.url.isEmpty())
-        missing << QStringLiteral("--url URL (or --url-file FILE)");
+        missing << u"--url URL (or --url-file FILE)"_s;
     if (account.service.project.isEmpty())
-        missing << QStringLiteral("--project NAME");
+        missing << u"--project NAME"_s;
     if (account.service.email.isEmpty())
-        missing << QStringLiteral("--email ADDRESS");
+        missing << u"--email ADDRESS"_s;
     if (!missing.isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("the account is not complete; add %1, or a configuration with --config")
-                .arg(missing.join(QStringLiteral(", "))));
+            u"the account is not complete; add %1, or a configuration with --config"_s.arg(
+                missing.join(u", "_s)));
     }
 }
 
@@ -136,10 +136,8 @@ QString readPassword(const JsonPlace& service, const QString& config_path)
     for (const char* name : {"password", "password_file", "password_env"}) {
         if (!service.has(name))
             continue;
-        if (given) {
-            service.at(name).fail(
-                QStringLiteral("\"%1\" gives the password already").arg(QLatin1String(given)));
-        }
+        if (given)
+            service.at(name).fail(u"\"%1\" gives the password already"_s.arg(QLatin1String(given)));
         given = name;
     }
     if (service.has("password_file")) {
@@ -147,10 +145,8 @@ QString readPassword(const JsonPlace& service, const QString& config_path)
         QString problem;
         const std::optional<QString> line =
             firstLine(QFileInfo(config_path).dir().absoluteFilePath(name), &problem);
-        if (!line) {
-            service.at("password_file")
-                .fail(QStringLiteral("cannot read \"%1\": %2").arg(name, problem));
-        }
+        if (!line)
+            service.at("password_file").fail(u"cannot read \"%1\": %2"_s.arg(name, problem));
         return *line;
     }
     if (service.has("password"))
@@ -159,14 +155,12 @@ QString readPassword(const JsonPlace& service, const QString& config_path)
     const QString name =
         is_named ? service.requiredText("password_env") : defaultPasswordVariable();
     const QByteArray variable = name.toUtf8();
-    if (!qEnvironmentVariableIsSet(variable.constData()) && is_named) {
-        service.at("password_env")
-            .fail(QStringLiteral("the environment has no variable \"%1\"").arg(name));
-    }
+    if (!qEnvironmentVariableIsSet(variable.constData()) && is_named)
+        service.at("password_env").fail(u"the environment has no variable \"%1\""_s.arg(name));
     if (!qEnvironmentVariableIsSet(variable.constData())) {
-        service.fail(QStringLiteral("no password is given: add \"password_file\", \"password_env\" "
-                                    "or \"password\", or set %1")
-                         .arg(name));
+        service.fail(
+            u"no password is given: add \"password_file\", \"password_env\" or \"password\", or "
+            "set %1"_s.arg(name));
     }
     return QString::fromUtf8(qgetenv(variable.constData()));
 }
@@ -181,8 +175,7 @@ QString checkedUrl(const QString& url, const QString& origin)
         (parsed.path().isEmpty() || has_slash) && !parsed.hasQuery() && !parsed.hasFragment();
     if (!parsed.isValid() || !is_web || !is_bare || parsed.host().isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("%1: must be an address such as https://cloud.example, without a path")
-                .arg(origin));
+            u"%1: must be an address such as https://cloud.example, without a path"_s.arg(origin));
     }
     return has_slash ? url.chopped(1) : url;
 }
@@ -195,13 +188,12 @@ QString givenAddress(const QString& url, const QString& url_file)
         const std::optional<QString> line = firstLine(url_file, &problem);
         if (!line) {
             throw terminal::UsageError(
-                QStringLiteral("cannot read the address file \"%1\": %2 (is the "
-                               "service running?)")
-                    .arg(url_file, problem));
+                u"cannot read the address file \"%1\": %2 (is the service running?)"_s.arg(
+                    url_file, problem));
         }
         address = checkedUrl(line->trimmed(), url_file);
     }
-    return url.isEmpty() ? address : checkedUrl(url, QStringLiteral("--url"));
+    return url.isEmpty() ? address : checkedUrl(url, u"--url"_s);
 }
 
 } // namespace tovik_host::config

@@ -116,7 +116,7 @@ struct RequestOptions
     std::optional<int> extra1;
     std::optional<int> extra2;
 
-    QString typeName() const { return type.value_or(QStringLiteral("16Bit-UINT")); }
+    QString typeName() const { return type.value_or(u"16Bit-UINT"_s); }
     /// What is given, in the place of what \a request has.
     void fill(ItemRequest* request) const;
 };

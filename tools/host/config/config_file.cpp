@@ -35,7 +35,7 @@ ItemConfig readItem(const JsonPlace& place)
     item.id = place.requiredText("id");
     item.type = &itemType(place);
     if (place.has("length") && item.type->size > 0)
-        place.at("length").fail(QStringLiteral("only items of type String have a length"));
+        place.at("length").fail(u"only items of type String have a length"_s);
     item.length = place.optionalNumber("length", 0, 1, longest_text);
     return item;
 }
@@ -94,22 +94,21 @@ LoadedConfig loadConfig(const QString& path, Password password)
     const JsonFile file = readJson(path);
     const JsonPlace root(file);
     if (root.has("accounts"))
-        root.fail(
-            QStringLiteral("is a project file of tovik-cloud, and a configuration is wanted"));
+        root.fail(u"is a project file of tovik-cloud, and a configuration is wanted"_s);
     if (root.has("groups")) {
-        root.fail(QStringLiteral("is a catalogue, and a configuration is wanted, such as "
-                                 "tovik-host configure --catalogue makes of it"));
+        root.fail(u"is a catalogue, and a configuration is wanted, such as tovik-host configure "
+                  "--catalogue makes of it"_s);
     }
     root.allowOnly({"service", "items", "error_handling"});
     if (!root.has("service")) {
-        root.fail(QStringLiteral("the member \"service\" is missing; or, for a device: --link or "
-                                 "the member \"link\""));
+        root.fail(u"the member \"service\" is missing; or, for a device: --link or the member "
+                  "\"link\""_s);
     }
     root.at("items"); // missing, that is said before anything about the service
     LoadedConfig loaded;
     loaded.config.service = readService(root.at("service"), path, password);
-    loaded.config.items = readItemList(
-        root, readItem, QStringLiteral("the driver serves the first one only"), &loaded.warnings);
+    loaded.config.items =
+        readItemList(root, readItem, u"the driver serves the first one only"_s, &loaded.warnings);
     if (root.has("error_handling"))
         loaded.config.error_handling = readErrorHandling(root.at("error_handling"));
     return loaded;
@@ -130,7 +129,7 @@ QVector<ItemConfig> readItemList(const JsonPlace& root,
     const JsonPlace list = root.at("items");
     const QVector<JsonPlace> elements = list.elements();
     if (elements.isEmpty())
-        list.fail(QStringLiteral("must name at least one item"));
+        list.fail(u"must name at least one item"_s);
     QVector<ItemConfig> items;
     QHash<QString, int> first_of_name;
     for (const JsonPlace& element : elements) {
@@ -140,7 +139,7 @@ QVector<ItemConfig> readItemList(const JsonPlace& root,
             first_of_name.insert(name, items.size() - 1);
             continue;
         }
-        *warnings << QStringLiteral("%1: items[%2] has the name \"%3\" already; %4")
+        *warnings << u"%1: items[%2] has the name \"%3\" already; %4"_s
                          .arg(element.at("name").where())
                          .arg(first_of_name.value(name))
                          .arg(name, if_named_twice);
@@ -152,8 +151,8 @@ const value::ItemType& itemType(const QString& name, const QString& origin)
 {
     if (const value::ItemType* type = value::findItemType(name))
         return *type;
-    throw terminal::UsageError(QStringLiteral("%1: \"%2\" is no type; the types are: %3")
-                                   .arg(origin, name, value::allItemTypeNames()));
+    throw terminal::UsageError(
+        u"%1: \"%2\" is no type; the types are: %3"_s.arg(origin, name, value::allItemTypeNames()));
 }
 
 const value::ItemType& itemType(const JsonPlace& item)

@@ -39,13 +39,11 @@ int readLength(const JsonPlace& place, const value::ItemType& type, const Reques
 {
     if (type.size > 0) {
         if (place.has("length"))
-            place.at("length").fail(QStringLiteral("only items of type String have a length"));
+            place.at("length").fail(u"only items of type String have a length"_s);
         return 0;
     }
-    if (!place.has("length") && !defaults.length) {
-        place.fail(QStringLiteral("a String needs the member \"length\": how many bytes the device "
-                                  "has for it"));
-    }
+    if (!place.has("length") && !defaults.length)
+        place.fail(u"a String needs the member \"length\": how many bytes the device has for it"_s);
     return place.optionalNumber("length", defaults.length.value_or(0), 1, limits::length);
 }
 
@@ -55,7 +53,7 @@ int readElements(const JsonPlace& place, const value::ItemType& type,
     if (type.size > 0)
         return place.optionalNumber("elements", defaults.elements.value_or(1), 1, limits::elements);
     if (place.has("elements"))
-        place.at("elements").fail(QStringLiteral("a String has a length, and no elements"));
+        place.at("elements").fail(u"a String has a length, and no elements"_s);
     return 1;
 }
 
@@ -67,8 +65,7 @@ ItemConfig readItem(const JsonPlace& place, const RequestOptions& defaults)
     item.name = place.requiredText("name");
     ItemRequest& request = item.request;
     request.address = textIn(place, "address").value_or(item.name);
-    item.type = place.has("type") ? &itemType(place)
-                                  : &itemType(defaults.typeName(), QStringLiteral("--type"));
+    item.type = place.has("type") ? &itemType(place) : &itemType(defaults.typeName(), u"--type"_s);
     item.length = readLength(place, *item.type, defaults);
     item.elements = readElements(place, *item.type, defaults);
     defaults.fill(&request);
@@ -102,8 +99,8 @@ DeviceFile loadDeviceFile(const QString& path, const RequestOptions& defaults)
     for (const char* name : {"service", "error_handling"}) {
         if (root.has(name)) {
             root.at(name).fail(
-                QStringLiteral("is for a cloud driver; the configuration of a device on a link has "
-                               "\"link\" and \"items\" only"));
+                u"is for a cloud driver; the configuration of a device on a link has \"link\" and "
+                "\"items\" only"_s);
         }
     }
     root.allowOnly({"link", "items"});
@@ -115,7 +112,7 @@ DeviceFile loadDeviceFile(const QString& path, const RequestOptions& defaults)
     }
     loaded.items = readItemList(
         root, [&](const JsonPlace& place) { return readItem(place, defaults); },
-        QStringLiteral("by name the first one only is found"), &loaded.warnings);
+        u"by name the first one only is found"_s, &loaded.warnings);
     return loaded;
 }
 

@@ -1,7 +1,7 @@
 #include "tools/host/config/item_choice.h"
 
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <QSet>
 
@@ -37,7 +37,7 @@ QVector<ItemConfig> chosenItems(const QVector<ItemConfig>& all, const QStringLis
         if (is_met)
             continue;
         const QString near = terminal::nearText(text, names);
-        throw terminal::UsageError(QStringLiteral("%1 has no item \"%2\"").arg(whose, text) +
+        throw terminal::UsageError(u"%1 has no item \"%2\""_s.arg(whose, text) +
                                    (near.isEmpty() ? advice : near));
     }
     return chosen;

@@ -14,18 +14,17 @@ std::optional<QString> valueOf(const ItemConfig& item, const QByteArray& bytes)
             return std::nullopt;
         values << *value;
     }
-    return values.join(QLatin1Char(' '));
+    return values.join(u' ');
 }
 
 value::EncodedValue bytesOf(const ItemConfig& item, const QString& text)
 {
     if (item.elements == 1)
         return value::encodeValue(*item.type, text, item.length);
-    const QStringList values = text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QStringList values = text.split(u' ', Qt::SkipEmptyParts);
     value::EncodedValue all;
     if (values.size() != item.elements) {
-        all.problem = QStringLiteral("the item has %1 elements, and here are %2 values")
-                          .arg(item.elements)
+        all.problem = u"the item has %1 elements, and here are %2 values"_s.arg(item.elements)
                           .arg(values.size());
     }
     for (const QString& value : values) {

@@ -52,12 +52,12 @@ struct CountingIterator
 
 QString memberPath(const QString& object, const QString& name)
 {
-    return object.isEmpty() ? name : object + QLatin1Char('.') + name;
+    return object.isEmpty() ? name : object + u'.' + name;
 }
 
 QString elementPath(const QString& list, int index)
 {
-    return QStringLiteral("%1[%2]").arg(list).arg(index);
+    return u"%1[%2]"_s.arg(list).arg(index);
 }
 
 /// The reason in a message of the JSON library, without the text around the place, which may be the
@@ -99,12 +99,10 @@ public:
                      const nlohmann::detail::exception& error) override
     {
         const bool is_number = dynamic_cast<const nlohmann::json::out_of_range*>(&error) != nullptr;
-        throw terminal::UsageError(
-            QStringLiteral("%1:%2: not valid JSON: %3")
-                .arg(file_->path)
-                .arg(counter_.line)
-                .arg(is_number ? QStringLiteral("a number is beyond what a double holds")
-                               : reasonOf(error.what())));
+        throw terminal::UsageError(u"%1:%2: not valid JSON: %3"_s.arg(file_->path)
+                                       .arg(counter_.line)
+                                       .arg(is_number ? u"a number is beyond what a double holds"_s
+                                                      : reasonOf(error.what())));
     }
 
 private:
@@ -158,8 +156,7 @@ private:
         levels_.append({put(std::move(empty)), nullptr, where, {}, {}, 0});
         if (levels_.size() > deepest + 1) {
             throw terminal::UsageError(
-                QStringLiteral("%1: brackets stand in one another more than %2 deep")
-                    .arg(file_->path)
+                u"%1: brackets stand in one another more than %2 deep"_s.arg(file_->path)
                     .arg(deepest));
         }
         return true;
@@ -175,8 +172,7 @@ private:
         Level& level = levels_.last();
         if (level.names.contains(name)) {
             throw terminal::UsageError(
-                QStringLiteral("%1:%2: member \"%3\" stands twice in one object")
-                    .arg(file_->path)
+                u"%1:%2: member \"%3\" stands twice in one object"_s.arg(file_->path)
                     .arg(counter_.line)
                     .arg(name));
         }
@@ -207,7 +203,7 @@ JsonFile readJson(const QString& path, const QString& what)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         throw terminal::UsageError(
-            QStringLiteral("cannot read the %1 \"%2\": %3").arg(what, path, file.errorString()));
+            u"cannot read the %1 \"%2\": %3"_s.arg(what, path, file.errorString()));
     }
     return parseJson(path, file.readAll());
 }
@@ -215,14 +211,14 @@ JsonFile readJson(const QString& path, const QString& what)
 JsonPlace JsonPlace::at(const char* name) const
 {
     if (!has(name))
-        fail(QStringLiteral("the member \"%1\" is missing").arg(QLatin1String(name)));
+        fail(u"the member \"%1\" is missing"_s.arg(QLatin1String(name)));
     return {*file_, json_->at(name), memberPath(path_, QString::fromUtf8(name))};
 }
 
 QVector<JsonPlace> JsonPlace::elements() const
 {
     if (!json_->is_array())
-        fail(QStringLiteral("must be a list: [ ... ]"));
+        fail(u"must be a list: [ ... ]"_s);
     QVector<JsonPlace> elements;
     for (const nlohmann::json& element : *json_)
         elements.append({*file_, element, elementPath(path_, elements.size())});
@@ -232,14 +228,13 @@ QVector<JsonPlace> JsonPlace::elements() const
 void JsonPlace::allowOnly(const QStringList& names) const
 {
     if (!json_->is_object())
-        fail(QStringLiteral("must be an object: { ... }"));
+        fail(u"must be an object: { ... }"_s);
     for (const auto& member : json_->items()) {
         if (names.contains(QString::fromStdString(member.key())))
             continue;
         const QString path = memberPath(path_, QString::fromStdString(member.key()));
         JsonPlace(*file_, member.value(), path)
-            .fail(QStringLiteral("is no member of this object; it may have: %1")
-                      .arg(names.join(QStringLiteral(", "))));
+            .fail(u"is no member of this object; it may have: %1"_s.arg(names.join(u", "_s)));
     }
 }
 
@@ -254,7 +249,7 @@ void JsonPlace::allowOnly(std::initializer_list<const char*> names) const
 QString JsonPlace::text() const
 {
     if (!json_->is_string())
-        fail(QStringLiteral("must be a text in quotes"));
+        fail(u"must be a text in quotes"_s);
     return QString::fromStdString(json_->get<std::string>());
 }
 
@@ -265,14 +260,14 @@ qint64 JsonPlace::number(qint64 low, qint64 high) const
     const bool fits = json_->is_number_integer() && !is_huge && json_->get<qint64>() >= low &&
                       json_->get<qint64>() <= high;
     if (!fits)
-        fail(QStringLiteral("must be a whole number from %1 to %2").arg(low).arg(high));
+        fail(u"must be a whole number from %1 to %2"_s.arg(low).arg(high));
     return json_->get<qint64>();
 }
 
 bool JsonPlace::flag() const
 {
     if (!json_->is_boolean())
-        fail(QStringLiteral("must be true or false"));
+        fail(u"must be true or false"_s);
     return json_->get<bool>();
 }
 
@@ -281,7 +276,7 @@ QString JsonPlace::requiredText(const char* name) const
     const JsonPlace member = at(name);
     const QString text = member.text();
     if (text.isEmpty())
-        member.fail(QStringLiteral("must not be empty"));
+        member.fail(u"must not be empty"_s);
     return text;
 }
 
@@ -302,14 +297,13 @@ bool JsonPlace::optionalFlag(const char* name, bool fallback) const
 
 QString JsonPlace::where() const
 {
-    const QString start =
-        QStringLiteral("%1:%2").arg(file_->path).arg(file_->lines.value(path_, 1));
-    return path_.isEmpty() ? start : start + QStringLiteral(": ") + path_;
+    const QString start = u"%1:%2"_s.arg(file_->path).arg(file_->lines.value(path_, 1));
+    return path_.isEmpty() ? start : start + u": "_s + path_;
 }
 
 void JsonPlace::fail(const QString& problem) const
 {
-    throw terminal::UsageError(where() + QStringLiteral(": ") + problem);
+    throw terminal::UsageError(where() + u": "_s + problem);
 }
 
 } // namespace tovik_host::config

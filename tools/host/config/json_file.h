@@ -1,6 +1,8 @@
 #ifndef TOOLS_HOST_CONFIG_JSON_FILE_H
 #define TOOLS_HOST_CONFIG_JSON_FILE_H
 
+#include "tools/host/terminal/text.h"
+
 #include <nlohmann/json.hpp>
 
 #include <QHash>
@@ -27,7 +29,7 @@ struct JsonFile
 /// \param path how messages name the text
 JsonFile parseJson(const QString& path, const QByteArray& text);
 /// Reads the file \a path, of which \a what says what it should be. Throws UsageError.
-JsonFile readJson(const QString& path, const QString& what = QStringLiteral("configuration"));
+JsonFile readJson(const QString& path, const QString& what = u"configuration"_s);
 
 /// A value of a file, and where it stands. What is wrong with it, or missing, is a UsageError with
 /// file, line and the value's path.

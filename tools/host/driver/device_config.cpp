@@ -11,19 +11,19 @@ namespace {
 /// The item that `ADDRESS` or `ADDRESS=TYPE` means.
 config::ItemConfig itemOf(const QString& text, const config::RequestOptions& options)
 {
-    const int equals = text.lastIndexOf(QLatin1Char('='));
+    const int equals = text.lastIndexOf(u'=');
     config::ItemConfig item;
     item.name = equals < 0 ? text : text.left(equals);
     if (item.name.isEmpty())
-        throw terminal::UsageError(QStringLiteral("\"%1\": the address is empty").arg(text));
+        throw terminal::UsageError(u"\"%1\": the address is empty"_s.arg(text));
     item.request.address = item.name;
-    item.type = equals < 0 ? &config::itemType(options.typeName(), QStringLiteral("--type"))
-                           : &config::itemType(text.mid(equals + 1),
-                                               QStringLiteral("\"%1\": after \"=\"").arg(text));
+    item.type = equals < 0
+                    ? &config::itemType(options.typeName(), u"--type"_s)
+                    : &config::itemType(text.mid(equals + 1), u"\"%1\": after \"=\""_s.arg(text));
     if (item.type->size == 0) {
         if (!options.length) {
             throw terminal::UsageError(
-                QStringLiteral("%1: a String needs its length: --length BYTES").arg(item.name));
+                u"%1: a String needs its length: --length BYTES"_s.arg(item.name));
         }
         item.length = *options.length;
     } else {
@@ -44,8 +44,8 @@ QVector<config::ItemConfig> itemsOf(const QStringList& addresses,
     }
     if (options.length && !has_text && !items.isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("--length is for texts: give --type String with it; the "
-                           "other types have lengths of their own"));
+            u"--length is for texts: give --type String with it; the other types have lengths of "
+            "their own"_s);
     }
     return items;
 }
@@ -65,19 +65,18 @@ void fill(DeviceConfig* config, const config::LinkOptions& link)
 LinkAddress linkOf(const config::CommonOptions& common, const config::DeviceFile& file)
 {
     if (common.link.address)
-        return parseLink(*common.link.address, QStringLiteral("--link"));
+        return parseLink(*common.link.address, u"--link"_s);
     if (file.link.address)
         return parseLink(*file.link.address, file.link_place);
     throw terminal::UsageError(
-        QStringLiteral("%1: \"link\" has no \"address\", and there is no --link")
-            .arg(common.config));
+        u"%1: \"link\" has no \"address\", and there is no --link"_s.arg(common.config));
 }
 
 } // namespace
 
 void LinkSettings::fill(DrvBase* link) const
 {
-    link->link_name = QStringLiteral("link");
+    link->link_name = u"link"_s;
     link->request_delay = request_delay;
     link->response_timeout = response_timeout;
     link->retry_count = retries;
@@ -95,9 +94,8 @@ void refuseDeviceOptions(const config::CommonOptions& common)
     if (common.device_options.isEmpty())
         return;
     throw terminal::UsageError(
-        QStringLiteral("%1 is for a device on a link, and there is none: add --link "
-                       "tcp:HOST:PORT or --link serial:DEVICE")
-            .arg(common.device_options.first()));
+        u"%1 is for a device on a link, and there is none: add --link tcp:HOST:PORT or --link "
+        "serial:DEVICE"_s.arg(common.device_options.first()));
 }
 
 DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList& addresses,
@@ -105,14 +103,13 @@ DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList
 {
     if (!common.service_options.isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("%1 is for a cloud driver and its service; a device on a "
-                           "link has none: leave it out")
+            u"%1 is for a cloud driver and its service; a device on a link has none: leave it out"_s
                 .arg(common.service_options.first()));
     }
     if (common.library.isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("a device on a link needs its driver: name the library "
-                           "with --library, such as --library modbus_drv"));
+            u"a device on a link needs its driver: name the library with --library, such as "
+            "--library modbus_drv"_s);
     }
     config::DeviceFile file;
     DeviceConfig config;
@@ -124,9 +121,9 @@ DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList
         config.items =
             addresses.isEmpty()
                 ? file.items
-                : config::chosenItems(file.items, addresses, common.config,
-                                      QStringLiteral("; with --config items are named, without it "
-                                                     "they are addressed"));
+                : config::chosenItems(
+                      file.items, addresses, common.config,
+                      u"; with --config items are named, without it they are addressed"_s);
     }
     config.link = linkOf(common, file);
     fill(&config, file.link);

@@ -28,7 +28,7 @@ struct DeviceConfig
 {
     LinkAddress link;
     LinkSettings settings;
-    QString unit = QStringLiteral("tovik-host");
+    QString unit = u"tovik-host"_s;
     int open_milliseconds = 10000;     ///< The longest that an attempt to open the link may take.
     QVector<config::ItemConfig> items; ///< Those that the command is about, in its order.
 };

@@ -96,8 +96,8 @@ void DeviceHost::onEndAsked()
 {
     if (since_end_asked_.isValid() && since_end_asked_.hasExpired(second_wish)) {
         terminal::Output(STDERR_FILENO)
-            .line(QStringLiteral("tovik-host: the driver does not come back from its request; "
-                                 "ended without releasing it"));
+            .line(u"tovik-host: the driver does not come back from its request; ended without "
+                  "releasing it"_s);
         std::_Exit(terminal::exitRefused);
     }
     if (!since_end_asked_.isValid())

@@ -23,7 +23,7 @@ QString pathOf(const QString& device)
         if (device.startsWith(QLatin1String(start)))
             return device;
     }
-    return QStringLiteral("/dev/") + device;
+    return u"/dev/"_s + device;
 }
 
 /// A serial line to a device. A port whose adapter is unplugged is down until it is back.
@@ -96,19 +96,16 @@ QString SerialDeviceLink::openingProblem()
 {
     const QFileInfo file(path_);
     if (!file.exists()) {
-        return QStringLiteral("there is no device \"%1\"; is the adapter plugged in? \"ls "
-                              "/dev/tty*\" shows what there is")
-            .arg(path_);
+        return u"there is no device \"%1\"; is the adapter plugged in? \"ls /dev/tty*\" shows what "
+               "there is"_s.arg(path_);
     }
     if (::access(QFile::encodeName(path_).constData(), R_OK | W_OK) != 0) {
-        return QStringLiteral("no permission for \"%1\"; its group is \"%2\": become a member of "
-                              "it (sudo usermod -aG %2 USER, then log in anew)")
-            .arg(path_, file.group());
+        return u"no permission for \"%1\"; its group is \"%2\": become a member of it (sudo "
+               "usermod -aG %2 USER, then log in anew)"_s.arg(path_, file.group());
     }
     if (port_.lastError() == E_PERMISSION_DENIED)
-        return QStringLiteral("\"%1\" is in use by another program").arg(path_);
-    return QStringLiteral("cannot open \"%1\" as a serial port: %2")
-        .arg(path_, port_.errorString());
+        return u"\"%1\" is in use by another program"_s.arg(path_);
+    return u"cannot open \"%1\" as a serial port: %2"_s.arg(path_, port_.errorString());
 }
 
 TcpDeviceLink::TcpDeviceLink(const TcpAddress& address, const LinkSettings& settings)
@@ -157,14 +154,13 @@ void TcpDeviceLink::onError(QAbstractSocket::SocketError error)
         // Drivers wait for answers that do not come; the connection is well.
         break;
     case QAbstractSocket::ConnectionRefusedError:
-        problem_ = QStringLiteral("connection refused; is the device's service running, and the "
-                                  "port right?");
+        problem_ = u"connection refused; is the device's service running, and the port right?"_s;
         break;
     case QAbstractSocket::HostNotFoundError:
-        problem_ = QStringLiteral("no host of the name \"%1\" is known").arg(address_.host);
+        problem_ = u"no host of the name \"%1\" is known"_s.arg(address_.host);
         break;
     case QAbstractSocket::RemoteHostClosedError:
-        problem_ = QStringLiteral("the device has closed the connection");
+        problem_ = u"the device has closed the connection"_s;
         break;
     default:
         problem_ = socket_.errorString();
@@ -189,7 +185,7 @@ bool DeviceLink::isUp()
     if (is_up)
         problem_.clear();
     else if (problem_.isEmpty())
-        problem_ = QStringLiteral("the line has hung up");
+        problem_ = u"the line has hung up"_s;
     return is_up;
 }
 
@@ -201,8 +197,8 @@ void DeviceLink::begin()
 
 void DeviceLink::giveUp()
 {
-    problem_ = QStringLiteral("no connection within %1 s; is the address right, and the device on?")
-                   .arg(double(attempt_.elapsed()) / 1000, 0, 'f', 1);
+    problem_ = u"no connection within %1 s; is the address right, and the device on?"_s.arg(
+        double(attempt_.elapsed()) / 1000, 0, 'f', 1);
     giveUpOpening();
 }
 

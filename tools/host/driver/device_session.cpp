@@ -18,7 +18,7 @@ const quintptr stop_value = ~quintptr(0);
 /// "modbus_drv" of ".../libmodbus_drv.so.1".
 QString driverName(const QString& library)
 {
-    QString name = QFileInfo(library).fileName().section(QLatin1Char('.'), 0, 0);
+    QString name = QFileInfo(library).fileName().section(u'.', 0, 0);
     if (name.startsWith(QLatin1String("lib")))
         name.remove(0, 3);
     return name;
@@ -61,12 +61,11 @@ QString DeviceSession::open()
     qRegisterMetaType<QSharedPointer<AddrData>>("QSharedPointer<AddrData>");
     link_ = DeviceLink::make(config_);
     if (!link_->open(config_.open_milliseconds, stopped_))
-        return stopped_ ? QStringLiteral("interrupted") : link_->problem();
+        return stopped_ ? u"interrupted"_s : link_->problem();
     const QMutexLocker locker(&driver_lock_);
     driver_.reset(plugin_.createDriver(&driver_name_, link_->serial(), link_->ethernet()));
     if (!driver_)
-        throw terminal::UsageError(
-            QStringLiteral("the library \"%1\" makes no driver").arg(plugin_.path()));
+        throw terminal::UsageError(u"the library \"%1\" makes no driver"_s.arg(plugin_.path()));
     driver_->unit_list = &unit_list_;
     // By text, as the driver may be compiled from other sources than this program; direct, as each
     // request is answered before its emission returns.
@@ -105,8 +104,8 @@ DeviceAnswer DeviceSession::readAgain(const config::ItemConfig& item)
 DeviceAnswer DeviceSession::write(const config::ItemConfig& item, const QByteArray& bytes)
 {
     return askOnOpenLink([&] {
-        Q_EMIT driver_->SigSetValuesByteArray(config_.unit, QStringLiteral("link"),
-                                              item.request.station, bytes, addressOf(item));
+        Q_EMIT driver_->SigSetValuesByteArray(config_.unit, u"link"_s, item.request.station, bytes,
+                                              addressOf(item));
     });
 }
 
@@ -122,8 +121,8 @@ bool DeviceSession::supportsRaw()
 
 void DeviceSession::emitRead(const config::ItemConfig& item)
 {
-    Q_EMIT driver_->SigGetValuesByteArray(config_.unit, QStringLiteral("link"),
-                                          item.request.station, addressOf(item));
+    Q_EMIT driver_->SigGetValuesByteArray(config_.unit, u"link"_s, item.request.station,
+                                          addressOf(item));
 }
 
 DeviceAnswer DeviceSession::askOnOpenLink(const std::function<void()>& request)

@@ -17,12 +17,12 @@ const int station = 1;
 
 QString unitName()
 {
-    return QStringLiteral("tovik-host");
+    return u"tovik-host"_s;
 }
 
 QString linkName()
 {
-    return QStringLiteral("link");
+    return u"link"_s;
 }
 
 PropertyTovikIot driverProperty(const config::ServiceConfig& service,
@@ -45,12 +45,11 @@ PropertyTovikIot driverProperty(const config::ServiceConfig& service,
 
 void fillErrorHandling(QMap<QString, QVariant>& settings, const config::ErrorHandling& handling)
 {
-    settings[QStringLiteral("tovik_iot_err_handle_type")] = handling.type;
-    settings[QStringLiteral("tovik_iot_err_return_time")] = handling.return_time;
-    settings[QStringLiteral("tovik_iot_err_retry_count")] = handling.retry_count;
-    settings[QStringLiteral("tovik_iot_err_return_time_en")] = handling.return_time_enabled;
-    settings[QStringLiteral("tovik_iot_err_restore_switch_bs_en")] =
-        handling.restore_switch_enabled;
+    settings[u"tovik_iot_err_handle_type"_s] = handling.type;
+    settings[u"tovik_iot_err_return_time"_s] = handling.return_time;
+    settings[u"tovik_iot_err_retry_count"_s] = handling.retry_count;
+    settings[u"tovik_iot_err_return_time_en"_s] = handling.return_time_enabled;
+    settings[u"tovik_iot_err_restore_switch_bs_en"_s] = handling.restore_switch_enabled;
 }
 
 QSharedPointer<AddrData> addressOf(const QString& name, int data_length)
@@ -69,13 +68,12 @@ DriverSession::DriverSession(const Plugin& plugin, const config::HostConfig& con
 {
     qRegisterMetaType<QSharedPointer<AddrData>>("QSharedPointer<AddrData>");
     link_->link_name = linkName();
-    link_->driver_specific_data[QStringLiteral("tovik_iot")] =
+    link_->driver_specific_data[u"tovik_iot"_s] =
         QVariant::fromValue(driverProperty(config.service, items));
     fillErrorHandling(link_->driver_specific_data, config.error_handling);
     driver_.reset(plugin.createDriver(nullptr, nullptr, link_.data()));
     if (!driver_)
-        throw terminal::UsageError(
-            QStringLiteral("the library \"%1\" makes no driver").arg(plugin.path()));
+        throw terminal::UsageError(u"the library \"%1\" makes no driver"_s.arg(plugin.path()));
     // By text, as the driver may be compiled from other sources than this program.
     connect(driver_.data(), SIGNAL(SigResponse(QString, QString, QByteArray, int)), this,
             SLOT(onResponse(QString, QString, QByteArray, int)));
@@ -116,7 +114,7 @@ value::OrderedJson jsonOf(const config::ItemConfig& item, const std::optional<QS
     if (item.elements == 1 || !value)
         return value::jsonValue(*item.type, value);
     value::OrderedJson values = value::OrderedJson::array();
-    for (const QString& one : value->split(QLatin1Char(' ')))
+    for (const QString& one : value->split(u' '))
         values.push_back(value::jsonValue(*item.type, one));
     return values;
 }

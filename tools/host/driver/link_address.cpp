@@ -60,7 +60,7 @@ QString allWords(const Word<Value> (&words)[count])
     QStringList texts;
     for (const Word<Value>& word : words)
         texts << QString::fromLatin1(word.text);
-    return texts.join(QStringLiteral(", "));
+    return texts.join(u", "_s);
 }
 
 /// One address while it is read, for messages.
@@ -71,40 +71,40 @@ struct Source
 
     [[noreturn]] void fail(const QString& problem) const
     {
-        throw terminal::UsageError(QStringLiteral("%1: \"%2\": %3").arg(origin, text, problem));
+        throw terminal::UsageError(u"%1: \"%2\": %3"_s.arg(origin, text, problem));
     }
 };
 
 TcpAddress parseTcp(const Source& source, const QString& rest)
 {
-    const QString form = QStringLiteral("write tcp:HOST:PORT, such as tcp:192.168.1.5:502");
-    if (rest.contains(QLatin1Char('/')))
-        source.fail(QStringLiteral("a link has no slashes: ") + form);
-    const bool bracketed = rest.startsWith(QLatin1Char('['));
-    const int end = bracketed ? rest.indexOf(QLatin1Char(']')) : -1;
+    const QString form = u"write tcp:HOST:PORT, such as tcp:192.168.1.5:502"_s;
+    if (rest.contains(u'/'))
+        source.fail(u"a link has no slashes: "_s + form);
+    const bool bracketed = rest.startsWith(u'[');
+    const int end = bracketed ? rest.indexOf(u']') : -1;
     if (bracketed && end < 0)
-        source.fail(QStringLiteral("the bracket is not closed: write tcp:[IPV6-ADDRESS]:PORT"));
-    const int colon = rest.indexOf(QLatin1Char(':'), end + 1);
-    if (!bracketed && rest.count(QLatin1Char(':')) > 1) {
-        source.fail(QStringLiteral("an IPv6 address goes into brackets: tcp:[::1]:502; other hosts "
-                                   "have no colon"));
+        source.fail(u"the bracket is not closed: write tcp:[IPV6-ADDRESS]:PORT"_s);
+    const int colon = rest.indexOf(u':', end + 1);
+    if (!bracketed && rest.count(u':') > 1) {
+        source.fail(
+            u"an IPv6 address goes into brackets: tcp:[::1]:502; other hosts have no colon"_s);
     }
     if (colon < 0)
-        source.fail(QStringLiteral("the port is missing: ") + form);
+        source.fail(u"the port is missing: "_s + form);
     TcpAddress address;
     address.host = bracketed ? rest.mid(1, end - 1) : rest.left(colon);
     if (address.host.trimmed().isEmpty())
-        source.fail(QStringLiteral("the host is missing: ") + form);
+        source.fail(u"the host is missing: "_s + form);
     if (bracketed && (colon != end + 1 ||
                       QHostAddress(address.host).protocol() != QAbstractSocket::IPv6Protocol)) {
-        source.fail(QStringLiteral("only an IPv6 address goes into brackets, and the port right "
-                                   "after them: tcp:[::1]:502"));
+        source.fail(u"only an IPv6 address goes into brackets, and the port right after them: "
+                    "tcp:[::1]:502"_s);
     }
     const QString port = rest.mid(colon + 1);
     bool is_number = false;
     address.port = port.toUShort(&is_number);
     if (!is_number || address.port == 0)
-        source.fail(QStringLiteral("\"%1\" is no port: 1 to 65535").arg(port));
+        source.fail(u"\"%1\" is no port: 1 to 65535"_s.arg(port));
     return address;
 }
 
@@ -115,54 +115,50 @@ void parseFrame(const Source& source, const QString& frame, SerialAddress* addre
                       readWord(parities, frame.mid(1, 1), &address->parity) &&
                       readWord(stop_bits, frame.mid(2), &address->stop_bits);
     if (!read) {
-        source.fail(QStringLiteral("\"%1\" is no frame such as 8N1: data bits 5 to 8, then parity "
-                                   "N (none), E (even), O (odd), M (mark) or S (space), then stop "
-                                   "bits 1 or 2")
-                        .arg(frame));
+        source.fail(
+            u"\"%1\" is no frame such as 8N1: data bits 5 to 8, then parity N (none), E (even), O "
+            "(odd), M (mark) or S (space), then stop bits 1 or 2"_s.arg(frame));
     }
 }
 
 SerialAddress parseSerial(const Source& source, const QString& rest)
 {
-    const QStringList parts = rest.split(QLatin1Char(','));
+    const QStringList parts = rest.split(u',');
     SerialAddress address;
     address.device = parts.first().trimmed();
     if (address.device.isEmpty()) {
-        source.fail(QStringLiteral("the device is missing: write serial:DEVICE,BAUD,FRAME, such as "
-                                   "serial:/dev/ttyUSB0,9600,8N1"));
+        source.fail(u"the device is missing: write serial:DEVICE,BAUD,FRAME, such as "
+                    "serial:/dev/ttyUSB0,9600,8N1"_s);
     }
     if (parts.size() > 4) {
-        source.fail(QStringLiteral("too many parts: there are device, speed, frame and flow "
-                                   "control, such as serial:/dev/ttyS0,19200,8E1,none"));
+        source.fail(u"too many parts: there are device, speed, frame and flow control, such as "
+                    "serial:/dev/ttyS0,19200,8E1,none"_s);
     }
     if (parts.size() > 1 && !readWord(baud_rates, parts.at(1), &address.baud_rate)) {
-        source.fail(QStringLiteral("\"%1\" is no speed; after the device comes one of: %2")
-                        .arg(parts.at(1), allWords(baud_rates)));
+        source.fail(u"\"%1\" is no speed; after the device comes one of: %2"_s.arg(
+            parts.at(1), allWords(baud_rates)));
     }
     if (parts.size() > 2)
         parseFrame(source, parts.at(2), &address);
     if (parts.size() > 3 && !readWord(flows, parts.at(3), &address.flow)) {
-        source.fail(QStringLiteral("\"%1\" is no flow control; it is one of: %2")
-                        .arg(parts.at(3), allWords(flows)));
+        source.fail(
+            u"\"%1\" is no flow control; it is one of: %2"_s.arg(parts.at(3), allWords(flows)));
     }
     return address;
 }
 
 QString tcpText(const TcpAddress& tcp)
 {
-    const QString host =
-        tcp.host.contains(QLatin1Char(':')) ? QStringLiteral("[%1]").arg(tcp.host) : tcp.host;
-    return QStringLiteral("tcp:%1:%2").arg(host).arg(tcp.port);
+    const QString host = tcp.host.contains(u':') ? u"[%1]"_s.arg(tcp.host) : tcp.host;
+    return u"tcp:%1:%2"_s.arg(host).arg(tcp.port);
 }
 
 QString serialText(const SerialAddress& serial)
 {
-    const QString text =
-        QStringLiteral("serial:%1,%2,%3%4%5")
-            .arg(serial.device, wordFor(baud_rates, serial.baud_rate),
-                 wordFor(data_bits, serial.data_bits), wordFor(parities, serial.parity),
-                 wordFor(stop_bits, serial.stop_bits));
-    return serial.flow == FLOW_OFF ? text : text + QLatin1Char(',') + wordFor(flows, serial.flow);
+    const QString text = u"serial:%1,%2,%3%4%5"_s.arg(
+        serial.device, wordFor(baud_rates, serial.baud_rate), wordFor(data_bits, serial.data_bits),
+        wordFor(parities, serial.parity), wordFor(stop_bits, serial.stop_bits));
+    return serial.flow == FLOW_OFF ? text : text + u',' + wordFor(flows, serial.flow);
 }
 
 } // namespace
@@ -170,16 +166,17 @@ QString serialText(const SerialAddress& serial)
 LinkAddress parseLink(const QString& text, const QString& origin)
 {
     const Source source = {text, origin};
-    const QString tcp = QStringLiteral("tcp:");
-    const QString serial = QStringLiteral("serial:");
+    const QString tcp = u"tcp:"_s;
+    const QString serial = u"serial:"_s;
     if (text.startsWith(tcp))
         return parseTcp(source, text.mid(tcp.size()));
     if (text.startsWith(serial))
         return parseSerial(source, text.mid(serial.size()));
-    if (text.startsWith(QLatin1Char('/')))
-        source.fail(QStringLiteral("write serial: before a device"));
-    source.fail(QStringLiteral("a link is tcp:HOST:PORT or serial:DEVICE,BAUD,FRAME, such as "
-                               "tcp:192.168.1.5:502 or serial:/dev/ttyUSB0,9600,8N1"));
+    if (text.startsWith(u'/'))
+        source.fail(u"write serial: before a device"_s);
+    source.fail(
+        u"a link is tcp:HOST:PORT or serial:DEVICE,BAUD,FRAME, such as tcp:192.168.1.5:502 or "
+        "serial:/dev/ttyUSB0,9600,8N1"_s);
 }
 
 QString linkText(const LinkAddress& address)

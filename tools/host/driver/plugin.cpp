@@ -24,12 +24,11 @@ QStringList besideProgram(const QString& program_folder, const QStringList& file
 {
     const QDir folder(program_folder);
     const std::array<QString, 3> places = {QStringLiteral(TOVIK_HOST_LIBRARY_FOLDER) + below,
-                                           QStringLiteral("../lib") + below,
-                                           QStringLiteral("../..") + in_tree};
+                                           u"../lib"_s + below, u"../.."_s + in_tree};
     QStringList paths;
     for (const QString& place : places) {
         for (const QString& file : files)
-            paths << QDir::cleanPath(folder.absoluteFilePath(place) + QLatin1Char('/') + file);
+            paths << QDir::cleanPath(folder.absoluteFilePath(place) + u'/' + file);
     }
     paths.removeDuplicates();
     return paths << files.first();
@@ -38,7 +37,7 @@ QStringList besideProgram(const QString& program_folder, const QStringList& file
 QString loaderError()
 {
     const char* text = dlerror(); // NOLINT(concurrency-mt-unsafe): one per thread
-    return text ? QString::fromLocal8Bit(text) : QStringLiteral("no reason given");
+    return text ? QString::fromLocal8Bit(text) : u"no reason given"_s;
 }
 
 /// Why the library at \a path was not loaded. The loader names the file that it does not find,
@@ -46,15 +45,13 @@ QString loaderError()
 QString loadProblem(const QString& path)
 {
     const QString error = loaderError();
-    const QString missing = error.section(QLatin1Char(':'), 0, 0);
+    const QString missing = error.section(u':', 0, 0);
     if (missing == path || !QFileInfo(path).isFile() || !missing.contains(QLatin1String(".so"))) {
-        return QStringLiteral("cannot load the driver library: %1. Build or install it, "
-                              "or name it with --library.")
-            .arg(error);
+        return u"cannot load the driver library: %1. Build or install it, or name it with "
+               "--library."_s.arg(error);
     }
-    return QStringLiteral("cannot load the driver library %1, since it needs another: %2. "
-                          "LD_LIBRARY_PATH or ldconfig tells the loader where %3 is.")
-        .arg(path, error, missing);
+    return u"cannot load the driver library %1, since it needs another: %2. LD_LIBRARY_PATH or "
+           "ldconfig tells the loader where %3 is."_s.arg(path, error, missing);
 }
 
 /// The entry point \a name as a function of type Function.
@@ -65,9 +62,8 @@ Function entryPoint(void* library, const char* name, const QString& path)
     void* address = dlsym(library, name);
     if (!address) {
         throw terminal::UsageError(
-            QStringLiteral("\"%1\" is not a driver plug-in: it has no entry point "
-                           "\"%2\" (%3). Name the driver library with --library.")
-                .arg(path, QLatin1String(name), loaderError()));
+            u"\"%1\" is not a driver plug-in: it has no entry point \"%2\" (%3). Name the driver "
+            "library with --library."_s.arg(path, QLatin1String(name), loaderError()));
     }
     return reinterpret_cast<Function>(address);
 }
@@ -97,29 +93,25 @@ Plugin Plugin::loadFirst(const QStringList& candidates)
 
 QStringList Plugin::candidates(const QString& program_folder)
 {
-    return besideProgram(program_folder, {QStringLiteral("libtovik_iot.so.1")}, QString(),
-                         QString());
+    return besideProgram(program_folder, {u"libtovik_iot.so.1"_s}, QString(), QString());
 }
 
 QStringList Plugin::candidatesFor(const QString& name, const QString& program_folder)
 {
-    const bool is_file = name.contains(QLatin1Char('/')) || name.contains(QLatin1String(".so")) ||
-                         QFileInfo(name).isFile();
+    const bool is_file =
+        name.contains(u'/') || name.contains(QLatin1String(".so")) || QFileInfo(name).isFile();
     if (is_file)
         return {name};
-    const QString file = QStringLiteral("lib%1.so").arg(name);
-    const QString example = QString(name).remove(QStringLiteral("_drv"));
-    return besideProgram(program_folder, {file + QLatin1String(".1"), file},
-                         QStringLiteral("/tovik"), QStringLiteral("/examples/") + example);
+    const QString file = u"lib%1.so"_s.arg(name);
+    const QString example = QString(name).remove(u"_drv"_s);
+    return besideProgram(program_folder, {file + QLatin1String(".1"), file}, u"/tovik"_s,
+                         u"/examples/"_s + example);
 }
 
 QString Plugin::versionText() const
 {
     const quint32 version = version_();
-    return QStringLiteral("%1.%2.%3")
-        .arg(version >> 16)
-        .arg((version >> 8) & 0xFF)
-        .arg(version & 0xFF);
+    return u"%1.%2.%3"_s.arg(version >> 16).arg((version >> 8) & 0xFF).arg(version & 0xFF);
 }
 
 DrvInterface* Plugin::createDriver(QString* name, DrvSerial* serial, DrvEthernet* ethernet) const

@@ -44,9 +44,8 @@ FirstValues fetchFirstValues(const Plugin& plugin, config::HostConfig config,
     DriverSession session(plugin, config, items);
     if (!session.numbers().tells_ages) {
         throw terminal::UsageError(
-            QStringLiteral("the library \"%1\" does not tell when a value has come; it may be an "
-                           "older one")
-                .arg(plugin.path()));
+            u"the library \"%1\" does not tell when a value has come; it may be an older one"_s.arg(
+                plugin.path()));
     }
     FirstValues first;
     for (const config::ItemConfig& item : items)
@@ -78,8 +77,7 @@ QString withStatus(const QString& problem, int status)
 {
     if (status == 0)
         return problem;
-    return QStringLiteral("%1: %2 (%3)")
-        .arg(problem, value::statusText(status), value::statusCode(status));
+    return u"%1: %2 (%3)"_s.arg(problem, value::statusText(status), value::statusCode(status));
 }
 
 /// The status follows the driver's count of failed writes a moment later.
@@ -98,19 +96,19 @@ int statusOfFailure(const terminal::UnixSignals& unix_signals, DriverSession& se
 QString failureText(int status)
 {
     if (status == 0) {
-        return QStringLiteral("the value was not written: the service gave a code that the driver "
-                              "does not pass on; --verbose shows it");
+        return u"the value was not written: the service gave a code that the driver does not pass "
+               "on; --verbose shows it"_s;
     }
-    return withStatus(value::isServiceError(status)
-                          ? QStringLiteral("the value was not written")
-                          : QStringLiteral("no usable answer to the write; the service may have "
-                                           "taken the value"),
-                      status);
+    return withStatus(
+        value::isServiceError(status)
+            ? u"the value was not written"_s
+            : u"no usable answer to the write; the service may have taken the value"_s,
+        status);
 }
 
 QString unfinished(terminal::Waited waited, const QString& problem)
 {
-    return waited == terminal::Waited::interrupted ? QStringLiteral("interrupted") : problem;
+    return waited == terminal::Waited::interrupted ? u"interrupted"_s : problem;
 }
 
 } // namespace
@@ -125,14 +123,14 @@ SentValue sendValue(terminal::Context& context, const ServiceSetup& setup,
     DriverSession session(setup.plugin, config, {item});
 
     if (!session.numbers().write_count)
-        return {QStringLiteral("this library does not tell what becomes of a write"), true, 0};
+        return {u"this library does not tell what becomes of a write"_s, true, 0};
 
     Connection connection;
     terminal::Waited waited = terminal::waitUntil(
         context.unix_signals, milliseconds, [&] { return connection.isDecided(session, item); });
     if (!connection.made)
-        return {unfinished(waited, withStatus(QStringLiteral("no connection"), connection.status)),
-                false, connection.status};
+        return {unfinished(waited, withStatus(u"no connection"_s, connection.status)), false,
+                connection.status};
 
     const value::DriverNumbers before = session.numbers();
     value::DriverNumbers now = before;
@@ -143,9 +141,10 @@ SentValue sendValue(terminal::Context& context, const ServiceSetup& setup,
                now.failed_write_count != before.failed_write_count;
     });
     if (waited != terminal::Waited::met) {
-        return {unfinished(waited, QStringLiteral("no answer to the write in time; the service may "
-                                                  "have taken the value")),
-                true, 0};
+        return {
+            unfinished(waited,
+                       u"no answer to the write in time; the service may have taken the value"_s),
+            true, 0};
     }
     if (now.write_count != before.write_count)
         return {QString(), true, 0};
@@ -168,15 +167,15 @@ QString confirmValue(terminal::Context& context, const ServiceSetup& setup,
     if (waited == terminal::Waited::met)
         return QString();
     if (waited == terminal::Waited::interrupted)
-        return QStringLiteral("sent, but interrupted before the service showed it");
+        return u"sent, but interrupted before the service showed it"_s;
     if (latest.status != 0) {
-        return QStringLiteral("sent, but not confirmed in time: %1 (%2)")
-            .arg(value::statusText(latest.status), value::statusCode(latest.status));
+        return u"sent, but not confirmed in time: %1 (%2)"_s.arg(value::statusText(latest.status),
+                                                                 value::statusCode(latest.status));
     }
     if (!has_come)
-        return QStringLiteral("sent, but the service has shown no value in time");
-    return QStringLiteral("sent, but the service shows %1")
-        .arg(value::decodeValue(*item.type, latest.bytes).value_or(QStringLiteral("no value")));
+        return u"sent, but the service has shown no value in time"_s;
+    return u"sent, but the service shows %1"_s.arg(
+        value::decodeValue(*item.type, latest.bytes).value_or(u"no value"_s));
 }
 
 } // namespace tovik_host::driver

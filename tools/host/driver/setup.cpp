@@ -45,14 +45,14 @@ QString adviceFor(const Answer& answer, const DeviceConfig& config)
 {
     switch (answer.status) {
     case result_code::no_answer_in_time:
-        return QStringLiteral("; are station, link settings and --response-timeout (%1 ms) right?")
-            .arg(config.settings.response_timeout);
+        return u"; are station, link settings and --response-timeout (%1 ms) right?"_s.arg(
+            config.settings.response_timeout);
     case result_code::invalid_length:
-        return QStringLiteral("; does the driver know this address, and is the type right? "
-                              "--verbose shows its log");
+        return u"; does the driver know this address, and is the type right? --verbose shows its "
+               "log"_s;
     default:
         return answer.status_of.wordsFor(answer.status).isEmpty()
-                   ? QStringLiteral("; what it means, the driver's documentation says")
+                   ? u"; what it means, the driver's documentation says"_s
                    : QString();
     }
 }
@@ -70,9 +70,8 @@ config::HostConfig hostConfig(const config::CommonOptions& common, terminal::Con
         config.service.url = given;
     if (config.service.url.isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("%1: \"service\" has no \"url\", and neither --url nor --url-file "
-                           "gives one")
-                .arg(common.config));
+            u"%1: \"service\" has no \"url\", and neither --url nor --url-file gives one"_s.arg(
+                common.config));
     }
     return config;
 }
@@ -87,7 +86,7 @@ ServiceSetup::ServiceSetup(const config::CommonOptions& common, terminal::Contex
 
 QVector<config::ItemConfig> ServiceSetup::chosen(const QStringList& names) const
 {
-    return config::chosenItems(config.items, names, QStringLiteral("the configuration"));
+    return config::chosenItems(config.items, names, u"the configuration"_s);
 }
 
 QString ServiceSetup::shownUrl() const
@@ -122,16 +121,16 @@ QString DeviceSetup::failureOf(const DeviceAnswer& answer) const
 {
     const int status = answer.answer.status;
     if (context.unix_signals.endRequested() && (!answer.answer.arrived || status != 0))
-        return QStringLiteral("interrupted");
+        return u"interrupted"_s;
     if (!answer.answer.arrived) {
-        return QStringLiteral("the driver does not answer; a driver of a device answers each "
-                              "request before it returns from it");
+        return u"the driver does not answer; a driver of a device answers each request before it "
+               "returns from it"_s;
     }
     if (status == 0)
         return QString();
     return value::statusTextWithCode(status, answer.answer.status_of) +
            (answer.link_problem.isEmpty() ? adviceFor(answer.answer, config)
-                                          : QStringLiteral(": ") + answer.link_problem);
+                                          : u": "_s + answer.link_problem);
 }
 
 QString DeviceSetup::problemOf(const config::ItemConfig& item, const DeviceAnswer& answer) const
@@ -143,9 +142,8 @@ QString DeviceSetup::problemOf(const config::ItemConfig& item, const DeviceAnswe
     if (config::valueOf(item, bytes))
         return QString();
     const QString type = QLatin1String(item.type->name);
-    return QStringLiteral("the driver's bytes [%1] are no %2")
-        .arg(value::hexText(bytes),
-             item.elements == 1 ? type : QStringLiteral("%1 %2").arg(item.elements).arg(type));
+    return u"the driver's bytes [%1] are no %2"_s.arg(
+        value::hexText(bytes), item.elements == 1 ? type : u"%1 %2"_s.arg(item.elements).arg(type));
 }
 
 } // namespace tovik_host::driver

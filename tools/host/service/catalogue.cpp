@@ -1,7 +1,7 @@
 #include "tools/host/service/catalogue.h"
 
 #include "tools/host/config/config_file.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 #include "tools/host/value/json_text.h"
 
 #include <QUrl>
@@ -12,7 +12,7 @@ namespace tovik_host::service {
 
 QString CatalogueItem::shownType() const
 {
-    return type == QLatin1String("String") ? QStringLiteral("%1(%2)").arg(type).arg(length) : type;
+    return type == QLatin1String("String") ? u"%1(%2)"_s.arg(type).arg(length) : type;
 }
 
 int Catalogue::itemCount() const
@@ -41,8 +41,7 @@ QVector<CatalogueGroup> catalogueGroups(const QList<PropertyTovikIotGroup>& load
 
 QString counted(int count, const QString& noun)
 {
-    return QStringLiteral("%1 %2%3").arg(count).arg(noun,
-                                                    count == 1 ? QString() : QStringLiteral("s"));
+    return u"%1 %2%3"_s.arg(count).arg(noun, count == 1 ? QString() : u"s"_s);
 }
 
 namespace {
@@ -71,9 +70,7 @@ value::OrderedJson jsonOf(const CatalogueGroup& group)
 
 CatalogueItem readItem(const config::JsonPlace& place)
 {
-    static const QStringList known = {QStringLiteral("id"), QStringLiteral("name"),
-                                      QStringLiteral("type"), QStringLiteral("length"),
-                                      QStringLiteral("alert")};
+    static const QStringList known = {u"id"_s, u"name"_s, u"type"_s, u"length"_s, u"alert"_s};
     place.allowOnly(known);
     CatalogueItem item;
     item.id = place.requiredText("id");
@@ -92,7 +89,7 @@ CatalogueGroup readGroup(const config::JsonPlace& place)
     group.id = place.requiredText("id");
     group.name = place.requiredText("name");
     group.location = place.optionalText("location");
-    group.permission = place.optionalText("permission", QStringLiteral("RW"));
+    group.permission = place.optionalText("permission", u"RW"_s);
     group.alert = place.optionalFlag("alert", false);
     for (const config::JsonPlace& item : place.at("items").elements())
         group.items << readItem(item);
@@ -124,8 +121,9 @@ Catalogue readCatalogue(const config::JsonFile& file)
 {
     const config::JsonPlace root(file);
     if (root.has("items")) {
-        root.fail(QStringLiteral("is a configuration, and a catalogue is wanted, such as "
-                                 "tovik-host catalogue --json prints"));
+        root.fail(
+            u"is a configuration, and a catalogue is wanted, such as tovik-host catalogue --json "
+            "prints"_s);
     }
     root.allowOnly({"version", "service", "groups"});
     root.optionalNumber("version", value::json_version, value::json_version, value::json_version);
@@ -145,42 +143,40 @@ namespace {
 
 QString heading(const Catalogue& catalogue)
 {
-    return QStringLiteral("%1  project %2: %3, %4\n")
-        .arg(QUrl(catalogue.url).toString(QUrl::RemoveUserInfo),
-             terminal::printable(catalogue.project),
-             counted(catalogue.groups.size(), QStringLiteral("group")),
-             counted(catalogue.itemCount(), QStringLiteral("item")));
+    return u"%1  project %2: %3, %4\n"_s.arg(
+        QUrl(catalogue.url).toString(QUrl::RemoveUserInfo), terminal::printable(catalogue.project),
+        counted(catalogue.groups.size(), u"group"_s), counted(catalogue.itemCount(), u"item"_s));
 }
 
 QString remarks(const CatalogueGroup& group, bool alert)
 {
     QStringList remarks;
     if (group.isReadOnly())
-        remarks << QStringLiteral("read-only");
+        remarks << u"read-only"_s;
     if (alert)
-        remarks << QStringLiteral("alert");
-    return remarks.join(QStringLiteral(", "));
+        remarks << u"alert"_s;
+    return remarks.join(u", "_s);
 }
 
 QString text(const QStringList& lines)
 {
-    return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
+    return lines.join(u'\n') + u'\n';
 }
 
 QString groupTree(const CatalogueGroup& group)
 {
     QStringList parts = {terminal::printable(group.name),
-                         QStringLiteral("(%1)").arg(terminal::printable(group.id)),
+                         u"(%1)"_s.arg(terminal::printable(group.id)),
                          terminal::printable(group.location), remarks(group, group.alert)};
     parts.removeAll(QString());
-    const QString line = parts.join(QStringLiteral("  ")) + QLatin1Char('\n');
+    const QString line = parts.join(u"  "_s) + u'\n';
     if (group.items.isEmpty())
-        return line + QStringLiteral("  (no items)\n");
+        return line + u"  (no items)\n"_s;
     QVector<QStringList> rows;
     for (const CatalogueItem& item : group.items)
         rows << QStringList{terminal::printable(item.name), terminal::printable(item.id),
                             item.shownType(), remarks(group, item.alert)};
-    return line + text(terminal::columns(rows, QStringLiteral("  ")));
+    return line + text(terminal::columns(rows, u"  "_s));
 }
 
 } // namespace
@@ -189,15 +185,13 @@ QString catalogueTree(const Catalogue& catalogue)
 {
     QString tree = heading(catalogue);
     for (const CatalogueGroup& group : catalogue.groups)
-        tree += QLatin1Char('\n') + groupTree(group);
+        tree += u'\n' + groupTree(group);
     return tree;
 }
 
 QString catalogueTable(const Catalogue& catalogue)
 {
-    QVector<QStringList> rows = {{QStringLiteral("GROUP"), QStringLiteral("ITEM"),
-                                  QStringLiteral("ID"), QStringLiteral("TYPE"),
-                                  QStringLiteral("REMARKS")}};
+    QVector<QStringList> rows = {{u"GROUP"_s, u"ITEM"_s, u"ID"_s, u"TYPE"_s, u"REMARKS"_s}};
     for (const CatalogueGroup& group : catalogue.groups) {
         for (const CatalogueItem& item : group.items) {
             rows << QStringList{terminal::printable(group.name), terminal::printable(item.name),

@@ -34,7 +34,7 @@ struct CatalogueGroup
     bool alert = false;
     QVector<CatalogueItem> items;
 
-    bool isReadOnly() const { return !permission.contains(QLatin1Char('W'), Qt::CaseInsensitive); }
+    bool isReadOnly() const { return !permission.contains(u'W', Qt::CaseInsensitive); }
 };
 
 /// What a service offers to an account, and whose view it is.

@@ -4,7 +4,7 @@
 #include "tools/host/service/cloud_client.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/line_input.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 #include "tools/host/value/status_text.h"
 
 #include <QUrl>
@@ -33,7 +33,7 @@ ProgressView::~ProgressView()
 {
     // With spaces, as not every terminal can clear a line.
     if (shown_width_ > 0)
-        output_.write(QStringLiteral("\r%1\r").arg(QString(shown_width_, QLatin1Char(' '))));
+        output_.write(u"\r%1\r"_s.arg(QString(shown_width_, u' ')));
 }
 
 void ProgressView::show(const CatalogueProgress& progress)
@@ -43,15 +43,14 @@ void ProgressView::show(const CatalogueProgress& progress)
     if (is_quiet_ || (!is_first && since_line_.elapsed() < interval))
         return;
     since_line_.start();
-    const QString text = QStringLiteral("Loading the catalogue: %1 of %2, %3")
-                             .arg(progress.groups_loaded)
-                             .arg(counted(progress.groups_known, QStringLiteral("group")),
-                                  counted(progress.items, QStringLiteral("item")));
+    const QString text =
+        u"Loading the catalogue: %1 of %2, %3"_s.arg(progress.groups_loaded)
+            .arg(counted(progress.groups_known, u"group"_s), counted(progress.items, u"item"_s));
     if (!is_terminal_) {
         output_.line(text);
         return;
     }
-    output_.write(QLatin1Char('\r') + text.leftJustified(shown_width_));
+    output_.write(u'\r' + text.leftJustified(shown_width_));
     shown_width_ = qMax(shown_width_, text.size());
 }
 
@@ -62,15 +61,13 @@ bool askForPassword(terminal::Context& context, config::Account* account)
         return true;
     if (!input.isTerminal()) {
         throw terminal::UsageError(
-            QStringLiteral("no password was given; set %1, or use --password-file")
-                .arg(account->password_env));
+            u"no password was given; set %1, or use --password-file"_s.arg(account->password_env));
     }
-    const std::optional<QString> answer =
-        input.askSecretly(QStringLiteral("Password of %1 for project %2: ")
-                              .arg(terminal::printable(account->service.email),
-                                   terminal::printable(account->service.project)));
+    const std::optional<QString> answer = input.askSecretly(
+        u"Password of %1 for project %2: "_s.arg(terminal::printable(account->service.email),
+                                                 terminal::printable(account->service.project)));
     if (!answer) {
-        context.complain(QStringLiteral("no password was given"));
+        context.complain(u"no password was given"_s);
         return false;
     }
     account->service.password = *answer;
@@ -89,9 +86,8 @@ std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const Servic
     const QString url = QUrl(account.service.url).toString(QUrl::RemoveUserInfo);
     const ClientOutcome login = client.login(options.timeout);
     if (login.kind != ClientOutcome::Done) {
-        context.complain(
-            QStringLiteral("login at %1 failed: %2").arg(url, login.reason) +
-            (login.isRefusal() ? QStringLiteral(": ") + value::loginAdvice() : QString()));
+        context.complain(u"login at %1 failed: %2"_s.arg(url, login.reason) +
+                         (login.isRefusal() ? u": "_s + value::loginAdvice() : QString()));
         *failure = login;
         return std::nullopt;
     }
@@ -108,11 +104,9 @@ std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const Servic
     if (loading.kind != ClientOutcome::Done) {
         const QString where = latest.groups_known == 0
                                   ? QString()
-                                  : QStringLiteral(" after %1 of %2")
-                                        .arg(latest.groups_loaded)
-                                        .arg(counted(latest.groups_known, QStringLiteral("group")));
-        context.complain(
-            QStringLiteral("loading the catalogue failed%1: %2").arg(where, loading.reason));
+                                  : u" after %1 of %2"_s.arg(latest.groups_loaded)
+                                        .arg(counted(latest.groups_known, u"group"_s));
+        context.complain(u"loading the catalogue failed%1: %2"_s.arg(where, loading.reason));
         *failure = loading;
         return std::nullopt;
     }

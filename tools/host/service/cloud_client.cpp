@@ -17,7 +17,7 @@ ClientOutcome clientOutcome(const ::service::Outcome& outcome, const QString& ty
     ClientOutcome told;
     told.result = outcome.result;
     told.kind = ClientOutcome::BadReply;
-    told.reason = QStringLiteral("the reply is not understood: %1").arg(outcome.detail);
+    told.reason = u"the reply is not understood: %1"_s.arg(outcome.detail);
     switch (outcome.reason) {
     case ::service::Outcome::fine:
         told.kind = ClientOutcome::Done;
@@ -25,17 +25,15 @@ ClientOutcome clientOutcome(const ::service::Outcome& outcome, const QString& ty
         break;
     case ::service::Outcome::unknown_type:
         told.kind = ClientOutcome::Done;
-        told.reason = QStringLiteral("\"%1\" is no type").arg(type_name);
+        told.reason = u"\"%1\" is no type"_s.arg(type_name);
         break;
     case ::service::Outcome::other_kind:
         told.kind = ClientOutcome::Done;
-        told.reason =
-            QStringLiteral("the value is %1, which is no %2").arg(outcome.detail, type_name);
+        told.reason = u"the value is %1, which is no %2"_s.arg(outcome.detail, type_name);
         break;
     case ::service::Outcome::refused:
         told.kind = ClientOutcome::Failed;
-        told.reason =
-            QStringLiteral("the service refused with its error code %1").arg(outcome.result);
+        told.reason = u"the service refused with its error code %1"_s.arg(outcome.result);
         break;
     case ::service::Outcome::no_answer:
         told.kind = ClientOutcome::Failed;
@@ -55,8 +53,8 @@ QString withoutUserInfo(const QString& text, const QString& url)
         return shown;
     for (const auto form : {QUrl::FullyEncoded, QUrl::PrettyDecoded, QUrl::FullyDecoded}) {
         const QString user = parsed.userName(form);
-        shown.remove(user + QLatin1Char(':') + parsed.password(form) + QLatin1Char('@'));
-        shown.replace(QStringLiteral("//%1@").arg(user), QStringLiteral("//"));
+        shown.remove(user + u':' + parsed.password(form) + u'@');
+        shown.replace(u"//%1@"_s.arg(user), u"//"_s);
     }
     return shown;
 }
@@ -220,16 +218,17 @@ ClientOutcome CloudClient::judge(const Step& step, double timeout) const
     if (!step.given_up && step.raised) {
         outcome.kind = ClientOutcome::BadReply;
         outcome.result = ::service::client_failure;
-        outcome.reason = QStringLiteral("the reply, or an entry of the list in it, is no JSON "
-                                        "object; such a reply ends a host that runs the driver");
+        outcome.reason =
+            u"the reply, or an entry of the list in it, is no JSON object; such a reply ends a "
+            "host that runs the driver"_s;
     } else if (!step.given_up) {
         outcome = clientOutcome(step.outcome, step.item.type);
     } else if (interrupted_) {
         outcome.kind = ClientOutcome::Interrupted;
-        outcome.reason = QStringLiteral("interrupted");
+        outcome.reason = u"interrupted"_s;
     } else {
         outcome.kind = ClientOutcome::TimedOut;
-        outcome.reason = QStringLiteral("no answer within %1 s").arg(timeout);
+        outcome.reason = u"no answer within %1 s"_s.arg(timeout);
     }
     outcome.reason = withoutUserInfo(outcome.reason, service_.url);
     return outcome;

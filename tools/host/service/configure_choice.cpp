@@ -1,7 +1,7 @@
 #include "tools/host/service/configure_choice.h"
 
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 #include "tools/host/value/host_value.h"
 
 #include <QHash>
@@ -17,7 +17,7 @@ namespace {
 /// others.
 QString withoutSlashes(QString text)
 {
-    return text.replace(QLatin1Char('/'), QChar(0xE000));
+    return text.replace(u'/', QChar(0xE000));
 }
 
 QRegularExpression wildcard(const QString& pattern)
@@ -26,10 +26,8 @@ QRegularExpression wildcard(const QString& pattern)
         QRegularExpression::wildcardToRegularExpression(withoutSlashes(pattern)));
     if (!expression.isValid())
         throw terminal::UsageError(
-            QStringLiteral("the pattern \"%1\" is not valid: a \"[\" has no \"]\", or "
-                           "a range in brackets runs backwards; \"[[]\" stands for "
-                           "the character \"[\"")
-                .arg(pattern));
+            u"the pattern \"%1\" is not valid: a \"[\" has no \"]\", or a range in brackets runs "
+            "backwards; \"[[]\" stands for the character \"[\""_s.arg(pattern));
     return expression;
 }
 
@@ -38,12 +36,12 @@ QVector<int> slashesIn(const QString& pattern)
 {
     QVector<int> slashes;
     for (int i = 0; i < pattern.size(); ++i) {
-        if (pattern.at(i) == QLatin1Char('/')) {
+        if (pattern.at(i) == u'/') {
             slashes << i;
-        } else if (pattern.at(i) == QLatin1Char('[')) {
+        } else if (pattern.at(i) == u'[') {
             // A bracket that comes first, or after "!", does not close.
             const int first = i + (pattern.midRef(i + 1, 1) == QLatin1String("!") ? 2 : 1);
-            const int end = pattern.indexOf(QLatin1Char(']'), first + 1);
+            const int end = pattern.indexOf(u']', first + 1);
             i = end < 0 ? i : end;
         }
     }
@@ -53,7 +51,7 @@ QVector<int> slashesIn(const QString& pattern)
 void refuseEmpty(const QString& pattern)
 {
     if (pattern.isEmpty())
-        throw terminal::UsageError(QStringLiteral("a pattern must not be empty"));
+        throw terminal::UsageError(u"a pattern must not be empty"_s);
 }
 
 bool isMatch(const QRegularExpression& expression, const QString& text)
@@ -91,8 +89,8 @@ struct Words
 QString typeNamed(const QString& name)
 {
     if (!value::findItemType(name)) {
-        throw terminal::UsageError(QStringLiteral("--type: \"%1\" is no type; the types are: %2")
-                                       .arg(name, value::allItemTypeNames()));
+        throw terminal::UsageError(
+            u"--type: \"%1\" is no type; the types are: %2"_s.arg(name, value::allItemTypeNames()));
     }
     return name;
 }
@@ -104,8 +102,8 @@ QString missingText(const QString& text, const QVector<OfferedItem>& offered)
     for (const OfferedItem& item : offered)
         names << item.path() << item.item.name << item.item.id << item.group + QLatin1String("/*");
     const QString near = terminal::nearText(text, names);
-    const QString quoted = QStringLiteral("\"%1\"").arg(text);
-    return near.isEmpty() ? quoted : quoted + QStringLiteral(" (%1)").arg(near.mid(2));
+    const QString quoted = u"\"%1\""_s.arg(text);
+    return near.isEmpty() ? quoted : quoted + u" (%1)"_s.arg(near.mid(2));
 }
 
 } // namespace
@@ -189,8 +187,8 @@ FilteredItems filterItems(const QVector<OfferedItem>& offered, const ItemFilter&
     };
     const auto text_of_pattern = [](const ItemPattern& pattern) { return pattern.text(); };
     report(patterns, QString(), text_of_pattern);
-    report(excluded, QStringLiteral("--exclude "), text_of_pattern);
-    report(types, QStringLiteral("--type "), [](const QString& type) { return type; });
+    report(excluded, u"--exclude "_s, text_of_pattern);
+    report(types, u"--type "_s, [](const QString& type) { return type; });
     return result;
 }
 
@@ -202,7 +200,7 @@ QString numbered(const QString& name, const QSet<QString>& used, int* number)
 {
     QString candidate;
     do
-        candidate = QStringLiteral("%1 (%2)").arg(name, QString::number(++*number));
+        candidate = u"%1 (%2)"_s.arg(name, QString::number(++*number));
     while (used.contains(candidate));
     return candidate;
 }
@@ -222,12 +220,12 @@ config::ItemConfig configOf(const CatalogueItem& item)
 
 QString naturalName(const QString& group, const QString& item)
 {
-    QString name = group + QLatin1Char('.') + item;
+    QString name = group + u'.' + item;
     for (QChar& character : name) {
         const bool breaks =
             character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
         if (character.category() == QChar::Other_Control || breaks)
-            character = QLatin1Char('_');
+            character = u'_';
     }
     return name;
 }
@@ -250,9 +248,9 @@ NamedItems nameItems(const QVector<OfferedItem>& chosen)
                 numbers.insert(natural, 1);
             config.name = numbered(natural, used, &numbers[natural]);
             used.insert(config.name);
-            named.warnings << QStringLiteral("\"%1\" is the name of another item already; the one "
-                                             "with the id \"%2\" is called \"%3\"")
-                                  .arg(natural, terminal::printable(item.item.id), config.name);
+            named.warnings
+                << u"\"%1\" is the name of another item already; the one with the id \"%2\" is "
+                   "called \"%3\""_s.arg(natural, terminal::printable(item.item.id), config.name);
         }
         given.insert(config.name);
         named.items << config;

@@ -20,7 +20,7 @@ struct OfferedItem
     QString group_id;
     QString group; ///< The group's name.
 
-    QString path() const { return group + QLatin1Char('/') + item.name; }
+    QString path() const { return group + u'/' + item.name; }
 };
 
 /// All items of a catalogue, in its order.

@@ -3,7 +3,7 @@
 #include "tools/host/service/catalogue.h"
 #include "tools/host/service/configure_choice.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <QRegularExpression>
 
@@ -47,7 +47,7 @@ QVector<int> indicesOf(const QVector<bool>& flags)
 bool isNumbers(const QString& text)
 {
     static const QRegularExpression numbers(
-        QStringLiteral("\\A[\\s,]*(\\d+(\\s*-\\s*\\d+)?)([\\s,]+\\d+(\\s*-\\s*\\d+)?)*[\\s,]*\\z"));
+        u"\\A[\\s,]*(\\d+(\\s*-\\s*\\d+)?)([\\s,]+\\d+(\\s*-\\s*\\d+)?)*[\\s,]*\\z"_s);
     return numbers.match(text).hasMatch();
 }
 
@@ -62,20 +62,18 @@ ConfigureDialogue::ConfigureDialogue(const QVector<OfferedItem>& offered, int pa
 QString ConfigureDialogue::opening()
 {
     return list(upTo(offered_.size())) +
-           QStringLiteral("Choose by number, range or pattern, then d for done; h is for help.\n");
+           u"Choose by number, range or pattern, then d for done; h is for help.\n"_s;
 }
 
 QString ConfigureDialogue::prompt() const
 {
-    return QStringLiteral("%1 of %2 chosen> ")
-        .arg(chosen_.count(true))
-        .arg(counted(offered_.size(), QStringLiteral("item")));
+    return u"%1 of %2 chosen> "_s.arg(chosen_.count(true)).arg(counted(offered_.size(), u"item"_s));
 }
 
 QString ConfigureDialogue::answer(const QString& typed)
 {
     const QString text = typed.trimmed();
-    const QString word = text.section(QLatin1Char(' '), 0, 0);
+    const QString word = text.section(u' ', 0, 0);
     const QString rest = text.mid(word.size()).trimmed();
     const auto is = [&word](const char* name) {
         return word == QLatin1String(name) || word == QLatin1String(name, 1);
@@ -84,7 +82,7 @@ QString ConfigureDialogue::answer(const QString& typed)
         return nextPage();
     if (is("search"))
         return search(rest);
-    if (text.startsWith(QLatin1Char('-')))
+    if (text.startsWith(u'-'))
         return select(text.mid(1).trimmed(), false);
     if (!rest.isEmpty())
         return select(text, true);
@@ -117,20 +115,19 @@ QString ConfigureDialogue::select(const QString& text, bool choose)
     QString problem;
     const QVector<int> named = itemsNamed(text, &problem);
     if (!problem.isEmpty())
-        return problem + QLatin1Char('\n');
+        return problem + u'\n';
     int changed = 0;
     for (const int index : named) {
         changed += chosen_.at(index) == choose ? 0 : 1;
         chosen_[index] = choose;
     }
     if (named.size() == 1)
-        return line(named.first()) + QLatin1Char('\n');
-    const QString items = counted(named.size(), QStringLiteral("item"));
+        return line(named.first()) + u'\n';
+    const QString items = counted(named.size(), u"item"_s);
     if (choose)
-        return QStringLiteral("%1 chosen, %2 of them new\n").arg(items).arg(changed);
-    const QString rest =
-        changed == named.size() ? QString() : QStringLiteral(", the others were not chosen");
-    return QStringLiteral("%1 of %2 taken back%3\n").arg(changed).arg(items, rest);
+        return u"%1 chosen, %2 of them new\n"_s.arg(items).arg(changed);
+    const QString rest = changed == named.size() ? QString() : u", the others were not chosen"_s;
+    return u"%1 of %2 taken back%3\n"_s.arg(changed).arg(items, rest);
 }
 
 QVector<int> ConfigureDialogue::itemsNamed(const QString& text, QString* problem) const
@@ -144,13 +141,13 @@ QVector<int> ConfigureDialogue::itemsNamed(const QString& text, QString* problem
                     named << i;
             }
             if (named.isEmpty())
-                *problem = QStringLiteral("no item matches \"%1\"; h is for help").arg(text);
+                *problem = u"no item matches \"%1\"; h is for help"_s.arg(text);
         } catch (const terminal::UsageError& error) {
             *problem = error.message();
         }
         return named;
     }
-    static const QRegularExpression range(QStringLiteral("(\\d+)(?:\\s*-\\s*(\\d+))?"));
+    static const QRegularExpression range(u"(\\d+)(?:\\s*-\\s*(\\d+))?"_s);
     auto ranges = range.globalMatch(text);
     while (ranges.hasNext()) {
         const QRegularExpressionMatch match = ranges.next();
@@ -158,9 +155,7 @@ QVector<int> ConfigureDialogue::itemsNamed(const QString& text, QString* problem
         const int first = match.captured(1).toInt();
         const int last = match.captured(2).isEmpty() ? first : match.captured(2).toInt();
         if (first < 1 || last < first || last > offered_.size()) {
-            *problem = QStringLiteral("\"%1\" is not within 1-%2")
-                           .arg(match.captured(0))
-                           .arg(offered_.size());
+            *problem = u"\"%1\" is not within 1-%2"_s.arg(match.captured(0)).arg(offered_.size());
             return {};
         }
         for (int number = first; number <= last; ++number)
@@ -176,26 +171,26 @@ QString ConfigureDialogue::list(const QVector<int>& items)
 {
     listed_ = items;
     shown_ = 0;
-    return items.isEmpty() ? QStringLiteral("none\n") : nextPage();
+    return items.isEmpty() ? u"none\n"_s : nextPage();
 }
 
 QString ConfigureDialogue::nextPage()
 {
     if (shown_ >= listed_.size())
-        return QStringLiteral("That was all; l lists from the start.\n");
+        return u"That was all; l lists from the start.\n"_s;
     QString text;
     const int end = std::min(shown_ + page_, int(listed_.size()));
     for (; shown_ < end; ++shown_)
-        text += line(listed_.at(shown_)) + QLatin1Char('\n');
+        text += line(listed_.at(shown_)) + u'\n';
     if (end < listed_.size())
-        text += QStringLiteral("-- %1 more: press Enter --\n").arg(listed_.size() - end);
+        text += u"-- %1 more: press Enter --\n"_s.arg(listed_.size() - end);
     return text;
 }
 
 QString ConfigureDialogue::search(const QString& text)
 {
     if (text.isEmpty())
-        return QStringLiteral("Search for what? s TEXT\n");
+        return u"Search for what? s TEXT\n"_s;
     QVector<int> found;
     for (int i = 0; i < offered_.size(); ++i) {
         const OfferedItem& item = offered_.at(i);
@@ -213,24 +208,23 @@ QString ConfigureDialogue::preview() const
 {
     const NamedItems named = nameItems(chosen());
     if (named.items.isEmpty())
-        return QStringLiteral("Nothing is chosen yet.\n");
+        return u"Nothing is chosen yet.\n"_s;
     QString text;
     for (const QString& warning : named.warnings.mid(0, page_))
-        text += QStringLiteral("warning: %1\n").arg(warning);
+        text += u"warning: %1\n"_s.arg(warning);
     for (const config::ItemConfig& item : named.items.mid(0, page_)) {
-        text +=
-            QStringLiteral("  %1  %2  %3\n")
-                .arg(item.name, terminal::printable(item.id), QString::fromLatin1(item.type->name));
+        text += u"  %1  %2  %3\n"_s.arg(item.name, terminal::printable(item.id),
+                                        QString::fromLatin1(item.type->name));
     }
     if (named.items.size() > page_)
-        text += QStringLiteral("  and %1 more\n").arg(named.items.size() - page_);
+        text += u"  and %1 more\n"_s.arg(named.items.size() - page_);
     return text;
 }
 
 QString ConfigureDialogue::finish()
 {
     if (!chosen_.contains(true))
-        return QStringLiteral("Nothing is chosen yet; q leaves without a configuration.\n");
+        return u"Nothing is chosen yet; q leaves without a configuration.\n"_s;
     state_ = State::done;
     return QString();
 }
@@ -239,8 +233,7 @@ QString ConfigureDialogue::line(int index) const
 {
     const OfferedItem& item = offered_.at(index);
     const int digits = QString::number(offered_.size()).size();
-    return QStringLiteral("%1 %2  %3  %4")
-        .arg(chosen_.at(index) ? QStringLiteral("*") : QStringLiteral(" "))
+    return u"%1 %2  %3  %4"_s.arg(chosen_.at(index) ? u"*"_s : u" "_s)
         .arg(index + 1, digits)
         .arg(terminal::printable(item.path()), item.item.shownType());
 }

@@ -1,7 +1,7 @@
 #include "tools/host/service/diff_items.h"
 
 #include "tools/host/service/configure_choice.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -16,7 +16,7 @@ using Positions = QHash<QString, QVector<int>>;
 
 QString pathOf(const DiffItem& item)
 {
-    return item.group.isEmpty() ? item.name : item.group + QLatin1Char('/') + item.name;
+    return item.group.isEmpty() ? item.name : item.group + u'/' + item.name;
 }
 
 Positions positionsById(const QVector<DiffItem>& items)
@@ -71,7 +71,7 @@ Partners partners(const QVector<DiffItem>& before, const QVector<DiffItem>& afte
 /// number after it.
 bool isNameFor(const QString& name, const QString& natural)
 {
-    static const QRegularExpression number(QStringLiteral(" \\(\\d+\\)\\z"));
+    static const QRegularExpression number(u" \\(\\d+\\)\\z"_s);
     return name == natural || QString(name).remove(number) == natural;
 }
 
@@ -247,44 +247,38 @@ QString kindName(Difference::Kind kind)
 QString differenceLine(const Difference& difference)
 {
     const auto quoted = [](const QString& text) {
-        return QStringLiteral("\"%1\"").arg(terminal::printable(text));
+        return u"\"%1\""_s.arg(terminal::printable(text));
     };
-    const QString subject =
-        QStringLiteral("%1 (%2): ")
-            .arg(terminal::printable(difference.path), terminal::printable(difference.id));
+    const QString subject = u"%1 (%2): "_s.arg(terminal::printable(difference.path),
+                                               terminal::printable(difference.id));
     switch (difference.kind) {
     case Difference::gone:
-        return QStringLiteral("- ") + subject + QStringLiteral("gone") +
+        return u"- "_s + subject + u"gone"_s +
                (difference.same_name_id.isEmpty()
                     ? QString()
-                    : QStringLiteral("; an item of this name has the id ") +
-                          quoted(difference.same_name_id));
+                    : u"; an item of this name has the id "_s + quoted(difference.same_name_id));
     case Difference::added:
-        return QStringLiteral("+ ") + subject + QStringLiteral("added, ") + difference.after;
+        return u"+ "_s + subject + u"added, "_s + difference.after;
     case Difference::renamed:
-        return QStringLiteral("~ ") + subject +
-               QStringLiteral("renamed from %1 to %2")
-                   .arg(quoted(difference.before), quoted(difference.after));
+        return u"~ "_s + subject +
+               u"renamed from %1 to %2"_s.arg(quoted(difference.before), quoted(difference.after));
     case Difference::retyped:
-        return QStringLiteral("~ ") + subject +
-               QStringLiteral("type %1, was %2").arg(difference.after, difference.before);
+        return u"~ "_s + subject + u"type %1, was %2"_s.arg(difference.after, difference.before);
     case Difference::moved:
-        return QStringLiteral("~ ") + subject +
-               QStringLiteral("moved from group %1 to %2")
-                   .arg(quoted(difference.before), quoted(difference.after));
+        return u"~ "_s + subject +
+               u"moved from group %1 to %2"_s.arg(quoted(difference.before),
+                                                  quoted(difference.after));
     case Difference::group_renamed:
-        return QStringLiteral("~ ") + subject +
-               QStringLiteral("group renamed from %1 to %2")
-                   .arg(quoted(difference.before), quoted(difference.after));
+        return u"~ "_s + subject +
+               u"group renamed from %1 to %2"_s.arg(quoted(difference.before),
+                                                    quoted(difference.after));
     case Difference::access:
-        return QStringLiteral("~ ") + subject +
-               QStringLiteral("access %1, was %2")
-                   .arg(quoted(difference.after), quoted(difference.before));
+        return u"~ "_s + subject +
+               u"access %1, was %2"_s.arg(quoted(difference.after), quoted(difference.before));
     case Difference::resized:
         break;
     }
-    return QStringLiteral("~ ") + subject +
-           QStringLiteral("length %1, was %2").arg(difference.after, difference.before);
+    return u"~ "_s + subject + u"length %1, was %2"_s.arg(difference.after, difference.before);
 }
 
 } // namespace tovik_host::service

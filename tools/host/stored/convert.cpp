@@ -1,7 +1,7 @@
 #include "tools/host/stored/commands.h"
 #include "tools/host/stored/json.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 namespace tovik_host::stored {
 
@@ -18,9 +18,8 @@ void checkOutput(const Convert& options)
         terminal::checkOutputFile(options.output, options.force);
     } else if (!options.force && ::isatty(STDOUT_FILENO) != 0) {
         throw terminal::UsageError(
-            QStringLiteral("the standard output is a terminal, and what is written "
-                           "holds the password; --force writes it there, "
-                           "\"tovik-host show\" shows it without"));
+            u"the standard output is a terminal, and what is written holds the password; --force "
+            "writes it there, \"tovik-host show\" shows it without"_s);
     }
 }
 
@@ -33,10 +32,9 @@ bool choosesJson(const Convert& options, File::Kind kind)
         return true;
     if (kind == File::stream && !isStandard(options.output)) {
         throw terminal::UsageError(
-            QStringLiteral("a stream can be turned into JSON or into another stream: "
-                           "add --to json or --to stream, or give %1 a name that ends "
-                           "with .json")
-                .arg(terminal::printable(options.output)));
+            u"a stream can be turned into JSON or into another stream: add --to json or --to "
+            "stream, or give %1 a name that ends with .json"_s.arg(
+                terminal::printable(options.output)));
     }
     return kind == File::stream;
 }
@@ -46,8 +44,8 @@ QByteArray streamOf(const PropertyTovikIot& record, Hints hints)
 {
     if (!hints.is_variant) {
         throw terminal::UsageError(
-            QStringLiteral("say how the host stores the record: --form variant "
-                           "(as a QVariant) or --form record (the record alone)"));
+            u"say how the host stores the record: --form variant (as a QVariant) or --form record "
+            "(the record alone)"_s);
     }
     hints.big_endian = hints.big_endian.value_or(true);
     hints.single_precision = hints.single_precision.value_or(false);
@@ -56,19 +54,17 @@ QByteArray streamOf(const PropertyTovikIot& record, Hints hints)
     for (const Format& format : formats) {
         if (written(record, format) != bytes) {
             throw terminal::UsageError(
-                QStringLiteral("the bytes depend on the stream version: add --stream-version 12 "
-                               "for a host with Qt 4.6 to 4.8, or the name of the host's Qt, such "
-                               "as Qt_5_15"));
+                u"the bytes depend on the stream version: add --stream-version 12 for a host with "
+                "Qt 4.6 to 4.8, or the name of the host's Qt, such as Qt_5_15"_s);
         }
     }
     const QString loss = firstLoss(record, formats.front());
     if (!loss.isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("%1: would not come back as it is from a stream of version "
-                           "%2 in %3 precision; version %4 in double precision keeps "
-                           "all")
-                .arg(loss, QString::number(formats.front().version),
-                     choices[2].word(*hints.single_precision), QString::number(all_versions.last)));
+            u"%1: would not come back as it is from a stream of version %2 in %3 precision; "
+            "version %4 in double precision keeps all"_s.arg(
+                loss, QString::number(formats.front().version),
+                choices[2].word(*hints.single_precision), QString::number(all_versions.last)));
     }
     return bytes;
 }
@@ -88,10 +84,12 @@ int Convert::run() const
 {
     checkOutput(*this);
     const bool to_stream = to_json == false;
-    File file = input.read(to_stream ? Hints() : format,
-                           to_stream ? QStringLiteral("The options describe OUT; convert IN to "
-                                                      "JSON first, with --to json and one of these")
-                                     : QStringLiteral("Say which it is"));
+    File file = input.read(
+        to_stream ? Hints() : format,
+        to_stream
+            ? u"The options describe OUT; convert IN to JSON first, with --to json and one of "
+              "these"_s
+            : u"Say which it is"_s);
     const bool writes_json = choosesJson(*this, file.kind);
     file.notes << file.conversion_notes;
     terminal::Streams streams;
@@ -99,10 +97,9 @@ int Convert::run() const
     if (file.isDamaged() && (!salvage || file.reading.known == 0)) {
         streams.complain(
             file.reading.known == 0
-                ? QStringLiteral("nothing of a configuration record can be read, and nothing was "
-                                 "written")
-                : QStringLiteral("nothing was written; --salvage writes what can be read, with "
-                                 "defaults for the rest"));
+                ? u"nothing of a configuration record can be read, and nothing was written"_s
+                : u"nothing was written; --salvage writes what can be read, with defaults for the "
+                  "rest"_s);
         return terminal::exitRefused;
     }
     const Hints known = merged(format, file.format);
@@ -114,8 +111,8 @@ int Convert::run() const
     }
     streams.out.write(bytes);
     if (streams.out.error() != 0) {
-        throw terminal::UsageError(QStringLiteral("cannot write the standard output: %1")
-                                       .arg(qt_error_string(streams.out.error())));
+        throw terminal::UsageError(
+            u"cannot write the standard output: %1"_s.arg(qt_error_string(streams.out.error())));
     }
     return terminal::exitDone;
 }

@@ -18,9 +18,9 @@ struct Fit
 
 QString optionsOf(const Format& format)
 {
-    return QStringLiteral("--form %1 --stream-version %2 --byte-order %3 --float-precision %4")
-        .arg(choices[0].word(format.is_variant), QString::number(format.version),
-             choices[1].word(format.big_endian), choices[2].word(format.single_precision));
+    return u"--form %1 --stream-version %2 --byte-order %3 --float-precision %4"_s.arg(
+        choices[0].word(format.is_variant), QString::number(format.version),
+        choices[1].word(format.big_endian), choices[2].word(format.single_precision));
 }
 
 /// \param fits the likeliest one first
@@ -45,8 +45,7 @@ Detected detectedOf(const Reading& reading, const std::vector<Fit>& fits)
         }
     }
     const bool is_ambiguous = options.size() > 1;
-    return {reading, first.format, versions,
-            is_ambiguous ? options.join(QStringLiteral("\n  ")) : QString()};
+    return {reading, first.format, versions, is_ambiguous ? options.join(u"\n  "_s) : QString()};
 }
 
 std::optional<Detected> detectWhole(const QByteArray& bytes, const Hints& hints)

@@ -3,7 +3,7 @@
 #include "tools/host/config/config_file.h"
 #include "tools/host/stored/json.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <QFile>
 #include <QUrl>
@@ -18,8 +18,7 @@ const qint64 largest_file = 4 << 20;
 
 QString shownPath(const QString& path)
 {
-    return path == QLatin1String("-") ? QStringLiteral("standard input")
-                                      : terminal::printable(path);
+    return path == QLatin1String("-") ? u"standard input"_s : terminal::printable(path);
 }
 
 QByteArray readBytes(const QString& path)
@@ -30,16 +29,15 @@ QByteArray readBytes(const QString& path)
     const QByteArray bytes = is_open ? file.read(largest_file + 1) : QByteArray();
     if (!is_open || file.error() != QFileDevice::NoError) {
         throw terminal::UsageError(
-            QStringLiteral("cannot read %1: %2").arg(shownPath(path), file.errorString()));
+            u"cannot read %1: %2"_s.arg(shownPath(path), file.errorString()));
     }
     if (bytes.size() > largest_file) {
         throw terminal::UsageError(
-            QStringLiteral("%1 is larger than %2 MiB, which no configuration is")
-                .arg(shownPath(path))
+            u"%1 is larger than %2 MiB, which no configuration is"_s.arg(shownPath(path))
                 .arg(largest_file / 1024 / 1024));
     }
     if (bytes.isEmpty())
-        throw terminal::UsageError(QStringLiteral("%1 is empty").arg(shownPath(path)));
+        throw terminal::UsageError(u"%1 is empty"_s.arg(shownPath(path)));
     return bytes;
 }
 
@@ -58,14 +56,13 @@ void takeConfiguration(const config::LoadedConfig& loaded, File* file)
     if (!service.url.isEmpty()) {
         record.host = service.url;
     } else {
-        file->notes << QStringLiteral("%1 has no service.url: the record has %2 there, which is no "
-                                      "service")
-                           .arg(file->path, record.host);
+        file->notes << u"%1 has no service.url: the record has %2 there, which is no service"_s.arg(
+            file->path, record.host);
     }
     if (service.password.isEmpty()) {
-        file->notes << QStringLiteral("%1 gives no password: the record has an empty one, with "
-                                      "which no login succeeds")
-                           .arg(file->path);
+        file->notes
+            << u"%1 gives no password: the record has an empty one, with which no login succeeds"_s
+                   .arg(file->path);
     }
     record.project = service.project;
     record.email = service.email;
@@ -79,10 +76,9 @@ void takeConfiguration(const config::LoadedConfig& loaded, File* file)
             item.length = config.length;
         record.dataitems << item;
     }
-    file->conversion_notes << QStringLiteral("%1 has no groups, no cached values, no status, "
-                                             "alert, time or marks of items: the record has its "
-                                             "defaults there")
-                                  .arg(file->path);
+    file->conversion_notes
+        << u"%1 has no groups, no cached values, no status, alert, time or marks of items: the "
+           "record has its defaults there"_s.arg(file->path);
 }
 
 File readJson(const QString& path, const QByteArray& bytes)
@@ -97,18 +93,20 @@ File readJson(const QString& path, const QByteArray& bytes)
     }
     file.kind = File::configuration;
     if (!root.has("service")) {
-        root.fail(QStringLiteral("neither the member \"tovik_iot\" (a record) nor \"service\" (a "
-                                 "configuration of a cloud driver) is there"));
+        root.fail(
+            u"neither the member \"tovik_iot\" (a record) nor \"service\" (a configuration of a "
+            "cloud driver) is there"_s);
     }
     if (path == QLatin1String("-")) {
-        root.fail(QStringLiteral("a configuration with \"service\" is read from a file only, since "
-                                 "it may name other files beside it"));
+        root.fail(
+            u"a configuration with \"service\" is read from a file only, since it may name other "
+            "files beside it"_s);
     }
     takeConfiguration(config::loadConfig(path, config::Password::if_given), &file);
     if (root.has("error_handling")) {
-        file.notes << QStringLiteral("%1: error_handling is not part of the record and is left "
-                                     "out: a host sets it as tovik_iot_err_... keys of the link")
-                          .arg(file.path);
+        file.notes
+            << u"%1: error_handling is not part of the record and is left out: a host sets it as "
+               "tovik_iot_err_... keys of the link"_s.arg(file.path);
     }
     return file;
 }
@@ -119,8 +117,8 @@ File readStream(const QString& path, const QByteArray& bytes, const Hints& hints
     const Detected detected = detect(bytes, hints);
     if (!detected.ambiguity.isEmpty()) {
         throw terminal::UsageError(
-            QStringLiteral("%1 can be read in several formats, with different results. %2:\n  %3")
-                .arg(shownPath(path), which_format, detected.ambiguity));
+            u"%1 can be read in several formats, with different results. %2:\n  %3"_s.arg(
+                shownPath(path), which_format, detected.ambiguity));
     }
     File file = {File::stream, shownPath(path), bytes.size(), detected.reading};
     file.format.versions = detected.versions;
@@ -142,10 +140,9 @@ void File::report(terminal::Streams& streams) const
     for (const QString& note : notes)
         streams.warn(note);
     for (const Problem& problem : reading.problems) {
-        const QString member =
-            problem.member.isEmpty() ? QString() : problem.member + QStringLiteral(": ");
-        streams.complain(QStringLiteral("%1: byte %2: %3%4")
-                             .arg(path, QString::number(problem.offset), member, problem.text));
+        const QString member = problem.member.isEmpty() ? QString() : problem.member + u": "_s;
+        streams.complain(u"%1: byte %2: %3%4"_s.arg(path, QString::number(problem.offset), member,
+                                                    problem.text));
     }
 }
 

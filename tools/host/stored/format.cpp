@@ -18,8 +18,8 @@ const char releases[] = "1.0|2.0|2.1 2.2 2.3|3.0|3.1 3.2|3.3|4.0 4.1|4.2|4.3|4.4
 QStringList releasesOf(int version)
 {
     const QString of_version =
-        QString::fromLatin1(releases).section(QLatin1Char('|'), version - 1, version - 1);
-    return of_version.split(QLatin1Char(' '));
+        QString::fromLatin1(releases).section(u'|', version - 1, version - 1);
+    return of_version.split(u' ');
 }
 
 bool isPossible(const Format& format, const Hints& hints)
@@ -65,7 +65,7 @@ std::vector<Format> possibleFormats(const Hints& hints)
     }
     if (formats.empty()) {
         throw terminal::UsageError(
-            QStringLiteral("a stream of a version before 7 holds no variant of the record"));
+            u"a stream of a version before 7 holds no variant of the record"_s);
     }
     return formats;
 }
@@ -84,8 +84,8 @@ Hints merged(const Hints& first, const Hints& second)
 
 std::optional<int> versionOf(const QString& text)
 {
-    static const QRegularExpression start(QStringLiteral("^Qt[_ ]?"));
-    const QString name = QString(text).remove(start).replace(QLatin1Char('_'), QLatin1Char('.'));
+    static const QRegularExpression start(u"^Qt[_ ]?"_s);
+    const QString name = QString(text).remove(start).replace(u'_', u'.');
     for (int version = all_versions.first; version <= all_versions.last; ++version) {
         if (text == QString::number(version) || releasesOf(version).contains(name))
             return version;
@@ -97,12 +97,12 @@ QString rangeText(const Versions& range)
 {
     if (range.first == range.last)
         return QString::number(range.first);
-    return QStringLiteral("%1-%2").arg(range.first).arg(range.last);
+    return u"%1-%2"_s.arg(range.first).arg(range.last);
 }
 
 std::optional<Versions> rangeOf(const QString& text)
 {
-    const int dash = text.indexOf(QLatin1Char('-'));
+    const int dash = text.indexOf(u'-');
     const std::optional<int> first = versionOf(text.left(dash));
     const std::optional<int> last = dash < 0 ? first : versionOf(text.mid(dash + 1));
     if (!first || !last || *first > *last)
@@ -113,11 +113,11 @@ std::optional<Versions> rangeOf(const QString& text)
 QString rangeInWords(const Versions& range)
 {
     const auto words = [](const QString& first, const QString& last) {
-        return first == last ? first : QStringLiteral("%1 to %2").arg(first, last);
+        return first == last ? first : u"%1 to %2"_s.arg(first, last);
     };
-    return QStringLiteral("%1 (Qt %2)")
-        .arg(words(QString::number(range.first), QString::number(range.last)),
-             words(releasesOf(range.first).first(), releasesOf(range.last).last()));
+    return u"%1 (Qt %2)"_s.arg(
+        words(QString::number(range.first), QString::number(range.last)),
+        words(releasesOf(range.first).first(), releasesOf(range.last).last()));
 }
 
 } // namespace tovik_host::stored

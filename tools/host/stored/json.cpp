@@ -167,7 +167,7 @@ QVariant readWords(const JsonPlace& place, int type)
     case QMetaType::QByteArray:
         return readBytes(place);
     default:
-        place.fail(QStringLiteral("a value of this type stands as its \"stream\""));
+        place.fail(u"a value of this type stands as its \"stream\""_s);
     }
 }
 
@@ -175,10 +175,8 @@ QVariant readStream(const JsonPlace& place, int type)
 {
     const std::optional<QVariant> value = valueOf(QByteArray::fromBase64(place.text().toUtf8()));
     if (!value || value->userType() != type) {
-        place.fail(
-            QStringLiteral("must be a value of its type as streams of version %1 have it, in "
-                           "base64")
-                .arg(all_versions.last));
+        place.fail(u"must be a value of its type as streams of version %1 have it, in base64"_s.arg(
+            all_versions.last));
     }
     return *value;
 }
@@ -190,15 +188,13 @@ QVariant readValue(const JsonPlace& place)
     const int type = QMetaType::type(name.toUtf8());
     if (name == QLatin1String("invalid")) {
         if (place.has("value"))
-            place.at("value").fail(QStringLiteral("an invalid value has no content"));
+            place.at("value").fail(u"an invalid value has no content"_s);
         return QVariant();
     }
     if (type == QMetaType::UnknownType) {
         place.at("type").fail(
-            QStringLiteral(
-                "\"%1\" is no type of a value; the types are: invalid, bool, short, "
-                "ushort, int, uint, float, QString, QByteArray; others stand as a \"stream\"")
-                .arg(name));
+            u"\"%1\" is no type of a value; the types are: invalid, bool, short, ushort, int, "
+            "uint, float, QString, QByteArray; others stand as a \"stream\""_s.arg(name));
     }
     return place.has("stream") ? readStream(place.at("stream"), type)
                                : readWords(place.at("value"), type);
@@ -242,10 +238,10 @@ Versions readVersions(const JsonPlace& place)
         place.json().is_string() ? place.text() : QString::fromStdString(place.json().dump());
     const std::optional<Versions> versions = rangeOf(text);
     if (!versions) {
-        place.fail(QStringLiteral("must be a stream version from %1 to %2, two of them with a dash "
-                                  "between them, or a name such as \"Qt_4_8\"")
-                       .arg(all_versions.first)
-                       .arg(all_versions.last));
+        place.fail(
+            u"must be a stream version from %1 to %2, two of them with a dash between them, or a "
+            "name such as \"Qt_4_8\""_s.arg(all_versions.first)
+                .arg(all_versions.last));
     }
     return *versions;
 }
@@ -301,10 +297,8 @@ Hints formatFromJson(const config::JsonFile& file)
             continue;
         const JsonPlace place = stream.at(choice.name);
         const QString word = place.text();
-        if (word != choice.word(true) && word != choice.word(false)) {
-            place.fail(QStringLiteral("must be \"%1\" or \"%2\"")
-                           .arg(choice.word(true), choice.word(false)));
-        }
+        if (word != choice.word(true) && word != choice.word(false))
+            place.fail(u"must be \"%1\" or \"%2\""_s.arg(choice.word(true), choice.word(false)));
         hints.*choice.hint = word == choice.word(true);
     }
     if (stream.has("version"))

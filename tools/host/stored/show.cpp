@@ -1,7 +1,7 @@
 #include "tools/host/stored/commands.h"
 #include "tools/host/stored/json.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 namespace tovik_host::stored {
 
@@ -25,39 +25,36 @@ const Column item_columns[] = {
 QString shown(const OrderedJson& json)
 {
     if (json.is_null())
-        return QStringLiteral("(null)");
+        return u"(null)"_s;
     if (json.is_string()) {
         const QString text = QString::fromStdString('x' + json.get<std::string>()).mid(1);
-        return text.isEmpty() ? QStringLiteral("\"\"") : terminal::printable(text);
+        return text.isEmpty() ? u"\"\""_s : terminal::printable(text);
     }
     if (json.contains("hidden"))
-        return QStringLiteral("(hidden; --show-password shows it)");
+        return u"(hidden; --show-password shows it)"_s;
     if (!json.is_object())
         return value::jsonLine(json);
     const QString type = shown(json.at("type"));
     if (json.contains("stream"))
-        return type + QStringLiteral(", stored as ") + shown(json.at("stream"));
+        return type + u", stored as "_s + shown(json.at("stream"));
     if (!json.contains("value"))
         return type;
     const OrderedJson& value = json.at("value");
-    return type + QLatin1Char(' ') +
-           (json.at("type") == "QString" ? shown(value) : value::jsonLine(value));
+    return type + u' ' + (json.at("type") == "QString" ? shown(value) : value::jsonLine(value));
 }
 
 QString cell(const OrderedJson& structure, const char* member)
 {
-    return structure.contains(member) ? shown(structure.at(member)) : QStringLiteral("(missing)");
+    return structure.contains(member) ? shown(structure.at(member)) : u"(missing)"_s;
 }
 
 QString counted(const OrderedJson& structure, const char* list, const QString& one)
 {
-    const QString more = one + QLatin1Char('s');
+    const QString more = one + u's';
     if (!structure.contains(list))
-        return more + QStringLiteral(" (missing)");
+        return more + u" (missing)"_s;
     const std::size_t count = structure.at(list).size();
-    return count == 0   ? QStringLiteral("no ") + more
-           : count == 1 ? QStringLiteral("1 ") + one
-                        : QStringLiteral("%1 ").arg(count) + more;
+    return count == 0 ? u"no "_s + more : count == 1 ? u"1 "_s + one : u"%1 "_s.arg(count) + more;
 }
 
 QStringList itemTable(const OrderedJson& structure, const QString& indent)
@@ -77,28 +74,25 @@ QStringList itemTable(const OrderedJson& structure, const QString& indent)
 
 QString groupLine(const OrderedJson& group)
 {
-    QString line = QStringLiteral("  group ") + cell(group, "group_id") + QLatin1Char(':');
-    for (const char* member : {"name", "location", "ddLocation", "alert", "permission", "marked"}) {
-        line += QLatin1Char(' ') + QLatin1String(member) + QLatin1Char(' ') + cell(group, member) +
-                QLatin1Char(',');
-    }
-    return line + QLatin1Char(' ') + counted(group, "dataitems", QStringLiteral("item"));
+    QString line = u"  group "_s + cell(group, "group_id") + u':';
+    for (const char* member : {"name", "location", "ddLocation", "alert", "permission", "marked"})
+        line += u' ' + QLatin1String(member) + u' ' + cell(group, member) + u',';
+    return line + u' ' + counted(group, "dataitems", u"item"_s);
 }
 
 QString kindText(const File& file)
 {
     if (file.kind == File::configuration)
-        return QStringLiteral("a configuration of a cloud driver (JSON)");
+        return u"a configuration of a cloud driver (JSON)"_s;
     if (file.kind == File::record_json)
-        return QStringLiteral("a configuration record as JSON");
+        return u"a configuration record as JSON"_s;
     const Hints& format = file.format;
-    return QStringLiteral("%1, stream version %2, %3 endian%4, %5 bytes")
-        .arg(
-            QLatin1String(*format.is_variant ? "a configuration record in a variant"
-                                             : "a bare configuration record"),
-            rangeInWords(*format.versions), choices[1].word(*format.big_endian),
-            QLatin1String(*format.single_precision ? ", floating numbers in single precision" : ""),
-            QString::number(file.size));
+    return u"%1, stream version %2, %3 endian%4, %5 bytes"_s.arg(
+        QLatin1String(*format.is_variant ? "a configuration record in a variant"
+                                         : "a bare configuration record"),
+        rangeInWords(*format.versions), choices[1].word(*format.big_endian),
+        QLatin1String(*format.single_precision ? ", floating numbers in single precision" : ""),
+        QString::number(file.size));
 }
 
 /// The file in words, line by line: what it is, the account, the groups, the items. Members that a
@@ -106,19 +100,19 @@ QString kindText(const File& file)
 /// \param record the file's record as JSON, in which texts may be hidden
 QStringList viewOf(const File& file, const OrderedJson& record)
 {
-    const QString start = file.path + QStringLiteral(": ");
+    const QString start = file.path + u": "_s;
     if (record.empty()) {
-        return {start + QStringLiteral("nothing of a configuration record can be read, %1 bytes")
-                            .arg(file.size)};
+        return {start +
+                u"nothing of a configuration record can be read, %1 bytes"_s.arg(file.size)};
     }
     QStringList lines = {start + kindText(file), QString()};
     for (const char* name : {"aux_flag", "host", "aux_value", "project", "email", "password"})
         lines << terminal::fitted(QLatin1String(name), 11) + cell(record, name);
-    lines << QString() << counted(record, "groups", QStringLiteral("group"));
+    lines << QString() << counted(record, "groups", u"group"_s);
     for (const OrderedJson& group : record.value("groups", OrderedJson::array()))
-        lines << groupLine(group) << itemTable(group, QStringLiteral("    "));
-    lines << QString() << counted(record, "dataitems", QStringLiteral("served item"));
-    return lines << itemTable(record, QStringLiteral("  "));
+        lines << groupLine(group) << itemTable(group, u"    "_s);
+    lines << QString() << counted(record, "dataitems", u"served item"_s);
+    return lines << itemTable(record, u"  "_s);
 }
 
 OrderedJson jsonOf(const File& file, const OrderedJson& record)
@@ -147,7 +141,7 @@ void hide(OrderedJson* record, const std::vector<const char*>& names)
 
 int Show::run() const
 {
-    const File file = input.read(format, QStringLiteral("Say which it is"));
+    const File file = input.read(format, u"Say which it is"_s);
     OrderedJson record = recordToJson(file.reading.record, file.reading.known);
     if (!show_password)
         hide(&record, {"password"});
@@ -156,12 +150,12 @@ int Show::run() const
         hide(&record, {"host", "project", "email"});
     terminal::Streams streams;
     streams.out.write(json ? value::jsonText(jsonOf(file, record))
-                           : viewOf(file, record).join(QLatin1Char('\n')) + QLatin1Char('\n'));
+                           : viewOf(file, record).join(u'\n') + u'\n');
     file.report(streams);
     if (file.isDamaged() && !show_password && file.reading.known > 0) {
         streams.complain(
-            QStringLiteral("since a damaged stream may have the password elsewhere, host, "
-                           "project and email are hidden, too; --show-password shows all"));
+            u"since a damaged stream may have the password elsewhere, host, project and email are "
+            "hidden, too; --show-password shows all"_s);
     }
     return streams.codeAfterWriting(file.isDamaged() ? terminal::exitRefused : terminal::exitDone);
 }

@@ -85,7 +85,7 @@ public:
         const bool is_whole = takeHeader() && visitMembers(reading_.record, *this);
         const int end = position();
         if (is_whole && end < size_) {
-            const QString text = QStringLiteral("%1 bytes stand after the end of the record");
+            const QString text = u"%1 bytes stand after the end of the record"_s;
             stop(end, text.arg(size_ - end), end);
         }
         return reading_;
@@ -114,7 +114,7 @@ private:
             return true;
         if (same == size_)
             return stop(same, shortage(same), size_);
-        return stop(same, QStringLiteral("no variant of PropertyTovikIot has this byte here"),
+        return stop(same, u"no variant of PropertyTovikIot has this byte here"_s,
                     same < word_size ? 0 : same);
     }
 
@@ -132,12 +132,14 @@ private:
         if (!is_good || position() > size_) {
             const bool is_none = in_.status() == QDataStream::ReadCorruptData;
             const bool is_cut = is_good || size_ - start < (is_value ? shortest_value : word_size);
-            return stop(start,
-                        !is_none   ? shortage(start)
-                        : is_value ? refusal(start)
-                                   : QStringLiteral("a text has two bytes for each character, and "
-                                                    "here it would have an odd number"),
-                        is_cut ? size_ : start);
+            return stop(
+                start,
+                !is_none ? shortage(start)
+                : is_value
+                    ? refusal(start)
+                    : u"a text has two bytes for each character, and here it would have an odd "
+                      "number"_s,
+                is_cut ? size_ : start);
         }
         member = value;
         ++reading_.known;
@@ -154,7 +156,7 @@ private:
         for (quint32 i = 0; i < count && is_whole; ++i) {
             const int known = reading_.known;
             list.append(T());
-            path_ += QStringLiteral("[%1]").arg(i);
+            path_ += u"[%1]"_s.arg(i);
             is_whole = visitMembers(list.last(), *this);
             path_.truncate(length);
             if (reading_.known == known)
@@ -171,9 +173,9 @@ private:
             return;
         const int same = commonLength(found, with);
         stop(start + same,
-             QStringLiteral("%1 stands here, where Qt writes %2")
-                 .arg(QString::fromLatin1(found.mid(same, 1).toHex()),
-                      QString::fromLatin1(with.mid(same, 1).toHex())),
+             u"%1 stands here, where Qt writes %2"_s.arg(
+                 QString::fromLatin1(found.mid(same, 1).toHex()),
+                 QString::fromLatin1(with.mid(same, 1).toHex())),
              start + same);
     }
 
@@ -188,8 +190,8 @@ private:
 
     QString shortage(int start) const
     {
-        return QStringLiteral("takes more than the %1 bytes that the file still has")
-            .arg(std::max(0, size_ - start));
+        return u"takes more than the %1 bytes that the file still has"_s.arg(
+            std::max(0, size_ - start));
     }
 
     /// Why a value is none.
@@ -203,11 +205,10 @@ private:
         // one.
         const bool is_sure = number < uint(QMetaType::FirstGuiType);
         const char* const name = is_sure ? QMetaType::typeName(int(number)) : nullptr;
-        return QStringLiteral("a value of type %1%2 that the driver does not read, or that holds "
-                              "such a value, or lists more than %3 deep in one another")
-            .arg(QString::number(number),
-                 name ? QStringLiteral(" (%1)").arg(QLatin1String(name)) : QString(),
-                 QString::number(deepest_value));
+        return u"a value of type %1%2 that the driver does not read, or that holds such a value, "
+               "or lists more than %3 deep in one another"_s.arg(
+                   QString::number(number), name ? u" (%1)"_s.arg(QLatin1String(name)) : QString(),
+                   QString::number(deepest_value));
     }
 
     const Format format_;

@@ -40,7 +40,7 @@ DebugLog::~DebugLog()
 void DebugLog::writeToFile(const QString& path)
 {
     const QMutexLocker locker(&lock_);
-    file_.emplace(QStringLiteral("the log"), path);
+    file_.emplace(u"the log"_s, path);
 }
 
 void DebugLog::echo()
@@ -62,8 +62,7 @@ QStringList DebugLog::lastLines(int count) const
     const QMutexLocker locker(&lock_);
     QStringList shown;
     for (const KeptLine& line : lines_.mid(qMax(0, lines_.size() - count))) {
-        const QString times =
-            line.count > 1 ? QStringLiteral("  (%1 times)").arg(line.count) : QString();
+        const QString times = line.count > 1 ? u"  (%1 times)"_s.arg(line.count) : QString();
         shown << line.text + times;
     }
     return shown;
@@ -79,8 +78,7 @@ void DebugLog::take(const QString& line)
     if (lines_.size() > kept_lines)
         lines_.removeFirst();
     if (file_)
-        file_->line(QDateTime::currentDateTime().toString(Qt::ISODateWithMs) + QLatin1Char(' ') +
-                    line);
+        file_->line(QDateTime::currentDateTime().toString(Qt::ISODateWithMs) + u' ' + line);
     if (echoes_)
         Output(STDERR_FILENO).foreignLine(line);
 }

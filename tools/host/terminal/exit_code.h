@@ -1,6 +1,8 @@
 #ifndef TOOLS_HOST_TERMINAL_EXIT_CODE_H
 #define TOOLS_HOST_TERMINAL_EXIT_CODE_H
 
+#include "tools/host/terminal/text.h"
+
 #include <QString>
 
 #include <stdexcept>

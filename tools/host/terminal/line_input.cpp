@@ -72,7 +72,7 @@ std::optional<QString> LineInput::askSecretly(const QString& prompt)
     const Silence silence(descriptor_);
     const std::optional<QString> line = ask(prompt);
     // The terminal has not shown the key that ended the line, either.
-    prompts_.write(QStringLiteral("\n"));
+    prompts_.write(u"\n"_s);
     return line;
 }
 

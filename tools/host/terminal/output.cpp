@@ -2,7 +2,7 @@
 
 #include "tools/file/whole_file.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -54,7 +54,7 @@ bool Output::broken() const
 
 void Output::line(const QString& text)
 {
-    write(text + QLatin1Char('\n'));
+    write(text + u'\n');
 }
 
 void Output::foreignLine(const QString& text)
@@ -69,25 +69,24 @@ tovik_file::LineFile opened(const QString& name, const QString& path)
     try {
         return tovik_file::LineFile(QFile::encodeName(path).toStdString());
     } catch (const std::system_error& error) {
-        throw UsageError(
-            QStringLiteral("cannot write %1: %2").arg(name, qt_error_string(error.code().value())));
+        throw UsageError(u"cannot write %1: %2"_s.arg(name, qt_error_string(error.code().value())));
     }
 }
 
 } // namespace
 
 LineOutput::LineOutput(const QString& what, const QString& path)
-    : name_(QStringLiteral("%1 \"%2\"").arg(what, printable(path))),
+    : name_(u"%1 \"%2\""_s.arg(what, printable(path))),
       file_(opened(name_, path))
 {}
 
 void LineOutput::line(const QString& text)
 {
-    const int error = file_.append((text + QLatin1Char('\n')).toStdString());
+    const int error = file_.append((text + u'\n').toStdString());
     if (error != 0) {
         Output(STDERR_FILENO)
-            .line(QStringLiteral("tovik-host: warning: %1 lacks lines from here on: %2")
-                      .arg(name_, qt_error_string(error)));
+            .line(u"tovik-host: warning: %1 lacks lines from here on: %2"_s.arg(
+                name_, qt_error_string(error)));
     }
 }
 
@@ -95,15 +94,14 @@ void checkOutputFile(const QString& path, bool may_replace)
 {
     const QFileInfo info(path);
     if (info.isDir())
-        throw UsageError(QStringLiteral("%1 is a folder; name a file").arg(printable(path)));
+        throw UsageError(u"%1 is a folder; name a file"_s.arg(printable(path)));
     if (info.exists() && !info.isFile()) {
         throw UsageError(
-            QStringLiteral("%1 is a device, a pipe or a socket, which is not replaced; "
-                           "name a file")
-                .arg(printable(path)));
+            u"%1 is a device, a pipe or a socket, which is not replaced; name a file"_s.arg(
+                printable(path)));
     }
     if (!may_replace && (info.exists() || info.isSymLink()))
-        throw UsageError(QStringLiteral("%1 exists; --force replaces it").arg(printable(path)));
+        throw UsageError(u"%1 exists; --force replaces it"_s.arg(printable(path)));
 }
 
 void saveFile(const QString& path, const QByteArray& bytes, bool is_secret)
@@ -114,8 +112,8 @@ void saveFile(const QString& path, const QByteArray& bytes, bool is_secret)
                                    is_secret ? tovik_file::Readers::owner
                                              : tovik_file::Readers::as_before);
     } catch (const std::system_error& error) {
-        throw UsageError(QStringLiteral("cannot write %1: %2")
-                             .arg(printable(path), qt_error_string(error.code().value())));
+        throw UsageError(
+            u"cannot write %1: %2"_s.arg(printable(path), qt_error_string(error.code().value())));
     }
 }
 

@@ -2,6 +2,7 @@
 #define TOOLS_HOST_TERMINAL_OUTPUT_H
 
 #include "tools/file/line_file.h"
+#include "tools/host/terminal/text.h"
 
 #include <QByteArray>
 #include <QString>

@@ -24,7 +24,7 @@ quint32 bits(const QByteArray& bytes, int size)
 
 std::optional<QString> decodeBit(const ItemType&, const QByteArray& bytes)
 {
-    return bytes.at(0) == 0 ? QStringLiteral("0") : QStringLiteral("1");
+    return bytes.at(0) == 0 ? u"0"_s : u"1"_s;
 }
 
 std::optional<QString> decodeInteger(const ItemType& type, const QByteArray& bytes)
@@ -39,7 +39,7 @@ std::optional<QString> decodeInteger(const ItemType& type, const QByteArray& byt
 std::optional<QString> decodeHex(const ItemType& type, const QByteArray& bytes)
 {
     const QString digits = QString::number(bits(bytes, type.size), 16).toUpper();
-    return digits.rightJustified(2 * type.size, QLatin1Char('0'));
+    return digits.rightJustified(2 * type.size, u'0');
 }
 
 std::optional<QString> decodeBcd(const ItemType& type, const QByteArray& bytes)
@@ -95,8 +95,8 @@ EncodedValue number(quint32 bits, int size)
 EncodedValue outOfRange(const ItemType& type, const QString& text, int base)
 {
     const auto shown = [base](qint64 limit) { return QString::number(limit, base).toUpper(); };
-    return notEncoded(QStringLiteral("%1 is out of range for %2: %3 to %4")
-                          .arg(text, QLatin1String(type.name), shown(type.low), shown(type.high)));
+    return notEncoded(u"%1 is out of range for %2: %3 to %4"_s.arg(
+        text, QLatin1String(type.name), shown(type.low), shown(type.high)));
 }
 
 bool isHexDigit(QChar character)
@@ -110,10 +110,8 @@ bool isHexDigit(QChar character)
 /// conversion means that the number is too long, not that it is none.
 bool consistsOfDigits(const QString& text, int base)
 {
-    const int first = base == 10 && !text.isEmpty() &&
-                              (text.at(0) == QLatin1Char('-') || text.at(0) == QLatin1Char('+'))
-                          ? 1
-                          : 0;
+    const int first =
+        base == 10 && !text.isEmpty() && (text.at(0) == u'-' || text.at(0) == u'+') ? 1 : 0;
     for (int i = first; i < text.size(); ++i) {
         const ushort code = text.at(i).unicode();
         const bool is_decimal = code >= '0' && code <= '9';
@@ -132,8 +130,8 @@ struct ParsedInteger
 ParsedInteger parseInteger(const ItemType& type, const QString& text, int base, const char* kind)
 {
     if (!consistsOfDigits(text, base)) {
-        return {0, QStringLiteral("\"%1\" is not %2, which %3 needs")
-                       .arg(text, QLatin1String(kind), QLatin1String(type.name))};
+        return {0, u"\"%1\" is not %2, which %3 needs"_s.arg(text, QLatin1String(kind),
+                                                             QLatin1String(type.name))};
     }
     bool fits = false;
     const qint64 number = text.toLongLong(&fits, base);
@@ -155,8 +153,7 @@ EncodedValue encodeBit(const ItemType& type, const QString& text, int)
         if (text.trimmed().compare(QLatin1String(word.text), Qt::CaseInsensitive) == 0)
             return number(word.bit, type.size);
     }
-    return notEncoded(
-        QStringLiteral("\"%1\" is not a bit: 0 or 1, off or on, false or true").arg(text));
+    return notEncoded(u"\"%1\" is not a bit: 0 or 1, off or on, false or true"_s.arg(text));
 }
 
 EncodedValue encodeInteger(const ItemType& type, const QString& text, int)
@@ -197,10 +194,10 @@ EncodedValue encodeFloat(const ItemType& type, const QString& text, int)
     const auto result = std::from_chars(digits.constData(), end, wide);
     const bool too_wide = result.ec == std::errc::result_out_of_range;
     if (result.ptr != end || (result.ec != std::errc() && !too_wide) || !std::isfinite(wide))
-        return notEncoded(QStringLiteral("\"%1\" is not a decimal number such as 12.5").arg(text));
+        return notEncoded(u"\"%1\" is not a decimal number such as 12.5"_s.arg(text));
     if (too_wide || std::fabs(wide) >= rounds_to_infinity) {
-        return notEncoded(QStringLiteral("%1 is out of range for %2: -3.4028235e38 to 3.4028235e38")
-                              .arg(text.trimmed(), QLatin1String(type.name)));
+        return notEncoded(u"%1 is out of range for %2: -3.4028235e38 to 3.4028235e38"_s.arg(
+            text.trimmed(), QLatin1String(type.name)));
     }
     const double largest = double(std::numeric_limits<float>::max());
     const float narrow = static_cast<float>(std::clamp(wide, -largest, largest));
@@ -213,15 +210,14 @@ EncodedValue encodeText(const ItemType&, const QString& text, int length)
 {
     for (const QChar character : text) {
         if (character.unicode() == 0 || character.unicode() > 0xFF) {
-            return notEncoded(QStringLiteral("the character \"%1\" is not Latin-1, and a text item "
-                                             "carries no other")
-                                  .arg(character));
+            return notEncoded(
+                u"the character \"%1\" is not Latin-1, and a text item carries no other"_s.arg(
+                    character));
         }
     }
     if (length > 0 && text.size() > length) {
-        return notEncoded(QStringLiteral("the text has %1 characters; the item has room for %2")
-                              .arg(text.size())
-                              .arg(length));
+        return notEncoded(
+            u"the text has %1 characters; the item has room for %2"_s.arg(text.size()).arg(length));
     }
     return {text.toLatin1().leftJustified(length, '\0'), QString()};
 }
@@ -256,7 +252,7 @@ QString allItemTypeNames()
     QStringList names;
     for (const ItemType& type : types)
         names << QString::fromLatin1(type.name);
-    return names.join(QStringLiteral(", "));
+    return names.join(u", "_s);
 }
 
 std::optional<QString> decodeValue(const ItemType& type, const QByteArray& bytes)
@@ -303,25 +299,23 @@ HexBytes failure(const QString& problem)
 HexBytes parseHexBytes(const QStringList& texts)
 {
     HexBytes result;
-    const QStringList groups =
-        texts.join(QLatin1Char(' ')).simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QStringList groups = texts.join(u' ').simplified().split(u' ', Qt::SkipEmptyParts);
     for (const QString& group : groups) {
         for (const QChar character : group) {
             if (!isHexDigit(character)) {
-                return failure(QStringLiteral("\"%1\" is not hexadecimal: write bytes as pairs of "
-                                              "digits 0 to 9 and A to F, such as 01 03 00 0A")
-                                   .arg(group));
+                return failure(
+                    u"\"%1\" is not hexadecimal: write bytes as pairs of digits 0 to 9 and A to F, "
+                    "such as 01 03 00 0A"_s.arg(group));
             }
         }
         if (group.size() % 2 != 0) {
-            return failure(QStringLiteral("\"%1\" has an odd number of digits: each byte has two, "
-                                          "such as 0A")
-                               .arg(group));
+            return failure(
+                u"\"%1\" has an odd number of digits: each byte has two, such as 0A"_s.arg(group));
         }
         result.bytes += QByteArray::fromHex(group.toLatin1());
     }
     if (result.bytes.isEmpty())
-        return failure(QStringLiteral("there is nothing to send: write bytes such as 01 03 00 0A"));
+        return failure(u"there is nothing to send: write bytes such as 01 03 00 0A"_s);
     return result;
 }
 

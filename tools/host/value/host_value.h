@@ -1,6 +1,8 @@
 #ifndef TOOLS_HOST_VALUE_HOST_VALUE_H
 #define TOOLS_HOST_VALUE_HOST_VALUE_H
 
+#include "tools/host/terminal/text.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>

@@ -40,7 +40,7 @@ QString jsonLine(const OrderedJson& line)
 
 QString jsonText(const OrderedJson& json)
 {
-    return QString::fromStdString(json.dump(2)) + QLatin1Char('\n');
+    return QString::fromStdString(json.dump(2)) + u'\n';
 }
 
 } // namespace tovik_host::value

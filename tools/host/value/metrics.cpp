@@ -34,27 +34,27 @@ std::optional<int> timeOf(const QVariant& value)
 
 QString secondsText(int milliseconds)
 {
-    return QStringLiteral("%1 s").arg(milliseconds / 1000.0, 0, 'f', 2);
+    return u"%1 s"_s.arg(milliseconds / 1000.0, 0, 'f', 2);
 }
 
 QString cycleText(const DriverNumbers& numbers)
 {
     if (!numbers.cycle)
-        return QStringLiteral("no whole cycle yet");
-    QString text = QStringLiteral("cycle %1").arg(secondsText(*numbers.cycle));
+        return u"no whole cycle yet"_s;
+    QString text = u"cycle %1"_s.arg(secondsText(*numbers.cycle));
     if (numbers.longest_cycle)
-        text += QStringLiteral(" (longest %1)").arg(secondsText(*numbers.longest_cycle));
+        text += u" (longest %1)"_s.arg(secondsText(*numbers.longest_cycle));
     return text;
 }
 
 QString errorText(const DriverNumbers& numbers, const QDateTime& now)
 {
     if (*numbers.last_error == 0)
-        return QStringLiteral("no error");
-    QString text = QStringLiteral("last error: %1").arg(resultText(*numbers.last_error));
+        return u"no error"_s;
+    QString text = u"last error: %1"_s.arg(resultText(*numbers.last_error));
     if (numbers.last_error_age) {
         const QDateTime time = now.addMSecs(-*numbers.last_error_age);
-        text += QStringLiteral(" at %1").arg(time.toString(QStringLiteral("HH:mm:ss")));
+        text += u" at %1"_s.arg(time.toString(u"HH:mm:ss"_s));
     }
     return text;
 }
@@ -112,16 +112,14 @@ QString numbersText(const DriverNumbers& numbers, const std::optional<double>& r
     if (numbers.cycle_count)
         parts << cycleText(numbers);
     if (reads_per_second)
-        parts << QStringLiteral("%1 reads/s").arg(*reads_per_second, 0, 'f', 1);
+        parts << u"%1 reads/s"_s.arg(*reads_per_second, 0, 'f', 1);
     if (numbers.reconnect_count) {
-        parts << QStringLiteral("%1 %2")
-                     .arg(*numbers.reconnect_count)
-                     .arg(*numbers.reconnect_count == 1 ? QStringLiteral("reconnect")
-                                                        : QStringLiteral("reconnects"));
+        parts << u"%1 %2"_s.arg(*numbers.reconnect_count)
+                     .arg(*numbers.reconnect_count == 1 ? u"reconnect"_s : u"reconnects"_s);
     }
     if (numbers.last_error)
         parts << errorText(numbers, now);
-    return parts.join(QStringLiteral(", "));
+    return parts.join(u", "_s);
 }
 
 } // namespace tovik_host::value

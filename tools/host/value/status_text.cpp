@@ -13,32 +13,32 @@ const int client_failure_status = 0x400F0256;
 QString statusText(int status, StatusOf whose)
 {
     if (status == 0)
-        return QStringLiteral("ok");
+        return u"ok"_s;
     if (whose.isDevice()) {
         const QString words = whose.wordsFor(status);
-        return words.isEmpty() ? QStringLiteral("driver's code %1").arg(statusCode(status)) : words;
+        return words.isEmpty() ? u"driver's code %1"_s.arg(statusCode(status)) : words;
     }
     const quint32 bits = static_cast<quint32>(status);
     bool is_decimal = false;
     const int result = QString::number(bits & 0xFFFF, 16).toInt(&is_decimal, 10);
     if ((bits & 0xFFFF0000) != driver_error || !is_decimal)
-        return QStringLiteral("unknown status %1").arg(statusCode(status));
+        return u"unknown status %1"_s.arg(statusCode(status));
     if (result == client_failure)
-        return QStringLiteral("service not reachable, or its reply not understood");
-    return QStringLiteral("service error %1").arg(result);
+        return u"service not reachable, or its reply not understood"_s;
+    return u"service error %1"_s.arg(result);
 }
 
 QString statusCode(int status)
 {
     if (status == 0)
-        return QStringLiteral("0");
+        return u"0"_s;
     const QString digits = QString::number(static_cast<quint32>(status), 16).toUpper();
-    return QStringLiteral("0x") + digits.rightJustified(8, QLatin1Char('0'));
+    return u"0x"_s + digits.rightJustified(8, u'0');
 }
 
 QString statusWord(int status)
 {
-    return status == 0 ? QStringLiteral("ok") : statusCode(status);
+    return status == 0 ? u"ok"_s : statusCode(status);
 }
 
 QString noValue()
@@ -52,7 +52,7 @@ QString statusTextWithCode(int status, StatusOf whose)
     const QString code = statusCode(status);
     if (status == 0 || (whose.isDevice() && words.endsWith(code)))
         return words;
-    return QStringLiteral("%1 (%2)").arg(words, code);
+    return u"%1 (%2)"_s.arg(words, code);
 }
 
 bool isServiceError(int status)
@@ -62,13 +62,13 @@ bool isServiceError(int status)
 
 QString loginAdvice()
 {
-    return QStringLiteral("look at e-mail, password and project");
+    return u"look at e-mail, password and project"_s;
 }
 
 QString resultText(int result)
 {
     return result == client_failure ? statusText(client_failure_status)
-                                    : QStringLiteral("service error %1").arg(result);
+                                    : u"service error %1"_s.arg(result);
 }
 
 } // namespace tovik_host::value

@@ -1,6 +1,8 @@
 #ifndef TOOLS_HOST_VALUE_STATUS_TEXT_H
 #define TOOLS_HOST_VALUE_STATUS_TEXT_H
 
+#include "tools/host/terminal/text.h"
+
 #include "framework/result_code.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #include "tools/host/value/trace.h"
 
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <QDateTime>
 #include <QMutexLocker>
@@ -18,7 +18,7 @@ const int microseconds = 1000000;
 /// As wide as what stands in front of the first line of an event.
 QString indent()
 {
-    return QString(28, QLatin1Char(' '));
+    return QString(28, u' ');
 }
 
 QString textOf(const QByteArray& bytes)
@@ -31,7 +31,7 @@ QString textOf(const QByteArray& bytes)
 
 QString millisecondsText(qint64 time)
 {
-    return QStringLiteral("%1 ms").arg(double(time) / 1000, 0, 'f', 1);
+    return u"%1 ms"_s.arg(double(time) / 1000, 0, 'f', 1);
 }
 
 } // namespace
@@ -41,10 +41,8 @@ QString TrafficText::start(qint64 time)
 {
     const qint64 gap = latest_ == 0 ? 0 : time - latest_;
     latest_ = time;
-    const QString clock =
-        QDateTime::fromMSecsSinceEpoch(time / 1000).toString(QStringLiteral("HH:mm:ss"));
-    return QStringLiteral("%1.%2 %3%4 ")
-        .arg(clock)
+    const QString clock = QDateTime::fromMSecsSinceEpoch(time / 1000).toString(u"HH:mm:ss"_s);
+    return u"%1.%2 %3%4 "_s.arg(clock)
         .arg(time % microseconds, 6, 10, QLatin1Char('0'))
         .arg(QLatin1Char(gap < 0 ? '-' : '+'))
         .arg(double(std::abs(gap)) / microseconds, 0, 'f', 6);
@@ -58,11 +56,9 @@ QStringList TrafficText::dump(qint64 time, const char* arrow, const QByteArray& 
         const QByteArray part = bytes.mid(at, bytes_of_line);
         const QString hex = QString::fromLatin1(part.toHex(' ').toUpper());
         const bool is_last = at + bytes_of_line >= bytes.size();
-        lines << QStringLiteral("%1%2 %3  |%4|%5")
-                     .arg(at == 0 ? start(time) : indent(),
-                          at == 0 ? QLatin1String(arrow) : QLatin1String("  "),
-                          hex.leftJustified(bytes_of_line * 3 - 1), textOf(part),
-                          is_last ? more : QString());
+        lines << u"%1%2 %3  |%4|%5"_s.arg(
+            at == 0 ? start(time) : indent(), at == 0 ? QLatin1String(arrow) : QLatin1String("  "),
+            hex.leftJustified(bytes_of_line * 3 - 1), textOf(part), is_last ? more : QString());
     }
     return lines;
 }
@@ -72,8 +68,7 @@ QStringList TrafficText::rest()
     if (held_.isEmpty())
         return QStringList();
     const QString more = held_pieces_ == 1 ? QString()
-                                           : QStringLiteral("  %1 pieces in %2")
-                                                 .arg(held_pieces_)
+                                           : u"  %1 pieces in %2"_s.arg(held_pieces_)
                                                  .arg(millisecondsText(held_last_ - held_first_));
     const QStringList lines = dump(held_first_, "<<", held_, more);
     latest_ = held_last_;
@@ -97,10 +92,9 @@ QStringList TrafficText::linesOf(const Traffic& traffic)
         return lines + dump(traffic.time, ">>", traffic.bytes, QString());
     case Traffic::discarded:
         return lines + dump(traffic.time, "xx", traffic.bytes,
-                            QStringLiteral("  came too late, or unasked: thrown away"));
+                            u"  came too late, or unasked: thrown away"_s);
     case Traffic::ended:
-        return lines << start(traffic.time) + QStringLiteral("== ") +
-                            statusTextWithCode(traffic.code, whose_);
+        return lines << start(traffic.time) + u"== "_s + statusTextWithCode(traffic.code, whose_);
     default:
         return lines + service(traffic);
     }
@@ -112,31 +106,28 @@ QStringList TrafficText::service(const Traffic& traffic)
     switch (traffic.kind) {
     case Traffic::asked:
         asked_ = traffic.time;
-        text = QStringLiteral(">> ") + traffic.text;
+        text = u">> "_s + traffic.text;
         break;
     case Traffic::named:
-        text = QStringLiteral("   name looked up: ") + traffic.text;
+        text = u"   name looked up: "_s + traffic.text;
         break;
     case Traffic::connected:
-        text = QStringLiteral("   connected");
+        text = u"   connected"_s;
         break;
     case Traffic::encrypted:
-        text = QStringLiteral("   TLS handshake done");
+        text = u"   TLS handshake done"_s;
         break;
     case Traffic::answering:
-        text = QStringLiteral("   first byte") +
-               (traffic.code == 1 ? QStringLiteral(", TLS session resumed") : QString());
+        text = u"   first byte"_s + (traffic.code == 1 ? u", TLS session resumed"_s : QString());
         break;
     default:
-        text = QStringLiteral("<< ") +
-               (traffic.code == 0 ? QStringLiteral("no answer")
-                                  : QStringLiteral("HTTP %1").arg(traffic.code)) +
-               QStringLiteral(" after ") + millisecondsText(traffic.time - asked_);
+        text = u"<< "_s + (traffic.code == 0 ? u"no answer"_s : u"HTTP %1"_s.arg(traffic.code)) +
+               u" after "_s + millisecondsText(traffic.time - asked_);
         if (!traffic.text.isEmpty())
-            text += QStringLiteral(": ") + traffic.text;
+            text += u": "_s + traffic.text;
     }
     QStringList lines(start(traffic.time) +
-                      QStringLiteral("#%1 %2").arg(traffic.number).arg(terminal::printable(text)));
+                      u"#%1 %2"_s.arg(traffic.number).arg(terminal::printable(text)));
     if (!traffic.bytes.isEmpty())
         lines << indent() + terminal::printable(QString::fromUtf8(traffic.bytes));
     return lines;
@@ -145,7 +136,7 @@ QStringList TrafficText::service(const Traffic& traffic)
 Trace::Trace(const QString& path)
 {
     if (!path.isEmpty())
-        file_.emplace(QStringLiteral("the trace"), path);
+        file_.emplace(u"the trace"_s, path);
 }
 
 Trace::~Trace()
@@ -164,7 +155,7 @@ void Trace::write(const QStringList& lines)
 {
     if (lines.isEmpty())
         return;
-    const QString text = lines.join(QLatin1Char('\n'));
+    const QString text = lines.join(u'\n');
     if (file_)
         file_->line(text);
     else

@@ -40,10 +40,10 @@ void DeviceWatch::tellOfLink(const driver::DeviceAnswer& answer)
     if (is_lost == link_is_lost_)
         return;
     link_is_lost_ = is_lost;
-    const QString news = is_lost ? QStringLiteral("link lost: %1; trying again until it is back")
-                                       .arg(answer.link_problem)
-                                 : QStringLiteral("link is back");
-    setup_.context.log.take(QStringLiteral("[tovik-host] ") + news);
+    const QString news =
+        is_lost ? u"link lost: %1; trying again until it is back"_s.arg(answer.link_problem)
+                : u"link is back"_s;
+    setup_.context.log.take(u"[tovik-host] "_s + news);
     if (tells_of_link_)
         setup_.complainOfLink(news);
 }

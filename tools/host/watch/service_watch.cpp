@@ -72,7 +72,7 @@ void ServiceWatch::run(double seconds, int interval, double metrics)
     if (metrics > 0) {
         reports.start(int(metrics * 1000));
         if (!session.numbers().isAny())
-            context_.warn(QStringLiteral("this driver has no metrics"));
+            context_.warn(u"this driver has no metrics"_s);
     }
     QTimer rounds;
     QObject::connect(&rounds, &QTimer::timeout, &loop, [&] {

@@ -1,6 +1,6 @@
 #include "tools/host/watch/table_view.h"
 
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 #include "tools/host/value/status_text.h"
 
 #include <algorithm>
@@ -29,9 +29,8 @@ const std::size_t age_column = 5;
 ///        column is the time since the bytes changed.
 Row columnNames(bool has_ages)
 {
-    return {QStringLiteral("ITEM"),   QStringLiteral("TYPE"),
-            QStringLiteral("VALUE"),  QStringLiteral("BYTES"),
-            QStringLiteral("STATUS"), has_ages ? QStringLiteral("AGE") : QStringLiteral("CHANGED")};
+    return {u"ITEM"_s,  u"TYPE"_s,   u"VALUE"_s,
+            u"BYTES"_s, u"STATUS"_s, has_ages ? u"AGE"_s : u"CHANGED"_s};
 }
 
 QString ageColumn(const WatchModel& model, int index, const QDateTime& now)
@@ -40,9 +39,9 @@ QString ageColumn(const WatchModel& model, int index, const QDateTime& now)
         return ageText(model.items().at(index).changed_at.secsTo(now));
     const std::optional<int> age = model.ageOf(index);
     if (!age)
-        return QStringLiteral("never");
+        return u"never"_s;
     const bool is_young = *age < 10000;
-    return is_young ? QStringLiteral("%1 s").arg(*age / 1000.0, 0, 'f', 1) : ageText(*age / 1000);
+    return is_young ? u"%1 s"_s.arg(*age / 1000.0, 0, 'f', 1) : ageText(*age / 1000);
 }
 
 Row rowOf(const WatchModel& model, int index, const QDateTime& now)
@@ -51,13 +50,13 @@ Row rowOf(const WatchModel& model, int index, const QDateTime& now)
     const bool is_fine = state.answer.status == 0;
     QString status = value::statusWord(state.answer.status);
     if (!state.answer.arrived)
-        status = QStringLiteral("no answer");
+        status = u"no answer"_s;
     else if (model.isNotReached(index))
-        status = QStringLiteral("not reached");
+        status = u"not reached"_s;
     else if (state.is_waited_for && is_fine)
-        status = QStringLiteral("no value yet");
+        status = u"no value yet"_s;
     else if (state.is_stale)
-        status = is_fine ? QStringLiteral("stale") : status + QStringLiteral(" stale");
+        status = is_fine ? u"stale"_s : status + u" stale"_s;
     return {terminal::printable(state.item.name),
             QString::fromLatin1(state.item.type->name),
             terminal::printable(state.value.value_or(value::noValue())),
@@ -110,7 +109,7 @@ QString joined(const Row& row, const Widths& widths, int columns)
     QString line;
     for (std::size_t i = 0; i < column_count; ++i) {
         if (widths[i] > 0)
-            line += terminal::fitted(row[i], widths[i]) + QString(gap, QLatin1Char(' '));
+            line += terminal::fitted(row[i], widths[i]) + QString(gap, u' ');
     }
     return terminal::clipped(terminal::trimmedRight(line), columns);
 }
@@ -121,14 +120,13 @@ QString missingText(const WatchModel& model)
     QStringList parts;
     const int count = model.items().size();
     if (model.waitingCount() > 0)
-        parts << QStringLiteral("%1 of %2 have not come yet").arg(model.waitingCount()).arg(count);
+        parts << u"%1 of %2 have not come yet"_s.arg(model.waitingCount()).arg(count);
     if (model.staleCount() > 0) {
-        parts << QStringLiteral("%1 of %2 stale, no news for %3 s")
-                     .arg(model.staleCount())
+        parts << u"%1 of %2 stale, no news for %3 s"_s.arg(model.staleCount())
                      .arg(count)
                      .arg(model.staleAfter() / 1000);
     }
-    return parts.join(QStringLiteral("; "));
+    return parts.join(u"; "_s);
 }
 
 void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const WatchModel& model,
@@ -137,25 +135,22 @@ void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const W
     const auto add = [&](const QString& text, LineStyle style) {
         screen << ScreenLine{terminal::clipped(terminal::printable(text), size.columns), style};
     };
-    add(subject.link.isEmpty()
-            ? QStringLiteral("Service  %1   project %2").arg(subject.url, subject.project)
-            : QStringLiteral("Device   %1").arg(subject.link),
+    add(subject.link.isEmpty() ? u"Service  %1   project %2"_s.arg(subject.url, subject.project)
+                               : u"Device   %1"_s.arg(subject.link),
         LineStyle::plain);
-    add(QStringLiteral("Driver   %1").arg(subject.driver_version), LineStyle::plain);
-    const QString since = QStringLiteral(", since %1 (%2)")
-                              .arg(model.statusSince().toString(QStringLiteral("HH:mm:ss")),
-                                   ageText(model.statusSince().secsTo(now)));
-    add(QStringLiteral("Status   ") + model.statusText() + since,
+    add(u"Driver   %1"_s.arg(subject.driver_version), LineStyle::plain);
+    const QString since = u", since %1 (%2)"_s.arg(model.statusSince().toString(u"HH:mm:ss"_s),
+                                                   ageText(model.statusSince().secsTo(now)));
+    add(u"Status   "_s + model.statusText() + since,
         model.status() == 0 ? LineStyle::plain : LineStyle::trouble);
     if (!model.cause().isEmpty())
-        add(QStringLiteral("Cause    ") + model.cause(), LineStyle::trouble);
+        add(u"Cause    "_s + model.cause(), LineStyle::trouble);
     const QString missing = missingText(model);
     if (!missing.isEmpty())
-        add(QStringLiteral("Values   ") + missing,
-            model.staleCount() > 0 ? LineStyle::stale : LineStyle::plain);
+        add(u"Values   "_s + missing, model.staleCount() > 0 ? LineStyle::stale : LineStyle::plain);
     const QString numbers = value::numbersText(model.numbers(), model.readsPerSecond(), now);
     if (!numbers.isEmpty() && size.rows >= rows_for_numbers)
-        add(QStringLiteral("Metrics  ") + numbers, LineStyle::plain);
+        add(u"Metrics  "_s + numbers, LineStyle::plain);
     if (missing.isEmpty() || size.rows >= rows_for_numbers)
         add(QString(), LineStyle::plain);
 }
@@ -185,8 +180,7 @@ void addItems(QVector<ScreenLine>& screen, const WatchModel& model, const QDateT
         screen << ScreenLine{joined(rows.at(i), widths, size.columns), style};
     }
     if (!all_fit) {
-        const QString rest =
-            QStringLiteral("%1 %2 more items").arg(QChar(0x2026)).arg(rows.size() - shown);
+        const QString rest = u"%1 %2 more items"_s.arg(QChar(0x2026)).arg(rows.size() - shown);
         screen << ScreenLine{terminal::clipped(rest, size.columns), LineStyle::log};
     }
 }
@@ -197,7 +191,7 @@ void addLog(QVector<ScreenLine>& screen, const QStringList& log, ScreenSize size
     if (log.isEmpty() || room < 1)
         return;
     screen << ScreenLine{QString(), LineStyle::plain};
-    screen << ScreenLine{terminal::clipped(QStringLiteral("LOG OF THE DRIVER"), size.columns),
+    screen << ScreenLine{terminal::clipped(u"LOG OF THE DRIVER"_s, size.columns),
                          LineStyle::heading};
     for (const QString& line : log.mid(qMax(0, log.size() - room)))
         screen << ScreenLine{terminal::clipped(terminal::printable(line), size.columns),
@@ -225,13 +219,10 @@ QString ageText(qint64 seconds)
     };
     static const Unit units[] = {{86400, "d"}, {3600, "h"}, {60, "min"}};
     for (const Unit& unit : units) {
-        if (seconds >= unit.seconds) {
-            return QStringLiteral("%1 %2")
-                .arg(seconds / unit.seconds)
-                .arg(QLatin1String(unit.name));
-        }
+        if (seconds >= unit.seconds)
+            return u"%1 %2"_s.arg(seconds / unit.seconds).arg(QLatin1String(unit.name));
     }
-    return QStringLiteral("%1 s").arg(qMax(qint64(0), seconds));
+    return u"%1 s"_s.arg(qMax(qint64(0), seconds));
 }
 
 } // namespace tovik_host::watch

@@ -58,18 +58,18 @@ void TerminalView::roundDone(const WatchModel& model, const QDateTime& now)
     const QVector<ScreenLine> screen = drawTable(subject_, model, log, now, size);
 
     // The cursor is hidden while it wanders only: however the program ends, it is there again.
-    QString frame = QStringLiteral("\033[?25l");
+    QString frame = u"\033[?25l"_s;
     if (from_empty_screen_)
-        frame += QStringLiteral("\033[H\033[J");
+        frame += u"\033[H\033[J"_s;
     else if (drawn_lines_ > 0)
-        frame += QStringLiteral("\033[%1A").arg(drawn_lines_);
+        frame += u"\033[%1A"_s.arg(drawn_lines_);
     for (const ScreenLine& line : screen) {
         const QLatin1String style = styleStart(line.style);
         const bool styled = has_colours_ && style.size() > 0;
         frame += styled ? style + line.text + QLatin1String("\033[0m") : line.text;
-        frame += QStringLiteral("\033[K\r\n");
+        frame += u"\033[K\r\n"_s;
     }
-    frame += QStringLiteral("\033[J\033[?25h");
+    frame += u"\033[J\033[?25h"_s;
     output_.write(frame);
     drawn_lines_ = screen.size();
     from_empty_screen_ = false;
@@ -78,7 +78,7 @@ void TerminalView::roundDone(const WatchModel& model, const QDateTime& now)
 void TerminalView::end(const QDateTime&)
 {
     // The terminal itself has echoed the key that ended the program.
-    output_.write(QStringLiteral("\r\033[K"));
+    output_.write(u"\r\033[K"_s);
 }
 
 void TerminalView::resized()

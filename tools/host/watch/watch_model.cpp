@@ -34,7 +34,7 @@ bool WatchModel::take(int index, const driver::Answer& given, const QDateTime& n
     if (round_status_ == 0)
         round_status_ = answer.status;
     if (!answer.arrived)
-        keepTrouble(state, QStringLiteral("not answered by the driver"), now);
+        keepTrouble(state, u"not answered by the driver"_s, now);
     else if (answer.status != 0)
         keepTrouble(state, value::statusTextWithCode(answer.status, answer.status_of), now);
     if (!changed)
@@ -46,7 +46,7 @@ bool WatchModel::take(int index, const driver::Answer& given, const QDateTime& n
                       : std::nullopt;
     value_count_ += state.value ? 1 : 0;
     if (!state.value && !is_waited_for)
-        keepTrouble(state, QStringLiteral("no value of its type"), now);
+        keepTrouble(state, u"no value of its type"_s, now);
     state.changed_at = now;
     return true;
 }
@@ -54,8 +54,8 @@ bool WatchModel::take(int index, const driver::Answer& given, const QDateTime& n
 void WatchModel::keepTrouble(const ItemState& state, const QString& what, const QDateTime& now)
 {
     if (first_trouble_.isEmpty()) {
-        first_trouble_ = QStringLiteral("%1 was %2 at %3")
-                             .arg(state.item.name, what, now.toString(QStringLiteral("HH:mm:ss")));
+        first_trouble_ =
+            u"%1 was %2 at %3"_s.arg(state.item.name, what, now.toString(u"HH:mm:ss"_s));
     }
 }
 
@@ -88,7 +88,7 @@ QVector<int> WatchModel::judgeAges(const QDateTime& now)
             changed << i;
         state.is_stale = is_stale;
         if (is_stale)
-            keepTrouble(state, QStringLiteral("stale"), now);
+            keepTrouble(state, u"stale"_s, now);
     }
     return changed;
 }
@@ -146,10 +146,9 @@ QString WatchModel::cycleEndText() const
     int count = 0;
     for (int i = 0; i < items_.size(); ++i)
         count += isNotReached(i) ? 1 : 0;
-    const QString text = QStringLiteral("%1: %2 ends the cycle")
-                             .arg(value::statusTextWithCode(cycle_refusal_, status_of_),
-                                  items_.at(cycle_end_).item.name);
-    return count == 0 ? text : text + QStringLiteral(", items not reached: %1").arg(count);
+    const QString text = u"%1: %2 ends the cycle"_s.arg(
+        value::statusTextWithCode(cycle_refusal_, status_of_), items_.at(cycle_end_).item.name);
+    return count == 0 ? text : text + u", items not reached: %1"_s.arg(count);
 }
 
 QString WatchModel::statusText() const

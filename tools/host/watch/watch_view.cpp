@@ -31,14 +31,11 @@ namespace {
 QString problemOf(const WatchModel& model, const WatchGoal& goal, bool is_interrupted)
 {
     if (model.valueCount() == 0)
-        return QStringLiteral("no value has arrived");
+        return u"no value has arrived"_s;
     if (goal.is_strict && !model.firstTrouble().isEmpty())
-        return QStringLiteral("--strict: ") + model.firstTrouble();
-    if (model.valueCount() < goal.count && !is_interrupted) {
-        return QStringLiteral("%1 of %2 values have come in time")
-            .arg(model.valueCount())
-            .arg(goal.count);
-    }
+        return u"--strict: "_s + model.firstTrouble();
+    if (model.valueCount() < goal.count && !is_interrupted)
+        return u"%1 of %2 values have come in time"_s.arg(model.valueCount()).arg(goal.count);
     return QString();
 }
 

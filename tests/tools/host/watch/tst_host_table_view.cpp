@@ -1,4 +1,4 @@
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 #include "tools/host/watch/table_view.h"
 
 #include <QtTest>

@@ -1,12 +1,23 @@
-#ifndef TOOLS_HOST_TERMINAL_TEXT_WIDTH_H
-#define TOOLS_HOST_TERMINAL_TEXT_WIDTH_H
+#ifndef TOOLS_HOST_TERMINAL_TEXT_H
+#define TOOLS_HOST_TERMINAL_TEXT_H
 
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
 /// \file
-/// Text in columns of a terminal.
+/// Texts, and how they stand in columns of a terminal.
+
+namespace tovik_host {
+
+/// `u"..."_s` as Qt has it from version 6.4 on.
+inline QString operator""_s(const char16_t* text, std::size_t size)
+{
+    return QString(reinterpret_cast<const QChar*>(text), int(size));
+}
+
+} // namespace tovik_host
+
 namespace tovik_host::terminal {
 
 /// \a text with a visible mark in place of every control character: what a service says must not

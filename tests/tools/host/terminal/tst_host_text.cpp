@@ -1,11 +1,11 @@
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <QtTest>
 
 using namespace tovik_host;
 using namespace tovik_host::terminal;
 
-class TestHostTextWidth : public QObject
+class TestHostText : public QObject
 {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ private Q_SLOTS:
     void suggestsTheNearestName();
 };
 
-void TestHostTextWidth::fits_data()
+void TestHostText::fits_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("width");
@@ -35,7 +35,7 @@ void TestHostTextWidth::fits_data()
     row("beyond the first plane", "😀😀😀", 6, "😀😀…");
 }
 
-void TestHostTextWidth::fits()
+void TestHostText::fits()
 {
     QFETCH(QString, text);
     QFETCH(int, width);
@@ -46,14 +46,14 @@ void TestHostTextWidth::fits()
     QCOMPARE(clipped(text, 0), QString());
 }
 
-void TestHostTextWidth::hidesControlCharacters()
+void TestHostText::hidesControlCharacters()
 {
     QCOMPARE(printable(QStringLiteral("a\033[2J\nb\u009bc")),
              QStringLiteral("a\u00b7[2J\u00b7b\u00b7c"));
     QCOMPARE(printable(QStringLiteral("Gr\u00fc\u00dfe")), QStringLiteral("Gr\u00fc\u00dfe"));
 }
 
-void TestHostTextWidth::suggestsTheNearestName()
+void TestHostText::suggestsTheNearestName()
 {
     const QStringList names = {QStringLiteral("Boiler.Low"), QStringLiteral("Boiler.Flow")};
     QCOMPARE(nearText(QStringLiteral("boiler.flow"), names), QStringLiteral("; Boiler.Flow?"));
@@ -61,5 +61,5 @@ void TestHostTextWidth::suggestsTheNearestName()
     QCOMPARE(nearText(QStringLiteral("Pump"), names), QString());
 }
 
-QTEST_APPLESS_MAIN(TestHostTextWidth)
-#include "tst_host_text_width.moc"
+QTEST_APPLESS_MAIN(TestHostText)
+#include "tst_host_text.moc"

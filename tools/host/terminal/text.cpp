@@ -1,4 +1,4 @@
-#include "tools/host/terminal/text_width.h"
+#include "tools/host/terminal/text.h"
 
 #include <QChar>
 
@@ -73,7 +73,7 @@ QString clipped(const QString& text, int columns)
 QString fitted(const QString& text, int columns)
 {
     const QString kept = clipped(text, columns);
-    return kept + QString(qMax(0, columns - displayWidth(kept)), QLatin1Char(' '));
+    return kept + QString(qMax(0, columns - displayWidth(kept)), u' ');
 }
 
 QStringList columns(const QVector<QStringList>& rows, const QString& indent, int widest)
@@ -88,7 +88,7 @@ QStringList columns(const QVector<QStringList>& rows, const QString& indent, int
     for (const QStringList& row : rows) {
         QString line = indent;
         for (int i = 0; i < row.size(); ++i)
-            line += fitted(row.at(i), widths.at(i)) + QStringLiteral("  ");
+            line += fitted(row.at(i), widths.at(i)) + u"  "_s;
         lines << trimmedRight(line);
     }
     return lines;
@@ -96,7 +96,7 @@ QStringList columns(const QVector<QStringList>& rows, const QString& indent, int
 
 QString trimmedRight(QString line)
 {
-    while (line.endsWith(QLatin1Char(' ')))
+    while (line.endsWith(u' '))
         line.chop(1);
     return line;
 }
@@ -137,7 +137,7 @@ QString nearText(const QString& written, const QStringList& names)
             (nearest.isEmpty() || editDistance(written, name) < editDistance(written, nearest)))
             nearest = name;
     }
-    return nearest.isEmpty() ? QString() : QStringLiteral("; %1?").arg(nearest);
+    return nearest.isEmpty() ? QString() : u"; %1?"_s.arg(nearest);
 }
 
 } // namespace tovik_host::terminal

@@ -176,13 +176,11 @@ const DataItemType types[] = {
      ToJson::characters, ToHost::characters, FromHost::characters},
 };
 
-const int type_count = int(sizeof types / sizeof types[0]);
-
 QVector<QString> allNames()
 {
     QVector<QString> names;
-    for (int i = 0; i < type_count; ++i)
-        names.append(QLatin1String(types[i].name));
+    for (const DataItemType& type : types)
+        names.append(QLatin1String(type.name));
     return names;
 }
 
@@ -190,19 +188,18 @@ QVector<QString> allNames()
 
 const DataItemType* findDataItemType(const QString& name)
 {
-    for (int i = 0; i < type_count; ++i) {
-        if (name == QLatin1String(types[i].name))
-            return &types[i];
+    for (const DataItemType& type : types) {
+        if (name == QLatin1String(type.name))
+            return &type;
     }
     return 0;
 }
 
 const DataItemType* findServiceType(const QString& service_name)
 {
-    for (int i = 0; i < type_count; ++i) {
-        const char* alias = types[i].service_alias;
-        if (alias && service_name == QLatin1String(alias))
-            return &types[i];
+    for (const DataItemType& type : types) {
+        if (type.service_alias && service_name == QLatin1String(type.service_alias))
+            return &type;
     }
     return findDataItemType(service_name);
 }

@@ -98,10 +98,12 @@ void TestCatalogue::listChecks()
     if (!list.isEmpty())
         reply["groups"] = reply["dataitems"] = parsed(list);
     LogRecorder log;
-    const picojson::array* found = nullptr;
+    const picojson::array earlier;
+    const picojson::array* found = &earlier;
     QCOMPARE(catalogue::findGroups(reply, &found).result, result);
     QCOMPARE(found ? int(found->size()) : -1, size);
     QCOMPARE(log.take(), group_line.isEmpty() ? QStringList() : QStringList(group_line));
+    found = &earlier;
     QCOMPARE(catalogue::findDataitems(reply, latin1("Boiler"), &found).result, result);
     QCOMPARE(found ? int(found->size()) : -1, size);
     QCOMPARE(log.take(), item_line.isEmpty() ? QStringList() : QStringList(item_line));

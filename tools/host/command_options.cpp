@@ -281,9 +281,9 @@ std::optional<service::Catalogue> catalogueOf(terminal::Context& context,
     check.config = options.account.config;
     check.url = options.account.url;
     check.url_file = options.account.url_file;
-    const QString cause =
-        failure.isRefusal() ? QString()
-                            : check::causeOfSilence(context, account.service.url, options.timeout);
+    const QString cause = failure.isRefusal()
+                              ? QString()
+                              : check::causeOfSilence(context, account.url, options.timeout);
     // A check of a mere address has nothing to say on a login that was refused.
     const bool is_of_use = !check.config.isEmpty() || !failure.isRefusal();
     check::advise(context, cause, is_of_use ? check::checkCommand(check) : QString());

@@ -75,18 +75,6 @@ void checkOptions(const Configure& options)
     }
 }
 
-config::Account accountFor(const service::ServiceOptions& service, const service::Catalogue& saved,
-                           bool needs_password)
-{
-    config::Account account;
-    account.service.url = saved.url;
-    account.service.project = saved.project;
-    account.service.email = saved.email;
-    account = config::resolveAccount(service.account, account, needs_password);
-    config::requireAccount(account);
-    return account;
-}
-
 /// Items per page of the dialogue: what leaves room for a heading and the prompt.
 int pageSize()
 {
@@ -121,7 +109,7 @@ std::optional<QVector<service::OfferedItem>> wantedItems(terminal::Context& cont
                                                          const Configure& options)
 {
     const service::FilteredItems filtered =
-        service::filterItems(service::offeredItems(catalogue), options.filter);
+        service::filterItems(service::offeredItems(catalogue.groups), options.filter);
     if (filtered.items.isEmpty()) {
         context.complain(u"nothing is chosen of %1%2"_s.arg(
             service::counted(catalogue.itemCount(), u"item"_s),
@@ -163,8 +151,9 @@ int Configure::run() const
     if (!catalogue.isEmpty())
         offered = service::readCatalogue(config::readJson(catalogue, u"catalogue"_s));
     const bool needs_password = !offered || with_password;
-    config::Account account =
-        accountFor(service, offered.value_or(service::Catalogue()), needs_password);
+    config::Account account = config::resolveAccount(
+        service.account, offered ? offered->account : config::Account(), needs_password);
+    config::requireAccount(account);
     terminal::Context context;
     context.log.start(service.log, service.verbose);
     if (needs_password && !service::askForPassword(context, &account))

@@ -45,23 +45,15 @@ struct LoadedSide
     config::Account account;
 };
 
-LoadedSide sideFromFile(const QString& path, bool needs_account)
+LoadedSide sideFromFile(const QString& path)
 {
     const config::JsonFile file = config::readJson(path, u"catalogue or configuration"_s);
-    LoadedSide loaded;
-    loaded.name = path;
-    if (!service::isCatalogue(file)) {
-        loaded.side = service::diffSide(config::loadConfig(path, config::Password::in_file).config);
-        if (needs_account)
-            loaded.account = config::accountOfConfig(path);
-        return loaded;
+    if (service::isCatalogue(file)) {
+        const service::Catalogue catalogue = service::readCatalogue(file);
+        return {path, service::diffSide(catalogue), catalogue.account};
     }
-    const service::Catalogue catalogue = service::readCatalogue(file);
-    loaded.side = service::diffSide(catalogue);
-    loaded.account.service.url = catalogue.url;
-    loaded.account.service.project = catalogue.project;
-    loaded.account.service.email = catalogue.email;
-    return loaded;
+    const config::HostConfig config = config::loadConfig(path, config::Password::in_file).config;
+    return {path, service::diffSide(config), config.service};
 }
 
 std::optional<LoadedSide> sideFromService(const service::ServiceOptions& service,
@@ -76,13 +68,8 @@ std::optional<LoadedSide> sideFromService(const service::ServiceOptions& service
     const std::optional<service::Catalogue> catalogue = catalogueOf(context, service, account);
     if (!catalogue)
         return std::nullopt;
-    return LoadedSide{QUrl(account.service.url).toString(QUrl::RemoveUserInfo),
+    return LoadedSide{QUrl(account.url).toString(QUrl::RemoveUserInfo),
                       service::diffSide(*catalogue), account};
-}
-
-std::string plain(const QString& text)
-{
-    return text.toStdString();
 }
 
 QString asJson(const LoadedSide& before, const LoadedSide& after,
@@ -90,29 +77,29 @@ QString asJson(const LoadedSide& before, const LoadedSide& after,
 {
     value::OrderedJson list = value::OrderedJson::array();
     for (const service::Difference& difference : differences) {
-        value::OrderedJson entry = {{"change", plain(service::kindName(difference.kind))},
-                                    {"id", plain(difference.id)},
-                                    {"item", plain(difference.path)}};
+        value::OrderedJson entry = {{"change", service::kindName(difference.kind)},
+                                    {"id", difference.id},
+                                    {"item", difference.path}};
         if (!difference.before.isNull())
-            entry["before"] = plain(difference.before);
+            entry["before"] = difference.before;
         if (!difference.after.isNull())
-            entry["after"] = plain(difference.after);
+            entry["after"] = difference.after;
         if (!difference.same_name_id.isEmpty())
-            entry["same_name_id"] = plain(difference.same_name_id);
+            entry["same_name_id"] = difference.same_name_id;
         list.push_back(entry);
     }
     return value::jsonText({{"version", value::json_version},
-                            {"old", plain(before.name)},
-                            {"new", plain(after.name)},
+                            {"old", before.name},
+                            {"new", after.name},
                             {"differences", list}});
 }
 
 int Diff::run() const
 {
     const bool asks_service = after.isEmpty();
-    const LoadedSide old_side = sideFromFile(before, asks_service);
+    const LoadedSide old_side = sideFromFile(before);
     const std::optional<LoadedSide> new_side =
-        asks_service ? sideFromService(service, old_side) : sideFromFile(after, false);
+        asks_service ? sideFromService(service, old_side) : sideFromFile(after);
     if (!new_side)
         return terminal::exitUsage;
     QVector<service::Difference> differences =

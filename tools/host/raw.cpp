@@ -34,14 +34,9 @@ void printJson(terminal::Context& context, const QByteArray& request, const driv
     value::OrderedJson line = value::jsonReport(nullptr, QDateTime::currentDateTime());
     line["request"] = request.toHex().toStdString();
     line["response"] = answer.bytes.toHex().toStdString();
-    line["status"] = answer.arrived
-                         ? value::OrderedJson(value::statusCode(answer.status).toStdString())
-                         : value::OrderedJson(nullptr);
-    line["status_text"] = answer.arrived
-                              ? value::statusText(answer.status, answer.status_of).toStdString()
-                              : std::string("no answer");
+    driver::addStatus(line, answer);
     if (!problem.isEmpty())
-        line["problem"] = problem.toStdString();
+        line["problem"] = problem;
     context.out.line(value::jsonLine(line));
 }
 

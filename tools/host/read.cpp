@@ -88,7 +88,7 @@ void Read::print(terminal::Context& context, const config::ItemConfig& item,
         value::OrderedJson line = value::jsonReport(nullptr, QDateTime::currentDateTime());
         driver::addAnswer(line, item, answer, text);
         if (!text)
-            line["problem"] = problem.toStdString();
+            line["problem"] = problem;
         context.out.line(value::jsonLine(line));
     } else if (text) {
         context.out.foreignLine(quiet ? *text : u"%1 = %2"_s.arg(item.name, *text));

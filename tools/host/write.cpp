@@ -61,14 +61,13 @@ int Write::report(terminal::Context& context, const config::ItemConfig& to, cons
     const std::optional<QString> text = config::valueOf(to, bytes);
     if (common.json) {
         value::OrderedJson line = value::jsonReport(nullptr, QDateTime::currentDateTime());
-        line["item"] = to.name.toStdString();
+        line["item"] = to.name;
         line["type"] = to.type->name;
         line["value"] = driver::jsonOf(to, text);
         line["bytes"] = bytes.toHex().toStdString();
-        line["done"] = problem.isEmpty() ? value::OrderedJson(done.toStdString())
-                                         : value::OrderedJson(nullptr);
+        line["done"] = problem.isEmpty() ? std::make_optional(done) : std::nullopt;
         if (!problem.isEmpty())
-            line["problem"] = problem.toStdString();
+            line["problem"] = problem;
         context.out.line(value::jsonLine(line));
     } else if (problem.isEmpty()) {
         context.out.foreignLine(u"%1 = %2  %3"_s.arg(to.name, text.value_or(QString()), done));

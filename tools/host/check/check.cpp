@@ -5,7 +5,6 @@
 #include "tools/host/check/check_way.h"
 #include "tools/host/check/probe.h"
 #include "tools/host/config/account.h"
-#include "tools/host/config/item_choice.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/service/cloud_client.h"
 #include "tools/host/terminal/exit_code.h"

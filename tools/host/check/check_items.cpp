@@ -4,7 +4,6 @@
 #include "tools/host/value/status_text.h"
 
 #include "cloud/driver_status.h"
-#include "property/property_tovik_iot_group.h"
 
 #include <algorithm>
 #include <cmath>
@@ -123,10 +122,8 @@ QString hostStatusText(int result)
 CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups)
 {
     CatalogueItems items;
-    for (const PropertyTovikIotGroup& group : groups) {
-        for (const PropertyTovikIotDataItem& item : group.dataitems)
-            items.insert(item.dataitem_id, {item.dataitem_id, item.name, item.type, group.name});
-    }
+    for (const service::OfferedItem& item : service::offeredItems(service::catalogueGroups(groups)))
+        items.insert(item.id, item);
     return items;
 }
 
@@ -141,7 +138,7 @@ ItemFinding lookUpItem(const config::ItemConfig& item, const CatalogueItems& cat
         return finding;
     }
     int best = -1;
-    for (const CatalogueEntry& other : catalogue) {
+    for (const service::CatalogueItem& other : catalogue) {
         // Somebody may have written the name where the id belongs.
         const bool is_name = other.name == item.id;
         if (!is_name && !terminal::isNear(item.id, other.id))
@@ -189,7 +186,7 @@ CheckStep judgeItem(const ItemFinding& finding)
 {
     CheckStep step = makeStep("item", Severity::ok, QString());
     step.subject = finding.item.name;
-    step.facts["id"] = finding.item.id.toStdString();
+    step.facts["id"] = finding.item.id;
     step.facts["type"] = finding.item.type->name;
     if (!finding.is_read) {
         step.severity = Severity::not_tried;
@@ -197,7 +194,7 @@ CheckStep judgeItem(const ItemFinding& finding)
     }
     step.facts["in_catalogue"] = finding.is_known;
     if (finding.is_known)
-        step.facts["catalogue_type"] = finding.catalogue_type.toStdString();
+        step.facts["catalogue_type"] = finding.catalogue_type;
     step.seconds = finding.outcome.seconds;
     if (finding.outcome.kind == service::ClientOutcome::Done) {
         judgeReadValue(finding, &step);
@@ -281,10 +278,8 @@ CheckStep judgeStoppedCycle(const QVector<ItemFinding>& findings, int stop)
         step.advice = u"put %1 right, or remove it"_s.arg(finding.item.name);
     }
     step.facts["arriving"] = is_waiting ? 0 : arriving(findings, stop);
-    step.facts["ends_at"] = finding.item.name.toStdString();
-    step.facts["without_value"] = nlohmann::ordered_json::array();
-    for (const QString& name : later)
-        step.facts["without_value"].push_back(name.toStdString());
+    step.facts["ends_at"] = finding.item.name;
+    step.facts["without_value"] = later;
     return step;
 }
 

@@ -3,6 +3,7 @@
 
 #include "tools/host/check/check_step.h"
 #include "tools/host/config/config.h"
+#include "tools/host/service/catalogue.h"
 #include "tools/host/service/cloud_client.h"
 
 #include <QHash>
@@ -10,23 +11,12 @@
 #include <QVariant>
 #include <QVector>
 
-class PropertyTovikIotGroup;
-
 /// \file
 /// What the service's answers mean for the values of a host. Facts in, judged steps out.
 namespace tovik_host::check {
 
-/// What the check needs to know of an item of the service's catalogue.
-struct CatalogueEntry
-{
-    QString id;
-    QString name;
-    QString type; ///< The driver's name for it.
-    QString group;
-};
-
 /// All items of a catalogue, by their ids.
-using CatalogueItems = QHash<QString, CatalogueEntry>;
+using CatalogueItems = QHash<QString, service::OfferedItem>;
 CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups);
 
 /// What was found out about one served item.

@@ -140,7 +140,7 @@ CheckStep judgeLinkItem(const LinkRead& read)
         step.severity = Severity::failure;
         step.text = read.problem;
     }
-    step.facts["status"] = value::statusCode(read.status).toStdString();
+    step.facts["status"] = value::statusCode(read.status);
     step.facts["bytes"] = read.bytes;
     if (read.seconds > 0)
         step.seconds = read.seconds;

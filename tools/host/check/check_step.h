@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_CHECK_CHECK_STEP_H
 #define TOOLS_HOST_CHECK_CHECK_STEP_H
 
-#include <nlohmann/json.hpp>
+#include "tools/host/value/json_text.h"
 
 #include <QString>
 #include <QStringList>
@@ -31,7 +31,7 @@ struct CheckStep
     QString advice = QString();    ///< What to do about it; empty when all is well.
     std::optional<double> seconds; ///< How long it took, where it is something that takes time.
     /// What was found, for programs; an object.
-    nlohmann::ordered_json facts = nlohmann::ordered_json::object();
+    value::OrderedJson facts = value::OrderedJson::object();
 };
 
 using CheckSteps = QVector<CheckStep>;

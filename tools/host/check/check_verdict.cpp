@@ -9,19 +9,19 @@ namespace tovik_host::check {
 
 namespace {
 
-const char* markOf(Severity severity)
+QString markOf(Severity severity)
 {
     switch (severity) {
     case Severity::ok:
-        return "ok";
+        return u"ok"_s;
     case Severity::warning:
-        return "warn";
+        return u"warn"_s;
     case Severity::failure:
-        return "FAIL";
+        return u"FAIL"_s;
     case Severity::not_tried:
         break;
     }
-    return "--";
+    return u"--"_s;
 }
 
 QString placeOf(const CheckStep& step)
@@ -89,8 +89,7 @@ QString stepLine(const CheckStep& step, bool as_json)
 {
     const QString text = step.severity == Severity::not_tried ? u"not tried"_s : step.text;
     if (!as_json) {
-        QString line =
-            u"%1  %2  "_s.arg(QLatin1String(markOf(step.severity)), -4).arg(step.name, -11);
+        QString line = u"%1  %2  "_s.arg(markOf(step.severity), -4).arg(step.name, -11);
         if (!step.subject.isEmpty())
             line += step.subject + u": "_s;
         line += text;
@@ -99,15 +98,14 @@ QString stepLine(const CheckStep& step, bool as_json)
         return terminal::printable(line);
     }
     value::OrderedJson line = value::jsonReport("step");
-    line["step"] = step.name.toStdString();
+    line["step"] = step.name;
     if (!step.subject.isEmpty())
-        line["subject"] = step.subject.toStdString();
-    line["judgement"] = step.severity == Severity::not_tried
-                            ? "not tried"
-                            : QString::fromLatin1(markOf(step.severity)).toLower().toStdString();
-    line["text"] = text.toStdString();
+        line["subject"] = step.subject;
+    line["judgement"] =
+        step.severity == Severity::not_tried ? u"not tried"_s : markOf(step.severity).toLower();
+    line["text"] = text;
     if (!step.advice.isEmpty())
-        line["advice"] = step.advice.toStdString();
+        line["advice"] = step.advice;
     if (step.seconds)
         line["seconds"] = *step.seconds;
     if (!step.facts.empty())
@@ -120,13 +118,13 @@ QStringList verdictLines(const Verdict& verdict, bool as_json)
     if (as_json) {
         value::OrderedJson line = value::jsonReport("verdict");
         line["well"] = verdict.is_well;
-        line["text"] = verdict.summary.toStdString();
+        line["text"] = verdict.summary;
         line["causes"] = value::OrderedJson::array();
         for (const Cause& cause : verdict.causes) {
             value::OrderedJson one;
-            one["found"] = cause.found.toStdString();
+            one["found"] = cause.found;
             if (!cause.advice.isEmpty())
-                one["advice"] = cause.advice.toStdString();
+                one["advice"] = cause.advice;
             line["causes"].push_back(one);
         }
         return {value::jsonLine(line)};

@@ -119,8 +119,8 @@ CheckStep judgeSslLibrary(const SslLibraryFacts& facts)
             makeStep("openssl", Severity::ok,
                      u"%1 (Qt was built for %2)"_s.arg(facts.running_text, facts.built_for_text));
     }
-    step.facts["built_for"] = facts.built_for_text.toStdString();
-    step.facts["running"] = facts.running_text.toStdString();
+    step.facts["built_for"] = facts.built_for_text;
+    step.facts["running"] = facts.running_text;
     return step;
 }
 
@@ -132,7 +132,7 @@ CheckStep judgeProxy(const ProxyFacts& facts)
                                                          proxyText(facts)),
         u"if that is not meant: Qt takes the proxy from the host's environment (https_proxy, "
         "http_proxy, all_proxy; no_proxy names exceptions)"_s);
-    step.facts["proxy"] = proxyText(facts).toStdString();
+    step.facts["proxy"] = proxyText(facts);
     return step;
 }
 
@@ -155,9 +155,7 @@ CheckStep judgeName(const NameFacts& facts, double timeout)
     step.subject = facts.host;
     if (!facts.is_address)
         step.seconds = facts.seconds;
-    step.facts["addresses"] = nlohmann::ordered_json::array();
-    for (const QString& address : facts.addresses)
-        step.facts["addresses"].push_back(address.toStdString());
+    step.facts["addresses"] = facts.addresses;
     return step;
 }
 
@@ -176,7 +174,7 @@ CheckSteps judgeConnections(const QVector<ConnectFacts>& facts, double timeout)
         }
         step.subject = u"%1 port %2"_s.arg(one.address).arg(one.port);
         step.seconds = one.seconds;
-        step.facts["address"] = one.address.toStdString();
+        step.facts["address"] = one.address;
         step.facts["port"] = one.port;
         step.facts["end"] = end_names[int(one.end)];
         steps << step;
@@ -211,9 +209,9 @@ void explainFailedHandshake(const TlsFacts& facts, double timeout, CheckStep* st
     }
 }
 
-std::string isoDay(const QDateTime& time)
+QString isoDay(const QDateTime& time)
 {
-    return time.toUTC().toString(Qt::ISODate).toStdString();
+    return time.toUTC().toString(Qt::ISODate);
 }
 
 QString dayText(const QDateTime& time)
@@ -232,8 +230,8 @@ CheckStep judgeHandshake(const TlsFacts& facts, double timeout)
         return step;
     }
     step.text = u"%1, %2"_s.arg(facts.version, facts.cipher);
-    step.facts["protocol"] = facts.version.toStdString();
-    step.facts["cipher"] = facts.cipher.toStdString();
+    step.facts["protocol"] = facts.version;
+    step.facts["cipher"] = facts.cipher;
     return step;
 }
 
@@ -269,18 +267,14 @@ CheckStep judgeCertificate(const CertificateFacts& facts, const QDateTime& now)
             u"the driver does not verify certificates, so values come all the same; but nobody "
             "knows who sends them"_s;
     }
-    step.facts["subject"] = facts.subject.toStdString();
-    step.facts["issuer"] = facts.issuer.toStdString();
+    step.facts["subject"] = facts.subject;
+    step.facts["issuer"] = facts.issuer;
     step.facts["valid_from"] = isoDay(facts.valid_from);
     step.facts["valid_until"] = isoDay(facts.valid_until);
-    step.facts["key"] = facts.key.toStdString();
+    step.facts["key"] = facts.key;
     step.facts["self_signed"] = facts.is_self_signed;
-    step.facts["names"] = nlohmann::ordered_json::array();
-    for (const QString& name : facts.names)
-        step.facts["names"].push_back(name.toStdString());
-    step.facts["complaints"] = nlohmann::ordered_json::array();
-    for (const QString& complaint : complaints)
-        step.facts["complaints"].push_back(complaint.toStdString());
+    step.facts["names"] = facts.names;
+    step.facts["complaints"] = complaints;
     return step;
 }
 

@@ -34,7 +34,7 @@ void takeFromFile(const QString& path, Account* account)
         throw terminal::UsageError(
             u"cannot read the password file \"%1\": %2"_s.arg(path, problem));
     }
-    account->service.password = *line;
+    account->password = *line;
     account->has_password = true;
 }
 
@@ -44,7 +44,7 @@ void takeFromVariable(const QString& variable, Account* account)
     account->password_file.clear();
     account->password_env = variable;
     account->has_password = qEnvironmentVariableIsSet(name.constData());
-    account->service.password = QString::fromUtf8(qgetenv(name.constData()));
+    account->password = QString::fromUtf8(qgetenv(name.constData()));
 }
 
 /// The password from the place that a configuration names, or from the usual variable.
@@ -85,31 +85,17 @@ QString defaultPasswordVariable()
     return u"TOVIK_PASSWORD"_s;
 }
 
-Account accountOfConfig(const QString& path)
-{
-    Account account;
-    account.service = loadConfig(path, Password::in_file).config.service;
-    const JsonFile file = readJson(path);
-    const JsonPlace service = JsonPlace(file).at("service");
-    const QString password_file = service.optionalText("password_file");
-    if (!password_file.isEmpty())
-        account.password_file = QFileInfo(path).dir().absoluteFilePath(password_file);
-    account.password_env = service.optionalText("password_env");
-    account.has_password = !account.service.password.isEmpty();
-    return account;
-}
-
 Account resolveAccount(const AccountOptions& options, Account account, bool needs_password)
 {
     if (!options.config.isEmpty())
-        account = accountOfConfig(options.config);
+        account = loadConfig(options.config, Password::in_file).config.service;
     const QString url = givenAddress(options.url, options.url_file);
     if (!url.isEmpty())
-        account.service.url = url;
+        account.url = url;
     if (!options.project.isEmpty())
-        account.service.project = options.project;
+        account.project = options.project;
     if (!options.email.isEmpty())
-        account.service.email = options.email;
+        account.email = options.email;
     takePassword(options, &account, needs_password);
     return account;
 }
@@ -117,11 +103,11 @@ Account resolveAccount(const AccountOptions& options, Account account, bool need
 void requireAccount(const Account& account)
 {
     QStringList missing;
-    if (account.service.url.isEmpty())
+    if (account.url.isEmpty())
         missing << u"--url URL (or --url-file FILE)"_s;
-    if (account.service.project.isEmpty())
+    if (account.project.isEmpty())
         missing << u"--project NAME"_s;
-    if (account.service.email.isEmpty())
+    if (account.email.isEmpty())
         missing << u"--email ADDRESS"_s;
     if (!missing.isEmpty()) {
         throw terminal::UsageError(

@@ -20,21 +20,8 @@ struct AccountOptions
     QString password_env;  ///< A variable of the environment that holds it.
 };
 
-/// An account, and where its password comes from, for a configuration that shall not hold it.
-struct Account
-{
-    ServiceConfig service;
-    QString password_file; ///< Absolute; empty: from no file.
-    QString password_env;  ///< Empty: from no variable.
-    bool has_password = false;
-};
-
 /// The variable of the environment that is looked into when nothing says where the password is.
 QString defaultPasswordVariable();
-
-/// The account of a configuration file, without a password that is in another file or in the
-/// environment. Throws UsageError.
-Account accountOfConfig(const QString& path);
 
 /// \a account as far as the options do not say otherwise; the configuration that they name comes
 /// between the two. Looks for the password, without asking anybody. Throws UsageError for what

@@ -9,15 +9,21 @@
 
 #include <optional>
 
+class PropertyTovikIot;
+
 namespace tovik_host::config {
 
 /// Where the service is, and the account. The password is never printed.
-struct ServiceConfig
+struct Account
 {
     QString url;
     QString project;
     QString email;
     QString password;
+    bool has_password = false; ///< It has been told, if only as an empty one.
+    /// Where the password comes from, for a configuration that shall not hold it.
+    QString password_file = QString(); ///< Absolute; empty: from no file.
+    QString password_env = QString();  ///< Empty: from no variable of the environment.
 };
 
 /// How a host asks a device on a link for an item; what the numbers mean is the driver's.
@@ -47,6 +53,9 @@ std::optional<QString> valueOf(const ItemConfig& item, const QByteArray& bytes);
 /// The bytes of \a text: of several elements, as many values with blanks between them.
 value::EncodedValue bytesOf(const ItemConfig& item, const QString& text);
 
+/// What a host hands to the cloud driver that is to serve \a items of a service.
+PropertyTovikIot recordOf(const Account& service, const QVector<ItemConfig>& items);
+
 /// The driver's error-handling keys.
 struct ErrorHandling
 {
@@ -60,7 +69,7 @@ struct ErrorHandling
 /// A whole configuration file.
 struct HostConfig
 {
-    ServiceConfig service;
+    Account service;
     QVector<ItemConfig> items;
     ErrorHandling error_handling;
 };
@@ -75,10 +84,13 @@ inline const ItemConfig* findItem(const QVector<ItemConfig>& items, const QStrin
     return nullptr;
 }
 
-inline const ItemConfig* findItem(const HostConfig& config, const QString& name)
-{
-    return findItem(config.items, name);
-}
+/// Which of \a all the user means, in the order asked for, each once: an item by its whole name, or
+/// those that match a pattern with * ? []. Of items with one name it is the first, as in the
+/// driver. Throws UsageError for what means none, and says which name is near.
+/// \param whose what has no such item, for the message
+/// \param advice what the message says if no name is near
+QVector<ItemConfig> chosenItems(const QVector<ItemConfig>& all, const QStringList& wanted,
+                                const QString& whose, const QString& advice = QString());
 
 /// \file
 /// The largest numbers that options and configurations of devices may have; times in milliseconds.

@@ -3,6 +3,8 @@
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/json_text.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QHash>
 #include <QUrl>
 
@@ -10,21 +12,24 @@ namespace tovik_host::config {
 
 namespace {
 
-const int longest_text = 65535;
-
-ServiceConfig readService(const JsonPlace& place, const QString& path, Password password)
+Account readService(const JsonPlace& place, const QString& path, Password password)
 {
     place.allowOnly({"url", "project", "email", "password", "password_file", "password_env"});
-    ServiceConfig service;
+    Account account;
     if (place.has("url"))
-        service.url = checkedUrl(place.at("url").text(), place.at("url").where());
-    service.project = place.requiredText("project");
-    service.email = place.requiredText("email");
+        account.url = checkedUrl(place.at("url").text(), place.at("url").where());
+    account.project = place.requiredText("project");
+    account.email = place.requiredText("email");
+    const QString file = place.optionalText("password_file");
+    if (!file.isEmpty())
+        account.password_file = QFileInfo(path).dir().absoluteFilePath(file);
+    account.password_env = place.optionalText("password_env");
     const bool is_elsewhere = place.has("password_file") || place.has("password_env");
     if (password == Password::required || place.has("password") ||
         (password == Password::if_given && is_elsewhere))
-        service.password = readPassword(place, path);
-    return service;
+        account.password = readPassword(place, path);
+    account.has_password = !account.password.isEmpty();
+    return account;
 }
 
 ItemConfig readItem(const JsonPlace& place)
@@ -36,7 +41,7 @@ ItemConfig readItem(const JsonPlace& place)
     item.type = &itemType(place);
     if (place.has("length") && item.type->size > 0)
         place.at("length").fail(u"only items of type String have a length"_s);
-    item.length = place.optionalNumber("length", 0, 1, longest_text);
+    item.length = place.optionalNumber("length", 0, 1, limits::length);
     return item;
 }
 
@@ -60,28 +65,25 @@ value::OrderedJson jsonOf(const Account& account, bool with_password)
 {
     value::OrderedJson service;
     // The address may hold a password of its own.
-    const QString url = with_password ? account.service.url
-                                      : QUrl(account.service.url).toString(QUrl::RemoveUserInfo);
+    const QString url =
+        with_password ? account.url : QUrl(account.url).toString(QUrl::RemoveUserInfo);
     if (!url.isEmpty())
-        service["url"] = url.toStdString();
-    service["project"] = account.service.project.toStdString();
-    service["email"] = account.service.email.toStdString();
+        service["url"] = url;
+    service["project"] = account.project;
+    service["email"] = account.email;
     if (with_password)
-        service["password"] = account.service.password.toStdString();
+        service["password"] = account.password;
     else if (!account.password_file.isEmpty())
-        service["password_file"] = account.password_file.toStdString();
+        service["password_file"] = account.password_file;
     else
         service["password_env"] =
-            (account.password_env.isEmpty() ? defaultPasswordVariable() : account.password_env)
-                .toStdString();
+            (account.password_env.isEmpty() ? defaultPasswordVariable() : account.password_env);
     return service;
 }
 
 value::OrderedJson jsonOf(const ItemConfig& item)
 {
-    value::OrderedJson json = {{"name", item.name.toStdString()},
-                               {"id", item.id.toStdString()},
-                               {"type", item.type->name}};
+    value::OrderedJson json = {{"name", item.name}, {"id", item.id}, {"type", item.type->name}};
     if (item.length > 0)
         json["length"] = item.length;
     return json;

@@ -78,14 +78,6 @@ ItemConfig readItem(const JsonPlace& place, const RequestOptions& defaults)
 
 } // namespace
 
-void RequestOptions::fill(ItemRequest* request) const
-{
-    request->station = station.value_or(request->station);
-    request->field1 = field1.value_or(request->field1);
-    request->extra1 = extra1.value_or(request->extra1);
-    request->extra2 = extra2.value_or(request->extra2);
-}
-
 bool namesLink(const QString& path)
 {
     const JsonFile file = readJson(path);

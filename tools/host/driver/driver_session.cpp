@@ -25,24 +25,6 @@ QString linkName()
     return u"link"_s;
 }
 
-PropertyTovikIot driverProperty(const config::ServiceConfig& service,
-                                const QVector<config::ItemConfig>& items)
-{
-    PropertyTovikIot property;
-    property.host = service.url;
-    property.project = service.project;
-    property.email = service.email;
-    property.password = service.password;
-    for (const config::ItemConfig& served : items) {
-        PropertyTovikIotDataItem item;
-        item.name = served.name;
-        item.dataitem_id = served.id;
-        item.type = QString::fromLatin1(served.type->name);
-        property.dataitems << item;
-    }
-    return property;
-}
-
 void fillErrorHandling(QMap<QString, QVariant>& settings, const config::ErrorHandling& handling)
 {
     settings[u"tovik_iot_err_handle_type"_s] = handling.type;
@@ -69,7 +51,7 @@ DriverSession::DriverSession(const Plugin& plugin, const config::HostConfig& con
     qRegisterMetaType<QSharedPointer<AddrData>>("QSharedPointer<AddrData>");
     link_->link_name = linkName();
     link_->driver_specific_data[u"tovik_iot"_s] =
-        QVariant::fromValue(driverProperty(config.service, items));
+        QVariant::fromValue(config::recordOf(config.service, items));
     fillErrorHandling(link_->driver_specific_data, config.error_handling);
     driver_.reset(plugin.createDriver(nullptr, nullptr, link_.data()));
     if (!driver_)
@@ -119,19 +101,22 @@ value::OrderedJson jsonOf(const config::ItemConfig& item, const std::optional<QS
     return values;
 }
 
+void addStatus(value::OrderedJson& line, const Answer& answer)
+{
+    line["status"] =
+        answer.arrived ? std::make_optional(value::statusCode(answer.status)) : std::nullopt;
+    line["status_text"] =
+        answer.arrived ? value::statusText(answer.status, answer.status_of) : u"no answer"_s;
+}
+
 void addAnswer(value::OrderedJson& line, const config::ItemConfig& item, const Answer& answer,
                const std::optional<QString>& value)
 {
-    line["item"] = item.name.toStdString();
+    line["item"] = item.name;
     line["type"] = item.type->name;
     line["value"] = jsonOf(item, value);
     line["bytes"] = answer.bytes.toHex().toStdString();
-    line["status"] = answer.arrived
-                         ? value::OrderedJson(value::statusCode(answer.status).toStdString())
-                         : value::OrderedJson(nullptr);
-    line["status_text"] = answer.arrived
-                              ? value::statusText(answer.status, answer.status_of).toStdString()
-                              : std::string("no answer");
+    addStatus(line, answer);
 }
 
 } // namespace tovik_host::driver

@@ -62,7 +62,9 @@ private:
 
 /// A value of \a item as JSON: a list, if it has several elements.
 value::OrderedJson jsonOf(const config::ItemConfig& item, const std::optional<QString>& value);
-/// Item, type, value, bytes and status of one answer, as members of \a line.
+/// The status of an answer, as members of \a line.
+void addStatus(value::OrderedJson& line, const Answer& answer);
+/// The same, and before it item, type, value and bytes.
 void addAnswer(value::OrderedJson& line, const config::ItemConfig& item, const Answer& answer,
                const std::optional<QString>& value);
 

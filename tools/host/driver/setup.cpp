@@ -1,7 +1,6 @@
 #include "tools/host/driver/setup.h"
 
 #include "tools/host/config/config_file.h"
-#include "tools/host/config/item_choice.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/status_text.h"
 

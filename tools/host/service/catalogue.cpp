@@ -39,6 +39,16 @@ QVector<CatalogueGroup> catalogueGroups(const QList<PropertyTovikIotGroup>& load
     return groups;
 }
 
+QVector<OfferedItem> offeredItems(const QVector<CatalogueGroup>& groups)
+{
+    QVector<OfferedItem> offered;
+    for (const CatalogueGroup& group : groups) {
+        for (const CatalogueItem& item : group.items)
+            offered << OfferedItem{item, group.id, group.name};
+    }
+    return offered;
+}
+
 QString counted(int count, const QString& noun)
 {
     return u"%1 %2%3"_s.arg(count).arg(noun, count == 1 ? QString() : u"s"_s);
@@ -48,9 +58,9 @@ namespace {
 
 value::OrderedJson jsonOf(const CatalogueItem& item)
 {
-    return {{"id", item.id.toStdString()},
-            {"name", item.name.toStdString()},
-            {"type", item.type.toStdString()},
+    return {{"id", item.id},
+            {"name", item.name},
+            {"type", item.type},
             {"length", item.length},
             {"alert", item.alert}};
 }
@@ -60,10 +70,10 @@ value::OrderedJson jsonOf(const CatalogueGroup& group)
     value::OrderedJson items = value::OrderedJson::array();
     for (const CatalogueItem& item : group.items)
         items.push_back(jsonOf(item));
-    return {{"id", group.id.toStdString()},
-            {"name", group.name.toStdString()},
-            {"location", group.location.toStdString()},
-            {"permission", group.permission.toStdString()},
+    return {{"id", group.id},
+            {"name", group.name},
+            {"location", group.location},
+            {"permission", group.permission},
             {"alert", group.alert},
             {"items", items}};
 }
@@ -103,12 +113,12 @@ QString catalogueJson(const Catalogue& catalogue)
     value::OrderedJson groups = value::OrderedJson::array();
     for (const CatalogueGroup& group : catalogue.groups)
         groups.push_back(jsonOf(group));
-    const QString url = QUrl(catalogue.url).toString(QUrl::RemoveUserInfo);
+    const QString url = QUrl(catalogue.account.url).toString(QUrl::RemoveUserInfo);
     return value::jsonText({{"version", value::json_version},
                             {"service",
-                             {{"url", url.toStdString()},
-                              {"project", catalogue.project.toStdString()},
-                              {"email", catalogue.email.toStdString()}}},
+                             {{"url", url},
+                              {"project", catalogue.account.project},
+                              {"email", catalogue.account.email}}},
                             {"groups", groups}});
 }
 
@@ -131,9 +141,10 @@ Catalogue readCatalogue(const config::JsonFile& file)
     service.allowOnly({"url", "project", "email"});
     Catalogue catalogue;
     if (service.has("url"))
-        catalogue.url = config::checkedUrl(service.at("url").text(), service.at("url").where());
-    catalogue.project = service.optionalText("project");
-    catalogue.email = service.optionalText("email");
+        catalogue.account.url =
+            config::checkedUrl(service.at("url").text(), service.at("url").where());
+    catalogue.account.project = service.optionalText("project");
+    catalogue.account.email = service.optionalText("email");
     for (const config::JsonPlace& group : root.at("groups").elements())
         catalogue.groups << readGroup(group);
     return catalogue;
@@ -144,7 +155,8 @@ namespace {
 QString heading(const Catalogue& catalogue)
 {
     return u"%1  project %2: %3, %4\n"_s.arg(
-        QUrl(catalogue.url).toString(QUrl::RemoveUserInfo), terminal::printable(catalogue.project),
+        QUrl(catalogue.account.url).toString(QUrl::RemoveUserInfo),
+        terminal::printable(catalogue.account.project),
         counted(catalogue.groups.size(), u"group"_s), counted(catalogue.itemCount(), u"item"_s));
 }
 

@@ -1,6 +1,7 @@
 #ifndef TOOLS_HOST_SERVICE_CATALOGUE_H
 #define TOOLS_HOST_SERVICE_CATALOGUE_H
 
+#include "tools/host/config/config.h"
 #include "tools/host/config/json_file.h"
 
 #include "property/property_tovik_iot_group.h"
@@ -40,13 +41,23 @@ struct CatalogueGroup
 /// What a service offers to an account, and whose view it is.
 struct Catalogue
 {
-    QString url;
-    QString project;
-    QString email;
+    config::Account account;
     QVector<CatalogueGroup> groups;
 
     int itemCount() const;
 };
+
+/// An item of a catalogue together with its group, or one of a configuration, which has none.
+struct OfferedItem : CatalogueItem
+{
+    QString group_id = QString();
+    QString group = QString(); ///< The group's name.
+
+    QString path() const { return group.isEmpty() ? name : group + u'/' + name; }
+};
+
+/// All items of \a groups, in their order.
+QVector<OfferedItem> offeredItems(const QVector<CatalogueGroup>& groups);
 
 /// The groups as the client has loaded them.
 QVector<CatalogueGroup> catalogueGroups(const QList<PropertyTovikIotGroup>& loaded);

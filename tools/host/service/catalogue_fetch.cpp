@@ -63,14 +63,14 @@ bool askForPassword(terminal::Context& context, config::Account* account)
         throw terminal::UsageError(
             u"no password was given; set %1, or use --password-file"_s.arg(account->password_env));
     }
-    const std::optional<QString> answer = input.askSecretly(
-        u"Password of %1 for project %2: "_s.arg(terminal::printable(account->service.email),
-                                                 terminal::printable(account->service.project)));
+    const std::optional<QString> answer =
+        input.askSecretly(u"Password of %1 for project %2: "_s.arg(
+            terminal::printable(account->email), terminal::printable(account->project)));
     if (!answer) {
         context.complain(u"no password was given"_s);
         return false;
     }
-    account->service.password = *answer;
+    account->password = *answer;
     account->has_password = true;
     return true;
 }
@@ -78,12 +78,12 @@ bool askForPassword(terminal::Context& context, config::Account* account)
 std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const ServiceOptions& options,
                                         const config::Account& account, ClientOutcome* failure)
 {
-    CloudClient client(account.service);
+    CloudClient client(account);
     QObject::connect(&context.unix_signals, &terminal::UnixSignals::endAsked, &client,
                      &CloudClient::interrupt);
     if (context.unix_signals.endRequested())
         client.interrupt();
-    const QString url = QUrl(account.service.url).toString(QUrl::RemoveUserInfo);
+    const QString url = QUrl(account.url).toString(QUrl::RemoveUserInfo);
     const ClientOutcome login = client.login(options.timeout);
     if (login.kind != ClientOutcome::Done) {
         context.complain(u"login at %1 failed: %2"_s.arg(url, login.reason) +
@@ -110,8 +110,7 @@ std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const Servic
         *failure = loading;
         return std::nullopt;
     }
-    return Catalogue{account.service.url, account.service.project, account.service.email,
-                     catalogueGroups(client.groups())};
+    return Catalogue{account, catalogueGroups(client.groups())};
 }
 
 } // namespace tovik_host::service

@@ -86,14 +86,10 @@ struct CloudClient::Step
     }
 };
 
-CloudClient::CloudClient(const config::ServiceConfig& service)
-    : service_(service),
+CloudClient::CloudClient(const config::Account& service)
+    : property_(config::recordOf(service, {})),
       conversation_(&property_)
 {
-    property_.host = service.url;
-    property_.project = service.project;
-    property_.email = service.email;
-    property_.password = service.password;
     worker_.moveToThread(&thread_);
 }
 
@@ -230,7 +226,7 @@ ClientOutcome CloudClient::judge(const Step& step, double timeout) const
         outcome.kind = ClientOutcome::TimedOut;
         outcome.reason = u"no answer within %1 s"_s.arg(timeout);
     }
-    outcome.reason = withoutUserInfo(outcome.reason, service_.url);
+    outcome.reason = withoutUserInfo(outcome.reason, property_.host);
     return outcome;
 }
 

@@ -60,7 +60,7 @@ class CloudClient : public QObject
     Q_OBJECT
 
 public:
-    explicit CloudClient(const config::ServiceConfig& service);
+    explicit CloudClient(const config::Account& service);
     /// Ends the client's thread at once, also while the service keeps a request waiting.
     ~CloudClient() override;
 
@@ -105,7 +105,6 @@ private:
     ClientOutcome judge(const Step& step, double timeout) const;
     void endThread();
 
-    config::ServiceConfig service_;
     PropertyTovikIot property_;
     const Conversation conversation_;
     QThread thread_;

@@ -100,24 +100,13 @@ QString missingText(const QString& text, const QVector<OfferedItem>& offered)
 {
     QStringList names;
     for (const OfferedItem& item : offered)
-        names << item.path() << item.item.name << item.item.id << item.group + QLatin1String("/*");
+        names << item.path() << item.name << item.id << item.group + QLatin1String("/*");
     const QString near = terminal::nearText(text, names);
     const QString quoted = u"\"%1\""_s.arg(text);
     return near.isEmpty() ? quoted : quoted + u" (%1)"_s.arg(near.mid(2));
 }
 
 } // namespace
-
-QVector<OfferedItem> offeredItems(const Catalogue& catalogue)
-{
-    QVector<OfferedItem> offered;
-    offered.reserve(catalogue.itemCount());
-    for (const CatalogueGroup& group : catalogue.groups) {
-        for (const CatalogueItem& item : group.items)
-            offered << OfferedItem{item, group.id, group.name};
-    }
-    return offered;
-}
 
 ItemPattern::ItemPattern(const QString& text, const QVector<OfferedItem>& offered) : text_(text)
 {
@@ -133,17 +122,17 @@ ItemPattern::ItemPattern(const QString& text, const QVector<OfferedItem>& offere
 
 bool ItemPattern::isCalled(const OfferedItem& item) const
 {
-    return text_ == item.item.name || text_ == item.item.id || text_ == item.path();
+    return text_ == item.name || text_ == item.id || text_ == item.path();
 }
 
 bool ItemPattern::matches(const OfferedItem& item) const
 {
     if (is_exact_)
         return isCalled(item);
-    if (isMatch(whole_, item.item.name))
+    if (isMatch(whole_, item.name))
         return true;
     return std::any_of(splits_.begin(), splits_.end(), [&item](const auto& split) {
-        return isMatch(split.first, item.group) && isMatch(split.second, item.item.name);
+        return isMatch(split.first, item.group) && isMatch(split.second, item.name);
     });
 }
 
@@ -174,7 +163,7 @@ FilteredItems filterItems(const QVector<OfferedItem>& offered, const ItemFilter&
         const bool is_wanted = patterns.meet(matches);
         const bool is_excluded = excluded.meet(matches);
         const bool is_of_type =
-            types.meet([&item](const QString& type) { return type == item.item.type; });
+            types.meet([&item](const QString& type) { return type == item.type; });
         if ((is_wanted || patterns.words.isEmpty()) && !is_excluded &&
             (is_of_type || types.words.isEmpty()))
             result.items << item;
@@ -194,8 +183,6 @@ FilteredItems filterItems(const QVector<OfferedItem>& offered, const ItemFilter&
 
 namespace {
 
-const int longest_text = 65535;
-
 QString numbered(const QString& name, const QSet<QString>& used, int* number)
 {
     QString candidate;
@@ -211,7 +198,7 @@ config::ItemConfig configOf(const CatalogueItem& item)
     config.id = item.id;
     config.type = value::findItemType(item.type);
     const bool is_text = config.type && config.type->size == 0;
-    if (is_text && item.length >= 1 && item.length <= longest_text)
+    if (is_text && item.length >= 1 && item.length <= config::limits::length)
         config.length = item.length;
     return config;
 }
@@ -236,12 +223,12 @@ NamedItems nameItems(const QVector<OfferedItem>& chosen)
     QSet<QString> used;
     // The natural names go first: a number must not take the name of an item further down.
     for (const OfferedItem& item : chosen)
-        used.insert(naturalName(item.group, item.item.name));
+        used.insert(naturalName(item.group, item.name));
     QSet<QString> given;
     QHash<QString, int> numbers;
     for (const OfferedItem& item : chosen) {
-        const QString natural = naturalName(item.group, item.item.name);
-        config::ItemConfig config = configOf(item.item);
+        const QString natural = naturalName(item.group, item.name);
+        config::ItemConfig config = configOf(item);
         config.name = natural;
         if (given.contains(natural)) {
             if (!numbers.contains(natural))
@@ -250,7 +237,7 @@ NamedItems nameItems(const QVector<OfferedItem>& chosen)
             used.insert(config.name);
             named.warnings
                 << u"\"%1\" is the name of another item already; the one with the id \"%2\" is "
-                   "called \"%3\""_s.arg(natural, terminal::printable(item.item.id), config.name);
+                   "called \"%3\""_s.arg(natural, terminal::printable(item.id), config.name);
         }
         given.insert(config.name);
         named.items << config;

@@ -13,19 +13,6 @@
 
 namespace tovik_host::service {
 
-/// An item of a catalogue together with its group.
-struct OfferedItem
-{
-    CatalogueItem item;
-    QString group_id;
-    QString group; ///< The group's name.
-
-    QString path() const { return group + u'/' + item.name; }
-};
-
-/// All items of a catalogue, in its order.
-QVector<OfferedItem> offeredItems(const Catalogue& catalogue);
-
 /// A pattern for items: `GROUP/ITEM` is compared with both names, anything else with the item's
 /// name. An id stands for itself, without wildcards, as ids often begin with the name of the group.
 /// `*` stands for any characters, `?` for one, `[...]` for one of several; names that contain

@@ -194,7 +194,7 @@ QString ConfigureDialogue::search(const QString& text)
     QVector<int> found;
     for (int i = 0; i < offered_.size(); ++i) {
         const OfferedItem& item = offered_.at(i);
-        for (const QString& where : {item.path(), item.item.id, item.item.type}) {
+        for (const QString& where : {item.path(), item.id, item.type}) {
             if (!where.contains(text, Qt::CaseInsensitive))
                 continue;
             found << i;
@@ -235,7 +235,7 @@ QString ConfigureDialogue::line(int index) const
     const int digits = QString::number(offered_.size()).size();
     return u"%1 %2  %3  %4"_s.arg(chosen_.at(index) ? u"*"_s : u" "_s)
         .arg(index + 1, digits)
-        .arg(terminal::printable(item.path()), item.item.shownType());
+        .arg(terminal::printable(item.path()), item.shownType());
 }
 
 } // namespace tovik_host::service

@@ -14,12 +14,7 @@ namespace {
 
 using Positions = QHash<QString, QVector<int>>;
 
-QString pathOf(const DiffItem& item)
-{
-    return item.group.isEmpty() ? item.name : item.group + u'/' + item.name;
-}
-
-Positions positionsById(const QVector<DiffItem>& items)
+Positions positionsById(const QVector<OfferedItem>& items)
 {
     Positions positions;
     for (int i = 0; i < items.size(); ++i)
@@ -44,7 +39,7 @@ struct Partners
 
 /// Items of two sides of one kind, one to one. An id that stands in several groups goes to its own
 /// group first.
-Partners partners(const QVector<DiffItem>& before, const QVector<DiffItem>& after)
+Partners partners(const QVector<OfferedItem>& before, const QVector<OfferedItem>& after)
 {
     Positions free = positionsById(after);
     Partners found(before.size(), after.size());
@@ -77,14 +72,14 @@ bool isNameFor(const QString& name, const QString& natural)
 
 /// For every item of a configuration the catalogue's, or -1: several may use the same one. Of
 /// several with the id it is the one that the name is for.
-QVector<int> usedItems(const QVector<DiffItem>& config, const QVector<DiffItem>& catalogue)
+QVector<int> usedItems(const QVector<OfferedItem>& config, const QVector<OfferedItem>& catalogue)
 {
     const Positions positions = positionsById(catalogue);
     QVector<int> used;
-    for (const DiffItem& item : config) {
+    for (const OfferedItem& item : config) {
         const QVector<int> candidates = positions.value(item.id);
         const auto named = std::find_if(candidates.begin(), candidates.end(), [&](int candidate) {
-            const DiffItem& offered = catalogue.at(candidate);
+            const OfferedItem& offered = catalogue.at(candidate);
             return isNameFor(item.name, naturalName(offered.group, offered.name));
         });
         used << (named != candidates.end() ? *named : candidates.value(0, -1));
@@ -116,22 +111,21 @@ public:
         compareGroups();
         const Partners found = partners(before_, after_);
         QHash<QString, QString> ids_of_paths;
-        for (const DiffItem& item : after_.items)
+        for (const OfferedItem& item : after_.items)
             ids_of_paths.insert(nameOf(item), item.id);
         for (int i = 0; i < before_.items.size(); ++i) {
-            const DiffItem& item = before_.items.at(i);
+            const OfferedItem& item = before_.items.at(i);
             for (const int partner : found.of.at(i))
                 compare(item, after_.items.at(partner));
             if (found.of.at(i).isEmpty() && (before_.is_config || !after_.is_config)) {
-                found_ << Difference{Difference::gone, item.id,   pathOf(item),
+                found_ << Difference{Difference::gone, item.id,   item.path(),
                                      item.type,        QString(), ids_of_paths.value(nameOf(item))};
             }
         }
         for (int i = 0; i < after_.items.size(); ++i) {
-            const DiffItem& item = after_.items.at(i);
+            const OfferedItem& item = after_.items.at(i);
             if (found.is_new.at(i) && (after_.is_config || !before_.is_config))
-                found_ << Difference{Difference::added, item.id, pathOf(item), QString(),
-                                     item.type};
+                found_ << Difference{Difference::added, item.id, item.path(), QString(), item.type};
         }
         return found_;
     }
@@ -139,26 +133,26 @@ public:
 private:
     /// What identifies an item for people: in catalogues group and name, else the name of a
     /// configuration.
-    static QString nameOf(const DiffItem& item)
+    static QString nameOf(const OfferedItem& item)
     {
         return item.group.isEmpty() ? item.name : naturalName(item.group, item.name);
     }
 
-    void add(Difference::Kind kind, const DiffItem& item, const QString& old_text,
+    void add(Difference::Kind kind, const OfferedItem& item, const QString& old_text,
              const QString& new_text)
     {
         if (old_text != new_text)
-            found_ << Difference{kind, item.id, pathOf(item), old_text, new_text};
+            found_ << Difference{kind, item.id, item.path(), old_text, new_text};
     }
 
     void compareGroups()
     {
-        QHash<QString, const DiffGroup*> old_groups;
-        for (const DiffGroup& group : before_.groups)
+        QHash<QString, const CatalogueGroup*> old_groups;
+        for (const CatalogueGroup& group : before_.groups)
             old_groups.insert(group.id, &group);
-        for (const DiffGroup& group : after_.groups) {
+        for (const CatalogueGroup& group : after_.groups) {
             // An id that stands there twice is compared once.
-            const DiffGroup* old_group = old_groups.take(group.id);
+            const CatalogueGroup* old_group = old_groups.take(group.id);
             if (!old_group)
                 continue;
             if (old_group->name != group.name)
@@ -170,7 +164,7 @@ private:
         }
     }
 
-    void compare(const DiffItem& old_item, const DiffItem& new_item)
+    void compare(const OfferedItem& old_item, const OfferedItem& new_item)
     {
         if (before_.is_config || after_.is_config) {
             compareNames(old_item, new_item);
@@ -180,14 +174,14 @@ private:
         add(Difference::renamed, old_item, old_item.name, new_item.name);
         add(Difference::retyped, old_item, old_item.type, new_item.type);
         if (old_item.group_id != new_item.group_id) {
-            found_ << Difference{Difference::moved, old_item.id, pathOf(old_item), old_item.group,
+            found_ << Difference{Difference::moved, old_item.id, old_item.path(), old_item.group,
                                  new_item.group};
         }
         add(Difference::resized, old_item, QString::number(old_item.length),
             QString::number(new_item.length));
     }
 
-    void compareNames(const DiffItem& old_item, const DiffItem& new_item)
+    void compareNames(const OfferedItem& old_item, const OfferedItem& new_item)
     {
         const QString old_name = nameOf(old_item);
         const QString new_name = nameOf(new_item);
@@ -211,26 +205,16 @@ const char* const kind_names[] = {"gone",  "added",  "renamed",       "type",
 
 DiffSide diffSide(const Catalogue& catalogue)
 {
-    DiffSide side;
-    side.items.reserve(catalogue.itemCount());
-    for (const CatalogueGroup& group : catalogue.groups) {
-        side.groups << DiffGroup{group.id, group.name, group.permission};
-        for (const CatalogueItem& item : group.items)
-            side.items << DiffItem{item.id,   group.id,  group.name,
-                                   item.name, item.type, item.length};
-    }
-    return side;
+    return {false, offeredItems(catalogue.groups), catalogue.groups};
 }
 
 DiffSide diffSide(const config::HostConfig& config)
 {
     DiffSide side;
     side.is_config = true;
-    for (const config::ItemConfig& item : config.items) {
-        side.items << DiffItem{
-            item.id,    QString(), QString(), item.name, QString::fromLatin1(item.type->name),
-            item.length};
-    }
+    for (const config::ItemConfig& item : config.items)
+        side.items << OfferedItem{
+            {item.id, item.name, QLatin1String(item.type->name), item.length}};
     return side;
 }
 

@@ -9,32 +9,12 @@
 
 namespace tovik_host::service {
 
-/// An item of either side of a comparison.
-struct DiffItem
-{
-    QString id;
-    QString group_id; ///< Of a configuration's item: empty, as the two below are.
-    QString group;
-    QString name; ///< Of a configuration's item: the name that it has there.
-    QString type;
-    int length = 0;
-};
-
-/// A group of a catalogue.
-struct DiffGroup
-{
-    QString id;
-    QString name;
-    QString permission;
-};
-
 /// One side of a comparison.
 struct DiffSide
 {
-    /// Whether it is the items that a host uses, and not all that a service has.
-    bool is_config = false;
-    QVector<DiffItem> items;
-    QVector<DiffGroup> groups; ///< Of a catalogue.
+    bool is_config = false;     ///< It is the items that a host uses, not all that a service has.
+    QVector<OfferedItem> items; ///< Those of a configuration have no group, and its names.
+    QVector<CatalogueGroup> groups; ///< Of a catalogue.
 };
 
 DiffSide diffSide(const Catalogue& catalogue);

@@ -50,35 +50,20 @@ bool looksLikeJson(const QByteArray& bytes)
 /// The record of what a configuration of `watch` says, and notes of what it does not.
 void takeConfiguration(const config::LoadedConfig& loaded, File* file)
 {
-    const config::ServiceConfig& service = loaded.config.service;
-    PropertyTovikIot& record = file->reading.record;
+    const config::Account& service = loaded.config.service;
+    file->reading.record = config::recordOf(service, loaded.config.items);
     file->notes = loaded.warnings;
-    if (!service.url.isEmpty()) {
-        record.host = service.url;
-    } else {
+    if (service.url.isEmpty()) {
         file->notes << u"%1 has no service.url: the record has %2 there, which is no service"_s.arg(
-            file->path, record.host);
+            file->path, file->reading.record.host);
     }
     if (service.password.isEmpty()) {
-        file->notes
-            << u"%1 gives no password: the record has an empty one, with which no login succeeds"_s
-                   .arg(file->path);
-    }
-    record.project = service.project;
-    record.email = service.email;
-    record.password = service.password;
-    for (const config::ItemConfig& config : loaded.config.items) {
-        PropertyTovikIotDataItem item;
-        item.name = config.name;
-        item.dataitem_id = config.id;
-        item.type = QString::fromLatin1(config.type->name);
-        if (config.length > 0)
-            item.length = config.length;
-        record.dataitems << item;
+        file->notes << u"%1 gives no password: the record has an empty one, with which no login "
+                       "succeeds"_s.arg(file->path);
     }
     file->conversion_notes
-        << u"%1 has no groups, no cached values, no status, alert, time or marks of items: the "
-           "record has its defaults there"_s.arg(file->path);
+        << u"%1 has no groups, no cached values, no status, alert, time or marks "
+           "of items: the record has its defaults there"_s.arg(file->path);
 }
 
 File readJson(const QString& path, const QByteArray& bytes)

@@ -260,12 +260,11 @@ OrderedJson formatToJson(const Hints& format)
         const std::optional<bool>& value = format.*choice.hint;
         const bool is_usual = choice.hint == &Hints::single_precision && value == false;
         if (value && !is_usual)
-            object[choice.name] = choice.word(*value).toStdString();
+            object[choice.name] = choice.word(*value);
         if (choice.hint == &Hints::is_variant && format.versions) {
             const Versions& range = *format.versions;
-            object["version"] = range.first == range.last
-                                    ? OrderedJson(range.first)
-                                    : OrderedJson(rangeText(range).toStdString());
+            object["version"] = range.first == range.last ? OrderedJson(range.first)
+                                                          : OrderedJson(rangeText(range));
         }
     }
     return object;

@@ -119,9 +119,8 @@ OrderedJson jsonOf(const File& file, const OrderedJson& record)
 {
     OrderedJson problems = OrderedJson::array();
     for (const Problem& problem : file.reading.problems) {
-        problems.push_back({{"offset", problem.offset},
-                            {"member", problem.member.toStdString()},
-                            {"problem", problem.text.toStdString()}});
+        problems.push_back(
+            {{"offset", problem.offset}, {"member", problem.member}, {"problem", problem.text}});
     }
     return {{"stream", formatToJson(file.format)}, {"tovik_iot", record}, {"problems", problems}};
 }

@@ -19,7 +19,7 @@ OrderedJson jsonValue(const ItemType& type, const std::optional<QString>& value)
     if (!value)
         return nullptr;
     if (!type.is_number)
-        return value->toStdString();
+        return *value;
     bool is_whole = false;
     const qint64 whole = value->toLongLong(&is_whole);
     if (is_whole)
@@ -28,9 +28,9 @@ OrderedJson jsonValue(const ItemType& type, const std::optional<QString>& value)
     return std::isfinite(number) ? OrderedJson(number) : OrderedJson(nullptr);
 }
 
-std::string jsonTime(const QDateTime& time)
+QString jsonTime(const QDateTime& time)
 {
-    return time.toUTC().toString(Qt::ISODateWithMs).toStdString();
+    return time.toUTC().toString(Qt::ISODateWithMs);
 }
 
 QString jsonLine(const OrderedJson& line)

@@ -12,6 +12,32 @@
 
 /// \file
 /// What the program says in JSON: one object on a line.
+
+namespace nlohmann {
+
+template <>
+struct adl_serializer<QString>
+{
+    template <typename Json>
+    static void to_json(Json& json, const QString& text)
+    {
+        json = text.toStdString();
+    }
+};
+
+/// Nothing is null.
+template <typename Value>
+struct adl_serializer<std::optional<Value>>
+{
+    template <typename Json>
+    static void to_json(Json& json, const std::optional<Value>& value)
+    {
+        json = value ? Json(*value) : Json(nullptr);
+    }
+};
+
+} // namespace nlohmann
+
 namespace tovik_host::value {
 
 using OrderedJson = nlohmann::ordered_json;
@@ -26,7 +52,7 @@ OrderedJson jsonReport(const char* event, const QDateTime& time = QDateTime());
 /// for the infinities and not-a-number, which JSON does not have.
 OrderedJson jsonValue(const ItemType& type, const std::optional<QString>& value);
 /// The moment as UTC, with milliseconds.
-std::string jsonTime(const QDateTime& time);
+QString jsonTime(const QDateTime& time);
 /// The object as one line of UTF-8.
 QString jsonLine(const OrderedJson& line);
 /// The whole text of a file, with a line break at its end.

@@ -7,9 +7,9 @@ namespace tovik_host::watch {
 
 namespace {
 
-value::OrderedJson seconds(const std::optional<int>& milliseconds)
+std::optional<double> seconds(const std::optional<int>& milliseconds)
 {
-    return milliseconds ? value::OrderedJson(*milliseconds / 1000.0) : value::OrderedJson(nullptr);
+    return milliseconds ? std::optional<double>(*milliseconds / 1000.0) : std::nullopt;
 }
 
 /// Null while there was none.
@@ -19,7 +19,7 @@ value::OrderedJson lastError(const value::DriverNumbers& numbers, const QDateTim
         return nullptr;
     value::OrderedJson error;
     error["result"] = *numbers.last_error;
-    error["text"] = value::resultText(*numbers.last_error).toStdString();
+    error["text"] = value::resultText(*numbers.last_error);
     if (numbers.last_error_age)
         error["time"] = value::jsonTime(now.addMSecs(-*numbers.last_error_age));
     return error;
@@ -42,13 +42,13 @@ value::OrderedJson agesOf(const WatchModel& model)
 void JsonView::start(const WatchSubject& subject, const QDateTime& now)
 {
     value::OrderedJson line = value::jsonReport("start", now);
-    line["library"] = subject.library.toStdString();
-    line["driver_version"] = subject.driver_version.toStdString();
+    line["library"] = subject.library;
+    line["driver_version"] = subject.driver_version;
     if (subject.link.isEmpty()) {
-        line["url"] = subject.url.toStdString();
-        line["project"] = subject.project.toStdString();
+        line["url"] = subject.url;
+        line["project"] = subject.project;
     } else {
-        line["link"] = subject.link.toStdString();
+        line["link"] = subject.link;
     }
     output_.line(value::jsonLine(line));
 }
@@ -66,7 +66,7 @@ void JsonView::valueChanged(const ItemState& state)
 void JsonView::staleChanged(const WatchModel& model, int index, const QDateTime& now)
 {
     value::OrderedJson line = value::jsonReport("stale", now);
-    line["item"] = model.items().at(index).item.name.toStdString();
+    line["item"] = model.items().at(index).item.name;
     line["stale"] = model.items().at(index).is_stale;
     line["age_seconds"] = seconds(model.ageOf(index));
     output_.line(value::jsonLine(line));
@@ -75,14 +75,14 @@ void JsonView::staleChanged(const WatchModel& model, int index, const QDateTime&
 void JsonView::statusChanged(const WatchModel& model)
 {
     value::OrderedJson line = value::jsonReport("status", model.statusSince());
-    line["status"] = value::statusCode(model.status()).toStdString();
-    line["status_text"] = value::statusText(model.status(), model.statusOf()).toStdString();
+    line["status"] = value::statusCode(model.status());
+    line["status_text"] = value::statusText(model.status(), model.statusOf());
     if (model.status() != 0 && model.cycleEnd() >= 0) {
-        line["cycle_ends_at"] = model.items().at(model.cycleEnd()).item.name.toStdString();
+        line["cycle_ends_at"] = model.items().at(model.cycleEnd()).item.name;
         line["not_reached"] = value::OrderedJson::array();
         for (int i = 0; i < model.items().size(); ++i) {
             if (model.isNotReached(i))
-                line["not_reached"].push_back(model.items().at(i).item.name.toStdString());
+                line["not_reached"].push_back(model.items().at(i).item.name);
         }
     }
     output_.line(value::jsonLine(line));
@@ -91,7 +91,7 @@ void JsonView::statusChanged(const WatchModel& model)
 void JsonView::causeFound(const WatchModel& model, const QDateTime& now)
 {
     value::OrderedJson line = value::jsonReport("cause", now);
-    line["cause"] = model.cause().toStdString();
+    line["cause"] = model.cause();
     output_.line(value::jsonLine(line));
 }
 
@@ -107,9 +107,8 @@ void JsonView::numbersDue(const WatchModel& model, const QDateTime& now)
         line["longest_cycle_seconds"] = seconds(numbers.longest_cycle);
     }
     if (numbers.read_count) {
-        const std::optional<double> rate = model.readsPerSecond();
         line["read_count"] = *numbers.read_count;
-        line["reads_per_second"] = rate ? value::OrderedJson(*rate) : value::OrderedJson(nullptr);
+        line["reads_per_second"] = model.readsPerSecond();
     }
     if (numbers.reconnect_count)
         line["reconnect_count"] = *numbers.reconnect_count;

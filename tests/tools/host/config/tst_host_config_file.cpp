@@ -94,7 +94,7 @@ void TestHostConfigFile::readsEverything()
     QCOMPARE(config.items.size(), 2);
     QCOMPARE(config.items.at(1).type->name, "String");
     QCOMPARE(config.items.at(1).length, 12);
-    QCOMPARE(findItem(config, QStringLiteral("A"))->id, QStringLiteral("1"));
+    QCOMPARE(findItem(config.items, QStringLiteral("A"))->id, QStringLiteral("1"));
     QCOMPARE(config.error_handling.type, 1);
     QCOMPARE(config.error_handling.return_time, 7);
     QCOMPARE(config.error_handling.retry_count, 4);

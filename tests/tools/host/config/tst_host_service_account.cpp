@@ -1,4 +1,5 @@
 #include "tools/host/config/account.h"
+#include "tools/host/config/config_file.h"
 #include "tools/host/terminal/exit_code.h"
 
 #include <QTemporaryDir>
@@ -48,19 +49,19 @@ void TestHostServiceAccount::takesOptionsBeforeTheRest()
                                      "\"email\": \"ec\", \"password\": \"s\"}, \"items\": "
                                      "[{\"name\": \"a\", \"id\": \"i\", \"type\": \"Bit\"}]}");
     Account base;
-    base.service.project = QStringLiteral("base");
+    base.project = QStringLiteral("base");
     Account account = resolveAccount(options, base);
-    QCOMPARE(account.service.url, QStringLiteral("https://c"));
-    QCOMPARE(account.service.project, QStringLiteral("pc"));
-    QCOMPARE(account.service.password, QStringLiteral("s"));
+    QCOMPARE(account.url, QStringLiteral("https://c"));
+    QCOMPARE(account.project, QStringLiteral("pc"));
+    QCOMPARE(account.password, QStringLiteral("s"));
     options.project = QStringLiteral("po");
     options.email = QStringLiteral("eo");
     options.url_file = write("url", "https://f:1\n");
     account = resolveAccount(options, base);
-    QCOMPARE(account.service.url, QStringLiteral("https://f:1"));
-    QCOMPARE(account.service.project, QStringLiteral("po"));
-    QCOMPARE(account.service.email, QStringLiteral("eo"));
-    QCOMPARE(resolveAccount(AccountOptions(), base).service.project, QStringLiteral("base"));
+    QCOMPARE(account.url, QStringLiteral("https://f:1"));
+    QCOMPARE(account.project, QStringLiteral("po"));
+    QCOMPARE(account.email, QStringLiteral("eo"));
+    QCOMPARE(resolveAccount(AccountOptions(), base).project, QStringLiteral("base"));
 }
 
 void TestHostServiceAccount::takesPasswordFromTheFirstPlace_data()
@@ -98,13 +99,13 @@ void TestHostServiceAccount::takesPasswordFromTheFirstPlace()
     if (variable)
         options.password_env = QStringLiteral("TOVIK_TEST_PASSWORD");
     if (config) {
-        base.service.password = QStringLiteral("from config");
+        base.password = QStringLiteral("from config");
         base.has_password = true;
     }
     if (usual_variable)
         qputenv("TOVIK_PASSWORD", "from usual");
     const Account account = resolveAccount(options, base);
-    QCOMPARE(account.service.password, password);
+    QCOMPARE(account.password, password);
     QCOMPARE(account.has_password, !password.isEmpty());
     QCOMPARE(account.password_env, password_env);
     QCOMPARE(account.password_file, file ? folder_.filePath(QStringLiteral("pw")) : QString());
@@ -117,9 +118,10 @@ void TestHostServiceAccount::remembersWhereAConfigurationHasIt()
     const QByteArray start = "{\"service\": {\"project\": \"p\", \"email\": \"e\", ";
     const QString config = write("c.json", start + "\"password_file\": \"pw\"" + end);
     AccountOptions options;
-    const Account of_file = resolveAccount(options, accountOfConfig(config));
+    const Account of_file =
+        resolveAccount(options, loadConfig(config, Password::in_file).config.service);
     QCOMPARE(of_file.password_file, folder_.filePath(QStringLiteral("pw")));
-    QCOMPARE(of_file.service.password, QStringLiteral("from file"));
+    QCOMPARE(of_file.password, QStringLiteral("from file"));
     QVERIFY(of_file.has_password);
     options.config = write("c.json", start + "\"password_env\": \"TOVIK_TEST_PASSWORD\"" + end);
     const Account of_variable = resolveAccount(options, Account());
@@ -131,10 +133,10 @@ void TestHostServiceAccount::remembersWhereAConfigurationHasIt()
     QVERIFY(!of_none.has_password);
     QCOMPARE(of_none.password_env, QStringLiteral("TOVIK_TEST_PASSWORD"));
     qputenv("TOVIK_PASSWORD", "from usual");
-    QCOMPARE(resolveAccount(options, Account()).service.password, QStringLiteral("from usual"));
+    QCOMPARE(resolveAccount(options, Account()).password, QStringLiteral("from usual"));
     QVERIFY(!resolveAccount(options, Account(), false).has_password);
     options.password_file = folder_.filePath(QStringLiteral("pw"));
-    QCOMPARE(resolveAccount(options, Account()).service.password, QStringLiteral("from file"));
+    QCOMPARE(resolveAccount(options, Account()).password, QStringLiteral("from file"));
 }
 
 void TestHostServiceAccount::complains_data()
@@ -179,7 +181,7 @@ void TestHostServiceAccount::complains()
 void TestHostServiceAccount::saysWhatIsMissing()
 {
     Account account;
-    account.service.url = QStringLiteral("https://h");
+    account.url = QStringLiteral("https://h");
     try {
         requireAccount(account);
         QFAIL("no error");
@@ -188,8 +190,8 @@ void TestHostServiceAccount::saysWhatIsMissing()
                  QStringLiteral("the account is not complete; add --project NAME, --email ADDRESS, "
                                 "or a configuration with --config"));
     }
-    account.service.project = QStringLiteral("p");
-    account.service.email = QStringLiteral("e");
+    account.project = QStringLiteral("p");
+    account.email = QStringLiteral("e");
     requireAccount(account);
 }
 

@@ -32,9 +32,7 @@ namespace {
 Catalogue withNames(const QString& group, const QString& item)
 {
     const CatalogueItem entry = {QStringLiteral("i"), item, QStringLiteral("String"), 40, true};
-    return {QStringLiteral("https://h:1"),
-            QStringLiteral("p"),
-            QStringLiteral("e"),
+    return {{QStringLiteral("https://h:1"), QStringLiteral("p"), QStringLiteral("e"), QString()},
             {{QStringLiteral("g"), group, QStringLiteral("L"), QStringLiteral("R"), true, {entry}},
              {QStringLiteral("empty"), QStringLiteral("E"), {}, {}, false, {}}}};
 }
@@ -80,7 +78,7 @@ void TestHostCatalogueFile::bringsBackWhatWasSaved()
 void TestHostCatalogueFile::keepsSecretsOut()
 {
     Catalogue catalogue = withNames(QStringLiteral("G"), QStringLiteral("I"));
-    catalogue.url = QStringLiteral("https://me:s3cret@h:1");
+    catalogue.account.url = QStringLiteral("https://me:s3cret@h:1");
     const QString text = catalogueJson(catalogue);
     QVERIFY(text.contains(QLatin1String("\"https://h:1\"")));
     QVERIFY(!text.contains(QLatin1String("s3cret")));

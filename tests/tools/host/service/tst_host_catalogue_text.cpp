@@ -29,8 +29,8 @@ Catalogue plant()
                              QString::fromUtf8(type), length, alert};
     };
     Catalogue catalogue;
-    catalogue.url = QStringLiteral("https://me:s3cret@h:1");
-    catalogue.project = QStringLiteral("p");
+    catalogue.account.url = QStringLiteral("https://me:s3cret@h:1");
+    catalogue.account.project = QStringLiteral("p");
     catalogue.groups = {
         {QStringLiteral("b"),
          QStringLiteral("Boiler"),

@@ -146,7 +146,7 @@ void TestHostConfigureChoice::filters()
     const FilteredItems filtered = filterItems(plant(), {patterns, excluded, types});
     QStringList found;
     for (const OfferedItem& item : filtered.items)
-        found << item.item.id;
+        found << item.id;
     QCOMPARE(found.join(QLatin1Char(' ')), ids);
     QCOMPARE(filtered.without_match.join(QLatin1Char(' ')), without_match);
 }
@@ -158,7 +158,7 @@ void TestHostConfigureChoice::choosesByTheWholeNameAlone()
         offered(QStringLiteral("G"), QStringLiteral("Temp [1]"), QStringLiteral("b"))};
     const FilteredItems filtered = filterItems(items, {{QStringLiteral("Temp [1]")}, {}, {}});
     QCOMPARE(filtered.items.size(), 1);
-    QCOMPARE(filtered.items.first().item.id, QStringLiteral("b"));
+    QCOMPARE(filtered.items.first().id, QStringLiteral("b"));
 }
 
 void TestHostConfigureChoice::refusesUnknownTypes()

@@ -48,7 +48,7 @@ QString idsOf(const ConfigureDialogue& dialogue)
 {
     QStringList ids;
     for (const OfferedItem& item : dialogue.chosen())
-        ids << item.item.id;
+        ids << item.id;
     return ids.join(QLatin1Char(' '));
 }
 

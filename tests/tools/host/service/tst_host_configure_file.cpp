@@ -43,11 +43,8 @@ OfferedItem offered(const QString& group, const QString& name, const QString& id
 
 config::Account account()
 {
-    config::Account account;
-    account.service = {QStringLiteral("https://me:other@h:1"), QStringLiteral("p"),
-                       QStringLiteral("e"), QStringLiteral("s3cret")};
-    account.has_password = true;
-    return account;
+    return {QStringLiteral("https://me:other@h:1"), QStringLiteral("p"), QStringLiteral("e"),
+            QStringLiteral("s3cret"), true};
 }
 
 QByteArray contentOf(const QString& path)
@@ -139,7 +136,7 @@ void TestHostConfigureFile::makesWhatTheToolReads()
     terminal::saveFile(path, config::configJson(account(), named.items, true).toUtf8(), false);
     const config::LoadedConfig loaded = config::loadConfig(path);
     QCOMPARE(loaded.warnings, QStringList());
-    QCOMPARE(loaded.config.service.url, account().service.url);
+    QCOMPARE(loaded.config.service.url, account().url);
     QCOMPARE(loaded.config.service.project, QStringLiteral("p"));
     QCOMPARE(loaded.config.service.email, QStringLiteral("e"));
     QCOMPARE(loaded.config.service.password, QStringLiteral("s3cret"));

@@ -28,7 +28,7 @@ DiffSide side(const QString& text, bool is_config = false)
     side.is_config = is_config;
     for (const QString& entry : text.split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
         const QStringList words = entry.section(QLatin1Char(' '), 1).split(QLatin1Char('/'));
-        DiffItem item;
+        OfferedItem item;
         item.id = entry.section(QLatin1Char(' '), 0, 0);
         if (is_config) {
             item.name = words.at(0);
@@ -39,7 +39,8 @@ DiffSide side(const QString& text, bool is_config = false)
             item.name = words.at(2);
             item.type = words.at(3);
             item.length = words.at(4).toInt();
-            side.groups << DiffGroup{item.group_id, item.group, words.value(5)};
+            side.groups << CatalogueGroup{item.group_id,  item.group, QString(),
+                                          words.value(5), false,      {}};
         }
         side.items << item;
     }
@@ -171,9 +172,9 @@ void TestHostDiffItems::comparesLargeCatalogues()
 {
     DiffSide before;
     for (int i = 0; i < 50000; ++i) {
-        before.items << DiffItem{QString::number(i),    QStringLiteral("g"),
-                                 QStringLiteral("G"),   QString::number(i % 1000),
-                                 QStringLiteral("Bit"), 1};
+        const CatalogueItem item = {QString::number(i), QString::number(i % 1000),
+                                    QStringLiteral("Bit"), 1};
+        before.items << OfferedItem{item, QStringLiteral("g"), QStringLiteral("G")};
     }
     DiffSide after = before;
     after.items.removeLast();

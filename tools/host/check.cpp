@@ -1,5 +1,4 @@
 #include "tools/host/check/check.h"
-#include "tools/host/check/link_walk.h"
 #include "tools/host/commands.h"
 #include "tools/host/driver/device_config.h"
 #include "tools/host/terminal/exit_code.h"

@@ -73,17 +73,16 @@ int Raw::run() const
         throw terminal::UsageError(request.problem);
     terminal::Context context;
     driver::DeviceSetup setup(common, {}, context);
-    driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
-    if (!setup.open(host))
+    if (!setup.open())
         return terminal::exitRefused;
-    if (!force && !host.supportsRaw()) {
+    if (!force && !setup.host.supportsRaw()) {
         context.complain(
             subject(),
             u"the driver says that it does not support the transparent mode; --force tries all the "
             "same"_s);
         return terminal::exitRefused;
     }
-    const driver::DeviceAnswer answer = host.sendRaw(request.bytes);
+    const driver::DeviceAnswer answer = setup.host.sendRaw(request.bytes);
     const QString problem = problemOf(setup, answer);
     if (common.json)
         printJson(context, request.bytes, answer.answer, problem);

@@ -48,7 +48,7 @@ QString problemOf(const driver::FirstValue& value, const driver::FirstValues& fi
         return u"the driver's bytes [%1] are no %2"_s.arg(value::hexText(value.answer.bytes), type);
     if (first.waited == terminal::Waited::interrupted)
         return u"interrupted"_s;
-    const QString status = value::statusTextWithCode(first.status, value::StatusOf::service);
+    const QString status = value::statusTextWithCode(first.status);
     const QString end = endOfCycle(first);
     if (!end.isEmpty() && end != value.item.name)
         return u"not reached: %1 ends the cycle with %2"_s.arg(end, status);
@@ -110,8 +110,7 @@ int Read::runOfService() const
     terminal::Context context;
     const driver::ServiceSetup setup(common, context);
     const driver::FirstValues first =
-        driver::fetchFirstValues(setup.plugin, setup.config, setup.chosen(items),
-                                 context.unix_signals, int(common.timeout * 1000));
+        driver::fetchFirstValues(context, setup, setup.chosen(items), int(common.timeout * 1000));
     bool complete = true;
     for (const driver::FirstValue& value : first.values) {
         const QString problem = problemOf(value, first);
@@ -131,12 +130,11 @@ int Read::runOfDevice() const
 {
     terminal::Context context;
     driver::DeviceSetup setup(common, items, context);
-    driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
-    if (!setup.open(host))
+    if (!setup.open())
         return terminal::exitRefused;
     bool complete = true;
     for (const config::ItemConfig& item : qAsConst(setup.config.items)) {
-        const driver::DeviceAnswer answer = host.read(item);
+        const driver::DeviceAnswer answer = setup.host.read(item);
         const QString problem = setup.problemOf(item, answer);
         complete = complete && problem.isEmpty();
         print(context, item, answer.answer, problem);

@@ -89,13 +89,12 @@ int Watch::runOfDevice() const
     terminal::Context context;
     driver::DeviceSetup setup(common, items, context);
     const std::unique_ptr<watch::WatchView> view = watch::makeWatchView(common, context);
-    driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
-    if (!setup.open(host))
+    if (!setup.open())
         return terminal::exitRefused;
     view->start({setup.plugin.path(), setup.plugin.versionText(), QString(), QString(),
                  driver::linkText(setup.config.link)},
                 QDateTime::currentDateTime());
-    watch::DeviceWatch device_watch(setup, host, *view, goal,
+    watch::DeviceWatch device_watch(setup, *view, goal,
                                     !watch::isWatchedOnTerminal(common) && !common.verbose);
     device_watch.run(seconds, interval);
     return watch::endWatch(*view, device_watch.model(), goal, context);

@@ -108,10 +108,9 @@ int Write::runOfDevice() const
     driver::DeviceSetup setup(common, {item}, context);
     const config::ItemConfig to = onlyOne(setup.config.items, item);
     const QByteArray bytes = encoded(to, value);
-    driver::DeviceHost host(setup.plugin, setup.config, context.unix_signals);
-    if (!setup.open(host))
+    if (!setup.open())
         return terminal::exitRefused;
-    const QString failure = setup.failureOf(host.write(to, bytes));
+    const QString failure = setup.failureOf(setup.host.write(to, bytes));
     return report(context, to, bytes, u"written"_s,
                   failure.isEmpty() ? QString() : u"not written: "_s + failure);
 }

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void printsAVerdict();
     void needsAnAddress();
     void hasATrace();
+    void saysThatTheOutputIsFull();
 };
 
 void TestHostProgramCheckLink::walks_data()
@@ -112,6 +113,16 @@ void TestHostProgramCheckLink::hasATrace()
     HostProcess host;
     QCOMPARE(runOn(host, device, words("check hex:0500 --trace")), 0);
     QCOMPARE(host.errors().count(QLatin1String(" >> ")), 5); // one item, as often as times need
+}
+
+void TestHostProgramCheckLink::saysThatTheOutputIsFull()
+{
+    LineDevice device;
+    HostProcess host;
+    host.process().setStandardOutputFile(QStringLiteral("/dev/full"));
+    QCOMPARE(runOn(host, device, words("check hex:0500")), 2);
+    QCOMPARE(host.errors(), QStringLiteral("tovik-host: cannot write the standard output: "
+                                           "No space left on device\n"));
 }
 
 QTEST_GUILESS_MAIN(TestHostProgramCheckLink)

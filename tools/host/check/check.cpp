@@ -211,7 +211,7 @@ void Walk::showNotTried()
     if (names.isEmpty())
         return;
     for (const QString& name : names)
-        show(makeStep(name.toLatin1().constData(), Severity::not_tried, QString()));
+        show(makeStep(name.toLatin1().constData(), Severity::not_tried));
     for (const config::ItemConfig& item : items_) {
         ItemFinding finding;
         finding.item = item;
@@ -235,9 +235,7 @@ int runCheck(const config::CommonOptions& common, const QStringList& items)
     const auto tell = [&](const CheckStep& step) { context.out.line(stepLine(step, common.json)); };
     Walk walk(context, config, wanted, common.timeout, tell, trace.get());
     const Verdict verdict = has_account ? walk.toTheValues() : walk.toTheService();
-    for (const QString& line : verdictLines(verdict, common.json))
-        context.out.line(line);
-    return context.codeAfterWriting(verdict.is_well ? terminal::exitDone : terminal::exitRefused);
+    return tellVerdict(context, verdict, common.json);
 }
 
 QString causeOfSilence(terminal::Context& context, const QString& url, double timeout)

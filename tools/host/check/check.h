@@ -10,6 +10,9 @@ namespace tovik_host::check {
 /// verdict; without a configuration as far as no account is needed. Returns the exit code; throws
 /// UsageError.
 int runCheck(const config::CommonOptions& common, const QStringList& items);
+/// The same from a device to a host.
+/// \param addresses as for driver::deviceConfig()
+int runLinkCheck(const config::CommonOptions& common, const QStringList& addresses);
 
 /// Why nothing comes from the service at \a url, in one line: what a check finds between here and
 /// its first words; empty: the way is free. Asks nobody to log in. \param timeout in seconds

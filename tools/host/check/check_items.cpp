@@ -184,7 +184,7 @@ CheckStep judgeCatalogue(const service::ClientOutcome& outcome,
 
 CheckStep judgeItem(const ItemFinding& finding)
 {
-    CheckStep step = makeStep("item", Severity::ok, QString());
+    CheckStep step = makeStep("item");
     step.subject = finding.item.name;
     step.facts["id"] = finding.item.id;
     step.facts["type"] = finding.item.type->name;
@@ -264,7 +264,7 @@ CheckStep judgeStoppedCycle(const QVector<ItemFinding>& findings, int stop)
         later << findings.at(i).item.name;
     const ItemFinding& finding = findings.at(stop);
     const bool is_waiting = finding.outcome.kind == service::ClientOutcome::TimedOut;
-    CheckStep step = makeStep("cycle", Severity::failure, QString());
+    CheckStep step = makeStep("cycle", Severity::failure);
     if (is_waiting) {
         step.text =
             u"waits at %1 for as long as the service does; values reach the host at the end of a "
@@ -297,7 +297,7 @@ CheckStep judgeCycle(const QVector<ItemFinding>& findings, bool is_complete)
     // end of the next one. That one starts with the driver's clock, at a whole second.
     const double period = std::max(std::ceil(sum / cycle_period), 1.0) * cycle_period;
     const double oldest = sum + period;
-    CheckStep step = makeStep("cycle", Severity::ok, QString());
+    CheckStep step = makeStep("cycle");
     step.text = u"%1 for %2 %3: values are up to %4 old"_s.arg(secondsText(sum))
                     .arg(findings.size())
                     .arg(findings.size() == 1 ? u"item"_s : u"items"_s, secondsText(oldest));

@@ -86,45 +86,39 @@ CheckStep judgeLineSettings(const driver::DeviceConfig& config)
 
 CheckStep judgeAnyAnswer(const driver::DeviceConfig& config, const QVector<LinkRead>& reads)
 {
-    CheckStep step = makeStep("answer", Severity::ok, QString());
+    CheckStep step = makeStep("answer");
     const int answers = countOf(reads, hasAnswer);
-    if (answers > 0) {
+    if (answers > 0)
         step.text = u"%1 of %2 requests are answered"_s.arg(answers).arg(reads.size());
-    } else if (countOf(reads, hasSent) == 0) {
-        step.severity = Severity::failure;
-        step.text = u"nothing was asked: the driver sends no such request"_s;
-        step.advice = u"correct the addresses; the steps of the items say why"_s;
-    } else {
-        step.severity = Severity::failure;
-        step.text = u"not a single byte comes back"_s;
-        step.advice =
+    else if (countOf(reads, hasSent) == 0)
+        step.find(Severity::failure, u"nothing was asked: the driver sends no such request"_s,
+                  u"correct the addresses; the steps of the items say why"_s);
+    else
+        step.find(
+            Severity::failure, u"not a single byte comes back"_s,
             std::holds_alternative<driver::TcpAddress>(config.link)
                 ? u"somebody takes connections there and is silent: is it the right port, the "
                   "right driver, the right station?"_s
                 : u"in this order: is the device on; are A and B not exchanged; are speed and "
                   "frame those of the device; is the station number right; is it the right "
-                  "driver?"_s;
-    }
+                  "driver?"_s);
     step.facts["answered"] = answers;
     return step;
 }
 
 CheckStep judgeStation(const QVector<LinkRead>& reads)
 {
-    CheckStep step = makeStep("station", Severity::ok, QString());
+    CheckStep step = makeStep("station");
     const int good = countOf(reads, isGood);
     step.facts["arriving"] = good;
-    if (good > 0) {
+    if (good > 0)
         step.text = stationsOf(reads) + u" with values"_s;
-    } else if (countOf(reads, hasAnswer) == 0) {
+    else if (countOf(reads, hasAnswer) == 0)
         step.severity = Severity::not_tried;
-    } else {
-        step.severity = Severity::warning;
-        step.text = stationsOf(reads) + u", and with no value"_s;
-        step.advice =
-            u"the steps of the items say what the driver makes of the answers; --trace shows them "
-            "byte by byte"_s;
-    }
+    else
+        step.find(Severity::warning, stationsOf(reads) + u", and with no value"_s,
+                  u"the steps of the items say what the driver makes of the answers; --trace shows "
+                  "them byte by byte"_s);
     return step;
 }
 
@@ -156,7 +150,7 @@ CheckStep judgeTimes(const driver::DeviceConfig& config, const QVector<LinkRead>
         if (read.seconds > 0)
             times << read.seconds;
     }
-    CheckStep step = makeStep("times", Severity::ok, QString());
+    CheckStep step = makeStep("times");
     if (times.isEmpty()) {
         step.severity = Severity::not_tried;
         return step;

@@ -1,6 +1,7 @@
 #ifndef TOOLS_HOST_CHECK_CHECK_STEP_H
 #define TOOLS_HOST_CHECK_CHECK_STEP_H
 
+#include "tools/host/terminal/context.h"
 #include "tools/host/value/json_text.h"
 
 #include <QString>
@@ -32,18 +33,24 @@ struct CheckStep
     std::optional<double> seconds; ///< How long it took, where it is something that takes time.
     /// What was found, for programs; an object.
     value::OrderedJson facts = value::OrderedJson::object();
+
+    /// Says what was found, and what to do about it.
+    void find(Severity how, const QString& what, const QString& what_to_do = QString())
+    {
+        severity = how;
+        text = what;
+        advice = what_to_do;
+    }
 };
 
 using CheckSteps = QVector<CheckStep>;
 
-inline CheckStep makeStep(const char* name, Severity severity, const QString& text,
-                          const QString& advice = QString())
+inline CheckStep makeStep(const char* name, Severity severity = Severity::ok,
+                          const QString& text = QString(), const QString& advice = QString())
 {
     CheckStep step;
     step.name = QString::fromLatin1(name);
-    step.severity = severity;
-    step.text = text;
-    step.advice = advice;
+    step.find(severity, text, advice);
     return step;
 }
 
@@ -64,6 +71,9 @@ struct Verdict
 
 /// \param is_interrupted whether a signal ended the check before its end
 Verdict judgeAll(const CheckSteps& steps, bool is_interrupted);
+
+/// Tells the verdict, as lines or as one object with \a as_json, and gives the exit code.
+int tellVerdict(terminal::Streams& streams, const Verdict& verdict, bool as_json);
 
 /// One line for a step, or one object with \a as_json.
 QString stepLine(const CheckStep& step, bool as_json);

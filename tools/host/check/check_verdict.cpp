@@ -1,8 +1,10 @@
 #include "tools/host/check/check_step.h"
 
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/text.h"
 #include "tools/host/value/json_text.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tovik_host::check {
@@ -31,10 +33,9 @@ QString placeOf(const CheckStep& step)
 
 int countOf(const CheckSteps& steps, Severity severity)
 {
-    int count = 0;
-    for (const CheckStep& step : steps)
-        count += step.severity == severity ? 1 : 0;
-    return count;
+    return int(std::count_if(steps.begin(), steps.end(), [severity](const CheckStep& step) {
+        return step.severity == severity;
+    }));
 }
 
 /// How many values arrive all the same, by the step that looks at the whole cycle.
@@ -83,6 +84,13 @@ Verdict judgeAll(const CheckSteps& steps, bool is_interrupted)
     verdict.is_well = countOf(steps, Severity::failure) == 0;
     verdict.summary = summaryOf(steps);
     return verdict;
+}
+
+int tellVerdict(terminal::Streams& streams, const Verdict& verdict, bool as_json)
+{
+    for (const QString& line : verdictLines(verdict, as_json))
+        streams.out.line(line);
+    return streams.codeAfterWriting(verdict.is_well ? terminal::exitDone : terminal::exitRefused);
 }
 
 QString stepLine(const CheckStep& step, bool as_json)

@@ -2,6 +2,8 @@
 
 #include "cloud/error_handling.h"
 
+#include <algorithm>
+
 namespace tovik_host::check {
 
 namespace {
@@ -102,25 +104,21 @@ CheckStep judgeErrorHandling(const config::ErrorHandling& settings)
 
 CheckStep judgeSslLibrary(const SslLibraryFacts& facts)
 {
-    CheckStep step;
+    CheckStep step = makeStep("openssl");
+    const QString& running = facts.running_text;
+    const QString& built_for = facts.built_for_text;
     const QString advice =
         u"install %1 of the series that Qt was built for (%2), with its libcrypto, where the "
-        "loader finds it"_s.arg(libraryName(facts.built_for), facts.built_for_text);
-    if (!facts.is_supported) {
-        step = makeStep("openssl", Severity::failure,
-                        u"Qt finds no OpenSSL that fits: there is no https"_s, advice);
-    } else if (seriesOf(facts.built_for) != seriesOf(facts.running)) {
-        step = makeStep("openssl", Severity::warning,
-                        u"%1 is in use, and Qt was built for %2"_s.arg(facts.running_text,
-                                                                       facts.built_for_text),
-                        advice);
-    } else {
-        step =
-            makeStep("openssl", Severity::ok,
-                     u"%1 (Qt was built for %2)"_s.arg(facts.running_text, facts.built_for_text));
-    }
-    step.facts["built_for"] = facts.built_for_text;
-    step.facts["running"] = facts.running_text;
+        "loader finds it"_s.arg(libraryName(facts.built_for), built_for);
+    if (!facts.is_supported)
+        step.find(Severity::failure, u"Qt finds no OpenSSL that fits: there is no https"_s, advice);
+    else if (seriesOf(facts.built_for) != seriesOf(facts.running))
+        step.find(Severity::warning,
+                  u"%1 is in use, and Qt was built for %2"_s.arg(running, built_for), advice);
+    else
+        step.find(Severity::ok, u"%1 (Qt was built for %2)"_s.arg(running, built_for));
+    step.facts["built_for"] = built_for;
+    step.facts["running"] = running;
     return step;
 }
 
@@ -138,19 +136,19 @@ CheckStep judgeProxy(const ProxyFacts& facts)
 
 CheckStep judgeName(const NameFacts& facts, double timeout)
 {
-    CheckStep step;
+    CheckStep step = makeStep("name");
     if (facts.is_address) {
-        step = makeStep("name", Severity::ok, u"is an address, nothing to look up"_s);
+        step.find(Severity::ok, u"is an address, nothing to look up"_s);
     } else if (facts.end == ProbeEnd::done) {
-        step = makeStep("name", Severity::ok, facts.addresses.join(u", "_s));
+        step.find(Severity::ok, facts.addresses.join(u", "_s));
     } else if (facts.end == ProbeEnd::interrupted) {
-        step = makeStep("name", Severity::failure, u"interrupted"_s);
+        step.find(Severity::failure, u"interrupted"_s);
     } else if (facts.end == ProbeEnd::timed_out) {
-        step = makeStep("name", Severity::failure, waitedText(timeout),
-                        u"look at this machine's name service: resolv.conf, network"_s);
+        step.find(Severity::failure, waitedText(timeout),
+                  u"look at this machine's name service: resolv.conf, network"_s);
     } else {
-        step = makeStep("name", Severity::failure, withReason(u"is not found"_s, facts.reason),
-                        u"correct the address of the service, or this machine's name service"_s);
+        step.find(Severity::failure, withReason(u"is not found"_s, facts.reason),
+                  u"correct the address of the service, or this machine's name service"_s);
     }
     step.subject = facts.host;
     if (!facts.is_address)
@@ -161,9 +159,9 @@ CheckStep judgeName(const NameFacts& facts, double timeout)
 
 CheckSteps judgeConnections(const QVector<ConnectFacts>& facts, double timeout)
 {
-    bool is_any_connected = false;
-    for (const ConnectFacts& one : facts)
-        is_any_connected = is_any_connected || one.end == ProbeEnd::done;
+    const bool is_any_connected =
+        std::any_of(facts.begin(), facts.end(),
+                    [](const ConnectFacts& one) { return one.end == ProbeEnd::done; });
     CheckSteps steps;
     for (const ConnectFacts& one : facts) {
         CheckStep step = makeStep("connect", Severity::ok, connectText(one, timeout));
@@ -187,26 +185,25 @@ namespace {
 /// What a handshake that failed says, given what the port speaks instead.
 void explainFailedHandshake(const TlsFacts& facts, double timeout, CheckStep* step)
 {
-    step->severity = Severity::failure;
-    if (facts.end == ProbeEnd::interrupted) {
-        step->text = u"interrupted"_s;
-    } else if (facts.protocol == Protocol::http) {
-        step->text = u"the port speaks plain HTTP, not TLS"_s;
-        step->advice = u"begin the address with http://, or use the port for https"_s;
-    } else if (facts.protocol == Protocol::other) {
-        step->text = u"the port speaks something that is neither TLS nor HTTP"_s;
-        step->advice = u"correct the port in the address of the service"_s;
-    } else if (facts.end == ProbeEnd::timed_out) {
-        step->text = u"the port takes the connection and says nothing for %1 s"_s.arg(timeout);
-        step->advice =
-            u"look at the service, or at what stands before it; the driver waits without a "
-            "time-out, and serves its first values with status 0 meanwhile"_s;
-    } else {
-        step->text = u"the handshake failed: %1"_s.arg(facts.reason);
-        step->advice =
-            u"see whether the port is one for https, and which versions of TLS the service "
-            "allows"_s;
-    }
+    const auto fail = [step](const QString& text, const QString& advice = QString()) {
+        step->find(Severity::failure, text, advice);
+    };
+    if (facts.end == ProbeEnd::interrupted)
+        fail(u"interrupted"_s);
+    else if (facts.protocol == Protocol::http)
+        fail(u"the port speaks plain HTTP, not TLS"_s,
+             u"begin the address with http://, or use the port for https"_s);
+    else if (facts.protocol == Protocol::other)
+        fail(u"the port speaks something that is neither TLS nor HTTP"_s,
+             u"correct the port in the address of the service"_s);
+    else if (facts.end == ProbeEnd::timed_out)
+        fail(u"the port takes the connection and says nothing for %1 s"_s.arg(timeout),
+             u"look at the service, or at what stands before it; the driver waits without a "
+             "time-out, and serves its first values with status 0 meanwhile"_s);
+    else
+        fail(u"the handshake failed: %1"_s.arg(facts.reason),
+             u"see whether the port is one for https, and which versions of TLS the service "
+             "allows"_s);
 }
 
 QString isoDay(const QDateTime& time)
@@ -223,7 +220,7 @@ QString dayText(const QDateTime& time)
 
 CheckStep judgeHandshake(const TlsFacts& facts, double timeout)
 {
-    CheckStep step = makeStep("tls", Severity::ok, QString());
+    CheckStep step = makeStep("tls");
     step.seconds = facts.seconds;
     if (facts.end != ProbeEnd::done) {
         explainFailedHandshake(facts, timeout, &step);
@@ -280,28 +277,24 @@ CheckStep judgeCertificate(const CertificateFacts& facts, const QDateTime& now)
 
 CheckStep judgePlainHttp(const TlsFacts& facts, double timeout)
 {
-    CheckStep step = makeStep("http", Severity::warning, QString());
+    CheckStep step = makeStep("http");
     step.seconds = facts.seconds;
-    if (facts.end == ProbeEnd::interrupted) {
-        step.severity = Severity::failure;
-        step.text = u"interrupted"_s;
-    } else if (facts.protocol == Protocol::tls) {
-        step.severity = Severity::failure;
-        step.text = u"the port speaks TLS, and the address begins with http://"_s;
-        step.advice = u"begin the address with https://"_s;
-    } else if (facts.protocol == Protocol::http) {
-        step.text = u"plain HTTP: password and values are not encrypted"_s;
-        step.advice = u"use https where the service offers it"_s;
-    } else if (facts.protocol == Protocol::other) {
-        step.severity = Severity::failure;
-        step.text = u"the port speaks something that is neither HTTP nor TLS"_s;
-        step.advice = u"correct the port in the address of the service"_s;
-    } else {
-        // It may still answer what it knows: the login tells.
-        step.text = facts.end == ProbeEnd::timed_out
-                        ? u"no answer to a request for / within %1 s"_s.arg(timeout)
-                        : u"no answer to a request for /: %1"_s.arg(facts.reason);
-    }
+    if (facts.end == ProbeEnd::interrupted)
+        step.find(Severity::failure, u"interrupted"_s);
+    else if (facts.protocol == Protocol::tls)
+        step.find(Severity::failure, u"the port speaks TLS, and the address begins with http://"_s,
+                  u"begin the address with https://"_s);
+    else if (facts.protocol == Protocol::http)
+        step.find(Severity::warning, u"plain HTTP: password and values are not encrypted"_s,
+                  u"use https where the service offers it"_s);
+    else if (facts.protocol == Protocol::other)
+        step.find(Severity::failure, u"the port speaks something that is neither HTTP nor TLS"_s,
+                  u"correct the port in the address of the service"_s);
+    else // It may still answer what it knows: the login tells.
+        step.find(Severity::warning,
+                  facts.end == ProbeEnd::timed_out
+                      ? u"no answer to a request for / within %1 s"_s.arg(timeout)
+                      : u"no answer to a request for /: %1"_s.arg(facts.reason));
     return step;
 }
 

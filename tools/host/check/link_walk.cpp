@@ -1,5 +1,4 @@
-#include "tools/host/check/link_walk.h"
-
+#include "tools/host/check/check.h"
 #include "tools/host/check/check_link.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
@@ -22,8 +21,7 @@ const int enough_times = 5;
 class LinkEar : public TrafficListener
 {
 public:
-    explicit LinkEar(TrafficListener* next) : next_(next) {}
-
+    void passOnTo(TrafficListener* next) { next_ = next; }
     void hear(const Traffic& traffic) override
     {
         if (next_)
@@ -49,7 +47,7 @@ public:
     }
 
 private:
-    TrafficListener* next_;
+    TrafficListener* next_ = nullptr;
     QMutex lock_;
     LinkRead heard_;
     qint64 sent_ = 0;
@@ -61,27 +59,22 @@ class LinkWalk
 public:
     LinkWalk(const config::CommonOptions& common, const QStringList& addresses)
         : setup_(common, addresses, context_),
-          ear_(setup_.trace.get()),
           as_json_(common.json)
     {
         if (setup_.config.items.isEmpty()) {
             throw terminal::UsageError(
                 u"there is nothing to ask the device for: name an address that it has"_s);
         }
+        ear_.passOnTo(setup_.trace.get());
         setup_.plugin.setListener(&ear_);
     }
 
     int run()
     {
-        {
-            driver::DeviceHost host(setup_.plugin, setup_.config, context_.unix_signals);
-            if (open(host))
-                readAll(host);
-        }
-        const Verdict verdict = judgeAll(steps_, context_.unix_signals.endRequested());
-        for (const QString& line : verdictLines(verdict, as_json_))
-            context_.out.line(line);
-        return verdict.is_well ? terminal::exitDone : terminal::exitRefused;
+        if (open())
+            readAll();
+        return tellVerdict(context_, judgeAll(steps_, context_.unix_signals.endRequested()),
+                           as_json_);
     }
 
 private:
@@ -91,23 +84,23 @@ private:
         context_.out.line(stepLine(step, as_json_));
     }
 
-    bool open(driver::DeviceHost& host);
-    void readAll(driver::DeviceHost& host);
-    LinkRead read(driver::DeviceHost& host, const config::ItemConfig& item);
+    bool open();
+    void readAll();
+    LinkRead read(const config::ItemConfig& item);
     void showItems(const QVector<LinkRead>& reads);
 
     terminal::Context context_;
+    LinkEar ear_; ///< The driver in the next member speaks to it up to its end.
     driver::DeviceSetup setup_;
-    LinkEar ear_;
     bool as_json_;
     CheckSteps steps_;
 };
 
-bool LinkWalk::open(driver::DeviceHost& host)
+bool LinkWalk::open()
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    const QString problem = host.open();
+    const QString problem = setup_.host.open();
     show(judgeOpening(setup_.config, problem, double(elapsed.nsecsElapsed()) / 1e9));
     show(judgeLineSettings(setup_.config));
     if (problem.isEmpty())
@@ -117,16 +110,16 @@ bool LinkWalk::open(driver::DeviceHost& host)
         none << LinkRead();
         none.last().item = item;
     }
-    show(makeStep("answer", Severity::not_tried, QString()));
+    show(makeStep("answer", Severity::not_tried));
     show(judgeStation(none));
     showItems(none);
     return false;
 }
 
-LinkRead LinkWalk::read(driver::DeviceHost& host, const config::ItemConfig& item)
+LinkRead LinkWalk::read(const config::ItemConfig& item)
 {
     ear_.take();
-    const driver::DeviceAnswer answer = host.read(item);
+    const driver::DeviceAnswer answer = setup_.host.read(item);
     LinkRead read = ear_.take();
     read.item = item;
     read.is_tried = true;
@@ -137,7 +130,7 @@ LinkRead LinkWalk::read(driver::DeviceHost& host, const config::ItemConfig& item
     return read;
 }
 
-void LinkWalk::readAll(driver::DeviceHost& host)
+void LinkWalk::readAll()
 {
     QVector<LinkRead> reads;
     int silent = 0;
@@ -145,7 +138,7 @@ void LinkWalk::readAll(driver::DeviceHost& host)
         LinkRead one;
         one.item = item;
         if (silent < most_silent && !context_.unix_signals.endRequested())
-            one = read(host, item);
+            one = read(item);
         silent = one.has_sent && one.bytes == 0 ? silent + 1 : 0;
         reads << one;
     }
@@ -155,7 +148,7 @@ void LinkWalk::readAll(driver::DeviceHost& host)
     // The same item again, as often as it takes to tell a usual time.
     for (int i = 0; i < reads.size() && reads.size() < enough_times; ++i) {
         if (reads.at(i).isGood() && !context_.unix_signals.endRequested())
-            reads << read(host, reads.at(i).item);
+            reads << read(reads.at(i).item);
     }
     show(judgeTimes(setup_.config, reads));
 }

@@ -56,42 +56,6 @@ void DeviceHost::run(const std::function<void()>& job)
         std::rethrow_exception(failure);
 }
 
-QString DeviceHost::open()
-{
-    return ask(&DeviceSession::open);
-}
-
-DeviceAnswer DeviceHost::read(const config::ItemConfig& item)
-{
-    return ask(&DeviceSession::read, item);
-}
-
-DeviceAnswer DeviceHost::readAgain(const config::ItemConfig& item)
-{
-    return ask(&DeviceSession::readAgain, item);
-}
-
-DeviceAnswer DeviceHost::write(const config::ItemConfig& item, const QByteArray& bytes)
-{
-    return ask(&DeviceSession::write, item, bytes);
-}
-
-DeviceAnswer DeviceHost::sendRaw(const QByteArray& request)
-{
-    return ask(&DeviceSession::sendRaw, request);
-}
-
-bool DeviceHost::supportsRaw()
-{
-    return ask(&DeviceSession::supportsRaw);
-}
-
-void DeviceHost::stop()
-{
-    if (session_)
-        session_->stop();
-}
-
 void DeviceHost::onEndAsked()
 {
     if (since_end_asked_.isValid() && since_end_asked_.hasExpired(second_wish)) {

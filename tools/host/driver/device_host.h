@@ -31,13 +31,26 @@ public:
     ~DeviceHost() override;
 
     /// As the session's functions of these names.
-    QString open();
-    DeviceAnswer read(const config::ItemConfig& item);
-    DeviceAnswer readAgain(const config::ItemConfig& item);
-    DeviceAnswer write(const config::ItemConfig& item, const QByteArray& bytes);
-    DeviceAnswer sendRaw(const QByteArray& request);
-    bool supportsRaw();
-    void stop();
+    QString open() { return ask(&DeviceSession::open); }
+    DeviceAnswer read(const config::ItemConfig& item) { return ask(&DeviceSession::read, item); }
+    DeviceAnswer readAgain(const config::ItemConfig& item)
+    {
+        return ask(&DeviceSession::readAgain, item);
+    }
+    DeviceAnswer write(const config::ItemConfig& item, const QByteArray& bytes)
+    {
+        return ask(&DeviceSession::write, item, bytes);
+    }
+    DeviceAnswer sendRaw(const QByteArray& request)
+    {
+        return ask(&DeviceSession::sendRaw, request);
+    }
+    bool supportsRaw() { return ask(&DeviceSession::supportsRaw); }
+    void stop()
+    {
+        if (session_)
+            session_->stop();
+    }
 
 private Q_SLOTS:
     void onEndAsked();

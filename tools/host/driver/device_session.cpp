@@ -64,8 +64,6 @@ QString DeviceSession::open()
         return stopped_ ? u"interrupted"_s : link_->problem();
     const QMutexLocker locker(&driver_lock_);
     driver_.reset(plugin_.createDriver(&driver_name_, link_->serial(), link_->ethernet()));
-    if (!driver_)
-        throw terminal::UsageError(u"the library \"%1\" makes no driver"_s.arg(plugin_.path()));
     driver_->unit_list = &unit_list_;
     // By text, as the driver may be compiled from other sources than this program; direct, as each
     // request is answered before its emission returns.

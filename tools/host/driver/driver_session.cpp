@@ -20,11 +20,6 @@ QString unitName()
     return u"tovik-host"_s;
 }
 
-QString linkName()
-{
-    return u"link"_s;
-}
-
 void fillErrorHandling(QMap<QString, QVariant>& settings, const config::ErrorHandling& handling)
 {
     settings[u"tovik_iot_err_handle_type"_s] = handling.type;
@@ -49,13 +44,11 @@ DriverSession::DriverSession(const Plugin& plugin, const config::HostConfig& con
     : link_(new DrvEthernet)
 {
     qRegisterMetaType<QSharedPointer<AddrData>>("QSharedPointer<AddrData>");
-    link_->link_name = linkName();
+    link_->link_name = u"link"_s;
     link_->driver_specific_data[u"tovik_iot"_s] =
         QVariant::fromValue(config::recordOf(config.service, items));
     fillErrorHandling(link_->driver_specific_data, config.error_handling);
     driver_.reset(plugin.createDriver(nullptr, nullptr, link_.data()));
-    if (!driver_)
-        throw terminal::UsageError(u"the library \"%1\" makes no driver"_s.arg(plugin.path()));
     // By text, as the driver may be compiled from other sources than this program.
     connect(driver_.data(), SIGNAL(SigResponse(QString, QString, QByteArray, int)), this,
             SLOT(onResponse(QString, QString, QByteArray, int)));
@@ -63,15 +56,14 @@ DriverSession::DriverSession(const Plugin& plugin, const config::HostConfig& con
 
 DriverSession::~DriverSession()
 {
-    if (driver_)
-        Q_EMIT link_->EmitNotifyBeforeRelease();
+    Q_EMIT link_->EmitNotifyBeforeRelease();
     driver_.reset();
 }
 
 Answer DriverSession::read(const QString& name, int data_length)
 {
     answer_ = Answer();
-    Q_EMIT driver_->SigGetValuesByteArray(unitName(), linkName(), station,
+    Q_EMIT driver_->SigGetValuesByteArray(unitName(), link_->link_name, station,
                                           addressOf(name, data_length));
     return answer_;
 }
@@ -79,7 +71,7 @@ Answer DriverSession::read(const QString& name, int data_length)
 Answer DriverSession::write(const QString& name, const QByteArray& bytes)
 {
     answer_ = Answer();
-    Q_EMIT driver_->SigSetValuesByteArray(unitName(), linkName(), station, bytes,
+    Q_EMIT driver_->SigSetValuesByteArray(unitName(), link_->link_name, station, bytes,
                                           addressOf(name, bytes.size()));
     return answer_;
 }

@@ -119,7 +119,10 @@ DrvInterface* Plugin::createDriver(QString* name, DrvSerial* serial, DrvEthernet
     DrvBase* const link = serial ? static_cast<DrvBase*>(serial) : ethernet;
     if (link && listener_)
         traffic::setListener(link, listener_);
-    return factory_(name, serial, ethernet);
+    DrvInterface* const driver = factory_(name, serial, ethernet);
+    if (!driver)
+        throw terminal::UsageError(u"the library \"%1\" makes no driver"_s.arg(path_));
+    return driver;
 }
 
 } // namespace tovik_host::driver

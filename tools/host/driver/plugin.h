@@ -42,7 +42,7 @@ public:
     /// Has \a listener, which is not owned, hear the traffic of every driver that is made from now
     /// on.
     void setListener(TrafficListener* listener) { listener_ = listener; }
-    /// A new driver, owned by the caller; null if the library makes none.
+    /// A new driver, owned by the caller. Throws UsageError if the library makes none.
     /// \param name the driver's name, null or alive as long as the driver
     /// \param serial, ethernet the link: one of them, or for a cloud driver \a ethernet
     DrvInterface* createDriver(QString* name, DrvSerial* serial, DrvEthernet* ethernet) const;

@@ -11,6 +11,13 @@ namespace tovik_host::driver {
 
 namespace {
 
+/// Whatever a watching host would do about errors: here the driver shall try again by itself.
+config::HostConfig untroubled(config::HostConfig config)
+{
+    config.error_handling = config::ErrorHandling();
+    return config;
+}
+
 /// Takes what the driver has by now; true when there is nothing more to come.
 bool look(DriverSession& session, FirstValues& first, int* looks_under_error)
 {
@@ -35,23 +42,20 @@ bool look(DriverSession& session, FirstValues& first, int* looks_under_error)
 
 } // namespace
 
-FirstValues fetchFirstValues(const Plugin& plugin, config::HostConfig config,
-                             const QVector<config::ItemConfig>& items,
-                             const terminal::UnixSignals& unix_signals, int milliseconds)
+FirstValues fetchFirstValues(terminal::Context& context, const ServiceSetup& setup,
+                             const QVector<config::ItemConfig>& items, int milliseconds)
 {
-    // Whatever a watching host would do about errors: here the driver shall try again by itself.
-    config.error_handling = config::ErrorHandling();
-    DriverSession session(plugin, config, items);
+    DriverSession session(setup.plugin, untroubled(setup.config), items);
     if (!session.numbers().tells_ages) {
         throw terminal::UsageError(
             u"the library \"%1\" does not tell when a value has come; it may be an older one"_s.arg(
-                plugin.path()));
+                setup.plugin.path()));
     }
     FirstValues first;
     for (const config::ItemConfig& item : items)
         first.values << FirstValue{item, false, {}};
     int looks_under_error = 0;
-    first.waited = terminal::waitUntil(unix_signals, milliseconds,
+    first.waited = terminal::waitUntil(context.unix_signals, milliseconds,
                                        [&] { return look(session, first, &looks_under_error); });
     return first;
 }
@@ -75,9 +79,7 @@ public:
 
 QString withStatus(const QString& problem, int status)
 {
-    if (status == 0)
-        return problem;
-    return u"%1: %2 (%3)"_s.arg(problem, value::statusText(status), value::statusCode(status));
+    return status == 0 ? problem : problem + u": "_s + value::statusTextWithCode(status);
 }
 
 /// The status follows the driver's count of failed writes a moment later.
@@ -118,9 +120,7 @@ SentValue sendValue(terminal::Context& context, const ServiceSetup& setup,
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    config::HostConfig config = setup.config;
-    config.error_handling = config::ErrorHandling();
-    DriverSession session(setup.plugin, config, {item});
+    DriverSession session(setup.plugin, untroubled(setup.config), {item});
 
     if (!session.numbers().write_count)
         return {u"this library does not tell what becomes of a write"_s, true, 0};
@@ -154,9 +154,7 @@ SentValue sendValue(terminal::Context& context, const ServiceSetup& setup,
 QString confirmValue(terminal::Context& context, const ServiceSetup& setup,
                      const config::ItemConfig& item, const QByteArray& bytes, int milliseconds)
 {
-    config::HostConfig config = setup.config;
-    config.error_handling = config::ErrorHandling();
-    DriverSession session(setup.plugin, config, {item});
+    DriverSession session(setup.plugin, untroubled(setup.config), {item});
     bool has_come = false;
     Answer latest;
     const terminal::Waited waited = terminal::waitUntil(context.unix_signals, milliseconds, [&] {
@@ -168,10 +166,8 @@ QString confirmValue(terminal::Context& context, const ServiceSetup& setup,
         return QString();
     if (waited == terminal::Waited::interrupted)
         return u"sent, but interrupted before the service showed it"_s;
-    if (latest.status != 0) {
-        return u"sent, but not confirmed in time: %1 (%2)"_s.arg(value::statusText(latest.status),
-                                                                 value::statusCode(latest.status));
-    }
+    if (latest.status != 0)
+        return withStatus(u"sent, but not confirmed in time"_s, latest.status);
     if (!has_come)
         return u"sent, but the service has shown no value in time"_s;
     return u"sent, but the service shows %1"_s.arg(

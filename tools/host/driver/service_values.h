@@ -35,9 +35,8 @@ struct FirstValues
 ///
 /// Runs a driver until every item has arrived, until the service itself reports an error, or until
 /// the time is up. Throws UsageError if the driver tells no ages.
-FirstValues fetchFirstValues(const Plugin& plugin, config::HostConfig config,
-                             const QVector<config::ItemConfig>& items,
-                             const terminal::UnixSignals& unix_signals, int milliseconds);
+FirstValues fetchFirstValues(terminal::Context& context, const ServiceSetup& setup,
+                             const QVector<config::ItemConfig>& items, int milliseconds);
 
 /// What became of a write.
 struct SentValue

@@ -97,13 +97,14 @@ DeviceSetup::DeviceSetup(const config::CommonOptions& common, const QStringList&
                          terminal::Context& used)
     : context(used),
       config(configFor(common, addresses, used)),
-      plugin(pluginFor(common))
+      plugin(pluginFor(common)),
+      host(plugin, config, used.unix_signals)
 {
     trace = traceFor(common, &plugin);
     context.log.start(common.log, common.verbose);
 }
 
-bool DeviceSetup::open(DeviceHost& host)
+bool DeviceSetup::open()
 {
     const QString problem = host.open();
     if (!problem.isEmpty())

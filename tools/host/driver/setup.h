@@ -38,7 +38,7 @@ struct DeviceSetup
                 terminal::Context& used);
 
     /// Opens the link; false: it has been said why not.
-    bool open(DeviceHost& host);
+    bool open();
     /// Says on the standard error what is wrong with the link.
     void complainOfLink(const QString& problem);
     /// Why there is no value in \a answer, for the user; empty if there is one.
@@ -50,6 +50,7 @@ struct DeviceSetup
     DeviceConfig config;
     std::unique_ptr<value::Trace> trace; ///< Null unless the options want one.
     Plugin plugin;
+    DeviceHost host;
 };
 
 } // namespace tovik_host::driver

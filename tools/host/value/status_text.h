@@ -57,7 +57,7 @@ QString statusWord(int status);
 QString noValue();
 /// Words and code together, for messages; the code is left out where the words have it already, and
 /// after "ok".
-QString statusTextWithCode(int status, StatusOf whose);
+QString statusTextWithCode(int status, StatusOf whose = StatusOf::service);
 /// Whether the service itself has refused something: neither success nor a failure on the way.
 bool isServiceError(int status);
 /// What a user can look at when the service has refused a login.

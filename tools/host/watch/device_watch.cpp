@@ -11,10 +11,9 @@ const int longest_without_drawing = 500;
 
 } // namespace
 
-DeviceWatch::DeviceWatch(driver::DeviceSetup& setup, driver::DeviceHost& host, WatchView& view,
-                         const WatchGoal& goal, bool tells_of_link)
+DeviceWatch::DeviceWatch(driver::DeviceSetup& setup, WatchView& view, const WatchGoal& goal,
+                         bool tells_of_link)
     : setup_(setup),
-      host_(host),
       view_(view),
       goal_(goal),
       model_(setup.config.items, QDateTime::currentDateTime()),
@@ -51,7 +50,7 @@ void DeviceWatch::tellOfLink(const driver::DeviceAnswer& answer)
 void DeviceWatch::readRound()
 {
     for (int i = 0; i < model_.items().size(); ++i) {
-        const driver::DeviceAnswer answer = host_.readAgain(model_.items().at(i).item);
+        const driver::DeviceAnswer answer = setup_.host.readAgain(model_.items().at(i).item);
         if (ended())
             return;
         tellOfLink(answer);
@@ -73,7 +72,7 @@ void DeviceWatch::run(double seconds, int interval)
     if (seconds > 0) {
         QTimer::singleShot(int(seconds * 1000), &context, [this] {
             time_is_up_ = true;
-            host_.stop();
+            setup_.host.stop();
         });
     }
     since_drawing_.start();

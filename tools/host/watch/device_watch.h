@@ -12,8 +12,8 @@ namespace tovik_host::watch {
 class DeviceWatch
 {
 public:
-    DeviceWatch(driver::DeviceSetup& setup, driver::DeviceHost& host, WatchView& view,
-                const WatchGoal& goal, bool tells_of_link);
+    DeviceWatch(driver::DeviceSetup& setup, WatchView& view, const WatchGoal& goal,
+                bool tells_of_link);
 
     /// Runs rounds until a signal, the end of the time, or until nobody reads the output any more.
     void run(double seconds, int interval);
@@ -27,7 +27,6 @@ private:
     bool ended() const;
 
     driver::DeviceSetup& setup_;
-    driver::DeviceHost& host_;
     WatchView& view_;
     const WatchGoal& goal_;
     WatchModel model_;

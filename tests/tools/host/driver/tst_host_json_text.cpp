@@ -68,7 +68,7 @@ void TestHostJsonText::writesAnswers()
 void TestHostJsonText::writesTimesAsUtc()
 {
     const QDateTime time(QDate(2024, 5, 1), QTime(12, 0, 1, 5), Qt::OffsetFromUTC, 3600);
-    QCOMPARE(value::jsonTime(time), std::string("2024-05-01T11:00:01.005Z"));
+    QCOMPARE(value::jsonTime(time), QStringLiteral("2024-05-01T11:00:01.005Z"));
 }
 
 QTEST_APPLESS_MAIN(TestHostJsonText)

@@ -2,7 +2,9 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 
 namespace element_packing {
 
@@ -84,57 +86,6 @@ void fromCharacters(char* dst, const char* src, int bytes)
         dst[i] = toChar(byteOf(src));
 }
 
-/// Where byte \a index of an element in the frame belongs in the number.
-int place(int index, int size, bool least_first)
-{
-    return least_first ? index : size - 1 - index;
-}
-
-unsigned char partOf(quint32 number, int index)
-{
-    if (index >= longest_element)
-        return 0;
-    return static_cast<unsigned char>((number >> (8 * index)) & 0xFF);
-}
-
-/// A number of the host's; those of three bytes count as four of which one is zero.
-quint32 load(const char* src, int size)
-{
-    quint16 half = 0;
-    quint32 number = 0;
-    if (size == 1)
-        return toByte(src[0]);
-    if (size == 2) {
-        std::memcpy(&half, src, sizeof half);
-        return half;
-    }
-    std::memcpy(&number, src, sizeof number);
-    return number;
-}
-
-void store(char* dst, quint32 number, int size)
-{
-    const quint16 half = static_cast<quint16>(number & 0xFFFF);
-    if (size == 1)
-        dst[0] = toChar(static_cast<unsigned char>(number & 0xFF));
-    else if (size == 2)
-        std::memcpy(dst, &half, sizeof half);
-    else
-        std::memcpy(dst, &number, sizeof number);
-}
-
-/// Writes the first \a room bytes of a number, or twice as many characters.
-void packNumber(char* dst, quint32 number, int size, int room, bool least_first, int ascii)
-{
-    for (int j = 0; j < room; ++j) {
-        const char byte = toChar(partOf(number, place(j, size, least_first)));
-        if (ascii)
-            toCharacters(dst + qint64(j) * 2, &byte, 1);
-        else
-            dst[j] = byte;
-    }
-}
-
 /// The bytes of whole elements, \a bytes of them.
 void packWhole(char* dst, const char* src, int bytes, int size, bool least_first, int ascii)
 {
@@ -164,23 +115,6 @@ void unpackWhole(char* dst, const char* src, int bytes, int size, bool least_fir
     }
 }
 
-/// One element of which \a len bytes or characters are there; the rest is zero.
-quint32 unpackNumber(const char* src, int len, int size, bool least_first, int ascii)
-{
-    quint32 number = 0;
-    for (int j = 0; j < size; ++j) {
-        char pair[2] = {'0', '0'};
-        const int at = ascii ? 2 * j : j;
-        if (at < len)
-            std::memcpy(pair, src + at, size_t(qMin(ascii ? 2 : 1, len - at)));
-        else if (!ascii)
-            pair[0] = '\0';
-        const unsigned char byte = ascii ? byteOf(pair) : toByte(pair[0]);
-        number |= quint32(byte) << (8 * place(j, size, least_first));
-    }
-    return number;
-}
-
 bool liesIn(const QByteArray& array, const char* bytes)
 {
     // Pointers into different arrays have no order but this one.
@@ -200,7 +134,15 @@ void appendNumber(QByteArray* out, quint32 number, int size, bool least_first, i
 {
     const int before = out->size();
     out->resize(before + (ascii ? 2 * size : size));
-    packNumber(out->data() + before, number, size, size, least_first, ascii);
+    char* dst = out->data() + before;
+    for (int at = 0; at < size; ++at) {
+        const int place = least_first ? at : size - 1 - at;
+        const quint32 part = place < longest_element ? (number >> (8 * place)) & 0xFF : 0;
+        if (ascii)
+            dst = std::copy_n(tables.characters[part], 2, dst);
+        else
+            *dst++ = toChar(static_cast<unsigned char>(part));
+    }
 }
 
 void pack(QByteArray* out, const char* src, int len, int size, bool least_first, int ascii)
@@ -211,16 +153,18 @@ void pack(QByteArray* out, const char* src, int len, int size, bool least_first,
         src = kept.constData();
     const int before = out->size();
     const int width = ascii ? 2 : 1;
-    const int whole = len - len % size;
+    const int cut = len % size;
+    const int whole = len - cut;
     out->resize(before + width * len);
     char* dst = out->data() + before;
     packWhole(dst, src, whole, size, least_first, ascii);
-    if (whole < len) {
-        char last[longest_element] = {0, 0, 0, 0};
-        std::memcpy(last, src + whole, size_t(len - whole));
-        packNumber(dst + qint64(whole) * width, load(last, size), size, len - whole, least_first,
-                   ascii);
-    }
+    if (cut == 0)
+        return;
+    char last[longest_element] = {};
+    char packed[2 * longest_element];
+    std::copy(src + whole, src + len, last);
+    packWhole(packed, last, size, size, least_first, ascii);
+    std::copy(packed, packed + width * cut, dst + qint64(whole) * width);
 }
 
 void unpack(char* dst, int room, const char* src, int len, int size, bool least_first, int ascii)
@@ -229,11 +173,18 @@ void unpack(char* dst, int room, const char* src, int len, int size, bool least_
     const int there = qMin(room, len / width);
     const int whole = isElementSize(size) ? there - there % size : 0;
     unpackWhole(dst, src, whole, size, least_first, ascii);
+    // One of three bytes counts as one of four, of which the highest is zero.
+    const int full = size == 3 ? 4 : size;
+    const int missing = least_first ? 0 : (full - size) * width;
     for (int at = whole; at < room; at += size) {
-        const int left = int(qMax(qint64(0), len - qint64(at) * width));
-        char last[longest_element] = {0, 0, 0, 0};
-        store(last, unpackNumber(src + qint64(at) * width, left, size, least_first, ascii), size);
-        std::memcpy(dst + at, last, size_t(qMin(size, room - at)));
+        char filled[2 * longest_element];
+        char last[longest_element];
+        std::fill(std::begin(filled), std::end(filled), ascii ? '0' : '\0');
+        const qint64 from = qMin(qint64(at) * width, qint64(len));
+        const qint64 to = qMin(from + size * width, qint64(len));
+        std::copy(src + from, src + to, filled + missing);
+        unpackWhole(last, filled, full, full, least_first, ascii);
+        std::copy(last, last + qMin(size, room - at), dst + at);
     }
 }
 

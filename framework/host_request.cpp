@@ -4,8 +4,6 @@
 
 #include <QRegExp>
 
-#include <cstring>
-
 using namespace result_code;
 
 namespace host_request {
@@ -58,9 +56,7 @@ bool runAttempts(DriverBasic* driver, const HostRequest& request, QByteArray* da
 
 bool isStopped(const DrvInterface& driver)
 {
-    char first_byte = 0;
-    std::memcpy(&first_byte, &driver.stop_flag, 1);
-    return first_byte != 0;
+    return *reinterpret_cast<const char*>(&driver.stop_flag) != 0;
 }
 
 bool runLocked(DriverBasic* driver, const HostRequest& request, QByteArray* data)

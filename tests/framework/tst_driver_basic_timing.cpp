@@ -70,6 +70,7 @@ void TestDriverBasicTiming::computedByHand_data()
     row("two stop bits and parity count", 9600, 8, PAR_ODD, STOP_2, 1.25F, 1, 5);
     row("one and a half stop bits count as two", 9600, 8, PAR_NONE, STOP_1_5, 1.1458334F, 1, 5);
     row("raised to the least", 115200, 8, PAR_NONE, STOP_1, 0.08680556F, 1, 2);
+    row("no rate counts as one", 0, 8, PAR_NONE, STOP_1, 10000.0F, 15000, 35001);
     row("fastest", 921600, 8, PAR_NONE, STOP_1, 0.010850694F, 1, 2);
     row("cut, not rounded", 1200, 8, PAR_NONE, STOP_1, 8.333333F, 12, 30);
     // A third is a little less than a third in single precision: 49.99999... ms, not 50.

@@ -1,6 +1,7 @@
 #include "tests/framework/driver_bench.h"
 #include "tests/support/log_recorder.h"
 
+#include <QElapsedTimer>
 #include <QTest>
 
 namespace {
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void defaultBudgetIsTooShortForTcp();
     void silentDevice_data();
     void silentDevice();
+    void serialLineIsLeftAloneWhileItSends();
     void bytesArriveUnchanged_data();
     void bytesArriveUnchanged();
     void emptyRequest();
@@ -115,6 +117,21 @@ void TestDriverBasicTransparent::silentDevice()
     QVERIFY(bench.lockIsFree());
     QVERIFY(bench.device.waitForReceived(request.size()));
     QCOMPARE(bench.device.received(), request);
+}
+
+// 100 characters of 1,200 baud take 833 ms, and the silence after them 30.
+void TestDriverBasicTransparent::serialLineIsLeftAloneWhileItSends()
+{
+    DriverBench bench(lineOf(1));
+    QVERIFY(bench.connectLink());
+    bench.device.behave(QStringList(QLatin1String("silent")));
+    bench.serial->setBaudRate(BAUD1200);
+    bench.driver->UpdateSerialParameter();
+    bench.driver->response_timeout_ = 0;
+    QElapsedTimer time;
+    time.start();
+    QCOMPARE(bench.transparent(QByteArray(100, 'Q')), QStringList(no_answer));
+    QVERIFY2(time.elapsed() >= 863, qPrintable(QString::number(time.elapsed())));
 }
 
 void TestDriverBasicTransparent::bytesArriveUnchanged_data()

@@ -56,7 +56,7 @@ qint64 wholePower(int base, int exponent)
 {
     const double power = std::floor(std::pow(float(base), float(exponent)));
     const double limit = 9.2e18;
-    return power != power ? 0 : qint64(qBound(-limit, power, limit));
+    return qint64(qBound(-limit, power, limit));
 }
 
 } // namespace

@@ -86,6 +86,10 @@ void TestProtocolBasic::digitsInPlace()
     QCOMPARE(QByteArray(text, 5), QByteArray("\x01\x0A\x0F\x00\x39", 5));
     QVERIFY(ProtocolBasic::hex2Ascii(text, 4));
     QCOMPARE(QByteArray(text, 5), QByteArray("1AF09"));
+    QVERIFY(ProtocolBasic::ascii2Hex(text + 4, 1));
+    QCOMPARE(QByteArray(text, 5), QByteArray("1AF0\x09"));
+    QVERIFY(ProtocolBasic::hex2Ascii(text + 4, 1));
+    QCOMPARE(QByteArray(text, 5), QByteArray("1AF09"));
     QVERIFY(!ProtocolBasic::ascii2Hex(nullptr, 4));
     QVERIFY(!ProtocolBasic::hex2Ascii(nullptr, 4));
     for (const int len : {0, -1, smallest}) {
@@ -299,6 +303,8 @@ void TestProtocolBasic::digitBaseTransform_data()
     QTest::newRow("digits of base 0") << 12 << 16 << 0 << 0;
     QTest::newRow("digits of base 1 are zeros") << 12 << 16 << 1 << 0;
     QTest::newRow("smallest in base -1") << smallest << 10 << -1 << 0;
+    QTest::newRow("power beyond 64 bits") << 10000000 << 1000000 << 10 << -1650982912;
+    QTest::newRow("negative power beyond 64 bits") << 10000000 << -1000000 << 10 << 1650982912;
     QTest::newRow("to base 0: only the last digit") << 1234 << 0 << 10 << 4;
 }
 

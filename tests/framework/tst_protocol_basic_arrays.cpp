@@ -187,9 +187,12 @@ void TestProtocolBasicArrays::addArrayFailures()
         QVERIFY(!ProtocolBasic::addArray(out, source.constData(), 4, size, 1, 0));
         QCOMPARE(log.take(), QStringList{invalid});
     }
+    QVERIFY(!ProtocolBasic::addArray(out, source.constData(), 0, 5, 1, 0));
+    QCOMPARE(log.take(), QStringList{invalid});
     QVERIFY(!ProtocolBasic::addArray(out, nullptr, 4, 2, 1, 0));
     QCOMPARE(log.take(), QStringList{invalid});
-    QVERIFY(!ProtocolBasic::addArray(out, source.constData(), 6, 3, 1, 0));
+    for (const int len : {1, 6})
+        QVERIFY(!ProtocolBasic::addArray(out, source.constData(), len, 3, 1, 0));
     QVERIFY(ProtocolBasic::addArray(out, source.constData(), 0, 3, 1, 0));
     QVERIFY(ProtocolBasic::addArray(out, source.constData(), -6, 2, 1, 0));
     QCOMPARE(out, QByteArray("x"));
@@ -210,13 +213,17 @@ void TestProtocolBasicArrays::extractArrayFailures()
     QVERIFY(!ProtocolBasic::extractArray(out, nullptr, 4, 2, 1, 0));
     QVERIFY(out.isEmpty());
     QCOMPARE(log.take(), QStringList{invalid});
-    out = "x";
-    QVERIFY(!ProtocolBasic::extractArray(out, source.constData(), 6, 3, 1, 0));
-    QVERIFY(out.isEmpty());
-    for (const int size : {2, 3}) {
+    for (const int len : {1, 6}) {
         out = "x";
-        QVERIFY(ProtocolBasic::extractArray(out, source.constData(), -1, size, 1, 0));
+        QVERIFY(!ProtocolBasic::extractArray(out, source.constData(), len, 3, 1, 0));
         QVERIFY(out.isEmpty());
+    }
+    for (const int size : {2, 3}) {
+        for (const int len : {-1, 0}) {
+            out = "x";
+            QVERIFY(ProtocolBasic::extractArray(out, source.constData(), len, size, 1, 0));
+            QVERIFY(out.isEmpty());
+        }
     }
     QVERIFY(log.lines().isEmpty());
 }

@@ -62,16 +62,15 @@ int Catalogue::run() const
 void addCatalogue(CLI::App& app, Run& run)
 {
     const auto options = std::make_shared<Catalogue>();
-    CLI::App* command =
-        app.add_subcommand("catalogue", "Print the groups and items that a service offers");
-    command->footer(catalogue_text);
+    CLI::App* const command =
+        addCommand(app, run, "catalogue", "Print the groups and items that a service offers",
+                   catalogue_text, [options] { return options->run(); });
     addServiceOptions(command, options->service);
     CLI::Option* tree = command->add_flag("--tree", options->tree, "As a tree");
     CLI::Option* table = command->add_flag("--table", options->table, "As a table")->excludes(tree);
     command->add_flag("-j,--json", options->json, "As JSON, for configure and diff")
         ->excludes(tree)
         ->excludes(table);
-    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 } // namespace tovik_host

@@ -38,10 +38,11 @@ struct Check
 
 int Check::run() const
 {
-    if (driver::isForDevice(common))
-        return check::runLinkCheck(common, addresses);
-    driver::refuseDeviceOptions(common);
-    return check::runCheck(common, items);
+    config::CommonOptions given = common;
+    if (!addresses.isEmpty())
+        given.device_options << u"\"%1\""_s.arg(addresses.first());
+    return driver::meansDevice(given) ? check::runLinkCheck(common, addresses)
+                                      : check::runCheck(common, items);
 }
 
 } // namespace
@@ -49,8 +50,9 @@ int Check::run() const
 void addCheck(CLI::App& app, Run& run)
 {
     const auto options = std::make_shared<Check>();
-    CLI::App* command = app.add_subcommand("check", "Why does the value not arrive?");
-    command->footer(check_text);
+    CLI::App* const command = addCommand(
+        app, run, "check", "Why does the value not arrive?", check_text,
+        [options] { return options->run(); }, options->common, Needs::address);
     addTexts(command, "ADDRESS", options->addresses,
              "Of a device: addresses, or with --config names of items");
     addCommon(command, options->common);
@@ -65,12 +67,6 @@ void addCheck(CLI::App& app, Run& run)
     command->add_flag("-j,--json", options->common.json, "One line of JSON for every step");
     addLink(command, options->common.link);
     addRequest(command, options->common);
-    command->callback([command, options, &run] {
-        complete(command, options->common, Needs::address);
-        if (!options->addresses.isEmpty())
-            options->common.device_options << u"\"%1\""_s.arg(options->addresses.first());
-        run = [options] { return options->run(); };
-    });
 }
 
 } // namespace tovik_host

@@ -1,5 +1,3 @@
-#include "tools/host/command_line.h"
-
 #include "tools/host/commands.h"
 #include "tools/host/terminal/context.h"
 #include "tools/host/terminal/exit_code.h"

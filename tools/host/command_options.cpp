@@ -68,7 +68,42 @@ QString textOf(const std::string& word)
     return QString::fromStdString(is_marked ? word.substr(1) : word);
 }
 
+/// Completes \a common, once the line is parsed. Throws CLI::ParseError if the options do not name
+/// what the command needs.
+void complete(const CLI::App* command, config::CommonOptions& common, Needs needs)
+{
+    const bool takes_address = needs == Needs::address;
+    const bool has_address = !common.url.isEmpty() || !common.url_file.isEmpty();
+    if (common.config.isEmpty() && !common.link.address && !(takes_address && has_address)) {
+        throw CLI::RequiredError(std::string("--config (a service and its items)") +
+                                 (takes_address ? ", --url (a service)" : "") +
+                                 " or --link (a device)");
+    }
+    common.device_options << givenOptions(command, link_group);
+    common.service_options << givenOptions(command, service_group);
+}
+
 } // namespace
+
+CLI::App* addCommand(CLI::App& app, Run& run, const char* name, const char* description,
+                     const char* text, const Run& what)
+{
+    CLI::App* const command = app.add_subcommand(name, description);
+    command->footer(text);
+    command->callback([=, &run] { run = what; });
+    return command;
+}
+
+CLI::App* addCommand(CLI::App& app, Run& run, const char* name, const char* description,
+                     const char* text, const Run& what, config::CommonOptions& common, Needs needs)
+{
+    CLI::App* const command = addCommand(app, run, name, description, text, what);
+    command->callback([=, &run, &common] {
+        complete(command, common, needs);
+        run = what;
+    });
+    return command;
+}
 
 std::string keepBrackets(const std::string& word)
 {
@@ -230,19 +265,6 @@ void addRequest(CLI::App* command, config::CommonOptions& common)
     addNumber(command, "--field1", request.field1, driver_s);
     addNumber(command, "--extra1", request.extra1, driver_s);
     addNumber(command, "--extra2", request.extra2, driver_s);
-}
-
-void complete(const CLI::App* command, config::CommonOptions& common, Needs needs)
-{
-    const bool takes_address = needs == Needs::address;
-    const bool has_address = !common.url.isEmpty() || !common.url_file.isEmpty();
-    if (common.config.isEmpty() && !common.link.address && !(takes_address && has_address)) {
-        throw CLI::RequiredError(std::string("--config (a service and its items)") +
-                                 (takes_address ? ", --url (a service)" : "") +
-                                 " or --link (a device)");
-    }
-    common.device_options << givenOptions(command, link_group);
-    common.service_options << givenOptions(command, service_group);
 }
 
 QString causeOfNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,

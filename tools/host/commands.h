@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -50,6 +51,33 @@ void addDiff(CLI::App& app, Run& run);
 void addConvert(CLI::App& app, Run& run);
 void addShow(CLI::App& app, Run& run);
 
+/// What a command needs beside its own options.
+enum class Needs
+{
+    configuration, ///< Or a link.
+    address        ///< A service's address will do, too.
+};
+
+/// Adds a command, which does \a what; its help ends with \a text.
+CLI::App* addCommand(CLI::App& app, Run& run, const char* name, const char* description,
+                     const char* text, const Run& what);
+/// The same with a driver: the line must name what the command \a needs, and \a common is told
+/// which options it has that only a service has, or only a device.
+CLI::App* addCommand(CLI::App& app, Run& run, const char* name, const char* description,
+                     const char* text, const Run& what, config::CommonOptions& common,
+                     Needs needs = Needs::configuration);
+
+/// Parses a command line without the program, after what the user's settings add to it, and prints
+/// what help is asked for; that was all then, and the exit code is returned. Throws UsageError in
+/// the user's words.
+std::optional<int> parseLine(CLI::App& app, std::vector<std::string> words);
+
+/// Puts the user's settings after the command that begins \a words, as far as that command has
+/// such options and the line does not give them. The file is `tovik/tovik-host.json` in the folder
+/// of the user's configurations. A password in it goes into the environment, where every command
+/// looks for one. Throws UsageError, also for a password that others may read.
+void addSettings(const CLI::App& command, std::vector<std::string>& words);
+
 /// \a word so that the command-line library takes it as it is: what stands in brackets would be a
 /// list. What addText() and addTexts() give has them back.
 std::string keepBrackets(const std::string& word);
@@ -89,18 +117,6 @@ void addRequest(CLI::App* command, config::CommonOptions& common);
 /// Marks an option as one that only a service has, or only a device.
 void markOfService(CLI::Option* option);
 void markOfDevice(CLI::Option* option);
-/// What a command needs beside its own options.
-enum class Needs
-{
-    configuration, ///< Or a link.
-    address        ///< A service's address will do, too.
-};
-
-/// Completes \a common, once the line is parsed. Throws CLI::ParseError if the options do not name
-/// what the command needs.
-void complete(const CLI::App* command, config::CommonOptions& common,
-              Needs needs = Needs::configuration);
-
 /// Why a driver with this \a status got no connection to its service; empty: that is not known.
 QString causeOfNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,
                             const config::CommonOptions& common, int status);

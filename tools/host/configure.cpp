@@ -182,9 +182,9 @@ int Configure::run() const
 void addConfigure(CLI::App& app, Run& run)
 {
     const auto options = std::make_shared<Configure>();
-    CLI::App* command =
-        app.add_subcommand("configure", "Make a configuration from a service's catalogue");
-    command->footer(configure_text);
+    CLI::App* const command =
+        addCommand(app, run, "configure", "Make a configuration from a service's catalogue",
+                   configure_text, [options] { return options->run(); });
     service::ItemFilter& filter = options->filter;
     addTexts(command, "PATTERN", filter.patterns, "Items to choose, such as 'Boiler/*'");
     addTexts(command, "--exclude", filter.excluded, "Items to leave out; repeatable", "PATTERN")
@@ -200,7 +200,6 @@ void addConfigure(CLI::App& app, Run& run)
     command->add_flag("--with-password", options->with_password,
                       "Put the password into the configuration, as plain text");
     addServiceOptions(command, options->service);
-    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 } // namespace tovik_host

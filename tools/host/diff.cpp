@@ -128,8 +128,8 @@ int Diff::run() const
 void addDiff(CLI::App& app, Run& run)
 {
     const auto options = std::make_shared<Diff>();
-    CLI::App* command = app.add_subcommand("diff", "Show what has changed in a catalogue");
-    command->footer(diff_text);
+    CLI::App* const command = addCommand(app, run, "diff", "Show what has changed in a catalogue",
+                                         diff_text, [options] { return options->run(); });
     addText(command, "OLD", options->before, "Saved catalogue, or a configuration")->required();
     addText(command, "NEW", options->after, "The same; without it the service is asked");
     addTexts(command, "--ignore", options->ignored, "Differences that do not count; repeatable",
@@ -139,7 +139,6 @@ void addDiff(CLI::App& app, Run& run)
                                                     "length", "group-renamed", "access"}));
     command->add_flag("-j,--json", options->json, "As JSON");
     addServiceOptions(command, options->service);
-    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 } // namespace tovik_host

@@ -56,6 +56,7 @@ struct Raw
 {
     config::CommonOptions common;
     QStringList bytes; ///< Hexadecimal digits.
+    bool has_timeout = false;
     bool force = false;
 
     int run() const;
@@ -68,11 +69,15 @@ int Raw::run() const
             u"raw is for a device on a link, and there is none: add --link tcp:HOST:PORT or --link "
             "serial:DEVICE"_s);
     }
-    const value::HexBytes request = value::parseHexBytes(bytes);
-    if (!request.problem.isEmpty())
-        throw terminal::UsageError(request.problem);
+    const QByteArray request = value::parseHexBytes(bytes);
+    config::CommonOptions asked = common;
+    if (has_timeout && !asked.link.response_timeout) {
+        asked.link.response_timeout =
+            std::min(int(asked.timeout * 1000), config::limits::response_timeout);
+    }
+    asked.timeout = std::max(asked.timeout, 10.0);
     terminal::Context context;
-    driver::DeviceSetup setup(common, {}, context);
+    driver::DeviceSetup setup(asked, {}, context);
     if (!setup.open())
         return terminal::exitRefused;
     if (!force && !setup.host.supportsRaw()) {
@@ -82,10 +87,10 @@ int Raw::run() const
             "same"_s);
         return terminal::exitRefused;
     }
-    const driver::DeviceAnswer answer = setup.host.sendRaw(request.bytes);
+    const driver::DeviceAnswer answer = setup.host.sendRaw(request);
     const QString problem = problemOf(setup, answer);
     if (common.json)
-        printJson(context, request.bytes, answer.answer, problem);
+        printJson(context, request, answer.answer, problem);
     else if (problem.isEmpty())
         context.out.line(value::hexText(answer.answer.bytes));
     else
@@ -98,27 +103,18 @@ int Raw::run() const
 void addRaw(CLI::App& app, Run& run)
 {
     const auto options = std::make_shared<Raw>();
-    CLI::App* command = app.add_subcommand("raw", "Send bytes to a device as they are");
-    command->footer(raw_text);
+    CLI::App* const command = addCommand(
+        app, run, "raw", "Send bytes to a device as they are", raw_text,
+        [options] { return options->run(); }, options->common);
     addTexts(command, "HEX", options->bytes, "Bytes, such as 01 03 00 0A or 0103000A")->required();
     addCommon(command, options->common);
-    const CLI::Option* timeout = addTimeout(
-        command, options->common.timeout,
-        "Longest wait for the answer, as --response-timeout; the link has 10 s at least");
+    addTimeout(command, options->common.timeout,
+               "Longest wait for the answer, as --response-timeout; the link has 10 s at least")
+        ->each([options](const std::string&) { options->has_timeout = true; });
     command->add_flag("-j,--json", options->common.json, "One line of JSON");
     command->add_flag("--force", options->force,
                       "Even if the driver says that it does not support it");
     addLink(command, options->common.link);
-    command->callback([command, timeout, options, &run] {
-        config::CommonOptions& common = options->common;
-        complete(command, common);
-        if (timeout->count() > 0 && !common.link.response_timeout) {
-            common.link.response_timeout =
-                std::min(int(common.timeout * 1000), config::limits::response_timeout);
-        }
-        common.timeout = std::max(common.timeout, 10.0);
-        run = [options] { return options->run(); };
-    });
 }
 
 } // namespace tovik_host

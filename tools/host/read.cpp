@@ -99,10 +99,7 @@ void Read::print(terminal::Context& context, const config::ItemConfig& item,
 
 int Read::run() const
 {
-    if (driver::isForDevice(common))
-        return runOfDevice();
-    driver::refuseDeviceOptions(common);
-    return runOfService();
+    return driver::meansDevice(common) ? runOfDevice() : runOfService();
 }
 
 int Read::runOfService() const
@@ -149,9 +146,9 @@ int Read::runOfDevice() const
 void addRead(CLI::App& app, Run& run)
 {
     const auto options = std::make_shared<Read>();
-    CLI::App* command =
-        app.add_subcommand("read", "Read items once, as the service or the device has them");
-    command->footer(read_text);
+    CLI::App* const command = addCommand(
+        app, run, "read", "Read items once, as the service or the device has them", read_text,
+        [options] { return options->run(); }, options->common);
     addTexts(command, "ITEM", options->items,
              "Names of items, or patterns of them with * ? []; of a device without --config: "
              "addresses")
@@ -163,10 +160,6 @@ void addRead(CLI::App& app, Run& run)
     command->add_flag("-q,--quiet", options->quiet, "The values only");
     addLink(command, options->common.link);
     addRequest(command, options->common);
-    command->callback([command, options, &run] {
-        complete(command, options->common);
-        run = [options] { return options->run(); };
-    });
 }
 
 } // namespace tovik_host

@@ -1,4 +1,4 @@
-#include "tools/host/command_line.h"
+#include "tools/host/commands.h"
 #include "tools/host/config/account.h"
 #include "tools/host/config/json_file.h"
 

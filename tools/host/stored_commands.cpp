@@ -93,10 +93,10 @@ void addFormat(CLI::App* command, stored::Hints* format)
 
 void addConvert(CLI::App& app, Run& run)
 {
-    CLI::App* const command =
-        app.add_subcommand("convert", "Turn a stored configuration into JSON, and back");
     const auto options = std::make_shared<stored::Convert>();
-    command->footer(convert_text);
+    CLI::App* const command =
+        addCommand(app, run, "convert", "Turn a stored configuration into JSON, and back",
+                   convert_text, [options] { return options->run(); });
     addInput(command, options->input);
     addText(command, "OUT", options->output, "The file to write; - for the standard output")
         ->required();
@@ -108,21 +108,19 @@ void addConvert(CLI::App& app, Run& run)
     command->add_flag("--force", options->force, "Replace OUT if it exists");
     command->add_flag("--salvage", options->salvage, "Of a damaged stream, write what can be read");
     addFormat(command, &options->format);
-    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 void addShow(CLI::App& app, Run& run)
 {
-    CLI::App* const command = app.add_subcommand("show", "Show a stored configuration");
     const auto options = std::make_shared<stored::Show>();
-    command->footer(show_text);
+    CLI::App* const command = addCommand(app, run, "show", "Show a stored configuration", show_text,
+                                         [options] { return options->run(); });
     addInput(command, options->input);
     command->add_flag("-j,--json", options->json,
                       "As JSON, as convert writes it, with the problems");
     command->add_flag("--show-password", options->show_password,
                       "Show the password, too, and all texts of a damaged stream");
     addFormat(command, &options->format);
-    command->callback([=, &run] { run = [=] { return options->run(); }; });
 }
 
 } // namespace tovik_host

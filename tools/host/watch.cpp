@@ -50,10 +50,7 @@ int Watch::run() const
             u"the trace and the table would write over each other: name a file with "
             "--trace=FILE"_s);
     }
-    if (driver::isForDevice(common))
-        return runOfDevice();
-    driver::refuseDeviceOptions(common);
-    return runOfService();
+    return driver::meansDevice(common) ? runOfDevice() : runOfService();
 }
 
 int Watch::runOfService() const
@@ -105,8 +102,9 @@ int Watch::runOfDevice() const
 void addWatch(CLI::App& app, Run& run)
 {
     const auto options = std::make_shared<Watch>();
-    CLI::App* command = app.add_subcommand("watch", "Show items live as the driver serves them");
-    command->footer(watch_text);
+    CLI::App* const command = addCommand(
+        app, run, "watch", "Show items live as the driver serves them", watch_text,
+        [options] { return options->run(); }, options->common);
     addTexts(command, "ITEM", options->items,
              "Names of items, or patterns of them with * ? [] (default: all); of a device without "
              "--config: addresses");
@@ -129,10 +127,6 @@ void addWatch(CLI::App& app, Run& run)
     addLink(command, options->common.link);
     addRequest(command, options->common);
     markOfDevice(addTimeout(command, options->common.timeout, "Longest wait for the link"));
-    command->callback([command, options, &run] {
-        complete(command, options->common);
-        run = [options] { return options->run(); };
-    });
 }
 
 } // namespace tovik_host

@@ -39,10 +39,11 @@ struct Write
 /// The value's bytes. Throws UsageError when it is none of the item's type.
 QByteArray encoded(const config::ItemConfig& item, const QString& value)
 {
-    const value::EncodedValue encoded = config::bytesOf(item, value);
-    if (!encoded.ok())
-        throw terminal::UsageError(u"%1: %2"_s.arg(item.name, encoded.problem));
-    return encoded.bytes;
+    try {
+        return config::bytesOf(item, value);
+    } catch (const terminal::UsageError& error) {
+        throw terminal::UsageError(u"%1: %2"_s.arg(item.name, error.message()));
+    }
 }
 
 config::ItemConfig onlyOne(const QVector<config::ItemConfig>& items, const QString& named)
@@ -79,10 +80,7 @@ int Write::report(terminal::Context& context, const config::ItemConfig& to, cons
 
 int Write::run() const
 {
-    if (driver::isForDevice(common))
-        return runOfDevice();
-    driver::refuseDeviceOptions(common);
-    return runOfService();
+    return driver::meansDevice(common) ? runOfDevice() : runOfService();
 }
 
 int Write::runOfService() const
@@ -120,8 +118,9 @@ int Write::runOfDevice() const
 void addWrite(CLI::App& app, Run& run)
 {
     const auto options = std::make_shared<Write>();
-    CLI::App* command = app.add_subcommand("write", "Write one value to an item");
-    command->footer(write_text);
+    CLI::App* const command = addCommand(
+        app, run, "write", "Write one value to an item", write_text,
+        [options] { return options->run(); }, options->common);
     addText(command, "ITEM", options->item,
             "Name of the item; of a device without --config: address")
         ->required();
@@ -134,10 +133,6 @@ void addWrite(CLI::App& app, Run& run)
     command->add_flag("-j,--json", options->common.json, "One line of JSON");
     addLink(command, options->common.link);
     addRequest(command, options->common);
-    command->callback([command, options, &run] {
-        complete(command, options->common);
-        run = [options] { return options->run(); };
-    });
 }
 
 } // namespace tovik_host

@@ -3,7 +3,6 @@
 #include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
 
-#include <QElapsedTimer>
 #include <QMutexLocker>
 
 #include <utility>
@@ -98,10 +97,9 @@ private:
 
 bool LinkWalk::open()
 {
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const terminal::Stopwatch elapsed;
     const QString problem = setup_.host.open();
-    show(judgeOpening(setup_.config, problem, double(elapsed.nsecsElapsed()) / 1e9));
+    show(judgeOpening(setup_.config, problem, elapsed.seconds()));
     show(judgeLineSettings(setup_.config));
     if (problem.isEmpty())
         return true;

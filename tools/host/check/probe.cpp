@@ -2,7 +2,6 @@
 
 #include "tools/host/terminal/unix_signals.h"
 
-#include <QElapsedTimer>
 #include <QHostAddress>
 #include <QHostInfo>
 #include <QSslCertificate>
@@ -75,17 +74,16 @@ NameFacts Probe::lookUp(const QString& host) const
         facts.addresses << host;
         return facts;
     }
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const terminal::Stopwatch elapsed;
     std::optional<QHostInfo> info;
     QObject receiver;
     const int id = QHostInfo::lookupHost(host, &receiver, [&](const QHostInfo& found) {
-        facts.seconds = double(elapsed.nsecsElapsed()) / 1e9;
+        facts.seconds = elapsed.seconds();
         info = found;
     });
     if (!wait([&] { return info.has_value(); }, &facts.end)) {
         QHostInfo::abortHostLookup(id);
-        facts.seconds = double(elapsed.nsecsElapsed()) / 1e9;
+        facts.seconds = elapsed.seconds();
         return facts;
     }
     for (const QHostAddress& address : info->addresses())
@@ -104,11 +102,10 @@ ConnectFacts Probe::connect(const QString& address, int port) const
     facts.port = port;
     QTcpSocket socket;
     socket.setProxy(QNetworkProxy::NoProxy);
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const terminal::Stopwatch elapsed;
     bool is_over = false;
     const auto over = [&] {
-        facts.seconds = double(elapsed.nsecsElapsed()) / 1e9;
+        facts.seconds = elapsed.seconds();
         is_over = true;
     };
     QObject::connect(&socket, &QTcpSocket::connected, &socket, over);
@@ -239,10 +236,9 @@ TlsFacts Probe::tryTls(const QUrl& url, const QString& address, const QNetworkPr
     socket.setPeerVerifyMode(QSslSocket::QueryPeer);
     QList<QSslError> errors;
     bool is_over = false;
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const terminal::Stopwatch elapsed;
     const auto over = [&] {
-        facts.seconds = double(elapsed.nsecsElapsed()) / 1e9;
+        facts.seconds = elapsed.seconds();
         is_over = true;
     };
     QObject::connect(&socket, QOverload<const QList<QSslError>&>::of(&QSslSocket::sslErrors),
@@ -268,8 +264,7 @@ TlsFacts Probe::tryHttp(const QUrl& url, const QString& address) const
     TlsFacts facts;
     QTcpSocket socket;
     socket.setProxy(QNetworkProxy::NoProxy);
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const terminal::Stopwatch elapsed;
     QByteArray answer;
     bool is_over = false;
     QObject::connect(&socket, &QTcpSocket::connected, &socket, [&] {
@@ -286,7 +281,7 @@ TlsFacts Probe::tryHttp(const QUrl& url, const QString& address) const
         facts.end = ProbeEnd::failed;
         facts.reason = socket.errorString();
     }
-    facts.seconds = double(elapsed.nsecsElapsed()) / 1e9;
+    facts.seconds = elapsed.seconds();
     if (!answer.isEmpty())
         facts.protocol = answer.startsWith("HTTP/") ? Protocol::http : Protocol::other;
     facts.is_bad_request = answer.mid(enough - 3, 3) == "400";

@@ -25,23 +25,20 @@ std::optional<QString> valueOf(const ItemConfig& item, const QByteArray& bytes)
     return values.join(u' ');
 }
 
-value::EncodedValue bytesOf(const ItemConfig& item, const QString& text)
+QByteArray bytesOf(const ItemConfig& item, const QString& text)
 {
     if (item.elements == 1)
         return value::encodeValue(*item.type, text, item.length);
     const QStringList values = text.split(u' ', Qt::SkipEmptyParts);
-    value::EncodedValue all;
     if (values.size() != item.elements) {
-        all.problem = u"the item has %1 elements, and here are %2 values"_s.arg(item.elements)
-                          .arg(values.size());
+        throw terminal::UsageError(
+            u"the item has %1 elements, and here are %2 values"_s.arg(item.elements)
+                .arg(values.size()));
     }
-    for (const QString& value : values) {
-        const value::EncodedValue one = value::encodeValue(*item.type, value, 0);
-        if (all.ok())
-            all.problem = one.problem;
-        all.bytes += one.bytes;
-    }
-    return all;
+    QByteArray bytes;
+    for (const QString& value : values)
+        bytes += value::encodeValue(*item.type, value, 0);
+    return bytes;
 }
 
 PropertyTovikIot recordOf(const Account& service, const QVector<ItemConfig>& items)

@@ -50,8 +50,9 @@ struct ItemConfig
 /// The item's value in \a bytes, or nothing if they are none: of several elements, their values
 /// with blanks between them.
 std::optional<QString> valueOf(const ItemConfig& item, const QByteArray& bytes);
-/// The bytes of \a text: of several elements, as many values with blanks between them.
-value::EncodedValue bytesOf(const ItemConfig& item, const QString& text);
+/// The bytes of \a text: of several elements, as many values with blanks between them. Throws
+/// UsageError.
+QByteArray bytesOf(const ItemConfig& item, const QString& text);
 
 /// What a host hands to the cloud driver that is to serve \a items of a service.
 PropertyTovikIot recordOf(const Account& service, const QVector<ItemConfig>& items);

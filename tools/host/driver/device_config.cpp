@@ -88,13 +88,15 @@ bool isForDevice(const config::CommonOptions& common)
     return common.link.address || (!common.config.isEmpty() && config::namesLink(common.config));
 }
 
-void refuseDeviceOptions(const config::CommonOptions& common)
+bool meansDevice(const config::CommonOptions& common)
 {
-    if (common.device_options.isEmpty())
-        return;
-    throw terminal::UsageError(
-        u"%1 is for a device on a link, and there is none: add --link tcp:HOST:PORT or --link "
-        "serial:DEVICE"_s.arg(common.device_options.first()));
+    const bool is_device = isForDevice(common);
+    if (!is_device && !common.device_options.isEmpty()) {
+        throw terminal::UsageError(
+            u"%1 is for a device on a link, and there is none: add --link tcp:HOST:PORT or --link "
+            "serial:DEVICE"_s.arg(common.device_options.first()));
+    }
+    return is_device;
 }
 
 DeviceConfig deviceConfig(const config::CommonOptions& common, const QStringList& addresses,

@@ -37,8 +37,9 @@ struct DeviceConfig
 /// the configuration names a link. Throws UsageError when the configuration cannot be read.
 bool isForDevice(const config::CommonOptions& common);
 
-/// Throws UsageError if there is an option that only a device has.
-void refuseDeviceOptions(const config::CommonOptions& common);
+/// The same of a command that is for both. Throws UsageError, too, if there is an option that only
+/// a device has, and no device.
+bool meansDevice(const config::CommonOptions& common);
 
 /// Puts options and configuration together; options win.
 ///

@@ -5,8 +5,6 @@
 #include "tools/host/terminal/unix_signals.h"
 #include "tools/host/value/status_text.h"
 
-#include <QElapsedTimer>
-
 namespace tovik_host::driver {
 
 namespace {
@@ -118,8 +116,7 @@ QString unfinished(terminal::Waited waited, const QString& problem)
 SentValue sendValue(terminal::Context& context, const ServiceSetup& setup,
                     const config::ItemConfig& item, const QByteArray& bytes, int milliseconds)
 {
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const terminal::Stopwatch elapsed;
     DriverSession session(setup.plugin, untroubled(setup.config), {item});
 
     if (!session.numbers().write_count)
@@ -135,7 +132,7 @@ SentValue sendValue(terminal::Context& context, const ServiceSetup& setup,
     const value::DriverNumbers before = session.numbers();
     value::DriverNumbers now = before;
     session.write(item.name, bytes);
-    waited = terminal::waitUntil(context.unix_signals, milliseconds - int(elapsed.elapsed()), [&] {
+    waited = terminal::waitUntil(context.unix_signals, milliseconds - elapsed.milliseconds(), [&] {
         now = session.numbers();
         return now.write_count != before.write_count ||
                now.failed_write_count != before.failed_write_count;

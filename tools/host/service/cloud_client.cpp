@@ -1,8 +1,9 @@
 #include "tools/host/service/cloud_client.h"
 
+#include "tools/host/terminal/unix_signals.h"
+
 #include "cloud/post.h"
 
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
 #include <QUrl>
@@ -158,8 +159,7 @@ void CloudClient::interrupt()
 
 ClientOutcome CloudClient::run(const StepPtr& step, double timeout, const Work& work)
 {
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const terminal::Stopwatch elapsed;
     if (!interrupted_) {
         start(step, work);
         waitFor(step, timeout);
@@ -169,7 +169,7 @@ ClientOutcome CloudClient::run(const StepPtr& step, double timeout, const Work& 
         endThread();
     }
     ClientOutcome outcome = judge(*step, timeout);
-    outcome.seconds = double(elapsed.nsecsElapsed()) / 1e9;
+    outcome.seconds = elapsed.seconds();
     return outcome;
 }
 

@@ -1,13 +1,16 @@
 #include "tools/host/service/configure_choice.h"
 
+#include "tools/host/config/config_file.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/text.h"
 #include "tools/host/value/host_value.h"
 
 #include <QHash>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace tovik_host::service {
 
@@ -59,40 +62,25 @@ bool isMatch(const QRegularExpression& expression, const QString& text)
     return expression.match(withoutSlashes(text)).hasMatch();
 }
 
-/// Some of the user's words, and which of them have met an item.
-template <class Word>
-struct Words
+/// One of the user's words, and whether it has met an item.
+struct Word
 {
-    QVector<Word> words;
-    QVector<bool> met;
-
-    void add(const Word& word)
-    {
-        words << word;
-        met << false;
-    }
-
-    template <class Test>
-    bool meet(Test test)
-    {
-        bool any = false;
-        for (int i = 0; i < words.size(); ++i) {
-            if (!test(words.at(i)))
-                continue;
-            met[i] = true;
-            any = true;
-        }
-        return any;
-    }
+    QString option; ///< That it was given with.
+    QString text;
+    ItemTest means;
+    bool is_met = false;
 };
 
-QString typeNamed(const QString& name)
+/// Asks all words, so that none that would match is complained about.
+bool meet(QVector<Word>& words, const OfferedItem& item)
 {
-    if (!value::findItemType(name)) {
-        throw terminal::UsageError(
-            u"--type: \"%1\" is no type; the types are: %2"_s.arg(name, value::allItemTypeNames()));
+    bool is_any_met = false;
+    for (Word& word : words) {
+        const bool is_met = word.means(item);
+        word.is_met = word.is_met || is_met;
+        is_any_met = is_any_met || is_met;
     }
-    return name;
+    return is_any_met;
 }
 
 /// What nobody is called, with what it may stand for: an item, or the items of a group.
@@ -108,32 +96,25 @@ QString missingText(const QString& text, const QVector<OfferedItem>& offered)
 
 } // namespace
 
-ItemPattern::ItemPattern(const QString& text, const QVector<OfferedItem>& offered) : text_(text)
+ItemTest itemPattern(const QString& text, const QVector<OfferedItem>& offered)
 {
     refuseEmpty(text);
-    is_exact_ = std::any_of(offered.begin(), offered.end(),
-                            [this](const OfferedItem& item) { return isCalled(item); });
-    if (is_exact_)
-        return;
-    whole_ = wildcard(text);
+    const auto is_called = [text](const OfferedItem& item) {
+        return text == item.name || text == item.id || text == item.path();
+    };
+    if (std::any_of(offered.begin(), offered.end(), is_called))
+        return is_called;
+    const QRegularExpression whole = wildcard(text);
+    // The pattern, taken apart at each of its slashes outside brackets.
+    QVector<std::pair<QRegularExpression, QRegularExpression>> splits;
     for (const int slash : slashesIn(text))
-        splits_.append({wildcard(text.left(slash)), wildcard(text.mid(slash + 1))});
-}
-
-bool ItemPattern::isCalled(const OfferedItem& item) const
-{
-    return text_ == item.name || text_ == item.id || text_ == item.path();
-}
-
-bool ItemPattern::matches(const OfferedItem& item) const
-{
-    if (is_exact_)
-        return isCalled(item);
-    if (isMatch(whole_, item.name))
-        return true;
-    return std::any_of(splits_.begin(), splits_.end(), [&item](const auto& split) {
-        return isMatch(split.first, item.group) && isMatch(split.second, item.name);
-    });
+        splits.append({wildcard(text.left(slash)), wildcard(text.mid(slash + 1))});
+    return [whole, splits](const OfferedItem& item) {
+        const auto fits = [&item](const auto& split) {
+            return isMatch(split.first, item.group) && isMatch(split.second, item.name);
+        };
+        return isMatch(whole, item.name) || std::any_of(splits.begin(), splits.end(), fits);
+    };
 }
 
 void checkFilter(const ItemFilter& filter)
@@ -141,43 +122,35 @@ void checkFilter(const ItemFilter& filter)
     for (const QString& text : filter.patterns + filter.excluded)
         refuseEmpty(text);
     for (const QString& name : filter.types)
-        typeNamed(name);
+        config::itemType(name, u"--type"_s);
 }
 
 FilteredItems filterItems(const QVector<OfferedItem>& offered, const ItemFilter& filter)
 {
-    Words<ItemPattern> patterns;
-    Words<ItemPattern> excluded;
-    Words<QString> types;
+    checkFilter(filter);
+    QVector<Word> patterns;
+    QVector<Word> excluded;
+    QVector<Word> types;
     for (const QString& text : filter.patterns)
-        patterns.add(ItemPattern(text, offered));
+        patterns << Word{QString(), text, itemPattern(text, offered)};
     for (const QString& text : filter.excluded)
-        excluded.add(ItemPattern(text, offered));
+        excluded << Word{u"--exclude "_s, text, itemPattern(text, offered)};
     for (const QString& name : filter.types)
-        types.add(typeNamed(name));
+        types << Word{u"--type "_s, name,
+                      [name](const OfferedItem& item) { return item.type == name; }};
 
     FilteredItems result;
     for (const OfferedItem& item : offered) {
-        const auto matches = [&item](const ItemPattern& pattern) { return pattern.matches(item); };
-        // All are asked, so that none that would match is complained about.
-        const bool is_wanted = patterns.meet(matches);
-        const bool is_excluded = excluded.meet(matches);
-        const bool is_of_type =
-            types.meet([&item](const QString& type) { return type == item.type; });
-        if ((is_wanted || patterns.words.isEmpty()) && !is_excluded &&
-            (is_of_type || types.words.isEmpty()))
+        const bool is_wanted = meet(patterns, item) || patterns.isEmpty();
+        const bool is_excluded = meet(excluded, item);
+        const bool is_of_type = meet(types, item) || types.isEmpty();
+        if (is_wanted && !is_excluded && is_of_type)
             result.items << item;
     }
-    const auto report = [&](const auto& words, const QString& start, auto text_of) {
-        for (int i = 0; i < words.words.size(); ++i) {
-            if (!words.met.at(i))
-                result.without_match << start + missingText(text_of(words.words.at(i)), offered);
-        }
-    };
-    const auto text_of_pattern = [](const ItemPattern& pattern) { return pattern.text(); };
-    report(patterns, QString(), text_of_pattern);
-    report(excluded, u"--exclude "_s, text_of_pattern);
-    report(types, u"--type "_s, [](const QString& type) { return type; });
+    for (const Word& word : patterns + excluded + types) {
+        if (!word.is_met)
+            result.without_match << word.option + missingText(word.text, offered);
+    }
     return result;
 }
 

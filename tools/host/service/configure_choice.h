@@ -4,39 +4,24 @@
 #include "tools/host/config/config.h"
 #include "tools/host/service/catalogue.h"
 
-#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
-#include <utility>
+#include <functional>
 
 namespace tovik_host::service {
 
-/// A pattern for items: `GROUP/ITEM` is compared with both names, anything else with the item's
+/// Whether an item is meant.
+using ItemTest = std::function<bool(const OfferedItem&)>;
+
+/// What a pattern means: `GROUP/ITEM` is compared with both names, anything else with the item's
 /// name. An id stands for itself, without wildcards, as ids often begin with the name of the group.
 /// `*` stands for any characters, `?` for one, `[...]` for one of several; names that contain
 /// slashes themselves match as they are written. What is the whole name, path or id of an item
-/// among those offered stands for it alone, whatever it would be as a pattern.
-class ItemPattern
-{
-public:
-    /// Throws UsageError when \a text is empty, or neither a pattern nor what an item of \a offered
-    /// is called.
-    ItemPattern(const QString& text, const QVector<OfferedItem>& offered);
-
-    bool matches(const OfferedItem& item) const;
-    QString text() const { return text_; }
-
-private:
-    bool isCalled(const OfferedItem& item) const;
-
-    QString text_;
-    bool is_exact_;
-    QRegularExpression whole_;
-    /// The pattern, taken apart at each of its slashes outside brackets.
-    QVector<std::pair<QRegularExpression, QRegularExpression>> splits_;
-};
+/// among those \a offered stands for it alone, whatever it would be as a pattern. Throws UsageError
+/// when \a text is empty, or neither a pattern nor what an item is called.
+ItemTest itemPattern(const QString& text, const QVector<OfferedItem>& offered);
 
 /// Which items are wanted.
 struct ItemFilter

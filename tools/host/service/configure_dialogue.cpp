@@ -135,9 +135,9 @@ QVector<int> ConfigureDialogue::itemsNamed(const QString& text, QString* problem
     QVector<int> named;
     if (!isNumbers(text)) {
         try {
-            const ItemPattern pattern(text, offered_);
+            const ItemTest is_meant = itemPattern(text, offered_);
             for (int i = 0; i < offered_.size(); ++i) {
-                if (pattern.matches(offered_.at(i)))
+                if (is_meant(offered_.at(i)))
                     named << i;
             }
             if (named.isEmpty())

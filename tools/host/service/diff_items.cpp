@@ -198,8 +198,22 @@ private:
     QVector<Difference> found_;
 };
 
-const char* const kind_names[] = {"gone",  "added",  "renamed",       "type",
-                                  "moved", "length", "group-renamed", "access"};
+/// How a kind is told.
+struct KindText
+{
+    const char* name;
+    const char* text; ///< With what was before, and what is after.
+    bool has_names;   ///< They go into quotes.
+};
+
+const KindText kinds[] = {{"gone", "", false},
+                          {"added", "", false},
+                          {"renamed", "renamed from %1 to %2", true},
+                          {"type", "type %2, was %1", false},
+                          {"moved", "moved from group %1 to %2", true},
+                          {"length", "length %2, was %1", false},
+                          {"group-renamed", "group renamed from %1 to %2", true},
+                          {"access", "access %2, was %1", true}};
 
 } // namespace
 
@@ -225,7 +239,7 @@ QVector<Difference> findDifferences(const DiffSide& before, const DiffSide& afte
 
 QString kindName(Difference::Kind kind)
 {
-    return QString::fromLatin1(kind_names[kind]);
+    return QString::fromLatin1(kinds[kind].name);
 }
 
 QString differenceLine(const Difference& difference)
@@ -233,36 +247,20 @@ QString differenceLine(const Difference& difference)
     const auto quoted = [](const QString& text) {
         return u"\"%1\""_s.arg(terminal::printable(text));
     };
-    const QString subject = u"%1 (%2): "_s.arg(terminal::printable(difference.path),
-                                               terminal::printable(difference.id));
-    switch (difference.kind) {
-    case Difference::gone:
-        return u"- "_s + subject + u"gone"_s +
-               (difference.same_name_id.isEmpty()
-                    ? QString()
-                    : u"; an item of this name has the id "_s + quoted(difference.same_name_id));
-    case Difference::added:
-        return u"+ "_s + subject + u"added, "_s + difference.after;
-    case Difference::renamed:
-        return u"~ "_s + subject +
-               u"renamed from %1 to %2"_s.arg(quoted(difference.before), quoted(difference.after));
-    case Difference::retyped:
-        return u"~ "_s + subject + u"type %1, was %2"_s.arg(difference.after, difference.before);
-    case Difference::moved:
-        return u"~ "_s + subject +
-               u"moved from group %1 to %2"_s.arg(quoted(difference.before),
-                                                  quoted(difference.after));
-    case Difference::group_renamed:
-        return u"~ "_s + subject +
-               u"group renamed from %1 to %2"_s.arg(quoted(difference.before),
-                                                    quoted(difference.after));
-    case Difference::access:
-        return u"~ "_s + subject +
-               u"access %1, was %2"_s.arg(quoted(difference.after), quoted(difference.before));
-    case Difference::resized:
-        break;
+    const QString subject = u" %1 (%2): "_s.arg(terminal::printable(difference.path),
+                                                terminal::printable(difference.id));
+    if (difference.kind == Difference::added)
+        return u'+' + subject + u"added, "_s + difference.after;
+    if (difference.kind == Difference::gone) {
+        const QString& id = difference.same_name_id;
+        return u'-' + subject + u"gone"_s +
+               (id.isEmpty() ? QString() : u"; an item of this name has the id "_s + quoted(id));
     }
-    return u"~ "_s + subject + u"length %1, was %2"_s.arg(difference.after, difference.before);
+    const KindText& kind = kinds[difference.kind];
+    return u'~' + subject +
+           QString::fromLatin1(kind.text).arg(
+               kind.has_names ? quoted(difference.before) : difference.before,
+               kind.has_names ? quoted(difference.after) : difference.after);
 }
 
 } // namespace tovik_host::service

@@ -37,24 +37,12 @@ DebugLog::~DebugLog()
     current_log = nullptr;
 }
 
-void DebugLog::writeToFile(const QString& path)
-{
-    const QMutexLocker locker(&lock_);
-    file_.emplace(u"the log"_s, path);
-}
-
-void DebugLog::echo()
-{
-    const QMutexLocker locker(&lock_);
-    echoes_ = true;
-}
-
 void DebugLog::start(const QString& path, bool echoes)
 {
+    const QMutexLocker locker(&lock_);
     if (!path.isEmpty())
-        writeToFile(path);
-    if (echoes)
-        echo();
+        file_.emplace(u"the log"_s, path);
+    echoes_ = echoes;
 }
 
 QStringList DebugLog::lastLines(int count) const

@@ -23,11 +23,8 @@ public:
     ~DebugLog();
     Q_DISABLE_COPY(DebugLog)
 
-    /// Appends every further line, with its time, to the file \a path. Throws UsageError.
-    void writeToFile(const QString& path);
-    /// Writes every further line to the standard error as well.
-    void echo();
-    /// Both as the options say; an empty \a path: to no file.
+    /// Appends every further line, with its time, to the file \a path unless that is empty, and
+    /// \a echoes it to the standard error. Throws UsageError.
     void start(const QString& path, bool echoes);
     /// The latest lines, oldest first; a line that came several times in a row stands there once,
     /// with their number.

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -88,14 +87,13 @@ Waited waitUntil(const UnixSignals& unix_signals, int milliseconds,
     Waited result = Waited::met;
     QEventLoop loop;
     QTimer timer;
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const Stopwatch elapsed;
     const auto look = [&] {
         if (condition())
             result = Waited::met;
         else if (unix_signals.endRequested())
             result = Waited::interrupted;
-        else if (elapsed.elapsed() >= milliseconds)
+        else if (elapsed.milliseconds() >= milliseconds)
             result = Waited::timed_out;
         else
             return;

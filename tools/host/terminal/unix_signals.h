@@ -1,6 +1,7 @@
 #ifndef TOOLS_HOST_TERMINAL_UNIX_SIGNALS_H
 #define TOOLS_HOST_TERMINAL_UNIX_SIGNALS_H
 
+#include <QElapsedTimer>
 #include <QObject>
 
 #include <array>
@@ -38,6 +39,19 @@ private:
     std::array<int, 2> pipe_ = {-1, -1};
     QSocketNotifier* notifier_ = nullptr;
     bool end_requested_ = false;
+};
+
+/// The time since it was made.
+class Stopwatch
+{
+public:
+    Stopwatch() { elapsed_.start(); }
+
+    int milliseconds() const { return int(elapsed_.elapsed()); }
+    double seconds() const { return double(elapsed_.nsecsElapsed()) / 1e9; }
+
+private:
+    QElapsedTimer elapsed_;
 };
 
 /// How a wait ended.

@@ -1,5 +1,8 @@
 #include "tools/host/value/host_value.h"
 
+#include "tools/host/terminal/exit_code.h"
+
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
@@ -79,112 +82,71 @@ std::optional<QString> decodeText(const ItemType&, const QByteArray& bytes)
 /// Halfway between the largest single and the next power of two.
 const double rounds_to_infinity = 340282356779733661637539395458142568448.0;
 
-EncodedValue notEncoded(const QString& problem)
-{
-    return {QByteArray(), problem};
-}
+using terminal::UsageError;
 
-EncodedValue number(quint32 bits, int size)
+QByteArray bytesOf(quint32 bits, int size)
 {
     QByteArray bytes(size, '\0');
     for (int i = 0; i < size; ++i)
         bytes[i] = static_cast<char>((bits >> (8 * i)) & 0xFF);
-    return {bytes, QString()};
+    return bytes;
 }
 
-EncodedValue outOfRange(const ItemType& type, const QString& text, int base)
+bool matches(const QString& text, const QString& expression)
 {
-    const auto shown = [base](qint64 limit) { return QString::number(limit, base).toUpper(); };
-    return notEncoded(u"%1 is out of range for %2: %3 to %4"_s.arg(
-        text, QLatin1String(type.name), shown(type.low), shown(type.high)));
+    return QRegularExpression(QRegularExpression::anchoredPattern(expression))
+        .match(text)
+        .hasMatch();
 }
 
-bool isHexDigit(QChar character)
+/// \param kind what the text should be, for the message
+qint64 parseInteger(const ItemType& type, const QString& text, int base, const QString& kind)
 {
-    const ushort code = character.unicode();
-    const ushort lower = ushort(code | 0x20);
-    return (code >= '0' && code <= '9') || (lower >= 'a' && lower <= 'f');
-}
-
-/// Whether \a text is a sign, where one is allowed, and digits of the base: then a failed
-/// conversion means that the number is too long, not that it is none.
-bool consistsOfDigits(const QString& text, int base)
-{
-    const int first =
-        base == 10 && !text.isEmpty() && (text.at(0) == u'-' || text.at(0) == u'+') ? 1 : 0;
-    for (int i = first; i < text.size(); ++i) {
-        const ushort code = text.at(i).unicode();
-        const bool is_decimal = code >= '0' && code <= '9';
-        if (!is_decimal && !(base == 16 && isHexDigit(text.at(i))))
-            return false;
-    }
-    return text.size() > first;
-}
-
-struct ParsedInteger
-{
-    qint64 number = 0;
-    QString problem;
-};
-
-ParsedInteger parseInteger(const ItemType& type, const QString& text, int base, const char* kind)
-{
-    if (!consistsOfDigits(text, base)) {
-        return {0, u"\"%1\" is not %2, which %3 needs"_s.arg(text, QLatin1String(kind),
-                                                             QLatin1String(type.name))};
-    }
+    const QLatin1String name(type.name);
+    if (!matches(text, base == 16 ? u"[0-9A-Fa-f]+"_s : u"[+-]?[0-9]+"_s))
+        throw UsageError(u"\"%1\" is not %2, which %3 needs"_s.arg(text, kind, name));
     bool fits = false;
     const qint64 number = text.toLongLong(&fits, base);
-    if (!fits || number < type.low || number > type.high)
-        return {0, outOfRange(type, text, base).problem};
-    return {number, QString()};
-}
-
-EncodedValue encodeBit(const ItemType& type, const QString& text, int)
-{
-    struct Word
-    {
-        const char* text;
-        quint32 bit;
-    };
-    static const Word words[] = {{"0", 0},   {"1", 1},    {"false", 0},
-                                 {"off", 0}, {"true", 1}, {"on", 1}};
-    for (const Word& word : words) {
-        if (text.trimmed().compare(QLatin1String(word.text), Qt::CaseInsensitive) == 0)
-            return number(word.bit, type.size);
+    if (!fits || number < type.low || number > type.high) {
+        const auto shown = [base](qint64 limit) { return QString::number(limit, base).toUpper(); };
+        throw UsageError(u"%1 is out of range for %2: %3 to %4"_s.arg(text, name, shown(type.low),
+                                                                      shown(type.high)));
     }
-    return notEncoded(u"\"%1\" is not a bit: 0 or 1, off or on, false or true"_s.arg(text));
+    return number;
 }
 
-EncodedValue encodeInteger(const ItemType& type, const QString& text, int)
+QByteArray encodeBit(const ItemType& type, const QString& text, int)
 {
-    const ParsedInteger parsed = parseInteger(type, text.trimmed(), 10, "a whole number");
-    if (!parsed.problem.isEmpty())
-        return notEncoded(parsed.problem);
-    return number(quint32(parsed.number & 0xFFFFFFFF), type.size);
+    const QString word = text.trimmed().toLower();
+    if (QStringList{u"0"_s, u"off"_s, u"false"_s}.contains(word))
+        return bytesOf(0, type.size);
+    if (QStringList{u"1"_s, u"on"_s, u"true"_s}.contains(word))
+        return bytesOf(1, type.size);
+    throw UsageError(u"\"%1\" is not a bit: 0 or 1, off or on, false or true"_s.arg(text));
 }
 
-EncodedValue encodeHex(const ItemType& type, const QString& text, int)
+QByteArray encodeInteger(const ItemType& type, const QString& text, int)
+{
+    const qint64 number = parseInteger(type, text.trimmed(), 10, u"a whole number"_s);
+    return bytesOf(quint32(number & 0xFFFFFFFF), type.size);
+}
+
+QByteArray encodeHex(const ItemType& type, const QString& text, int)
 {
     QString digits = text.trimmed();
     if (digits.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
         digits.remove(0, 2);
-    const ParsedInteger parsed = parseInteger(type, digits, 16, "a hexadecimal number");
-    if (!parsed.problem.isEmpty())
-        return notEncoded(parsed.problem);
-    return number(quint32(parsed.number), type.size);
+    return bytesOf(quint32(parseInteger(type, digits, 16, u"a hexadecimal number"_s)), type.size);
 }
 
-EncodedValue encodeBcd(const ItemType& type, const QString& text, int)
+QByteArray encodeBcd(const ItemType& type, const QString& text, int)
 {
-    const ParsedInteger parsed = parseInteger(type, text.trimmed(), 10, "a whole number");
-    if (!parsed.problem.isEmpty())
-        return notEncoded(parsed.problem);
+    const qint64 number = parseInteger(type, text.trimmed(), 10, u"a whole number"_s);
     // BCD is the decimal digits read as hexadecimal ones.
-    return number(QString::number(parsed.number).toUInt(nullptr, 16), type.size);
+    return bytesOf(QString::number(number).toUInt(nullptr, 16), type.size);
 }
 
-EncodedValue encodeFloat(const ItemType& type, const QString& text, int)
+QByteArray encodeFloat(const ItemType& type, const QString& text, int)
 {
     QByteArray digits = text.trimmed().toUtf8();
     if (digits.startsWith('+'))
@@ -194,32 +156,32 @@ EncodedValue encodeFloat(const ItemType& type, const QString& text, int)
     const auto result = std::from_chars(digits.constData(), end, wide);
     const bool too_wide = result.ec == std::errc::result_out_of_range;
     if (result.ptr != end || (result.ec != std::errc() && !too_wide) || !std::isfinite(wide))
-        return notEncoded(u"\"%1\" is not a decimal number such as 12.5"_s.arg(text));
+        throw UsageError(u"\"%1\" is not a decimal number such as 12.5"_s.arg(text));
     if (too_wide || std::fabs(wide) >= rounds_to_infinity) {
-        return notEncoded(u"%1 is out of range for %2: -3.4028235e38 to 3.4028235e38"_s.arg(
+        throw UsageError(u"%1 is out of range for %2: -3.4028235e38 to 3.4028235e38"_s.arg(
             text.trimmed(), QLatin1String(type.name)));
     }
     const double largest = double(std::numeric_limits<float>::max());
     const float narrow = static_cast<float>(std::clamp(wide, -largest, largest));
     quint32 pattern = 0;
     std::memcpy(&pattern, &narrow, sizeof pattern);
-    return number(pattern, type.size);
+    return bytesOf(pattern, type.size);
 }
 
-EncodedValue encodeText(const ItemType&, const QString& text, int length)
+QByteArray encodeText(const ItemType&, const QString& text, int length)
 {
     for (const QChar character : text) {
         if (character.unicode() == 0 || character.unicode() > 0xFF) {
-            return notEncoded(
+            throw UsageError(
                 u"the character \"%1\" is not Latin-1, and a text item carries no other"_s.arg(
                     character));
         }
     }
     if (length > 0 && text.size() > length) {
-        return notEncoded(
+        throw UsageError(
             u"the text has %1 characters; the item has room for %2"_s.arg(text.size()).arg(length));
     }
-    return {text.toLatin1().leftJustified(length, '\0'), QString()};
+    return text.toLatin1().leftJustified(length, '\0');
 }
 
 const ItemType types[] = {
@@ -262,7 +224,7 @@ std::optional<QString> decodeValue(const ItemType& type, const QByteArray& bytes
     return type.decode(type, bytes);
 }
 
-EncodedValue encodeValue(const ItemType& type, const QString& text, int length)
+QByteArray encodeValue(const ItemType& type, const QString& text, int length)
 {
     return type.encode(type, text, length);
 }
@@ -287,36 +249,25 @@ QString hexText(const QByteArray& bytes)
     return QString::fromLatin1(bytes.toHex(' '));
 }
 
-namespace {
-
-HexBytes failure(const QString& problem)
+QByteArray parseHexBytes(const QStringList& texts)
 {
-    return {QByteArray(), problem};
-}
-
-} // namespace
-
-HexBytes parseHexBytes(const QStringList& texts)
-{
-    HexBytes result;
+    QByteArray bytes;
     const QStringList groups = texts.join(u' ').simplified().split(u' ', Qt::SkipEmptyParts);
     for (const QString& group : groups) {
-        for (const QChar character : group) {
-            if (!isHexDigit(character)) {
-                return failure(
-                    u"\"%1\" is not hexadecimal: write bytes as pairs of digits 0 to 9 and A to F, "
-                    "such as 01 03 00 0A"_s.arg(group));
-            }
+        if (!matches(group, u"[0-9A-Fa-f]+"_s)) {
+            throw UsageError(
+                u"\"%1\" is not hexadecimal: write bytes as pairs of digits 0 to 9 and "
+                "A to F, such as 01 03 00 0A"_s.arg(group));
         }
         if (group.size() % 2 != 0) {
-            return failure(
+            throw UsageError(
                 u"\"%1\" has an odd number of digits: each byte has two, such as 0A"_s.arg(group));
         }
-        result.bytes += QByteArray::fromHex(group.toLatin1());
+        bytes += QByteArray::fromHex(group.toLatin1());
     }
-    if (result.bytes.isEmpty())
-        return failure(u"there is nothing to send: write bytes such as 01 03 00 0A"_s);
-    return result;
+    if (bytes.isEmpty())
+        throw UsageError(u"there is nothing to send: write bytes such as 01 03 00 0A"_s);
+    return bytes;
 }
 
 } // namespace tovik_host::value

@@ -14,15 +14,6 @@
 /// rows of one table.
 namespace tovik_host::value {
 
-/// The outcome of an encoding: bytes, or what is wrong with the text.
-struct EncodedValue
-{
-    QByteArray bytes;
-    QString problem;
-
-    bool ok() const { return problem.isEmpty(); }
-};
-
 /// One type of data item.
 struct ItemType
 {
@@ -37,8 +28,9 @@ struct ItemType
     bool is_number;
     /// Bytes as text; nothing when the bytes are none of this type.
     std::optional<QString> (*decode)(const ItemType& type, const QByteArray& bytes);
-    /// A user's text as bytes. \a length is the room of a text in characters, 0 for any.
-    EncodedValue (*encode)(const ItemType& type, const QString& text, int length);
+    /// A user's text as bytes; throws UsageError. \a length is the room of a text in characters, 0
+    /// for any.
+    QByteArray (*encode)(const ItemType& type, const QString& text, int length);
 };
 
 /// The type of that name, or null.
@@ -48,8 +40,8 @@ QString allItemTypeNames();
 
 /// \a bytes as text, or nothing when they are no value of the type: too few, or no BCD digits.
 std::optional<QString> decodeValue(const ItemType& type, const QByteArray& bytes);
-/// \a text as bytes, checked against the limits of the type.
-EncodedValue encodeValue(const ItemType& type, const QString& text, int length);
+/// \a text as bytes, checked against the limits of the type. Throws UsageError.
+QByteArray encodeValue(const ItemType& type, const QString& text, int length);
 /// Whether the service, which shows \a shown, has the value \a wanted, as far as its answers can
 /// tell: it is sent floating numbers with six decimals, and it answers texts as UTF-8, which reach
 /// the host byte by byte.
@@ -58,15 +50,9 @@ bool sameValue(const ItemType& type, const QByteArray& shown, const QByteArray& 
 /// Bytes as pairs of hexadecimal digits, separated by spaces.
 QString hexText(const QByteArray& bytes);
 
-/// Bytes that a user has written, or what is wrong with them.
-struct HexBytes
-{
-    QByteArray bytes;
-    QString problem;
-};
-
-/// Reads bytes as pairs of hexadecimal digits: "01 03 0a", "01030A", in any number of texts.
-HexBytes parseHexBytes(const QStringList& texts);
+/// Reads bytes as pairs of hexadecimal digits: "01 03 0a", "01030A", in any number of texts. Throws
+/// UsageError, also for none.
+QByteArray parseHexBytes(const QStringList& texts);
 
 } // namespace tovik_host::value
 

@@ -77,11 +77,10 @@ void DeviceWatch::run(double seconds, int interval)
     }
     since_drawing_.start();
     while (!ended()) {
-        QElapsedTimer elapsed;
-        elapsed.start();
+        const terminal::Stopwatch elapsed;
         readRound();
         if (!ended()) {
-            terminal::waitUntil(setup_.context.unix_signals, interval - int(elapsed.elapsed()),
+            terminal::waitUntil(setup_.context.unix_signals, interval - elapsed.milliseconds(),
                                 [this] { return ended(); });
         }
     }

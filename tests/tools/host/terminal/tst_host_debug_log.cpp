@@ -64,7 +64,7 @@ void TestHostDebugLog::writesAFile()
     const QString path = folder.filePath(QStringLiteral("log"));
     {
         DebugLog log;
-        log.writeToFile(path);
+        log.start(path, false);
         qDebug("Gr\u00fc\u00dfe");
     }
     QFile file(path);
@@ -81,7 +81,7 @@ void TestHostDebugLog::writesAFile()
 void TestHostDebugLog::refusesAFileThatCannotBe()
 {
     DebugLog log;
-    QVERIFY_EXCEPTION_THROWN(log.writeToFile(QStringLiteral("/no/such/folder/log")), UsageError);
+    QVERIFY_EXCEPTION_THROWN(log.start(QStringLiteral("/no/such/folder/log"), false), UsageError);
 }
 
 QTEST_GUILESS_MAIN(TestHostDebugLog)

@@ -1,3 +1,4 @@
+#include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/host_value.h"
 
 #include <QtTest>
@@ -32,9 +33,7 @@ void TestHostHexBytes::reads()
 {
     QFETCH(QStringList, texts);
     QFETCH(QByteArray, bytes);
-    const HexBytes result = parseHexBytes(texts);
-    QCOMPARE(result.problem, QString());
-    QCOMPARE(result.bytes, bytes);
+    QCOMPARE(parseHexBytes(texts), bytes);
 }
 
 void TestHostHexBytes::refuses_data()
@@ -56,9 +55,13 @@ void TestHostHexBytes::refuses()
 {
     QFETCH(QStringList, texts);
     QFETCH(QString, problem);
-    const HexBytes result = parseHexBytes(texts);
-    QVERIFY2(result.problem.startsWith(problem), qPrintable(result.problem));
-    QVERIFY(result.bytes.isEmpty());
+    try {
+        parseHexBytes(texts);
+    } catch (const terminal::UsageError& error) {
+        QVERIFY2(error.message().startsWith(problem), error.what());
+        return;
+    }
+    QFAIL("no error");
 }
 
 QTEST_APPLESS_MAIN(TestHostHexBytes)

@@ -2,7 +2,7 @@
 
 #include "interface/drv_base.h"
 
-#include <time.h>
+#include <chrono>
 
 namespace {
 
@@ -14,9 +14,9 @@ QString listenerKey()
 /// Qt's own clocks are cut to milliseconds, or say no date.
 qint64 now()
 {
-    timespec time = {0, 0};
-    clock_gettime(CLOCK_REALTIME, &time);
-    return qint64(time.tv_sec) * 1000000 + time.tv_nsec / 1000;
+    const std::chrono::system_clock::duration since_1970 =
+        std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::microseconds>(since_1970).count();
 }
 
 } // namespace
@@ -43,8 +43,6 @@ void setListener(DrvBase* link, TrafficListener* listener)
 TrafficListener* listenerOf(const DrvBase& link)
 {
     // Not by the look-up of the link itself, which inserts what it does not find.
-    if (link.driver_specific_data.isEmpty())
-        return 0;
     return link.driver_specific_data.value(listenerKey()).value<TrafficListener*>();
 }
 

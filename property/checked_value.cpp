@@ -31,15 +31,14 @@ public:
         return field;
     }
 
-    /// Takes \a count bytes. If there are fewer, all are taken, and the fields become zero.
+    /// Takes \a count bytes. If there are fewer, all are taken, and no field is left.
     void takeBytes(qint64 count)
     {
         char part[1024];
         while (count > 0) {
             const int wanted = int(qMin(count, qint64(sizeof part)));
             if (from_.readRawData(part, wanted) != wanted) {
-                from_.setStatus(QDataStream::ReadPastEnd);
-                bytes_.fill('\0');
+                bytes_.clear();
                 return;
             }
             to_.writeRawData(part, wanted);
@@ -136,14 +135,14 @@ bool takeExpression(Fields* fields, ExpressionAllowance* expressions)
 }
 
 /// The largest number after the brace at \a position; 1 if none is larger.
-int largestCount(const QString& pattern, int position)
+double largestCount(const QString& pattern, int position)
 {
-    int largest = 1;
-    int number = 0;
+    double largest = 1;
+    double number = 0; // without an end
     while (++position < pattern.size()) {
         const int character = pattern.at(position).unicode();
         if (character >= '0' && character <= '9')
-            number = qMin(number * 10 + character - '0', 10000);
+            number = number * 10 + character - '0';
         else if (character == ',')
             number = 0;
         else

@@ -3,6 +3,7 @@
 #include "tests/property/records.h"
 #include "tests/property/value_bytes.h"
 
+#include <QBitArray>
 #include <QDateTime>
 #include <QRegExp>
 #include <QTest>
@@ -45,8 +46,12 @@ class TestDamagedValue : public QObject
 private Q_SLOTS:
     void damaged_data();
     void damaged();
+    void deepestValue_data();
     void deepestValue();
     void listThatIsCutKeepsWhatCame();
+    void bitsBehindTheLast();
+    void typesThatQt4CountsDifferently_data();
+    void typesThatQt4CountsDifferently();
     void kindsOfTime();
     void expressionsOfOneRecord();
 };
@@ -108,6 +113,14 @@ void TestDamagedValue::damaged_data()
                    .bytes() +
                QByteArray(20, '\0')
         << 0;
+    QTest::newRow("URL of the longest host")
+        << url("http://" + QByteArray(1022, 'h')) << int(QMetaType::QUrl);
+    QTest::newRow("URL of a host one longer") << url("http://" + QByteArray(1023, 'h') + "/") << 0;
+    QTest::newRow("URL of a host one longer, no scheme") << url("//" + QByteArray(1023, 'h')) << 0;
+    QTest::newRow("URL of a file with a long name")
+        << url("file:///" + QByteArray(2000, 'n')) << int(QMetaType::QUrl);
+    QTest::newRow("URL with two slashes far behind")
+        << url("http:/" + QByteArray(2000, 'n') + "//") << int(QMetaType::QUrl);
     QTest::newRow("URL of a host of 100,000 characters")
         << url(QByteArray("http://") + QByteArray("\xe6\xbc\xa2").repeated(100000)) << 0;
     for (const char* const pattern :
@@ -119,8 +132,13 @@ void TestDamagedValue::damaged_data()
     QTest::newRow("expression that looks ahead, 60 deep")
         << expression(QByteArray("(?=").repeated(60), 0) << 0;
     QTest::newRow("expression of 1,000 stars") << expression(QByteArray(1000, '*'), 1) << 0;
+    QTest::newRow("expression of the last syntax")
+        << expression("a", QRegExp::W3CXmlSchema11) << int(QMetaType::QRegExp);
     QTest::newRow("expression of a syntax that there is not") << expression("a", 6) << 0;
     QTest::newRow("type that there is not") << taggedCount(-1, 5) << 0;
+    QTest::newRow("type of a name that there is not")
+        << valueBytes().number(own_tag).flag(false).number(8).bytes() + QByteArray("Nothing", 8)
+        << 0;
     QTest::newRow("negative type") << taggedCount(40 - 97, 5) << 0;
 }
 
@@ -147,16 +165,27 @@ void TestDamagedValue::damaged()
     QCOMPARE(writer.status(), QDataStream::Ok);
 }
 
+void TestDamagedValue::deepestValue_data()
+{
+    QTest::addColumn<QByteArray>("around"); // one value
+    QTest::newRow("lists") << taggedCount(list_tag, 1);
+    const QByteArray key = valueBytes().text(QLatin1String("k")).bytes();
+    QTest::newRow("maps") << taggedCount(map_tag, 1) + key;
+    QTest::newRow("hashes") << taggedCount(hash_tag, 1) + key;
+}
+
 void TestDamagedValue::deepestValue()
 {
+    QFETCH(QByteArray, around);
     const StreamFormat format;
-    const QVariant deep = nestedList(deepest_value - 1); // and a number in the innermost
-    const ReadResult read = readValue(writtenByQt(deep, format), format);
-    QCOMPARE(read.value, deep);
+    const QByteArray number = writtenByQt(5, format);
+    const QByteArray deep = around.repeated(deepest_value) + number;
+    const ReadResult read = readValue(deep, format);
+    QCOMPARE(writtenByQt(read.value, format), deep);
     QCOMPARE(read.status, QDataStream::Ok);
-    const QVariant deeper = nestedList(deepest_value);
-    const ReadResult cut = readValue(writtenByQt(deeper, format), format);
-    QVERIFY(cut.value != deeper);
+    const QByteArray deeper = around + deep;
+    const ReadResult cut = readValue(deeper, format);
+    QVERIFY(writtenByQt(cut.value, format) != deeper);
     QCOMPARE(cut.status, QDataStream::ReadCorruptData);
 }
 
@@ -169,6 +198,40 @@ void TestDamagedValue::listThatIsCutKeepsWhatCame()
     const ReadResult cut = readValue(whole.chopped(1), format);
     QCOMPARE(cut.value, QVariant(QVariantList{11, 12, 0}));
     QCOMPARE(cut.status, QDataStream::ReadPastEnd);
+}
+
+// Only Qt's own reader looks at them.
+void TestDamagedValue::bitsBehindTheLast()
+{
+    const ReadResult read = readValue(taggedCount(bits_tag, 3) + '\x0f', StreamFormat());
+    QCOMPARE(read.value, QVariant(QBitArray()));
+    QCOMPARE(read.status, QDataStream::ReadCorruptData);
+}
+
+void TestDamagedValue::typesThatQt4CountsDifferently_data()
+{
+    QTest::addColumn<QByteArray>("start"); // type, and the name of one that is not Qt's own
+    QTest::addColumn<bool>("is_of_qt4");
+    const QByteArray name =
+        valueBytes().flag(false).number(12).bytes() + QByteArray("signed char", 12);
+    const QByteArray no_name = valueBytes().flag(false).bytes();
+    QTest::newRow("long, Qt 4") << valueBytes().number(129).bytes() + no_name << true;
+    QTest::newRow("a name, Qt 4") << valueBytes().number(127).bytes() + name << true;
+    QTest::newRow("a name, Qt 5") << valueBytes().number(own_tag).bytes() + name << false;
+}
+
+void TestDamagedValue::typesThatQt4CountsDifferently()
+{
+    QFETCH(QByteArray, start);
+    QFETCH(bool, is_of_qt4);
+    const int first_version_of_qt5 = 13;
+    for (int version = QDataStream::Qt_4_2; version <= QDataStream::Qt_5_15; ++version) {
+        const StreamFormat format{version, QDataStream::BigEndian, QDataStream::DoublePrecision};
+        const ReadResult read = readValue(start + QByteArray(8, '\7'), format);
+        const bool is_known = is_of_qt4 == (version < first_version_of_qt5);
+        QCOMPARE(read.value.isValid(), is_known);
+        QCOMPARE(read.status, is_known ? QDataStream::Ok : QDataStream::ReadCorruptData);
+    }
 }
 
 // Kinds of time that there are not ended the process, in Qt's reader or its writer.

@@ -113,6 +113,10 @@ void TestValueStream::readsWhatQtWrites_data()
     bits.setBit(8010);
     add("bits", bits);
     add("no bits", QBitArray());
+    add("one bit", QBitArray(1, true));
+    add("bits of one byte", QBitArray(8, true));
+    add("bits of a kilobyte", QBitArray(8192, true));
+    add("bits of a kilobyte and a byte", QBitArray(8193, true));
     add("size", QSize(3, -4));
     add("size, real", QSizeF(0.1, -4.5));
     add("point", QPoint(70000, -2));

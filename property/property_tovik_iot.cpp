@@ -37,10 +37,7 @@ PropertyTovikIot& PropertyTovikIot::operator=(const PropertyTovikIot& other)
     return *this;
 }
 
-PropertyTovikIot::~PropertyTovikIot()
-{
-    groups.clear();
-}
+PropertyTovikIot::~PropertyTovikIot() = default;
 
 void PropertyTovikIot::Initial()
 {

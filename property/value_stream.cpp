@@ -22,9 +22,10 @@ const int no_type = -1;
 /// Types of a user interface are left out.
 int typeOfQt3(quint32 number)
 {
-    static const signed char types[] = {0,  8,  9,  10, 11, -1, -1, -1, 19, 21, -1, -1,
-                                        0,  -1, 25, -1, 2,  3,  1,  6,  0,  -1, -1, -1,
-                                        -1, -1, 14, 15, 16, 12, 13, -1, -1, 4,  5};
+    const signed char none = no_type;
+    static const signed char types[] = {
+        0, 8, 9, 10,   11,   none, none, none, 19, 21, none, none, 0,  none, 25,   none, 2, 3,
+        1, 6, 0, none, none, none, none, none, 14, 15, 16,   12,   13, none, none, 4,    5};
     return number < sizeof types ? types[number] : no_type;
 }
 

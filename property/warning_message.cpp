@@ -5,7 +5,6 @@
 void TovikIotWarningMsg(QString text, QString informative_text)
 {
     QMessageBox box;
-    box.setWindowModality(Qt::ApplicationModal);
     box.setText(text);
     box.setInformativeText(informative_text);
     box.setIcon(QMessageBox::Critical);

@@ -82,6 +82,8 @@ void TestPropertyTovikIotGroup::initialKeepsTheItemsAlone()
     Group group = filledGroup();
     group.Initial();
     QCOMPARE(describe(group), describe(expected));
+    QVERIFY(!group.alert); // also where a new one has them from Initial() alone
+    QVERIFY(!group.marked);
 }
 
 void TestPropertyTovikIotGroup::comparisonFinds()

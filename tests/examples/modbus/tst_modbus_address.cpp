@@ -72,6 +72,7 @@ void TestModbusAddress::refuses_data()
     row("blank after", "4x17 ");
     row("blank inside", "4x 17");
     row("hexadecimal number", "4xFF");
+    row("the character after the nine", "4x1:");
     row("digits that are not ASCII", "4x١٧");
     QTest::newRow("zero character") << QString::fromLatin1("4x17") + QChar(0);
     row("bit 16", "4x17.16");

@@ -1,10 +1,12 @@
 #include "examples/modbus/modbus_rtu.h"
 #include "examples/modbus/modbus_status.h"
 #include "tests/examples/modbus/modbus_bench.h"
+#include "tests/support/log_recorder.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 using namespace modbus;
 
@@ -118,7 +120,9 @@ void TestModbusDriverRefusals::stationsOfALine()
 
 void TestModbusDriverRefusals::noLink()
 {
+    LogRecorder log;
     ModbusDriver driver{QString(), nullptr, nullptr};
+    QCOMPARE(log.take(), QStringList());
     MiniatureHost host(&driver);
     const Got got = host.read(readOf("4x1", 4));
     QCOMPARE(got.answers, 1);
@@ -129,18 +133,26 @@ void TestModbusDriverRefusals::noLink()
 
 void TestModbusDriverRefusals::stoppedWhileWaiting_data()
 {
-    addTransports();
+    QTest::addColumn<Transport>("transport");
+    QTest::addColumn<int>("after");
+    QTest::newRow("TCP, before the wait") << Transport::Tcp << 0;
+    QTest::newRow("RTU, before the wait") << Transport::Rtu << 0;
+    QTest::newRow("TCP, in the wait") << Transport::Tcp << 100;
+    QTest::newRow("RTU, in the wait") << Transport::Rtu << 100;
 }
 
 void TestModbusDriverRefusals::stoppedWhileWaiting()
 {
     QFETCH(Transport, transport);
+    QFETCH(int, after);
     ModbusBench bench(transport);
     QVERIFY(bench.connectLink());
     bench.setResponseTimeout(60000);
     bench.setRetries(5);
     // Set from another thread, as a host does: the driver's own is waiting.
-    bench.device.setBehaviour([&bench](const QByteArray&) {
+    bench.setPaced(after == 0);
+    bench.device.setBehaviour([&bench, after](const QByteArray&) {
+        QThread::msleep(ulong(after));
         bench.driver->stop_flag = 1;
         return QList<DeviceStep>();
     });

@@ -12,15 +12,15 @@ namespace tovik_host {
 namespace {
 
 const char catalogue_text[] =
-    "Logs in with the driver's own client and prints what the service offers to the account:\n"
-    "a tree on a terminal, a table elsewhere. A configuration can be made from the JSON form,\n"
-    "and two of them can be compared.\n"
-    "The password comes from --password-file, from the variable that --password-env names,\n"
-    "from the configuration, or from the variable TOVIK_PASSWORD; else it is asked for.\n"
-    "\n"
-    "Example:\n"
-    "  tovik-host catalogue --url https://cloud.example --project plant \\\n"
-    "      --email operator@example.com --json > plant.catalogue.json";
+    R"(Logs in with the driver's own client and prints what the service offers to the account:
+a tree on a terminal, a table elsewhere. A configuration can be made from the JSON form,
+and two of them can be compared.
+The password comes from --password-file, from the variable that --password-env names,
+from the configuration, or from the variable TOVIK_PASSWORD; else it is asked for.
+
+Example:
+  tovik-host catalogue --url https://cloud.example --project plant \
+      --email operator@example.com --json > plant.catalogue.json)";
 
 struct Catalogue
 {

@@ -10,22 +10,21 @@ namespace tovik_host {
 namespace {
 
 const char check_text[] =
-    "Walks the way that a value takes, with the driver's own client code: name, connection, TLS\n"
-    "and certificate, login, catalogue, and every item: known, of the right type, of the right\n"
-    "JSON type, and how long its read takes. Ends with what the driver's cycle comes to, and a\n"
-    "verdict. It needs no driver library, writes nothing, and shows no password or token.\n"
-    "With --url and no configuration it goes as far as no account is needed.\n"
-    "Of a device on a link, with its driver: the link, its settings, an answer at all, the "
-    "station,\n"
-    "every item, and the times that answers take against the time that the driver waits.\n"
-    "\n"
-    "Examples:\n"
-    "  tovik-host check --config plant.json\n"
-    "  tovik-host check --config plant.json --items 'Boiler.*' --timeout 3 --json\n"
-    "  tovik-host check 4x1 3x17 --library modbus_drv --link serial:/dev/ttyUSB0,9600,8N1\n"
-    "\n"
-    "Exit codes: 0 every value arrives, perhaps with warnings; 1 something on the way says no;\n"
-    "2 usage or configuration is wrong.";
+    R"(Walks the way that a value takes, with the driver's own client code: name, connection, TLS
+and certificate, login, catalogue, and every item: known, of the right type, of the right
+JSON type, and how long its read takes. Ends with what the driver's cycle comes to, and a
+verdict. It needs no driver library, writes nothing, and shows no password or token.
+With --url and no configuration it goes as far as no account is needed.
+Of a device on a link, with its driver: the link, its settings, an answer at all, the station,
+every item, and the times that answers take against the time that the driver waits.
+
+Examples:
+  tovik-host check --config plant.json
+  tovik-host check --config plant.json --items 'Boiler.*' --timeout 3 --json
+  tovik-host check 4x1 3x17 --library modbus_drv --link serial:/dev/ttyUSB0,9600,8N1
+
+Exit codes: 0 every value arrives, perhaps with warnings; 1 something on the way says no;
+2 usage or configuration is wrong.)";
 
 struct Check
 {

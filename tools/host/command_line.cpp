@@ -104,8 +104,7 @@ int print(const CLI::App& app, const CLI::Success& asked)
     app.exit(asked, text, text);
     terminal::Streams streams;
     streams.out.write(QByteArray::fromStdString(text.str()));
-    const bool is_printed = streams.codeAfterWriting(terminal::exitDone) == terminal::exitDone;
-    return is_printed ? terminal::exitDone : terminal::exitUsage;
+    return streams.codeAfterWriting(terminal::exitDone);
 }
 
 } // namespace

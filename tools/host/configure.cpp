@@ -11,7 +11,6 @@
 #include <CLI/CLI.hpp>
 #include <QFileInfo>
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace tovik_host {
@@ -19,18 +18,18 @@ namespace tovik_host {
 namespace {
 
 const char configure_text[] =
-    "Makes a configuration for watch, read and write from the service's catalogue or a saved\n"
-    "one. A pattern is GROUP/ITEM, or the name of an item, in which * stands for any\n"
-    "characters, ? for one, [abc] for one of several ([[] for a bracket); or an id as it is.\n"
-    "What is the whole name of an item stands for it alone. Items are called Group.Item; a name\n"
-    "that is taken gets a number. Instead of the password the file says where to find it.\n"
-    "Exit codes: as of the other commands; 1 also if nothing was chosen.\n"
-    "\n"
-    "Examples:\n"
-    "  tovik-host configure 'Boiler/*' --exclude '*test*' --url https://cloud.example \\\n"
-    "      --project plant --email operator@example.com --output plant.json\n"
-    "  tovik-host configure --catalogue plant.catalogue.json --type Bit --output bits.json\n"
-    "  tovik-host configure --config plant.json --interactive --output chosen.json";
+    R"(Makes a configuration for watch, read and write from the service's catalogue or a saved
+one. A pattern is GROUP/ITEM, or the name of an item, in which * stands for any
+characters, ? for one, [abc] for one of several ([[] for a bracket); or an id as it is.
+What is the whole name of an item stands for it alone. Items are called Group.Item; a name
+that is taken gets a number. Instead of the password the file says where to find it.
+Exit codes: as of the other commands; 1 also if nothing was chosen.
+
+Examples:
+  tovik-host configure 'Boiler/*' --exclude '*test*' --url https://cloud.example \
+      --project plant --email operator@example.com --output plant.json
+  tovik-host configure --catalogue plant.catalogue.json --type Bit --output bits.json
+  tovik-host configure --config plant.json --interactive --output chosen.json)";
 
 struct Configure
 {
@@ -49,14 +48,12 @@ struct Configure
 void checkFolder(const QString& output)
 {
     const QFileInfo folder(QFileInfo(output).absolutePath());
-    if (!folder.isDir()) {
-        throw terminal::UsageError(u"cannot write %1: there is no folder %2"_s.arg(
-            terminal::printable(output), terminal::printable(folder.filePath())));
-    }
-    if (!folder.isWritable()) {
-        throw terminal::UsageError(u"cannot write %1: the folder %2 is not writable"_s.arg(
-            terminal::printable(output), terminal::printable(folder.filePath())));
-    }
+    if (folder.isDir() && folder.isWritable())
+        return;
+    const QString problem = folder.isDir() ? u"cannot write %1: the folder %2 is not writable"_s
+                                           : u"cannot write %1: there is no folder %2"_s;
+    throw terminal::UsageError(
+        problem.arg(terminal::printable(output), terminal::printable(folder.filePath())));
 }
 
 /// What is wrong with the options, before anybody is asked for anything.
@@ -75,20 +72,13 @@ void checkOptions(const Configure& options)
     }
 }
 
-/// Items per page of the dialogue: what leaves room for a heading and the prompt.
-int pageSize()
-{
-    winsize size = {};
-    const bool is_known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0;
-    return (is_known ? int(size.ws_row) : 24) - 4;
-}
-
 /// Lets the user choose; nothing if the user leaves.
 std::optional<QVector<service::OfferedItem>> choose(terminal::Context& context,
                                                     const QVector<service::OfferedItem>& offered)
 {
     terminal::LineInput input(STDIN_FILENO, context.err, context.unix_signals);
-    service::ConfigureDialogue dialogue(offered, pageSize());
+    // What leaves room for a heading and the prompt.
+    service::ConfigureDialogue dialogue(offered, context.err.screenSize().rows - 4);
     context.err.write(dialogue.opening());
     while (dialogue.state() == service::ConfigureDialogue::State::open) {
         const std::optional<QString> line = input.ask(dialogue.prompt());

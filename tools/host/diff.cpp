@@ -16,15 +16,15 @@ namespace tovik_host {
 namespace {
 
 const char diff_text[] =
-    "Compares two saved catalogues, or a configuration with a catalogue; without NEW with the\n"
-    "service's catalogue of now. Items are the same if they have the same id. With a\n"
-    "configuration only its items count: gone, renamed, of another type.\n"
-    "\n"
-    "Exit codes, as of diff: 0 no difference; 1 differences; 2 trouble, also with the service.\n"
-    "\n"
-    "Examples:\n"
-    "  tovik-host diff plant.catalogue.json\n"
-    "  tovik-host diff plant.json new.catalogue.json --json";
+    R"(Compares two saved catalogues, or a configuration with a catalogue; without NEW with the
+service's catalogue of now. Items are the same if they have the same id. With a
+configuration only its items count: gone, renamed, of another type.
+
+Exit codes, as of diff: 0 no difference; 1 differences; 2 trouble, also with the service.
+
+Examples:
+  tovik-host diff plant.catalogue.json
+  tovik-host diff plant.json new.catalogue.json --json)";
 
 struct Diff
 {

@@ -13,14 +13,14 @@ namespace {
 const char program_text[] = "Loads a driver plug-in as a host does, and shows it work.";
 
 const char exit_text[] =
-    "With --config it runs a cloud driver, with --link the driver of a device on a serial line or\n"
-    "a TCP connection.\n"
-    "\n"
-    "Settings: ~/.config/tovik/tovik-host.json holds options that repeat, such as\n"
-    "  {\"config\": \"/home/me/plant.json\", \"timeout\": 5}\n"
-    "\n"
-    "Exit codes: 0 done; 1 the service, the device or the item says no, or the time ran out;\n"
-    "2 usage, configuration or library is wrong.";
+    R"(With --config it runs a cloud driver, with --link the driver of a device on a serial line or
+a TCP connection.
+
+Settings: ~/.config/tovik/tovik-host.json holds options that repeat, such as
+  {"config": "/home/me/plant.json", "timeout": 5}
+
+Exit codes: 0 done; 1 the service, the device or the item says no, or the time ran out;
+2 usage, configuration or library is wrong.)";
 
 } // namespace
 

@@ -12,16 +12,16 @@ namespace tovik_host {
 namespace {
 
 const char raw_text[] =
-    "Sends bytes to the device as they are (transparent mode) and prints the answer as\n"
-    "hexadecimal digits. The frame must be complete, with its checksum.\n"
-    "The answer is complete once no byte has come for a number of polls; all of it must fit\n"
-    "into --response-timeout, 1000 ms by default. The library's own default of 10 ms never\n"
-    "suffices: over TCP 12 polls of 1 ms are needed at least, over a serial line 52 of 1.5\n"
-    "characters each. A poll counts for its shortest time, so the wait may be twice as long.\n"
-    "\n"
-    "Example:\n"
-    "  tovik-host raw 01 03 00 00 00 0A C5 CD --library modbus_drv \\\n"
-    "      --link serial:/dev/ttyUSB0,9600,8N1 --response-timeout 2000";
+    R"(Sends bytes to the device as they are (transparent mode) and prints the answer as
+hexadecimal digits. The frame must be complete, with its checksum.
+The answer is complete once no byte has come for a number of polls; all of it must fit
+into --response-timeout, 1000 ms by default. The library's own default of 10 ms never
+suffices: over TCP 12 polls of 1 ms are needed at least, over a serial line 52 of 1.5
+characters each. A poll counts for its shortest time, so the wait may be twice as long.
+
+Example:
+  tovik-host raw 01 03 00 00 00 0A C5 CD --library modbus_drv \
+      --link serial:/dev/ttyUSB0,9600,8N1 --response-timeout 2000)";
 
 QString subject()
 {

@@ -12,18 +12,17 @@ namespace tovik_host {
 
 namespace {
 
-const char read_text[] =
-    "Reads items once, as the service or the device has them.\n"
-    "Of a service it takes a value once the driver tells that the service has delivered it, so\n"
-    "it is never one from the driver's empty cache. An error code of the service ends it at\n"
-    "once; a service that cannot be reached is tried again until --timeout.\n"
-    "A device is asked once (and --retries times more); --timeout is for opening the link.\n"
-    "\n"
-    "Example:\n"
-    "  tovik-host read Pump.Speed Tank.Level --config plant.json\n"
-    "With a device:\n"
-    "  tovik-host read 4x1 4x2=16Bit-INT --library modbus_drv \\\n"
-    "      --link serial:/dev/ttyUSB0,19200,8E1 --station 3";
+const char read_text[] = R"(Reads items once, as the service or the device has them.
+Of a service it takes a value once the driver tells that the service has delivered it, so
+it is never one from the driver's empty cache. An error code of the service ends it at
+once; a service that cannot be reached is tried again until --timeout.
+A device is asked once (and --retries times more); --timeout is for opening the link.
+
+Example:
+  tovik-host read Pump.Speed Tank.Level --config plant.json
+With a device:
+  tovik-host read 4x1 4x2=16Bit-INT --library modbus_drv \
+      --link serial:/dev/ttyUSB0,19200,8E1 --station 3)";
 
 /// The item that ends the driver's cycle with an error: of those without a value the first one.
 /// Empty: none does.

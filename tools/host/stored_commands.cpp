@@ -8,33 +8,30 @@ namespace tovik_host {
 namespace {
 
 const char convert_text[] =
-    "Turns the configuration record that a host stores (a QDataStream) into JSON, and JSON into\n"
-    "the stream. JSON is the record with all its members, or the configuration that watch takes.\n"
-    "A stream's form and version are found out as far as its bytes tell; the JSON remembers them.\n"
-    "The options of the stream describe OUT if that is a stream, else IN. \"-\" is the standard\n"
-    "input or output. OUT is readable for its owner only if it holds a password. IN may have up "
-    "to\n"
-    "4 MiB.\n"
-    "\n"
-    "Examples:\n"
-    "  tovik-host convert panel.bin panel.json\n"
-    "  tovik-host convert plant.json panel.bin --form variant --stream-version Qt_4_8\n"
-    "\n"
-    "Exit codes: 0 done; 1 the stream is damaged, and there is no --salvage or nothing to "
-    "salvage;\n"
-    "2 usage or file is wrong. OUT is then as it was.";
+    R"(Turns the configuration record that a host stores (a QDataStream) into JSON, and JSON into
+the stream. JSON is the record with all its members, or the configuration that watch takes.
+A stream's form and version are found out as far as its bytes tell; the JSON remembers them.
+The options of the stream describe OUT if that is a stream, else IN. "-" is the standard
+input or output. OUT is readable for its owner only if it holds a password. IN may have up to
+4 MiB.
+
+Examples:
+  tovik-host convert panel.bin panel.json
+  tovik-host convert plant.json panel.bin --form variant --stream-version Qt_4_8
+
+Exit codes: 0 done; 1 the stream is damaged, and there is no --salvage or nothing to salvage;
+2 usage or file is wrong. OUT is then as it was.)";
 
 const char show_text[] =
-    "Prints a stored configuration: account, groups, items with types and cached values; and of a\n"
-    "stream its form, version and byte order. Of a damaged one it prints what can be read, and at\n"
-    "which byte and member that ends; one of its texts may hold the password, and so all from "
-    "host\n"
-    "to password are hidden then. IN may have up to 4 MiB.\n"
-    "\n"
-    "Example:\n"
-    "  tovik-host show panel.bin\n"
-    "\n"
-    "Exit codes: 0 done; 1 the stream is damaged; 2 usage or file is wrong.";
+    R"(Prints a stored configuration: account, groups, items with types and cached values; and of a
+stream its form, version and byte order. Of a damaged one it prints what can be read, and at
+which byte and member that ends; one of its texts may hold the password, and so all from host
+to password are hidden then. IN may have up to 4 MiB.
+
+Example:
+  tovik-host show panel.bin
+
+Exit codes: 0 done; 1 the stream is damaged; 2 usage or file is wrong.)";
 
 /// One of two words: whether it is \a word_of_true goes to \a choice.
 CLI::Option* addWord(CLI::App* command, const char* name, const char* description,

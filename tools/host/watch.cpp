@@ -14,18 +14,18 @@ namespace tovik_host {
 namespace {
 
 const char watch_text[] =
-    "Reads all items again and again and shows what changes: a live table on a terminal,\n"
-    "a line for every change elsewhere. Ends with Ctrl-C or after --seconds.\n"
-    "An item shows a value once the service has delivered one, and says so when no news of it\n"
-    "has come for a while. When no value has ever come, the exit code is 1. A link that is lost\n"
-    "is opened again; until then the status is offline.\n"
-    "\n"
-    "Example:\n"
-    "  tovik-host watch --config plant.json --seconds 60 --json\n"
-    "  tovik-host watch 'Pump.*' --config plant.json --count 1 --strict\n"
-    "With a device:\n"
-    "  tovik-host watch 4x1 4x10=32Bit-FLOAT --library modbus_drv \\\n"
-    "      --link tcp:192.168.1.5:502 --interval 1000";
+    R"(Reads all items again and again and shows what changes: a live table on a terminal,
+a line for every change elsewhere. Ends with Ctrl-C or after --seconds.
+An item shows a value once the service has delivered one, and says so when no news of it
+has come for a while. When no value has ever come, the exit code is 1. A link that is lost
+is opened again; until then the status is offline.
+
+Example:
+  tovik-host watch --config plant.json --seconds 60 --json
+  tovik-host watch 'Pump.*' --config plant.json --count 1 --strict
+With a device:
+  tovik-host watch 4x1 4x10=32Bit-FLOAT --library modbus_drv \
+      --link tcp:192.168.1.5:502 --interval 1000)";
 
 struct Watch
 {

@@ -11,16 +11,16 @@ namespace tovik_host {
 namespace {
 
 const char write_text[] =
-    "Writes one value, checked against the limits of the item's type, and waits until the\n"
-    "driver has sent it. --confirm starts another driver, which knows nothing of the write,\n"
-    "and waits until that one hears the value from the service. A device itself says whether\n"
-    "it has taken the value.\n"
-    "A value that begins with a minus sign and is no plain number goes after \"--\".\n"
-    "\n"
-    "Example:\n"
-    "  tovik-host write Pump.Speed 1200 --config plant.json --confirm 5\n"
-    "With a device:\n"
-    "  tovik-host write 4x1 1200 --library modbus_drv --link tcp:192.168.1.5:502";
+    R"(Writes one value, checked against the limits of the item's type, and waits until the
+driver has sent it. --confirm starts another driver, which knows nothing of the write,
+and waits until that one hears the value from the service. A device itself says whether
+it has taken the value.
+A value that begins with a minus sign and is no plain number goes after "--".
+
+Example:
+  tovik-host write Pump.Speed 1200 --config plant.json --confirm 5
+With a device:
+  tovik-host write 4x1 1200 --library modbus_drv --link tcp:192.168.1.5:502)";
 
 struct Write
 {

@@ -158,14 +158,17 @@ void TestHostProgramDeviceWatch::endsOnSignal()
 {
     QFETCH(QString, address);
     QFETCH(int, number);
+    QFETCH(int, code);
     LineDevice device;
     HostProcess host;
     host.startBare(onDevice({QStringLiteral("watch"), address, QStringLiteral("--response-timeout"),
                              QStringLiteral("600000"), QStringLiteral("--log"), host.logFile()},
                             device));
     QTRY_VERIFY_WITH_TIMEOUT(!device.lines().isEmpty(), long_time);
+    if (code == 0)
+        QVERIFY(waitForText(host, QStringLiteral("[05 00]")));
     host.sendSignal(number);
-    QTEST(waitForEnd(host), "code");
+    QCOMPARE(waitForEnd(host), code);
     QVERIFY(host.log().contains(QLatin1String("[Echo] deleted after release in its thread")));
     QCOMPARE(withoutTimes(host.outputLines()).last(), QStringLiteral("end"));
 }

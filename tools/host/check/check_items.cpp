@@ -24,32 +24,36 @@ QString valueText(const QVariant& value)
     return is_single ? QString::number(value.toDouble(), 'g', 7) : value.toString();
 }
 
-/// Codes of the simulated service; a real one may mean other things by them.
-QString simulatedMeaning(int code)
+/// The status that a host gets for a client's \a result, in words: "the host gets status ...".
+QString hostStatusText(int result)
 {
-    switch (code) {
-    case 1:
-        return u"no account has this e-mail address and password"_s;
-    case 3:
-        return u"the account does not have this project"_s;
-    case 4:
-        return u"the token is unknown or has expired"_s;
-    case 7:
-        return u"there is no such group or data item"_s;
-    case 15:
-        return u"the request is malformed"_s;
-    default:
-        return QString();
-    }
+    const int status = driver_status::fromResult(result);
+    if (status == 0)
+        return u"the driver has no status for it: the host sees 0, as if all were well"_s;
+    return u"the host gets status %1"_s.arg(value::statusCode(status));
 }
+
+/// A code of the simulated service; a real one may mean other things by it.
+struct Meaning
+{
+    int code;
+    const char* text;
+};
+
+const Meaning meanings[] = {{1, "no account has this e-mail address and password"},
+                            {3, "the account does not have this project"},
+                            {4, "the token is unknown or has expired"},
+                            {7, "there is no such group or data item"},
+                            {15, "the request is malformed"}};
 
 QString refusalText(int code)
 {
     QString text = u"service error %1"_s.arg(code);
-    const QString meaning = simulatedMeaning(code);
-    if (!meaning.isEmpty())
-        text += u" (by it tovik-cloud means: %1)"_s.arg(meaning);
-    return text + u"; %1"_s.arg(hostStatusText(code));
+    for (const Meaning& meaning : meanings) {
+        if (meaning.code == code)
+            text += u" (by it tovik-cloud means: %1)"_s.arg(QLatin1String(meaning.text));
+    }
+    return text + u"; "_s + hostStatusText(code);
 }
 
 QString failureText(const service::ClientOutcome& outcome)
@@ -87,37 +91,28 @@ void judgeReadValue(const ItemFinding& finding, CheckStep* step)
 {
     const QString type = QString::fromLatin1(finding.item.type->name);
     const bool is_other_type = finding.is_known && finding.catalogue_type != type;
+    const QString value = valueText(finding.value);
     if (!finding.outcome.reason.isEmpty()) {
-        step->severity = Severity::failure;
-        step->text =
-            finding.outcome.reason + u"; the host keeps the item's first value, with status 0"_s;
-        step->advice = is_other_type ? u"set the item's type to %1"_s.arg(finding.catalogue_type)
-                                     : u"compare the item's type with what the service sends"_s;
-        return;
-    }
-    step->text = valueText(finding.value);
-    if (is_other_type) {
-        step->severity = Severity::warning;
-        step->text +=
-            u"; of type %1 in the catalogue and %2 here"_s.arg(finding.catalogue_type, type);
-        step->advice = u"set the item's type to %1, unless the host wants other bytes"_s.arg(
-            finding.catalogue_type);
+        step->find(Severity::failure,
+                   finding.outcome.reason +
+                       u"; the host keeps the item's first value, with status 0"_s,
+                   is_other_type ? u"set the item's type to %1"_s.arg(finding.catalogue_type)
+                                 : u"compare the item's type with what the service sends"_s);
+    } else if (is_other_type) {
+        step->find(Severity::warning,
+                   value + u"; of type %1 in the catalogue and %2 here"_s.arg(
+                               finding.catalogue_type, type),
+                   u"set the item's type to %1, unless the host wants other bytes"_s.arg(
+                       finding.catalogue_type));
     } else if (!finding.is_known) {
-        step->severity = Severity::warning;
-        step->text += u"; the service has it, and not in its catalogue"_s;
-        step->advice = u"ask the service why"_s;
+        step->find(Severity::warning, value + u"; the service has it, and not in its catalogue"_s,
+                   u"ask the service why"_s);
+    } else {
+        step->text = value;
     }
 }
 
 } // namespace
-
-QString hostStatusText(int result)
-{
-    const int status = driver_status::fromResult(result);
-    if (status == 0)
-        return u"the driver has no status for it: the host sees 0, as if all were well"_s;
-    return u"the host gets status %1"_s.arg(value::statusCode(status));
-}
 
 CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups)
 {

@@ -46,9 +46,6 @@ CheckStep judgeItem(const ItemFinding& finding);
 /// \param is_complete whether all served items are there
 CheckStep judgeCycle(const QVector<ItemFinding>& findings, bool is_complete);
 
-/// The status that a host gets for a client's \a result, in words: "the host gets status ...".
-QString hostStatusText(int result);
-
 } // namespace tovik_host::check
 
 #endif

@@ -8,8 +8,27 @@ namespace tovik_host::check {
 
 namespace {
 
-const char* const end_names[] = {"done",      "refused", "unreachable",
-                                 "timed out", "failed",  "interrupted"};
+/// How a connection ended, for programs and people, and what to do about it.
+struct EndText
+{
+    const char* name;
+    const char* text;
+    const char* advice;
+};
+
+/// In the order of ProbeEnd.
+const EndText ends[] = {
+    {"done", "connected", ""},
+    {"refused", "refused: nobody listens on this port, or a firewall says no",
+     "see whether the service runs, and on this port"},
+    {"unreachable", "no way to this address",
+     "look at this machine's network: cable, address, route"},
+    {"timed out", "",
+     "look for a firewall that swallows packets, or a machine that is off; the driver waits as "
+     "long as the system tries"},
+    {"failed", "failed", "look at the network between here and the service"},
+    {"interrupted", "interrupted", ""},
+};
 
 /// OpenSSL's version number of the form 0xMNNFFPPS: what libraries of one name have in common.
 long seriesOf(long version)
@@ -44,36 +63,11 @@ QString waitedText(double timeout)
 
 QString connectText(const ConnectFacts& facts, double timeout)
 {
-    switch (facts.end) {
-    case ProbeEnd::done:
-        return u"connected"_s;
-    case ProbeEnd::refused:
-        return u"refused: nobody listens on this port, or a firewall says no"_s;
-    case ProbeEnd::unreachable:
-        return withReason(u"no way to this address"_s, facts.reason);
-    case ProbeEnd::timed_out:
+    if (facts.end == ProbeEnd::timed_out)
         return waitedText(timeout);
-    case ProbeEnd::interrupted:
-        return u"interrupted"_s;
-    case ProbeEnd::failed:
-        break;
-    }
-    return withReason(u"failed"_s, facts.reason);
-}
-
-QString connectAdvice(ProbeEnd end)
-{
-    switch (end) {
-    case ProbeEnd::refused:
-        return u"see whether the service runs, and on this port"_s;
-    case ProbeEnd::unreachable:
-        return u"look at this machine's network: cable, address, route"_s;
-    case ProbeEnd::timed_out:
-        return u"look for a firewall that swallows packets, or a machine that is off; the driver "
-               "waits as long as the system tries"_s;
-    default:
-        return u"look at the network between here and the service"_s;
-    }
+    const QString text = QLatin1String(ends[int(facts.end)].text);
+    const bool has_reason = facts.end == ProbeEnd::unreachable || facts.end == ProbeEnd::failed;
+    return has_reason ? withReason(text, facts.reason) : text;
 }
 
 } // namespace
@@ -164,17 +158,18 @@ CheckSteps judgeConnections(const QVector<ConnectFacts>& facts, double timeout)
                     [](const ConnectFacts& one) { return one.end == ProbeEnd::done; });
     CheckSteps steps;
     for (const ConnectFacts& one : facts) {
-        CheckStep step = makeStep("connect", Severity::ok, connectText(one, timeout));
-        if (one.end != ProbeEnd::done) {
-            step.severity = is_any_connected ? Severity::warning : Severity::failure;
-            if (one.end != ProbeEnd::interrupted)
-                step.advice = connectAdvice(one.end);
-        }
+        const bool is_connected = one.end == ProbeEnd::done;
+        CheckStep step =
+            makeStep("connect",
+                     is_connected       ? Severity::ok
+                     : is_any_connected ? Severity::warning
+                                        : Severity::failure,
+                     connectText(one, timeout), QLatin1String(ends[int(one.end)].advice));
         step.subject = u"%1 port %2"_s.arg(one.address).arg(one.port);
         step.seconds = one.seconds;
         step.facts["address"] = one.address;
         step.facts["port"] = one.port;
-        step.facts["end"] = end_names[int(one.end)];
+        step.facts["end"] = ends[int(one.end)].name;
         steps << step;
     }
     return steps;

@@ -70,7 +70,7 @@ QString DeviceSession::open()
     connect(driver_.get(), SIGNAL(SigResponse(QString, QString, QByteArray, int)), this,
             SLOT(onResponse(QString, QString, QByteArray, int)), Qt::DirectConnection);
     connect(driver_.get(), SIGNAL(SigTransparentResponse(QByteArray, int)), this,
-            SLOT(onTransparentResponse(QByteArray, int)), Qt::DirectConnection);
+            SLOT(take(QByteArray, int)), Qt::DirectConnection);
     return QString();
 }
 
@@ -140,7 +140,7 @@ DeviceAnswer DeviceSession::ask(const std::function<void()>& request)
     return {answer_, lost ? link_->problem() : QString()};
 }
 
-void DeviceSession::take(const QByteArray& bytes, int status)
+void DeviceSession::take(QByteArray bytes, int status)
 {
     answer_.arrived = true;
     answer_.bytes = bytes;
@@ -149,11 +149,6 @@ void DeviceSession::take(const QByteArray& bytes, int status)
 }
 
 void DeviceSession::onResponse(QString, QString, QByteArray bytes, int status)
-{
-    take(bytes, status);
-}
-
-void DeviceSession::onTransparentResponse(QByteArray bytes, int status)
 {
     take(bytes, status);
 }

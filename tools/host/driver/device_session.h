@@ -56,13 +56,12 @@ public:
 
 private Q_SLOTS:
     void onResponse(QString unit_name, QString link_name, QByteArray bytes, int status);
-    void onTransparentResponse(QByteArray bytes, int status);
+    void take(QByteArray bytes, int status);
 
 private:
     DeviceAnswer ask(const std::function<void()>& request);
     DeviceAnswer askOnOpenLink(const std::function<void()>& request);
     void emitRead(const config::ItemConfig& item);
-    void take(const QByteArray& bytes, int status);
 
     const Plugin& plugin_;
     const DeviceConfig config_;

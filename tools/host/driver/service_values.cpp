@@ -1,8 +1,6 @@
 #include "tools/host/driver/service_values.h"
 
-#include "tools/host/driver/driver_session.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/terminal/unix_signals.h"
 #include "tools/host/value/status_text.h"
 
 namespace tovik_host::driver {

@@ -1,7 +1,5 @@
 #include "tools/host/service/catalogue_fetch.h"
 
-#include "tools/host/service/catalogue.h"
-#include "tools/host/service/cloud_client.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/line_input.h"
 #include "tools/host/terminal/text.h"

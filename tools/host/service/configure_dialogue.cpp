@@ -14,17 +14,17 @@ namespace tovik_host::service {
 
 namespace {
 
-const char help_text[] =
-    "  3 5-9          choose items by their numbers\n"
-    "  Boiler/*       choose items by a pattern: GROUP/ITEM, or ITEM, or the id\n"
-    "  -3 5-9  -*Test*  take them back; \"- \" before what chooses\n"
-    "  s TEXT         search: list the items with the text in group, name, id or type\n"
-    "  l              list all items; the empty line shows the next page\n"
-    "  c              list the chosen items\n"
-    "  p              preview: the names as the configuration will have them\n"
-    "  d              done\n"
-    "  q              quit without a configuration\n"
-    "  h              this help\n";
+const char help_text[] = R"(  3 5-9          choose items by their numbers
+  Boiler/*       choose items by a pattern: GROUP/ITEM, or ITEM, or the id
+  -3 5-9  -*Test*  take them back; "- " before what chooses
+  s TEXT         search: list the items with the text in group, name, id or type
+  l              list all items; the empty line shows the next page
+  c              list the chosen items
+  p              preview: the names as the configuration will have them
+  d              done
+  q              quit without a configuration
+  h              this help
+)";
 
 QVector<int> upTo(int count)
 {

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <system_error>
@@ -50,6 +51,14 @@ bool Output::broken() const
     // A pipe without a reader says so even while nothing is written to it.
     pollfd reader = {descriptor_, 0, 0};
     return ::poll(&reader, 1, 0) > 0 && reader.revents != 0;
+}
+
+ScreenSize Output::screenSize() const
+{
+    winsize size = {};
+    if (::ioctl(descriptor_, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0)
+        return {80, 24};
+    return {size.ws_col, size.ws_row};
 }
 
 void Output::line(const QString& text)

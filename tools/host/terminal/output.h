@@ -13,6 +13,13 @@ namespace tovik_host::terminal {
 /// something else; writing to them fails then.
 void reserveStandardDescriptors();
 
+/// The space that a terminal has.
+struct ScreenSize
+{
+    int columns;
+    int rows;
+};
+
 /// Writes text as UTF-8 to a file descriptor at once, whatever conventions Qt and the locale have.
 class Output
 {
@@ -30,6 +37,8 @@ public:
     void foreignLine(const QString& text);
     /// Whether the reader has gone; all further writing is in vain.
     bool broken() const;
+    /// Of the terminal; the usual one if it is none, or does not tell.
+    ScreenSize screenSize() const;
     /// Why writing failed, as errno says it; 0 when all has been written.
     int error() const { return error_; }
 

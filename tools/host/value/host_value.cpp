@@ -3,7 +3,6 @@
 #include "tools/host/terminal/exit_code.h"
 
 #include <QRegularExpression>
-#include <QStringList>
 
 #include <algorithm>
 #include <array>

@@ -14,7 +14,7 @@ QString statusText(int status, StatusOf whose)
 {
     if (status == 0)
         return u"ok"_s;
-    if (whose.isDevice()) {
+    if (whose.is_device) {
         const QString words = whose.wordsFor(status);
         return words.isEmpty() ? u"driver's code %1"_s.arg(statusCode(status)) : words;
     }
@@ -50,7 +50,7 @@ QString statusTextWithCode(int status, StatusOf whose)
 {
     const QString words = statusText(status, whose);
     const QString code = statusCode(status);
-    if (status == 0 || (whose.isDevice() && words.endsWith(code)))
+    if (status == 0 || (whose.is_device && words.endsWith(code)))
         return words;
     return u"%1 (%2)"_s.arg(words, code);
 }

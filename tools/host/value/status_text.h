@@ -10,35 +10,24 @@
 namespace tovik_host::value {
 
 /// Whose status it is: the same number says different things.
-class StatusOf
+struct StatusOf
 {
-public:
     static const StatusOf service; ///< Of a cloud driver.
     static const StatusOf device;  ///< Of a driver on the framework, without words of its own.
 
-    /// Of a driver on the framework that has \a words of its own, or null.
-    static constexpr StatusOf deviceWith(const result_code::Words* words)
-    {
-        return StatusOf(true, words);
-    }
+    /// Of a driver on the framework that has \a own words, or null.
+    static constexpr StatusOf deviceWith(const result_code::Words* own) { return {true, own}; }
 
-    bool isDevice() const { return is_device_; }
     /// What a device's status says; empty if neither the driver nor the framework has words for it.
-    QString wordsFor(int status) const { return result_code::textOf(status, words_); }
+    QString wordsFor(int status) const { return result_code::textOf(status, words); }
 
     bool operator==(const StatusOf& other) const
     {
-        return is_device_ == other.is_device_ && words_ == other.words_;
+        return is_device == other.is_device && words == other.words;
     }
 
-private:
-    constexpr StatusOf(bool is_device, const result_code::Words* words)
-        : is_device_(is_device),
-          words_(words)
-    {}
-
-    bool is_device_;
-    const result_code::Words* words_;
+    bool is_device;
+    const result_code::Words* words;
 };
 
 inline constexpr StatusOf StatusOf::service{false, nullptr};

@@ -130,7 +130,7 @@ QString missingText(const WatchModel& model)
 }
 
 void addHeader(QVector<ScreenLine>& screen, const WatchSubject& subject, const WatchModel& model,
-               const QDateTime& now, ScreenSize size)
+               const QDateTime& now, terminal::ScreenSize size)
 {
     const auto add = [&](const QString& text, LineStyle style) {
         screen << ScreenLine{terminal::clipped(terminal::printable(text), size.columns), style};
@@ -166,7 +166,7 @@ LineStyle styleOf(const WatchModel& model, int index)
 }
 
 void addItems(QVector<ScreenLine>& screen, const WatchModel& model, const QDateTime& now,
-              ScreenSize size)
+              terminal::ScreenSize size)
 {
     QVector<Row> rows = {columnNames(model.numbers().tells_ages)};
     for (int i = 0; i < model.items().size(); ++i)
@@ -185,7 +185,7 @@ void addItems(QVector<ScreenLine>& screen, const WatchModel& model, const QDateT
     }
 }
 
-void addLog(QVector<ScreenLine>& screen, const QStringList& log, ScreenSize size)
+void addLog(QVector<ScreenLine>& screen, const QStringList& log, terminal::ScreenSize size)
 {
     const int room = size.rows - screen.size() - 2;
     if (log.isEmpty() || room < 1)
@@ -201,7 +201,8 @@ void addLog(QVector<ScreenLine>& screen, const QStringList& log, ScreenSize size
 } // namespace
 
 QVector<ScreenLine> drawTable(const WatchSubject& subject, const WatchModel& model,
-                              const QStringList& log, const QDateTime& now, ScreenSize size)
+                              const QStringList& log, const QDateTime& now,
+                              terminal::ScreenSize size)
 {
     QVector<ScreenLine> screen;
     addHeader(screen, subject, model, now, size);

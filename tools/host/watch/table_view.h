@@ -26,17 +26,11 @@ struct ScreenLine
     LineStyle style;
 };
 
-/// The space that a table may take.
-struct ScreenSize
-{
-    int columns;
-    int rows;
-};
-
 /// Draws the whole screen of a watch: the header, the table and the latest log lines. What does
 /// not fit is cut: first the log, then the last items, for which a line says how many they are.
 QVector<ScreenLine> drawTable(const WatchSubject& subject, const WatchModel& model,
-                              const QStringList& log, const QDateTime& now, ScreenSize size);
+                              const QStringList& log, const QDateTime& now,
+                              terminal::ScreenSize size);
 
 /// A span of time in its largest whole unit, such as "3 min".
 QString ageText(qint64 seconds);

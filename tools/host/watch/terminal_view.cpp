@@ -1,20 +1,10 @@
 #include "tools/host/watch/views.h"
 
-#include <sys/ioctl.h>
-
 namespace tovik_host::watch {
 
 namespace {
 
 const int log_lines = 5;
-
-ScreenSize terminalSize(int descriptor)
-{
-    winsize size = {};
-    if (ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0)
-        return {80, 24};
-    return {size.ws_col, size.ws_row};
-}
 
 QLatin1String styleStart(LineStyle style)
 {
@@ -35,10 +25,8 @@ QLatin1String styleStart(LineStyle style)
 
 } // namespace
 
-TerminalView::TerminalView(int descriptor, terminal::Output& output, const terminal::DebugLog& log,
-                           bool shows_log)
-    : descriptor_(descriptor),
-      output_(output),
+TerminalView::TerminalView(terminal::Output& output, const terminal::DebugLog& log, bool shows_log)
+    : output_(output),
       log_(log),
       shows_log_(shows_log),
       has_colours_(qEnvironmentVariableIsEmpty("NO_COLOR"))
@@ -51,7 +39,7 @@ void TerminalView::start(const WatchSubject& subject, const QDateTime&)
 
 void TerminalView::roundDone(const WatchModel& model, const QDateTime& now)
 {
-    ScreenSize size = terminalSize(descriptor_);
+    terminal::ScreenSize size = output_.screenSize();
     // The cursor rests on the line below the table.
     size.rows -= 1;
     const QStringList log = shows_log_ ? log_.lastLines(log_lines) : QStringList();

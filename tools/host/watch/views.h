@@ -52,11 +52,9 @@ private:
 class TerminalView : public WatchView
 {
 public:
-    /// \param descriptor the terminal's, for its size.
     /// \param output, log must outlive the view.
     /// \param shows_log false: the log goes elsewhere, and is not shown.
-    TerminalView(int descriptor, terminal::Output& output, const terminal::DebugLog& log,
-                 bool shows_log);
+    TerminalView(terminal::Output& output, const terminal::DebugLog& log, bool shows_log);
 
     void start(const WatchSubject& subject, const QDateTime& now) override;
     void roundDone(const WatchModel& model, const QDateTime& now) override;
@@ -67,7 +65,6 @@ public:
     void resized();
 
 private:
-    int descriptor_;
     terminal::Output& output_;
     const terminal::DebugLog& log_;
     bool shows_log_;

@@ -17,7 +17,7 @@ std::unique_ptr<WatchView> makeWatchView(const config::CommonOptions& common,
         return std::make_unique<JsonView>(context.out);
     if (!isWatchedOnTerminal(common))
         return std::make_unique<LineView>(context.out);
-    auto view = std::make_unique<TerminalView>(STDOUT_FILENO, context.out, context.log,
+    auto view = std::make_unique<TerminalView>(context.out, context.log,
                                                common.log.isEmpty() && !common.verbose);
     TerminalView* table = view.get();
     QObject::connect(&context.unix_signals, &terminal::UnixSignals::terminalResized,

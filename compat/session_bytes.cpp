@@ -24,40 +24,41 @@ struct Element
     int end;
 };
 
+const Element no_element = {0, 0, 0, 0};
+const int no_length = -1;
+
 int byteAt(const QByteArray& bytes, int at)
 {
     return static_cast<unsigned char>(bytes.at(at));
 }
 
-/// Reads a length that stands at \a at, and moves \a at after it; -1: none in the form of DER.
+/// Reads a length that stands at \a at, and moves \a at after it, if it is in the form of DER.
 int readLength(const QByteArray& bytes, int* at)
 {
     if (*at >= bytes.size())
-        return -1;
+        return no_length;
     const int first = byteAt(bytes, (*at)++);
     if (first < 0x80)
         return first;
     const int count = first & 0x7F;
-    if (count < 1 || count > most_length_bytes || count > bytes.size() - *at)
-        return -1;
+    if (count > most_length_bytes || count >= bytes.size() - *at)
+        return no_length;
     int length = 0;
     for (int i = 0; i < count; ++i)
         length = length << 8 | byteAt(bytes, (*at)++);
     const bool is_shortest = length >= 0x80 && length >> 8 * (count - 1) != 0;
-    return is_shortest ? length : -1;
+    return is_shortest ? length : no_length;
 }
 
-/// Reads the element at \a at, which must end before \a end.
-bool readElement(const QByteArray& bytes, int at, int end, Element* element)
+/// The element at \a at, unless it goes beyond \a end.
+Element elementAt(const QByteArray& bytes, int at, int end)
 {
     if (at >= end || (byteAt(bytes, at) & tag_number) == tag_number)
-        return false;
-    element->tag = byteAt(bytes, at);
-    element->begin = at++;
-    const int length = readLength(bytes, &at);
-    element->contents = at;
-    element->end = at + length;
-    return length >= 0 && length <= end - at;
+        return no_element;
+    int contents = at + 1;
+    const int length = readLength(bytes, &contents);
+    const Element element = {byteAt(bytes, at), at, contents, contents + length};
+    return length >= 0 && element.end <= end ? element : no_element;
 }
 
 /// Whether an element with \a tag may come as number \a index after one with \a before: the fixed
@@ -84,22 +85,21 @@ QByteArray lengthBytes(int length)
 
 QByteArray withoutCertificate(const QByteArray& session)
 {
-    Element whole = {0, 0, 0, 0};
-    if (!readElement(session, 0, session.size(), &whole) || whole.tag != tag_sequence ||
-        whole.end != session.size())
+    const Element whole = elementAt(session, 0, session.size());
+    if (whole.tag != tag_sequence || whole.end != session.size())
         return session;
-    Element certificate = {0, 0, 0, 0};
-    Element element = {0, 0, 0, whole.contents};
-    for (int index = 0; element.end < whole.end; ++index) {
-        const int before = element.tag;
-        if (!readElement(session, element.end, whole.end, &element) ||
-            !isInPlace(element.tag, index, before))
+    Element certificate = no_element;
+    Element before = no_element;
+    int at = whole.contents;
+    for (int index = 0; at < whole.end; ++index) {
+        const Element element = elementAt(session, at, whole.end);
+        if (!isInPlace(element.tag, index, before.tag))
             return session;
         if (element.tag == tag_certificate)
             certificate = element;
+        before = element;
+        at = element.end;
     }
-    if (certificate.tag == 0)
-        return session;
     QByteArray rest = session.mid(whole.contents);
     rest.remove(certificate.begin - whole.contents, certificate.end - certificate.begin);
     return char(tag_sequence) + lengthBytes(rest.size()) + rest;

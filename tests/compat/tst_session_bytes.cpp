@@ -276,6 +276,9 @@ void TestSessionBytes::keepsWhatLooksOtherwise_data()
         QByteArray::fromHex("308111") +
             QByteArray::fromHex("020101 02020304 04021301 0400 0400 a300"));
     row("a length without an end", QByteArray::fromHex("3080") + good.mid(3));
+    row("a length without an end that reads as 128", QByteArray::fromHex("3080") + first_elements +
+                                                         times + QByteArray::fromHex("a335") +
+                                                         QByteArray(53, 'c'));
     row("a length of four bytes", QByteArray::fromHex("30840000008b") + good.mid(3));
     row("an element beyond the end",
         sequence(first_elements + times + QByteArray::fromHex("a37f") + QByteArray(60, 'c')));

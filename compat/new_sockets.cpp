@@ -12,12 +12,14 @@ namespace {
 /// meanwhile.
 const int most_free_numbers = 16;
 
-/// Which file stands at a number; 0: none. Whose it is does not matter, nor that its owner may
+const quint64 no_inode = 0;
+
+/// Which file stands at a number. Whose it is does not matter, nor that its owner may
 /// close it at the same moment: the thread sanitizer would take fstat() for a use of it.
 quint64 inodeAt(int number)
 {
     struct stat facts = {};
-    return fstatat(number, "", &facts, AT_EMPTY_PATH) == 0 ? quint64(facts.st_ino) : 0;
+    return fstatat(number, "", &facts, AT_EMPTY_PATH) == 0 ? quint64(facts.st_ino) : no_inode;
 }
 
 union AnyAddress {
@@ -48,7 +50,7 @@ NewSockets::NewSockets(const QVector<int>& numbers)
     const int highest = places_.isEmpty() ? -1 : places_.last().number;
     for (int i = 0; i < numbers.size(); ++i) {
         const Place place = {numbers.at(i), inodeAt(numbers.at(i))};
-        const bool is_noted = place.inode == 0 && place.number <= highest;
+        const bool is_noted = place.inode == no_inode && place.number <= highest;
         if (!is_noted)
             places_.append(place);
     }
@@ -61,12 +63,13 @@ void NewSockets::noteFreeNumbers()
     const int file = open("/dev/null", O_RDONLY | O_CLOEXEC);
     int number = file;
     while (number >= 0) {
-        const Place place = {number, 0};
+        const Place place = {number, no_inode};
         places_.append(place);
         if (number != file)
             close(number);
-        const bool is_last = places_.size() == most_free_numbers;
-        number = is_last ? -1 : fcntl(file, F_DUPFD_CLOEXEC, number + 1);
+        if (places_.size() == most_free_numbers)
+            break;
+        number = fcntl(file, F_DUPFD_CLOEXEC, number + 1);
     }
     if (file >= 0)
         close(file);

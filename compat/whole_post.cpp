@@ -11,7 +11,7 @@ namespace {
 
 bool hasBody(const QObject* object)
 {
-    return object->metaObject()->indexOfSlot("wantUploadDataSlot(qint64)") >= 0;
+    return object->metaObject()->indexOfSlot("wantUploadDataSlot(qint64)") != -1;
 }
 
 QObject* holderOfBody(QNetworkReply* reply)

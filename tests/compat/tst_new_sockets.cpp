@@ -120,6 +120,8 @@ private Q_SLOTS:
     void oneAtANumberThatWasTaken();
     void oneBehindManyOthers();
     void aRememberedNumberIsFoundOnce();
+    void theLastOfTheFreeNumbersIsFoundOnce();
+    void numberZero();
     void theNumbersAreGivenBack();
     void withoutAFreeNumber();
     void manyDescriptorsCostLittle();
@@ -253,6 +255,38 @@ void TestNewSockets::aRememberedNumberIsFoundOnce()
     const NewSockets sockets({lowest});
     const DescriptorPtr socket = connectTo("127.0.0.1", listener.port());
     QCOMPARE(sockets.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>{lowest});
+}
+
+void TestNewSockets::theLastOfTheFreeNumbersIsFoundOnce()
+{
+    const Listener listener("127.0.0.1");
+    std::vector<DescriptorPtr> others;
+    for (int i = 0; i < 16; ++i)
+        others.push_back(std::make_unique<Descriptor>(anyFile()));
+    const int last = others.back()->number();
+    others.clear();
+    const NewSockets sockets({last});
+    for (int i = 0; i < 15; ++i)
+        others.push_back(std::make_unique<Descriptor>(anyFile()));
+    const DescriptorPtr socket = connectTo("127.0.0.1", listener.port());
+    QCOMPARE(socket->number(), last);
+    QCOMPARE(sockets.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>{last});
+}
+
+/// A host without a console may have closed its standard input.
+void TestNewSockets::numberZero()
+{
+    const Listener listener("127.0.0.1");
+    const Descriptor input(::dup(STDIN_FILENO));
+    ::close(STDIN_FILENO);
+    QVector<int> found;
+    {
+        const NewSockets sockets({});
+        const DescriptorPtr socket = connectTo("127.0.0.1", listener.port());
+        found = sockets.connectedTo(only("127.0.0.1"), listener.port());
+    }
+    ::dup2(input.number(), STDIN_FILENO);
+    QCOMPARE(found, QVector<int>{STDIN_FILENO});
 }
 
 void TestNewSockets::theNumbersAreGivenBack()

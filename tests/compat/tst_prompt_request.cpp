@@ -12,7 +12,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
+#include <numeric>
 
 namespace {
 
@@ -174,6 +176,15 @@ void TestPromptRequest::rememberedNumbersAreBounded()
     QVERIFY(numbers.all().contains(39) && !numbers.all().contains(0));
     numbers.add(39);
     QCOMPARE(numbers.all().count(39), 1);
+
+    // The one that is replaced is always the oldest.
+    for (int i = 40; i < 70; ++i)
+        numbers.add(i);
+    QVector<int> sorted = numbers.all();
+    std::sort(sorted.begin(), sorted.end());
+    QVector<int> latest(32);
+    std::iota(latest.begin(), latest.end(), 70 - 32);
+    QCOMPARE(sorted, latest);
 }
 
 QTEST_GUILESS_MAIN(TestPromptRequest)

@@ -43,7 +43,9 @@ private Q_SLOTS:
     void staleBytes_data();
     void staleBytes();
     void lateExceptionOnTheLine();
+    void lateAnswerShortensTheSilence_data();
     void lateAnswerShortensTheSilence();
+    void oneOfTwoLateAnswersDoesNot();
     void lateAnswerToAWrite_data();
     void lateAnswerToAWrite();
 };
@@ -208,14 +210,25 @@ void TestModbusDriverLate::lateExceptionOnTheLine()
 }
 
 /// Once the only missing answer has come, there is nothing left to wait for.
+void TestModbusDriverLate::lateAnswerShortensTheSilence_data()
+{
+    QTest::addColumn<int>("times");
+    QTest::newRow("once") << 1;
+    QTest::newRow("twice, one after the other") << 2;
+}
+
 void TestModbusDriverLate::lateAnswerShortensTheSilence()
 {
+    QFETCH(int, times);
     ModbusBench bench(Transport::Rtu);
     QVERIFY(bench.connectLink());
     bench.setResponseTimeout(20);
-    COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, NoAnswerInTime);
+    for (int i = 0; i < times; ++i) {
+        COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, NoAnswerInTime);
+        bench.device.send(rtuFrame(1, hex(late_pdu)));
+        QVERIFY(waitForInput(bench));
+    }
     bench.setResponseTimeout(60000); // so long it would be silent otherwise
-    bench.device.send(rtuFrame(1, hex(late_pdu)));
     bench.answerWith(hex(good_pdu));
     QElapsedTimer waited;
     waited.start();
@@ -223,6 +236,25 @@ void TestModbusDriverLate::lateAnswerShortensTheSilence()
     COMPARE_STATUS(got.status, Ok);
     QCOMPARE(got.data.toHex(), QByteArray(good_bytes));
     QVERIFY(waited.elapsed() < 55000);
+}
+
+/// The other one may come in the middle of the next answer.
+void TestModbusDriverLate::oneOfTwoLateAnswersDoesNot()
+{
+    ModbusBench bench(Transport::Rtu);
+    QVERIFY(bench.connectLink());
+    bench.setResponseTimeout(20);
+    for (int i = 0; i < 2; ++i)
+        COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, NoAnswerInTime);
+    const int silence = 300;
+    bench.setResponseTimeout(silence);
+    bench.device.send(rtuFrame(1, hex(late_pdu)));
+    QVERIFY(waitForInput(bench));
+    bench.answerWith(hex(good_pdu));
+    QElapsedTimer waited;
+    waited.start();
+    COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
+    QVERIFY(waited.elapsed() >= silence - 2);
 }
 
 void TestModbusDriverLate::lateAnswerToAWrite_data()

@@ -1,5 +1,6 @@
 #include "tools/host/check/probe.h"
 
+#include "tools/host/terminal/text.h"
 #include "tools/host/terminal/unix_signals.h"
 
 #include <QHostAddress>

@@ -1,5 +1,7 @@
 #include "tools/host/stored/stream.h"
 
+#include "tools/host/terminal/text.h"
+
 #include <QCryptographicHash>
 #include <QStringList>
 

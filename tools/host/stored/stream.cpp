@@ -1,5 +1,7 @@
 #include "tools/host/stored/stream.h"
 
+#include "tools/host/terminal/text.h"
+
 #include "property/value_stream.h"
 
 #include <algorithm>

@@ -4,6 +4,7 @@
 #include <QMutexLocker>
 
 #include <atomic>
+#include <unistd.h>
 
 namespace tovik_host::terminal {
 

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void silenceAfterATransparentRequest();
     void silenceBetweenRequests();
     void stoppedWhileListening();
+    void lostWhileListening();
     void noisyLineIsGivenUp();
     void slowLineGetsItsTime();
 
@@ -238,6 +239,27 @@ void TestModbusDriverSerial::stoppedWhileListening()
     stopping.join();
     // If the thread was so fast that the request had not begun, there is no answer.
     QVERIFY(got.answers == 0 || got.status == Stopped);
+    QCOMPARE(bench.device.requests().size(), 1);
+}
+
+void TestModbusDriverSerial::lostWhileListening()
+{
+    ModbusBench bench(Transport::Rtu);
+    QVERIFY(bench.connectLink());
+    bench.setResponseTimeout(short_timeout);
+    COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, NoAnswerInTime);
+    bench.setResponseTimeout(60000);
+    QElapsedTimer waited;
+    waited.start();
+    std::thread closing([&bench] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        bench.device.hangUp();
+    });
+    const Got got = bench.host->read(readOf("4x1", 4));
+    closing.join();
+    QCOMPARE(got.answers, 1);
+    COMPARE_STATUS(got.status, NotConnected);
+    QVERIFY(waited.elapsed() < 55000);
     QCOMPARE(bench.device.requests().size(), 1);
 }
 

@@ -10,6 +10,8 @@ namespace {
 
 const PortSettings default_settings = {BAUD9600, DATA_8, PAR_NONE, STOP_1, FLOW_OFF, 10};
 
+const int at_once = 0; // milliseconds
+
 QSerialPort::Parity qtParity(ParityType parity)
 {
     switch (parity) {
@@ -100,8 +102,7 @@ QextSerialPort::QextSerialPort(const QString& name, const PortSettings& settings
 
 QextSerialPort::~QextSerialPort()
 {
-    if (isOpen())
-        QextSerialPort::close();
+    QextSerialPort::close();
 }
 
 void QextSerialPort::initialise()
@@ -275,7 +276,7 @@ bool QextSerialPort::canReadLine() const
 {
     if (port_->canReadLine())
         return true;
-    return bytesInKernel() > 0 && port_->waitForReadyRead(0) && port_->canReadLine();
+    return bytesInKernel() > 0 && port_->waitForReadyRead(at_once) && port_->canReadLine();
 }
 
 bool QextSerialPort::waitForReadyRead(int msecs)
@@ -322,7 +323,7 @@ qint64 QextSerialPort::readData(char* data, qint64 max_size)
     qint64 done = port_->read(data, max_size);
     if (done < 0)
         return done;
-    if (done < max_size && bytesInKernel() > 0 && port_->waitForReadyRead(0)) {
+    if (done < max_size && bytesInKernel() > 0 && port_->waitForReadyRead(at_once)) {
         const qint64 more = port_->read(data + done, max_size - done);
         if (more > 0)
             done += more;
@@ -335,9 +336,12 @@ qint64 QextSerialPort::writeData(const char* data, qint64 max_size)
     // A line that is busy already takes the rest by itself; a flush would call that an error.
     const bool busy = port_->bytesToWrite() > 0;
     const qint64 done = port_->write(data, max_size);
-    if (done > 0 && !busy)
+    if (done <= 0)
+        return done;
+    if (!busy)
         port_->flush();
-    if (done > 0 && settings_.Timeout_Millisec > 0 && port_->bytesToWrite() > 0)
+    const bool is_left = port_->bytesToWrite() > 0;
+    if (is_left && settings_.Timeout_Millisec > 0)
         port_->waitForBytesWritten(int(qMin(settings_.Timeout_Millisec, 0x7fffffffL)));
     return done;
 }

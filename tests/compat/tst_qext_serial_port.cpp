@@ -58,8 +58,6 @@ class TestQextSerialPort : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void constructors();
-    void constructorsSettingsReachTheLine();
     void settingsBeforeOpening();
     void settingsWhileOpen();
     void lineSpeed_data();
@@ -74,50 +72,6 @@ private Q_SLOTS:
     void closedPortHasNothing();
     void closedPortHasNoControlLines();
 };
-
-void TestQextSerialPort::constructors()
-{
-    const QList<int> defaults{BAUD9600, DATA_8, PAR_NONE, STOP_1, FLOW_OFF};
-    const QList<int> others{BAUD19200, DATA_7, PAR_EVEN, STOP_2, FLOW_XONXOFF};
-    const QString name = QString::fromLatin1("/dev/ttyS9");
-    QObject parent;
-
-    const QextSerialPort plain;
-    QCOMPARE(settingsOf(plain), defaults);
-    QCOMPARE(plain.queryMode(), QextSerialPort::EventDriven);
-    QVERIFY(plain.portName().isEmpty());
-    QVERIFY(!plain.isOpen());
-    QVERIFY(plain.isSequential());
-    QCOMPARE(plain.lastError(), ulong(E_NO_ERROR));
-
-    const auto* named = new QextSerialPort(name, QextSerialPort::Polling, &parent);
-    QCOMPARE(settingsOf(*named), defaults);
-    QCOMPARE(named->queryMode(), QextSerialPort::Polling);
-    QVERIFY(named->portName().endsWith(QLatin1String("ttyS9")));
-    QCOMPARE(named->parent(), &parent);
-
-    QextSerialPort set(other_settings, QextSerialPort::Polling);
-    QCOMPARE(settingsOf(set), others);
-    QCOMPARE(set.queryMode(), QextSerialPort::Polling);
-    set.setQueryMode(QextSerialPort::EventDriven);
-    QCOMPARE(set.queryMode(), QextSerialPort::EventDriven);
-
-    const QextSerialPort all(name, other_settings);
-    QCOMPARE(settingsOf(all), others);
-    QVERIFY(all.portName().endsWith(QLatin1String("ttyS9")));
-}
-
-void TestQextSerialPort::constructorsSettingsReachTheLine()
-{
-    Pty pty;
-    QVERIFY(pty.isValid());
-    QextSerialPort port(pty.portName(), other_settings);
-    QVERIFY(port.open(QIODevice::ReadWrite));
-    const termios line = pty.attributes();
-    QCOMPARE(cfgetospeed(&line), speed_t(B19200));
-    QVERIFY(line.c_cflag & CSTOPB);
-    QVERIFY(line.c_iflag & IXON);
-}
 
 static void setAll(QextSerialPort* port)
 {

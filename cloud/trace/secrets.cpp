@@ -63,10 +63,10 @@ Place valueAfter(const QByteArray& body, int at)
 Place nextFrom(const QByteArray& body, int from)
 {
     Place found = {body.size(), body.size()};
-    for (int i = 0; i < int(sizeof keys / sizeof keys[0]); ++i) {
-        int at = body.indexOf(keys[i], from);
-        for (; at >= 0 && at < found.begin; at = body.indexOf(keys[i], at + 1)) {
-            const Place place = valueAfter(body, at + int(std::strlen(keys[i])));
+    for (const char* key : keys) {
+        int at = body.indexOf(key, from);
+        for (; at >= 0 && at < found.begin; at = body.indexOf(key, at + 1)) {
+            const Place place = valueAfter(body, at + int(std::strlen(key)));
             if (place.begin < found.begin)
                 found = place;
         }

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void theInterval();
     void aLaterMomentChangesNothing();
     void stoppedItIsNotBroughtForward();
+    void startedAnewItComesInTime();
     void stopped_data();
     void stopped();
     void noShotInsideAShot();
@@ -93,6 +94,17 @@ void TestReconnectTimer::stoppedItIsNotBroughtForward()
     QSignalSpy shots(&timer, SIGNAL(timeout()));
     timer.bringForward(0);
     QTest::qWait(20);
+    QVERIFY(shots.isEmpty());
+}
+
+void TestReconnectTimer::startedAnewItComesInTime()
+{
+    ReconnectTimer timer(nullptr);
+    QSignalSpy shots(&timer, SIGNAL(timeout()));
+    timer.start(endless);
+    timer.bringForward(1);
+    timer.start(endless);
+    QTest::qWait(30);
     QVERIFY(shots.isEmpty());
 }
 

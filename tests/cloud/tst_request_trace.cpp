@@ -50,6 +50,7 @@ private Q_SLOTS:
     void secretsAreBlottedOut();
     void nameIsLookedUp();
     void noAnswer();
+    void whoIsInTheAddressIsNotShown();
     void requestsAreNumbered();
     void nobodyListens();
     void ofADriver();
@@ -118,6 +119,7 @@ void TestRequestTrace::whatIsSaidBothWays()
     Conversation conversation(&property_);
     login(conversation);
     const Traffic asked = firstOf(log_.all(), Traffic::asked);
+    QCOMPARE(asked.code, 0);
     QCOMPARE(asked.text, latin1("POST ") + service_->url() + latin1("/qlix_api/auth/login"));
     QVERIFY(asked.bytes.contains("\"project\":\"plant\""));
     const Traffic answered = firstOf(log_.all(), Traffic::answered);
@@ -174,6 +176,18 @@ void TestRequestTrace::noAnswer()
     QCOMPARE(heard.last().kind, Traffic::answered);
     QCOMPARE(heard.last().code, 0);
     QVERIFY2(heard.last().text.contains(latin1("closed")), qPrintable(heard.last().text));
+}
+
+void TestRequestTrace::whoIsInTheAddressIsNotShown()
+{
+    property_.host.replace(latin1("http://"), latin1("http://us%20er:h1dden@"));
+    service_->setHandler([](const ScriptedRequest&) { return ScriptedReply::status(404, "no"); });
+    Conversation conversation(&property_);
+    login(conversation);
+    const QString problem = log_.all().last().text;
+    QVERIFY2(problem.contains(service_->url()), qPrintable(problem));
+    for (const Traffic& traffic : log_.all())
+        QVERIFY2(!traffic.text.contains(latin1("h1dden")), qPrintable(traffic.text));
 }
 
 void TestRequestTrace::requestsAreNumbered()

@@ -209,6 +209,8 @@ void TestServiceMessage::nesting_data()
     row("101 arrays", nested(101, '[', ']'), true);
     row("100 objects", nested(100, '{', '}'), false);
     row("101 objects", nested(101, '{', '}'), true);
+    row("texts at the end of many arrays",
+        "[" + QByteArray("[\"a\"],").repeated(200).toStdString() + "[]]", false);
     row("50,000 objects", nested(50000, '{', '}'), true);
     row("101 unclosed", std::string(101, '['), true);
     row("side by side", "[" + std::string(200, ' ') + "[],[],{},[]]", false);

@@ -244,6 +244,15 @@ void TestProtocolBasicArrays::cutElements()
     QCOMPARE(out, hex("a1b2c3"));
     QVERIFY(ProtocolBasic::extractArray(out, source.constData(), 3, 2, 1, 0));
     QCOMPARE(out, hex("a1b2c3"));
+    const QByteArray seven = hex("a1b2c3d4e5f607");
+    for (const int order : {0, 1}) {
+        const QByteArray expected = order ? seven : hex("d4c3b2a10007f6");
+        out.clear();
+        QVERIFY(ProtocolBasic::addArray(out, seven.constData(), 7, 4, order, 0));
+        QCOMPARE(out, expected);
+        QVERIFY(ProtocolBasic::extractArray(out, seven.constData(), 7, 4, order, 0));
+        QCOMPARE(out, expected);
+    }
     const QByteArray text("A1B2C");
     QVERIFY(ProtocolBasic::extractArray(out, text.constData(), 5, 1, 1, 1));
     QCOMPARE(out, hex("a1b2"));

@@ -15,7 +15,8 @@ enum Place
     InQt,
     InBoth,
     ReadInPart,
-    Peeked
+    Peeked,
+    SingleByte
 };
 
 } // namespace
@@ -56,12 +57,18 @@ void TestDriverBasicStaleInput::addRows()
         QTest::addRow("%s, in both", names[line]) << line << InBoth;
         QTest::addRow("%s, read in part", names[line]) << line << ReadInPart;
         QTest::addRow("%s, peeked at", names[line]) << line << Peeked;
+        QTest::addRow("%s, a single byte", names[line]) << line << SingleByte;
     }
 }
 
 /// Leaves bytes on the link, which is up.
 void TestDriverBasicStaleInput::leave(Place place)
 {
+    if (place == SingleByte) {
+        bench_->device.send("s");
+        QVERIFY(bench_->waitInKernel(1));
+        return;
+    }
     bench_->device.send("stale");
     QVERIFY(place == InKernel ? bench_->waitInKernel(5) : bench_->waitInQt(5));
     if (place == InBoth) {

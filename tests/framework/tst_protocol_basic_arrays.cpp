@@ -253,6 +253,10 @@ void TestProtocolBasicArrays::cutElements()
         QVERIFY(ProtocolBasic::extractArray(out, seven.constData(), 7, 4, order, 0));
         QCOMPARE(out, expected);
     }
+    char room[] = "xxxxxxxx";
+    QByteArray frame(seven);
+    QCOMPARE(ProtocolBasic::extractDataArea(room, &frame, 0, 7, 4, 1, 0), 0);
+    QCOMPARE(QByteArray(room, 8), seven + 'x');
     const QByteArray text("A1B2C");
     QVERIFY(ProtocolBasic::extractArray(out, text.constData(), 5, 1, 1, 1));
     QCOMPARE(out, hex("a1b2"));

@@ -37,3 +37,13 @@ build() {
   # shellcheck disable=SC2086 # several targets
   cmake --build "$folder" --target $targets >&2 || exit 2
 }
+
+# sanitized BUILD LOG: what a program of a build with the thread sanitizer is started with, in the array of
+# this name; what Qt synchronises is told to the sanitizer, and its reports go to LOG.
+sanitized() {
+  sanitized=(env QT_QPA_PLATFORM=offscreen
+    "TSAN_OPTIONS=log_path=$2 exitcode=66 io_sync=0 suppressions=$PWD/tests/reliability/threads/tsan.supp"
+    "LD_PRELOAD=$(realpath "$1")/tests/reliability/threads/libtovik_qt_synchronisation.so")
+  # The sanitizer wants its address space where it is on most machines.
+  ! setarch -R true 2>/dev/null || sanitized+=(setarch -R)
+}

@@ -7,11 +7,18 @@ import shlex
 
 from clang import cindex
 
-Mutant = collections.namedtuple("Mutant", "file line kind begin end text was")
+# Bytes from begin to end become text. The sites are how the same is chosen while the program runs: each a
+# begin, an end, and what stands there instead, texts with MARK for whether it is chosen, and ranges.
+Mutant = collections.namedtuple("Mutant", "file line kind begin end text was sites")
+MARK = "\0"
 
 KIND = cindex.CursorKind
+DECLARATIONS = (KIND.FUNCTION_DECL, KIND.FUNCTION_TEMPLATE, KIND.CXX_METHOD, KIND.CONSTRUCTOR,
+                KIND.VAR_DECL)
 BOUNDARIES = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "=="}
 LOGIC = {"&&": "||", "||": "&&", "+": "-", "-": "+"}
+SYMMETRIC = ("swap", "qMin", "qMax", "min", "max")
+UNSEEN = ("reserve",)  # a call that only saves time
 LITERALS = {"true": "false", "false": "true", "0": "1"}
 
 
@@ -30,11 +37,16 @@ def arguments_of(compile_commands, source):
     raise KeyError(f"{source} is not compiled in {compile_commands}")
 
 
+def range_of(cursor):
+    return cursor.extent.start.offset, cursor.extent.end.offset
+
+
 class Finder:
     def __init__(self, path, name):
         self.path, self.name = str(path), name
         self.bytes = pathlib.Path(path).read_bytes()
         self.found = []
+        self.is_constant = False
 
     def text(self, cursor):
         return self.bytes[cursor.extent.start.offset:cursor.extent.end.offset].decode()
@@ -47,19 +59,24 @@ class Finder:
         tokens = next(iter(cursor.get_tokens()), None)
         return tokens is not None and tokens.extent.start.offset == begin.offset
 
-    def add(self, kind, begin, end, text):
+    def add(self, kind, begin, end, text, *sites):
         was = self.bytes[begin:end].decode()
         line = self.bytes[:begin].count(b"\n") + 1
-        self.found.append(Mutant(self.name, line, kind, begin, end, text, was))
+        # What a program chooses when it runs is no constant expression.
+        self.found.append(Mutant(self.name, line, kind, begin, end, text, was,
+                                 () if self.is_constant else sites))
 
-    def replace(self, kind, cursor, text):
+    def replace(self, kind, cursor, text, *pieces):
         if self.is_here(cursor):
-            self.add(kind, cursor.extent.start.offset, cursor.extent.end.offset, text)
+            begin, end = range_of(cursor)
+            self.add(kind, begin, end, text, (begin, end, pieces))
 
     def visit(self, cursor, inside_function=False):
         for child in cursor.get_children():
             if child.location.file and child.location.file.name != self.path:
                 continue
+            if child.kind in DECLARATIONS and not inside_function:
+                self.is_constant = "constexpr" in [each.spelling for each in child.get_tokens()]
             if inside_function:
                 self.look(child, cursor)
             is_body = child.kind == KIND.COMPOUND_STMT
@@ -69,12 +86,13 @@ class Finder:
         if cursor.kind in (KIND.IF_STMT, KIND.WHILE_STMT, KIND.CONDITIONAL_OPERATOR):
             condition = next(cursor.get_children())
             if condition.kind != KIND.DECL_STMT:
-                self.replace("condition", condition, f"!({self.text(condition)})")
+                self.replace("condition", condition, f"!({self.text(condition)})",
+                             f"({MARK} != bool(", range_of(condition), "))")
         if cursor.kind == KIND.BINARY_OPERATOR:
             self.operator(cursor)
         if cursor.kind == KIND.CALL_EXPR and cursor.spelling.startswith("operator"):
             self.operator(cursor)
-        elif cursor.kind == KIND.CALL_EXPR and cursor.spelling != "swap":
+        elif cursor.kind == KIND.CALL_EXPR and cursor.spelling not in SYMMETRIC:
             self.swap(cursor)
         if cursor.kind in (KIND.INTEGER_LITERAL, KIND.CXX_BOOL_LITERAL_EXPR):
             self.literal(cursor)
@@ -94,7 +112,10 @@ class Finder:
         if wanted and self.is_here(cursor):
             begin = left.extent.end.offset + between.index(sign)
             kind = "boundary" if sign in BOUNDARIES else "operator"
-            self.add(kind, begin, begin + len(sign), wanted)
+            whole = range_of(cursor)
+            self.add(kind, begin, begin + len(sign), wanted,
+                     (*whole, (f"({MARK} ? (", range_of(left), f" {wanted} ", range_of(right), ") : (",
+                               whole, "))")))
 
     def swap(self, cursor):
         arguments = [each for each in cursor.get_arguments() if each is not None]
@@ -102,29 +123,33 @@ class Finder:
             same = first.type.get_canonical().spelling == second.type.get_canonical().spelling
             if same and self.is_here(first) and self.is_here(second) and \
                     self.text(first) != self.text(second):
-                between = self.bytes[first.extent.end.offset:second.extent.start.offset].decode()
-                self.add("arguments", first.extent.start.offset, second.extent.end.offset,
-                         self.text(second) + between + self.text(first))
+                one, other = range_of(first), range_of(second)
+                between = self.bytes[one[1]:other[0]].decode()
+                self.add("arguments", one[0], other[1],
+                         self.text(second) + between + self.text(first),
+                         (*one, (f"({MARK} ? ", other, " : ", one, ")")),
+                         (*other, (f"({MARK} ? ", one, " : ", other, ")")))
 
     def literal(self, cursor):
         text = self.text(cursor)
-        if text in LITERALS:
-            self.replace("constant", cursor, LITERALS[text])
-        elif text.isdigit():
-            self.replace("constant", cursor, str(int(text) + 1))
+        if text in LITERALS or text.isdigit():
+            other = LITERALS.get(text) or str(int(text) + 1)
+            self.replace("constant", cursor, other, f"({MARK} ? {other} : ", range_of(cursor), ")")
 
     def statement(self, cursor, parent):
         if cursor.kind == KIND.DECL_STMT and "QMutexLocker" in self.text(cursor):
-            self.replace("lock", cursor, ";")
+            begin = cursor.extent.start.offset + self.text(cursor).index("(") + 1
+            self.add("lock", *range_of(cursor), ";",
+                     (begin, begin, (f"{MARK} ? nullptr : ",)))
         is_condition = parent.kind == KIND.IF_STMT and \
             cursor.extent == next(parent.get_children()).extent
-        if is_condition or not self.is_here(cursor):
+        if is_condition or not self.is_here(cursor) or cursor.spelling in UNSEEN:
             return
         assigns = cursor.kind in (KIND.BINARY_OPERATOR, KIND.COMPOUND_ASSIGNMENT_OPERATOR,
                                   KIND.UNARY_OPERATOR, KIND.CXX_DELETE_EXPR)
         if assigns or cursor.kind == KIND.CALL_EXPR or \
                 (cursor.kind == KIND.UNEXPOSED_EXPR and self.text(cursor).endswith(")")):
-            self.replace("statement", cursor, "")
+            self.replace("statement", cursor, "", f"if ({MARK}) {{}} else ", range_of(cursor))
 
 
 def mutants_of(root, name, compile_commands):

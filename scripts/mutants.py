@@ -1,25 +1,38 @@
 """Makes small faults in a copy of the library, and says which the tests of its folder find.
 
-Called by scripts/mutants, which has built the copy: mutants.py --help.
+Called by scripts/mutants, which has configured the copy: mutants.py --help.
 """
 
 import argparse
+import collections
+import concurrent.futures
 import json
 import os
 import pathlib
 import random
+import re
+import shlex
 import signal
 import subprocess
 import sys
 import time
 
 import mutant_sites
+import mutant_switch
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 VERDICTS = ROOT / "tests/mutants.json"
-FOLDERS = ("cloud", "compat", "examples/modbus", "framework", "interface", "property")
+FOLDERS = ("interface", "property", "compat", "framework", "examples/modbus", "cloud")
 WANTED = 0.95  # of those that are not equivalent
-LIMIT = 600  # seconds for one mutant; it may make a loop endless
+# A mutant may allocate without end, or crash.
+LIMITED = ["prlimit", "--core=0"]
+MEMORY = ":hard_rss_limit_mb=2048"
+# Tests of what threads share; a lock that is left out is found by the thread sanitizer in them.
+RACES = {"cloud": ["tst_driver_state", "tst_drv_tovik_iot", "tst_drv_tovik_iot_reads",
+                   "tst_drv_tovik_iot_writes", "tst_drv_tovik_iot_metrics", "tst_tls_resumption"],
+         "framework": ["tst_driver_basic_thread"]}
+
+Test = collections.namedtuple("Test", "name command folder environment")
 
 
 def key(mutant, line):
@@ -32,121 +45,291 @@ def folder_of(mutant):
     return next(folder for folder in FOLDERS if mutant.file.startswith(folder + "/"))
 
 
+def say(text):
+    print(text, file=sys.stderr, flush=True)
+
+
+def settled(source, commands):
+    """For a process of its own: the source with those of its mutants that stand together, and the others."""
+    return source, source.settle(mutant_sites.arguments_of(commands, source.path))
+
+
 class Bench:
-    def __init__(self, copy, build):
+    def __init__(self, copy, build, races, race_runner):
         self.copy, self.build = pathlib.Path(copy).resolve(), pathlib.Path(build).resolve()
+        self.races, self.race_runner = pathlib.Path(races).resolve(), race_runner
         self.commands = self.build / "compile_commands.json"
+        self.reached, self.seconds = {}, {}  # by the test's name
+        self.kills = collections.Counter()  # by file and test
 
-    def sources(self, folders):
-        return [path.relative_to(self.copy).as_posix() for folder in folders
-                for path in sorted((self.copy / folder).rglob("*.cpp"))]
+    def find(self, folders):
+        """The mutants of the folders, their sources and their tests."""
+        self.mutants, self.sources = [], []
+        for folder in folders:
+            for path in sorted((self.copy / folder).rglob("*.cpp")):
+                name = path.relative_to(self.copy).as_posix()
+                found = mutant_sites.mutants_of(self.copy, name, self.commands)
+                numbers = range(len(self.mutants), len(self.mutants) + len(found))
+                self.mutants += found
+                self.sources.append(mutant_switch.Source(path, dict(zip(numbers, found))))
+        self.tests = {folder: self.tests_of(folder) for folder in folders}
+        say(f"{len(self.mutants)} mutants in {len(self.sources)} sources")
 
-    def tests(self, folder):
+    def tests_of(self, folder):
         """The tests of a folder; what drives the whole client is a test of its parts, too."""
         listed = subprocess.run(["ctest", "--test-dir", self.build / "tests", "--show-only=json-v1"],
                                 stdout=subprocess.PIPE, check=True, text=True).stdout
-        names = []
+        tests = []
         for test in json.loads(listed)["tests"]:
-            at = next((each["value"] for each in test["properties"]
-                       if each["name"] == "WORKING_DIRECTORY"), "")
+            # There is no command before the program has been built. One of somebody else builds the sources
+            # anew, which takes minutes.
+            command = test.get("command")
+            if command and self.build not in pathlib.Path(command[0]).parents:
+                continue
+            properties = {each["name"]: each["value"] for each in test["properties"]}
+            at = properties.get("WORKING_DIRECTORY", "")
             below = pathlib.Path(at).relative_to(self.build / "tests").as_posix()
             histories = folder in ("cloud", "framework") and below.endswith("histories")
-            if below == folder or histories:
-                names.append(test["name"])
-        if not names:
+            if f"{below}/".startswith(f"{folder}/") or histories:
+                environment = dict(each.split("=", 1) for each in properties.get("ENVIRONMENT", []))
+                environment["ASAN_OPTIONS"] = environment.get("ASAN_OPTIONS", "") + MEMORY
+                tests.append(Test(test["name"], [*LIMITED, *(command or [])], at, environment))
+        if not tests:
             raise ValueError(f"{folder}: there are no tests")
-        return names
+        return tests
 
-    def judge(self, mutant):
-        """'killed', 'survived' or 'no program'."""
-        path = self.copy / mutant.file
-        sound = path.read_bytes()
-        path.write_bytes(sound[:mutant.begin] + mutant.text.encode() + sound[mutant.end:])
-        try:
-            return self.outcome(folder_of(mutant), LIMIT)
-        finally:
-            path.write_bytes(sound)
+    def race_tests(self, folder):
+        """The same programs built with the thread sanitizer."""
+        return [Test(f"{test.name} with the thread sanitizer",
+                     [*self.race_runner, self.races / pathlib.Path(test.command[-1]).relative_to(self.build)],
+                     test.folder, test.environment)
+                for test in self.tests[folder] if test.name in RACES.get(folder, [])]
 
-    def outcome(self, folder, limit):
-        tests = self.tests(folder)
-        if not self.runs(["ninja", "-C", self.build, *tests], limit):
-            return "no program"
-        names = "^(" + "|".join(tests) + ")$"
-        passes = self.runs(["ctest", "--test-dir", self.build / "tests", "--parallel", "2",
-                            "--stop-on-failure", "--timeout", "120", "-R", names], limit)
-        return "survived" if passes else "killed"
+    def all_tests(self):
+        return {test.name: test for tests in self.tests.values() for test in tests}.values()
 
-    @staticmethod
-    def runs(command, limit):
-        """Whether it ends well in time; none of its tests outlives it, such as one that never ends."""
-        with subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                              start_new_session=True) as process:
+    def switch(self):
+        """Writes the sources with all their mutants and builds the tests; the numbers of the mutants that
+        are a program only alone."""
+        alone = []
+        with concurrent.futures.ProcessPoolExecutor() as pool:
+            calls = [pool.submit(settled, source, self.commands) for source in self.sources]
+            for at, call in enumerate(calls):
+                self.sources[at], of_source = call.result()
+                alone += of_source
+                self.sources[at].path.write_bytes(self.sources[at].switched())
+                say(f"[{at + 1}/{len(calls)}] {self.sources[at].path.relative_to(self.copy)}")
+        while output := self.refused():
+            dropped = False
+            for source in self.sources:
+                where = re.findall(rf"^{re.escape(str(source.path))}:(\d+):(\d+): error", output, re.M)
+                standing = set(source.standing)
+                if source.drop([(int(line), int(column)) for line, column in where]):
+                    dropped = True
+                    alone += standing - source.standing
+                    source.path.write_bytes(source.switched())
+            if not dropped:
+                raise ValueError(f"the library with its mutants cannot be built\n{output[-4000:]}")
+        self.tests = {folder: self.tests_of(folder) for folder in self.tests}
+        return alone
+
+    def refused(self):
+        """What the compiler says, when it refuses anything."""
+        say("== Building the tests")
+        done = subprocess.run(["ninja", "-k", "0", "-C", self.build, *(each.name for each in self.all_tests())],
+                              stdout=subprocess.PIPE, text=True, check=False)
+        return done.stdout if done.returncode else ""
+
+    def run(self, test, limit, **variables):
+        """Whether it passes in so many seconds; none of its processes outlives it."""
+        environment = {**os.environ, **test.environment, **variables}
+        with subprocess.Popen(test.command, cwd=test.folder, env=environment, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL, start_new_session=True) as process:
             try:
                 return process.wait(limit) == 0
             except subprocess.TimeoutExpired:
-                os.killpg(process.pid, signal.SIGKILL)
-                return False
+                return None
+            finally:
+                try:
+                    os.killpg(process.pid, signal.SIGKILL)
+                except ProcessLookupError:
+                    pass
+
+    def build_races(self, folders):
+        """Builds what finds a lock that is left out, and looks whether it finds nothing in the sound library."""
+        say("== Building tests with the thread sanitizer")
+        names = [test.name for folder in folders for test in self.tests[folder]
+                 if test.name in RACES.get(folder, [])]
+        subprocess.run(["ninja", "-C", self.races, "tovik_qt_synchronisation", *names], stdout=subprocess.DEVNULL,
+                       check=True)
+        for folder in folders:
+            for test in self.race_tests(folder):
+                self.look(test)
+
+    def look(self, test):
+        """Runs it with the sound library, for its duration and the mutants that it reaches."""
+        reached = self.build / f"{test.name}.reached"
+        reached.write_bytes(bytes(len(self.mutants)))
+        began = time.monotonic()
+        if not any(self.run(test, 600, TOVIK_MUTANTS_REACHED=str(reached)) for _ in range(2)):
+            raise ValueError(f"{test.name} does not pass with the sound library")
+        self.seconds[test.name] = time.monotonic() - began
+        self.reached[test.name] = reached.read_bytes()
+        reached.unlink()
+
+    def fails(self, test, **variables):
+        """Whether it fails twice, or once for not ending: a test that failed by chance has found nothing."""
+        limit = 15 + 3 * self.seconds[test.name]
+        first = self.run(test, limit, **variables)
+        return first is None or (not first and not self.run(test, limit, **variables))
+
+    def judge(self, number, is_alone=False):
+        """The test that finds it, 'unreached' or 'missed'."""
+        mutant = self.mutants[number]
+        tests = self.tests[folder_of(mutant)]
+        if not is_alone:
+            tests = [each for each in tests if self.reached[each.name][number]]
+        # A test that has found others of this file will do so soon again.
+        for test in sorted(tests, key=lambda each: (-self.kills[mutant.file, each.name],
+                                                    self.seconds[each.name])):
+            if self.fails(test, TOVIK_MUTANT=str(-1 if is_alone else number)):
+                self.kills[mutant.file, test.name] += 1
+                return test.name
+        if mutant.kind == "lock":
+            for test in self.race_tests(folder_of(mutant)):
+                if self.reached[test.name][number] and self.fails(test, TOVIK_MUTANT=str(number)):
+                    return test.name
+        return "missed" if tests else "unreached"
+
+    def judge_alone(self, number):
+        """One that is in the program alone."""
+        source = next(each for each in self.sources if number in each.mutants)
+        source.path.write_bytes(source.single(number))
+        try:
+            return "no program" if self.refused() else self.judge(number, True)
+        finally:
+            source.path.write_bytes(source.switched())
 
 
-def report(results, equivalent):
-    """Prints the figures; the exit code."""
-    counts = {verdict: sum(1 for each in results if each["verdict"] == verdict)
-              for verdict in ("killed", "survived", "equivalent", "no program")}
-    for each in results:
-        if each["verdict"] == "survived":
-            print(f"survived: {each['key']}")
-        if each["verdict"] == "equivalent":
-            print(f"equivalent: {each['key']}: {equivalent[each['key']]}")
-    counted = counts["killed"] + counts["survived"]
-    share = counts["killed"] / counted if counted else 1.0
-    print(", ".join(f"{number} {verdict}" for verdict, number in counts.items()) +
-          f"; {100 * share:.1f} % of those that count")
-    return 0 if share >= WANTED else 1
+class Report:
+    def __init__(self, bench, verdicts, output):
+        self.bench, self.equivalent, self.output = bench, verdicts, output
+        self.results, self.total = [], 0
+
+    def name(self, number):
+        mutant = self.bench.mutants[number]
+        source = next(each for each in self.bench.sources if number in each.mutants)
+        return key(mutant, source.sound.decode().splitlines()[mutant.line - 1])
+
+    def add(self, number, found):
+        """None: it has not been tried."""
+        if not found:
+            return
+        verdict = found if found in ("equivalent", "no program") else \
+            "survived" if found in ("missed", "unreached") else "killed"
+        name = self.name(number)
+        self.results.append({"key": name, "line": self.bench.mutants[number].line, "verdict": verdict,
+                             "by": found})
+        print(f"[{len(self.results)}/{self.total}] {verdict:10} {self.bench.mutants[number].line:4} {name} ({found})", flush=True)
+        if self.output:
+            pathlib.Path(self.output).write_text(json.dumps(self.results, indent=1))
+
+    def finish(self):
+        """Prints the figures of each folder and of all; the exit code."""
+        for each in self.results:
+            if each["verdict"] == "equivalent":
+                print(f"equivalent: {each['key']}: {self.equivalent[each['key']]}")
+        for folder in FOLDERS:
+            of_folder = [each for each in self.results if each["key"].startswith(folder + "/")]
+            if of_folder:
+                self.line(folder, of_folder)
+        share = self.line("all", self.results)
+        return 0 if share >= WANTED else 1
+
+    @staticmethod
+    def line(name, results):
+        """Prints it; the share of those that are not equivalent that was killed."""
+        counts = collections.Counter(each["verdict"] for each in results)
+        counted = counts["killed"] + counts["survived"]
+        share = counts["killed"] / counted if counted else 1.0
+        print(f"{name + ':':18}" +
+              "".join(f"{counts[each]:5} {each}," for each in ("killed", "survived", "equivalent", "no program")) +
+              f" {100 * share:.1f} % of those that count")
+        return share
+
+
+def try_them(bench, report, numbers, minutes):
+    """Those that stand in one library side by side, since most tests wait longer than they compute; then
+    those that need a library of their own, one after the other."""
+    alone = set(bench.switch())
+    standing = {number for source in bench.sources for number in source.standing}
+    tried = [number for number in numbers if report.name(number) not in report.equivalent]
+    with concurrent.futures.ThreadPoolExecutor(2 * (os.cpu_count() or 1)) as pool:
+        say("== Running the tests with the sound library")
+        list(pool.map(bench.look, bench.all_tests()))
+    if locks := {folder_of(bench.mutants[each]) for each in tried if bench.mutants[each].kind == "lock"}:
+        bench.build_races(sorted(locks))
+    say("== Trying the mutants")
+    end = time.monotonic() + 60 * (minutes or 1e6)
+
+    def verdict(number):
+        if number not in tried:
+            return number, "equivalent"
+        if number not in standing:
+            return number, None if number in alone else "no program"
+        return number, bench.judge(number) if time.monotonic() < end else None
+
+    with concurrent.futures.ThreadPoolExecutor(2 * (os.cpu_count() or 1)) as pool:
+        for future in concurrent.futures.as_completed([pool.submit(verdict, each) for each in numbers]):
+            report.add(*future.result())
+    for number in tried:
+        if number in alone and time.monotonic() < end:
+            report.add(number, bench.judge_alone(number))
+    if len(report.results) < len(numbers):
+        print(f"time was up after {len(report.results)} of {len(numbers)}")
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("copy")
     parser.add_argument("build")
+    parser.add_argument("races")
+    parser.add_argument("race_runner")
     parser.add_argument("--sample", type=int)
     parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--again")
     parser.add_argument("--minutes", type=float)
     parser.add_argument("--folders", default=",".join(FOLDERS))
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--output")
     options = parser.parse_args()
-    bench = Bench(options.copy, options.build)
-    sites = [mutant for name in bench.sources(options.folders.split(","))
-             for mutant in mutant_sites.mutants_of(bench.copy, name, bench.commands)]
-    print(f"{len(sites)} mutants", flush=True)
-    if options.sample:
-        sites = random.Random(options.seed).sample(sites, min(options.sample, len(sites)))
+    bench = Bench(options.copy, options.build, options.races, shlex.split(options.race_runner))
+    bench.find(options.folders.split(","))
     verdicts = json.loads(VERDICTS.read_text())
-    for folder in [] if options.list else sorted({folder_of(each) for each in sites}):
-        if bench.outcome(folder, None) != "survived":
-            raise ValueError(f"{folder}: the tests of the sound library do not pass")
-    results = []
-    began = time.monotonic()
-    for mutant in sites:
-        if options.minutes and time.monotonic() - began > 60 * options.minutes:
-            print(f"time is up after {len(results)} of {len(sites)}")
-            break
-        lines = (bench.copy / mutant.file).read_text().splitlines()
-        name = key(mutant, lines[mutant.line - 1])
-        if options.list:
-            print(name)
-            continue
-        verdict = "equivalent" if name in verdicts else bench.judge(mutant)
-        results.append({"key": name, "line": mutant.line, "verdict": verdict})
-        print(f"{verdict:10} {mutant.line:4} {name}", flush=True)
-        if options.output:
-            pathlib.Path(options.output).write_text(json.dumps(results, indent=1))
-    return 0 if options.list else report(results, verdicts)
+    report = Report(bench, verdicts, options.output)
+    numbers = list(range(len(bench.mutants)))
+    names = {report.name(number) for number in numbers}
+    for name in verdicts:
+        if name not in names and name.startswith(tuple(f"{each}/" for each in options.folders.split(","))):
+            say(f"{VERDICTS.name} has a reason for what is no mutant any more: {name}")
+    if options.again:
+        earlier = json.loads(pathlib.Path(options.again).read_text())
+        survivors = {each["key"] for each in earlier if each["verdict"] == "survived"}
+        numbers = [number for number in numbers if report.name(number) in survivors]
+    if options.sample:
+        numbers = random.Random(options.seed).sample(numbers, min(options.sample, len(numbers)))
+    if options.list:
+        for number in numbers:
+            print(report.name(number))
+        return 0
+    report.total = len(numbers)
+    try_them(bench, report, numbers, options.minutes)
+    return report.finish()
 
 
 if __name__ == "__main__":
     try:
         sys.exit(main())
-    except (OSError, KeyError, ValueError) as error:
+    except (OSError, KeyError, ValueError, subprocess.CalledProcessError) as error:
         print(error, file=sys.stderr)
         sys.exit(2)

@@ -255,7 +255,7 @@ void TestProtocolBasicArrays::cutElements()
     }
     char room[] = "xxxxxxxx";
     QByteArray frame(seven);
-    QCOMPARE(ProtocolBasic::extractDataArea(room, &frame, 0, 7, 4, 1, 0), 0);
+    QCOMPARE(ProtocolBasic().extractDataArea(room, &frame, 0, 7, 4, 1, 0), 0);
     QCOMPARE(QByteArray(room, 8), seven + 'x');
     const QByteArray text("A1B2C");
     QVERIFY(ProtocolBasic::extractArray(out, text.constData(), 5, 1, 1, 1));

@@ -7,7 +7,7 @@ from clang import cindex
 
 import mutant_sites
 
-HEADER = b'#include "scripts/mutant_switch.h"\n'
+HEADER = b'#include "tests/support/mutant_switch.h"\n'
 
 
 class Source:

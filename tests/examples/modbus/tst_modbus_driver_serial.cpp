@@ -15,7 +15,7 @@ using namespace modbus;
 
 namespace {
 
-const int short_timeout = 100; // ms
+const int short_timeout = 300; // ms
 const char* const good_pdu = "030412345678";
 
 /// When the device got its requests, in milliseconds. Taken there, since the test's own thread may

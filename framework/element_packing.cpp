@@ -164,7 +164,7 @@ void pack(QByteArray* out, const char* src, int len, int size, bool least_first,
     char packed[2 * longest_element];
     std::copy(src + whole, src + len, last);
     packWhole(packed, last, size, size, least_first, ascii);
-    std::copy(packed, packed + width * cut, dst + qint64(whole) * width);
+    std::copy(packed, packed + qint64(width) * cut, dst + qint64(whole) * width);
 }
 
 void unpack(char* dst, int room, const char* src, int len, int size, bool least_first, int ascii)
@@ -181,7 +181,7 @@ void unpack(char* dst, int room, const char* src, int len, int size, bool least_
         char last[longest_element];
         std::fill(std::begin(filled), std::end(filled), ascii ? '0' : '\0');
         const qint64 from = qMin(qint64(at) * width, qint64(len));
-        const qint64 to = qMin(from + size * width, qint64(len));
+        const qint64 to = qMin(from + qint64(size) * width, qint64(len));
         std::copy(src + from, src + to, filled + missing);
         unpackWhole(last, filled, full, full, least_first, ascii);
         std::copy(last, last + qMin(size, room - at), dst + at);

@@ -38,6 +38,17 @@ build() {
   cmake --build "$folder" --target $targets >&2 || exit 2
 }
 
+# The tests of the parts that threads share, and what they are built with for the thread sanitizer.
+# shellcheck disable=SC2034 # other scripts read them
+thread_tests=(
+  cloud/tst_driver_state cloud/tst_drv_tovik_iot
+  cloud/tst_drv_tovik_iot_metrics cloud/tst_drv_tovik_iot_reads cloud/tst_drv_tovik_iot_writes
+  cloud/tst_tls_resumption
+  framework/tst_driver_basic_thread
+  system/tst_plugin_faults system/tst_plugin_lifecycle system/tst_plugin_service)
+# shellcheck disable=SC2034
+thread_options=(-DTOVIK_PRECOMPILE=OFF -DTOVIK_SANITIZE=thread "-DCMAKE_CXX_FLAGS_DEBUG=-O1 -g")
+
 # sanitized BUILD LOG: what a program of a build with the thread sanitizer is started with, in the array of
 # this name; what Qt synchronises is told to the sanitizer, and its reports go to LOG.
 sanitized() {

@@ -27,10 +27,6 @@ WANTED = 0.95  # of those that are not equivalent
 # A mutant may allocate without end, or crash.
 LIMITED = ["prlimit", "--core=0"]
 MEMORY = ":hard_rss_limit_mb=2048"
-# Tests of what threads share; a lock that is left out is found by the thread sanitizer in them.
-RACES = {"cloud": ["tst_driver_state", "tst_drv_tovik_iot", "tst_drv_tovik_iot_reads",
-                   "tst_drv_tovik_iot_writes", "tst_drv_tovik_iot_metrics", "tst_tls_resumption"],
-         "framework": ["tst_driver_basic_thread"]}
 
 Test = collections.namedtuple("Test", "name command folder environment")
 
@@ -55,22 +51,25 @@ def settled(source, commands):
 
 
 class Bench:
-    def __init__(self, copy, build, races, race_runner):
+    def __init__(self, copy, build, races, race_runner, race_names):
         self.copy, self.build = pathlib.Path(copy).resolve(), pathlib.Path(build).resolve()
-        self.races, self.race_runner = pathlib.Path(races).resolve(), race_runner
+        # Tests of what threads share; a lock that is left out is found by the thread sanitizer in them.
+        self.races, self.race_runner, self.race_names = pathlib.Path(races).resolve(), race_runner, race_names
         self.commands = self.build / "compile_commands.json"
         self.reached, self.seconds = {}, {}  # by the test's name
         self.kills = collections.Counter()  # by file and test
 
     def find(self, folders):
         """The mutants of the folders, their sources and their tests."""
-        self.mutants, self.sources = [], []
+        self.mutants, self.names, self.sources = [], [], []
         for folder in folders:
             for path in sorted((self.copy / folder).rglob("*.cpp")):
                 name = path.relative_to(self.copy).as_posix()
                 found = mutant_sites.mutants_of(self.copy, name, self.commands)
                 numbers = range(len(self.mutants), len(self.mutants) + len(found))
                 self.mutants += found
+                lines = path.read_text().splitlines()
+                self.names += [key(mutant, lines[mutant.line - 1]) for mutant in found]
                 self.sources.append(mutant_switch.Source(path, dict(zip(numbers, found))))
         self.tests = {folder: self.tests_of(folder) for folder in folders}
         say(f"{len(self.mutants)} mutants in {len(self.sources)} sources")
@@ -103,7 +102,7 @@ class Bench:
         return [Test(f"{test.name} with the thread sanitizer",
                      [*self.race_runner, self.races / pathlib.Path(test.command[-1]).relative_to(self.build)],
                      test.folder, test.environment)
-                for test in self.tests[folder] if test.name in RACES.get(folder, [])]
+                for test in self.tests[folder] if test.name in self.race_names]
 
     def all_tests(self):
         return {test.name: test for tests in self.tests.values() for test in tests}.values()
@@ -158,13 +157,12 @@ class Bench:
     def build_races(self, folders):
         """Builds what finds a lock that is left out, and looks whether it finds nothing in the sound library."""
         say("== Building tests with the thread sanitizer")
-        names = [test.name for folder in folders for test in self.tests[folder]
-                 if test.name in RACES.get(folder, [])]
-        subprocess.run(["ninja", "-C", self.races, "tovik_qt_synchronisation", *names], stdout=subprocess.DEVNULL,
-                       check=True)
-        for folder in folders:
-            for test in self.race_tests(folder):
-                self.look(test)
+        tests = [test for folder in folders for test in self.race_tests(folder)]
+        programs = [test.command[-1].name for test in tests]
+        subprocess.run(["ninja", "-C", self.races, "tovik_qt_synchronisation", *programs],
+                       stdout=subprocess.DEVNULL, check=True)
+        for test in tests:
+            self.look(test)
 
     def look(self, test):
         """Runs it with the sound library, for its duration and the mutants that it reaches."""
@@ -216,21 +214,15 @@ class Report:
         self.bench, self.equivalent, self.output = bench, verdicts, output
         self.results, self.total = [], 0
 
-    def name(self, number):
-        mutant = self.bench.mutants[number]
-        source = next(each for each in self.bench.sources if number in each.mutants)
-        return key(mutant, source.sound.decode().splitlines()[mutant.line - 1])
-
     def add(self, number, found):
         """None: it has not been tried."""
         if not found:
             return
         verdict = found if found in ("equivalent", "no program") else \
             "survived" if found in ("missed", "unreached") else "killed"
-        name = self.name(number)
-        self.results.append({"key": name, "line": self.bench.mutants[number].line, "verdict": verdict,
-                             "by": found})
-        print(f"[{len(self.results)}/{self.total}] {verdict:10} {self.bench.mutants[number].line:4} {name} ({found})", flush=True)
+        name, line = self.bench.names[number], self.bench.mutants[number].line
+        self.results.append({"key": name, "line": line, "verdict": verdict, "by": found})
+        print(f"[{len(self.results)}/{self.total}] {verdict:10} {line:4} {name} ({found})", flush=True)
         if self.output:
             pathlib.Path(self.output).write_text(json.dumps(self.results, indent=1))
 
@@ -263,7 +255,8 @@ def try_them(bench, report, numbers, minutes):
     those that need a library of their own, one after the other."""
     alone = set(bench.switch())
     standing = {number for source in bench.sources for number in source.standing}
-    tried = [number for number in numbers if report.name(number) not in report.equivalent]
+    known = {number for number in numbers if bench.names[number] in report.equivalent}
+    tried = [number for number in numbers if number not in known]
     with concurrent.futures.ThreadPoolExecutor(2 * (os.cpu_count() or 1)) as pool:
         say("== Running the tests with the sound library")
         list(pool.map(bench.look, bench.all_tests()))
@@ -273,7 +266,7 @@ def try_them(bench, report, numbers, minutes):
     end = time.monotonic() + 60 * (minutes or 1e6)
 
     def verdict(number):
-        if number not in tried:
+        if number in known:
             return number, "equivalent"
         if number not in standing:
             return number, None if number in alone else "no program"
@@ -295,6 +288,7 @@ def main():
     parser.add_argument("build")
     parser.add_argument("races")
     parser.add_argument("race_runner")
+    parser.add_argument("race_tests")
     parser.add_argument("--sample", type=int)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--again")
@@ -303,24 +297,24 @@ def main():
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--output")
     options = parser.parse_args()
-    bench = Bench(options.copy, options.build, options.races, shlex.split(options.race_runner))
+    bench = Bench(options.copy, options.build, options.races, shlex.split(options.race_runner),
+                  options.race_tests.split())
     bench.find(options.folders.split(","))
     verdicts = json.loads(VERDICTS.read_text())
     report = Report(bench, verdicts, options.output)
     numbers = list(range(len(bench.mutants)))
-    names = {report.name(number) for number in numbers}
     for name in verdicts:
-        if name not in names and name.startswith(tuple(f"{each}/" for each in options.folders.split(","))):
+        if name not in bench.names and name.startswith(tuple(f"{each}/" for each in options.folders.split(","))):
             say(f"{VERDICTS.name} has a reason for what is no mutant any more: {name}")
     if options.again:
         earlier = json.loads(pathlib.Path(options.again).read_text())
         survivors = {each["key"] for each in earlier if each["verdict"] == "survived"}
-        numbers = [number for number in numbers if report.name(number) in survivors]
+        numbers = [number for number in numbers if bench.names[number] in survivors]
     if options.sample:
         numbers = random.Random(options.seed).sample(numbers, min(options.sample, len(numbers)))
     if options.list:
         for number in numbers:
-            print(report.name(number))
+            print(bench.names[number])
         return 0
     report.total = len(numbers)
     try_them(bench, report, numbers, options.minutes)

@@ -42,6 +42,14 @@ int anyFile()
     return ::open("/dev/null", O_RDONLY);
 }
 
+std::vector<DescriptorPtr> openFiles(int count)
+{
+    std::vector<DescriptorPtr> files;
+    for (int i = 0; i < count; ++i)
+        files.push_back(std::make_unique<Descriptor>(anyFile()));
+    return files;
+}
+
 /// An address with a port, as the kernel wants it.
 struct Address
 {
@@ -233,15 +241,12 @@ void TestNewSockets::oneAtANumberThatWasTaken()
 void TestNewSockets::oneBehindManyOthers()
 {
     const Listener listener("127.0.0.1");
-    std::vector<DescriptorPtr> others;
-    for (int i = 0; i < 21; ++i)
-        others.push_back(std::make_unique<Descriptor>(anyFile()));
+    std::vector<DescriptorPtr> others = openFiles(21);
     const int last = others.back()->number();
     others.clear();
     const NewSockets unaware({});
     const NewSockets aware({last});
-    for (int i = 0; i < 20; ++i)
-        others.push_back(std::make_unique<Descriptor>(anyFile()));
+    others = openFiles(20);
     const DescriptorPtr socket = connectTo("127.0.0.1", listener.port());
     QCOMPARE(socket->number(), last);
     QCOMPARE(unaware.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>());
@@ -260,14 +265,11 @@ void TestNewSockets::aRememberedNumberIsFoundOnce()
 void TestNewSockets::theLastOfTheFreeNumbersIsFoundOnce()
 {
     const Listener listener("127.0.0.1");
-    std::vector<DescriptorPtr> others;
-    for (int i = 0; i < 16; ++i)
-        others.push_back(std::make_unique<Descriptor>(anyFile()));
+    std::vector<DescriptorPtr> others = openFiles(16);
     const int last = others.back()->number();
     others.clear();
     const NewSockets sockets({last});
-    for (int i = 0; i < 15; ++i)
-        others.push_back(std::make_unique<Descriptor>(anyFile()));
+    others = openFiles(15);
     const DescriptorPtr socket = connectTo("127.0.0.1", listener.port());
     QCOMPARE(socket->number(), last);
     QCOMPARE(sockets.connectedTo(only("127.0.0.1"), listener.port()), QVector<int>{last});

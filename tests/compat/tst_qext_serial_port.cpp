@@ -1,4 +1,4 @@
-#include "compat/serial_port.h"
+#include "tests/compat/serial_bench.h"
 #include "tests/support/pty.h"
 
 #include <QFile>
@@ -9,8 +9,6 @@
 #include <unistd.h>
 
 namespace {
-
-const PortSettings other_settings = {BAUD19200, DATA_7, PAR_EVEN, STOP_2, FLOW_XONXOFF, 250};
 
 /// While it lives the process is nobody, to whom, unlike root, permissions of files apply.
 class AsNobody
@@ -30,13 +28,6 @@ private:
     uid_t user_;
     bool is_nobody_;
 };
-
-/// Settings in the form in which rows compare them.
-QList<int> settingsOf(const QextSerialPort& port)
-{
-    return QList<int>{port.baudRate(), port.dataBits(), port.parity(), port.stopBits(),
-                      port.flowControl()};
-}
 
 /// Whether a line keeps a speed that it is given without the class under test.
 bool lineTakes(int speed)

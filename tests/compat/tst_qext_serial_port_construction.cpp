@@ -1,4 +1,4 @@
-#include "compat/serial_port.h"
+#include "tests/compat/serial_bench.h"
 #include "tests/support/pty.h"
 
 #include <QSerialPort>
@@ -6,19 +6,6 @@
 #include <QTest>
 
 #include <memory>
-
-namespace {
-
-const PortSettings other_settings = {BAUD19200, DATA_7, PAR_EVEN, STOP_2, FLOW_XONXOFF, 250};
-
-/// Settings in the form in which rows compare them.
-QList<int> settingsOf(const QextSerialPort& port)
-{
-    return QList<int>{port.baudRate(), port.dataBits(), port.parity(), port.stopBits(),
-                      port.flowControl()};
-}
-
-} // namespace
 
 class TestQextSerialPortConstruction : public QObject
 {

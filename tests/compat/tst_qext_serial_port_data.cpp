@@ -1,5 +1,5 @@
 #include "compat/serial_port.h"
-#include "tests/compat/serial_wait.h"
+#include "tests/compat/serial_bench.h"
 #include "tests/support/pty.h"
 
 #include <QAbstractEventDispatcher>

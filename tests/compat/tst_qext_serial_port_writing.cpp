@@ -1,4 +1,4 @@
-#include "tests/compat/serial_wait.h"
+#include "tests/compat/serial_bench.h"
 #include "tests/support/pty.h"
 
 #include <QSerialPort>

@@ -1,10 +1,20 @@
-#ifndef TESTS_COMPAT_SERIAL_WAIT_H
-#define TESTS_COMPAT_SERIAL_WAIT_H
+#ifndef TESTS_COMPAT_SERIAL_BENCH_H
+#define TESTS_COMPAT_SERIAL_BENCH_H
 
 #include "compat/serial_port.h"
 
 #include <QElapsedTimer>
 #include <QThread>
+
+/// Settings that no default has.
+const PortSettings other_settings = {BAUD19200, DATA_7, PAR_EVEN, STOP_2, FLOW_XONXOFF, 250};
+
+/// Settings in the form in which rows compare them.
+inline QList<int> settingsOf(const QextSerialPort& port)
+{
+    return QList<int>{port.baudRate(), port.dataBits(), port.parity(), port.stopBits(),
+                      port.flowControl()};
+}
 
 const int patience = 10000; // milliseconds; reached only by a failing test
 

@@ -11,6 +11,24 @@
 #include <QSslSocket>
 #include <QUrl>
 
+namespace {
+
+bool registerTypes()
+{
+    const QNetworkAccessManager manager;
+    return true;
+}
+
+} // namespace
+
+PostMemory::PostMemory() : listener(0), count(0)
+{
+    // Each manager registers the types of its signals. When the first ones of two threads are made
+    // at once, both do, and Qt warns: one is made before a thread posts.
+    static const bool is_done = registerTypes();
+    Q_UNUSED(is_done)
+}
+
 Post::Post(const QString& body, const QString& url, PostMemory* memory)
     : memory_(memory),
       trace_(memory->listener ? new RequestTrace(memory->listener, ++memory->count, QUrl(url)) : 0),

@@ -36,6 +36,7 @@ class TestConversation : public QObject
 private Q_SLOTS:
     void init();
     void cleanup() { log_.reset(); }
+    void typesAreRegisteredBeforeAnyPost();
     void reasons_data();
     void reasons();
     void noAnswer_data();
@@ -85,6 +86,16 @@ Outcome TestConversation::run(const QString& operation)
     if (operation == latin1("read"))
         return conversation.readValue(old_token, &item_);
     return conversation.writeValue(old_token, item_, 1);
+}
+
+// The first row: a post, too, has them registered.
+void TestConversation::typesAreRegisteredBeforeAnyPost()
+{
+    PostMemory memory;
+    const int list = QMetaType::type("QList<QSslError>");
+    QVERIFY(list != QMetaType::UnknownType);
+    QVERIFY(QMetaType::hasRegisteredConverterFunction(
+        list, qMetaTypeId<QtMetaTypePrivate::QSequentialIterableImpl>()));
 }
 
 void TestConversation::reasons_data()

@@ -100,11 +100,6 @@ void runModbusRequest(const QByteArray& input)
             checkPlanned(asked, request);
         else
             require(!request.pdu.operation, "a refused request is not made");
-        int bit = -7;
-        const int bit_status = modbus::planBitWrite(asked, transport, &bit);
-        require(bit_status == modbus::Ok || (isRefusal(bit_status) && bit == -7),
-                "a write of a bit is planned, or refused and changes nothing");
-        require(bit_status != modbus::Ok || (bit >= -1 && bit < 16), "a bit is one of a register");
     }
 }
 

@@ -1,6 +1,5 @@
 #include "modbus_driver.h"
 
-#include "modbus_address.h"
 #include "modbus_rtu.h"
 #include "modbus_status.h"
 #include "modbus_tcp.h"
@@ -76,12 +75,10 @@ void ModbusDriver::onConnected()
     framing_->reset();
 }
 
-void ModbusDriver::listen(qint64 milliseconds)
+bool ModbusDriver::listen(qint64 milliseconds)
 {
-    if (collect())
-        return;
     waitForLinkInput(static_cast<int>(qBound<qint64>(0, milliseconds, slice)));
-    collect();
+    return collect();
 }
 
 bool ModbusDriver::isLinkUp() const
@@ -111,8 +108,7 @@ bool ModbusDriver::waitForSilence()
     for (;;) {
         // Judged before the look, since this thread may have slept while bytes came.
         const bool is_over = missingSilence() <= 0;
-        listen(missingSilence());
-        if (is_over && missingSilence() <= 0)
+        if (!listen(missingSilence()) && is_over)
             break;
         // The only answer that was missing has come, too late: nothing is under way any more.
         if (is_out_of_step_ && unanswered_ == 1 && framing_->take(&late)) {
@@ -149,21 +145,20 @@ int ModbusDriver::request_build(E_CMD_DIR dir, QString address, int field1, int 
     return framing_->answerSize();
 }
 
-int ModbusDriver::request_send_wait(int sent_length, int expected_length, int* ready)
+int ModbusDriver::request_send_wait(int sent_length, int expected_length, int*)
 {
-    *ready = 0; // all input goes to the framing
     framing_->dropOldInput();
     answer_ = Answer();
-    if (request_.is_broadcast) {
-        wait_code_ = waitAfterBroadcast(sent_length);
-        line_idle_.start();
+    const bool is_broadcast = request_.is_broadcast;
+    wait_code_ = waitForAnswer(is_broadcast ? turnaround + lineTime(sent_length)
+                                            : qint64(response_timeout_) +
+                                                  lineTime(sent_length + expected_length));
+    line_idle_.start();
+    if (is_broadcast)
         return wait_code_;
-    }
-    wait_code_ = waitForAnswer(qint64(response_timeout_) + lineTime(sent_length + expected_length));
     const bool answered = wait_code_ == Ok && (answer_.status == Ok || isException(answer_.status));
     is_out_of_step_ = !answered;
     unanswered_ = answered ? 0 : unanswered_ + 1;
-    line_idle_.start();
     return wait_code_;
 }
 
@@ -172,7 +167,7 @@ int ModbusDriver::waitForAnswer(qint64 budget)
     QElapsedTimer waited;
     waited.start();
     for (bool is_over = false;;) {
-        if (framing_->take(&answer_))
+        if (!request_.is_broadcast && framing_->take(&answer_))
             return Ok;
         if (stopRequested())
             return Stopped;
@@ -180,32 +175,16 @@ int ModbusDriver::waitForAnswer(qint64 budget)
             answer_.status = LinkLost;
             return Ok;
         }
-        if (is_over) {
-            answer_ = framing_->giveUp();
-            return answer_.status == NoAnswerInTime ? int(NoAnswerInTime) : int(Ok);
-        }
+        if (is_over)
+            break;
         // Looks once more when the time is over: this thread may have slept for all of it.
         const qint64 left = budget - waited.elapsed();
         is_over = left <= 0;
-        listen(qMax<qint64>(1, left));
+        listen(left);
     }
-}
-
-int ModbusDriver::waitAfterBroadcast(int sent_length)
-{
-    QElapsedTimer waited;
-    waited.start();
-    const int time = turnaround + lineTime(sent_length);
-    do {
-        if (stopRequested())
-            return Stopped;
-        listen(qMax<qint64>(1, time - waited.elapsed()));
-        if (!isLinkUp()) {
-            answer_.status = LinkLost;
-            return Ok;
-        }
-    } while (waited.elapsed() < time);
-    return Ok;
+    if (!request_.is_broadcast)
+        answer_ = framing_->giveUp();
+    return answer_.status == NoAnswerInTime ? int(NoAnswerInTime) : int(Ok);
 }
 
 int ModbusDriver::recv_abnormal_handler(QByteArray* response)
@@ -229,7 +208,7 @@ void ModbusDriver::doCmdSM(E_CMD_DIR dir, QString address, int field1, int data_
 {
     Address parsed;
     if (dir == CMD_WRITE && parseAddress(address, &parsed) == Ok && parsed.bit >= 0)
-        writeBit({true, address, field1, data_length, *data, station_no, extra1, extra2});
+        writeBit(parsed, {false, address, field1, data->size(), *data, station_no, extra1, extra2});
     else
         DriverBasic::doCmdSM(dir, address, field1, data_length, data, station_no, extra1, extra2);
 }
@@ -239,10 +218,12 @@ void ModbusDriver::doCmdSM_Offline(E_CMD_DIR, QString, int, int, QByteArray*, in
     error_code_ = NotConnected;
 }
 
-void ModbusDriver::writeBit(const HostRequest& asked)
+void ModbusDriver::writeBit(const Address& place, const HostRequest& asked)
 {
-    int bit = 0;
-    error_code_ = planBitWrite(asked, transport(), &bit);
+    Request planned;
+    error_code_ = planRequest(asked, transport(), &planned);
+    if (error_code_ == Ok && place.area->write_one == 0)
+        error_code_ = ReadOnlyArea;
     if (error_code_ != Ok)
         return;
     const QString whole = asked.address.section(QLatin1Char('.'), 0, 0);
@@ -250,8 +231,9 @@ void ModbusDriver::writeBit(const HostRequest& asked)
     DriverBasic::doCmdSM(CMD_READ, whole, asked.field1, register_bytes, &word, asked.station, 0, 0);
     if (error_code_ != Ok)
         return;
-    const int mask = 1 << (bit % 8);
-    const int byte = byteAt(word, bit / 8);
-    word[bit / 8] = static_cast<char>(asked.data.at(0) != 0 ? byte | mask : byte & ~mask);
-    DriverBasic::doCmdSM(CMD_WRITE, whole, asked.field1, 0, &word, asked.station, 0, 0);
+    const int at = place.bit / 8;
+    const int mask = 1 << (place.bit % 8);
+    word[at] = static_cast<char>(asked.data.at(0) != 0 ? word.at(at) | mask : word.at(at) & ~mask);
+    DriverBasic::doCmdSM(CMD_WRITE, whole, asked.field1, register_bytes, &word, asked.station, 0,
+                         0);
 }

@@ -2,6 +2,7 @@
 #define MODBUS_DRIVER_H
 
 #include "framework/driver_basic.h"
+#include "modbus_address.h"
 #include "modbus_framing.h"
 #include "modbus_request.h"
 
@@ -56,17 +57,19 @@ private:
     modbus::Transport transport() const;
     /// Whether a request may go: a link that is still connecting takes none.
     bool isLinkUp() const;
-    void writeBit(const modbus::HostRequest& asked);
-    /// Takes input; if there is none, waits for it, at most so long.
-    void listen(qint64 milliseconds);
+    /// \param asked the bit's value in one byte, and a read of it otherwise: the register must be
+    ///        readable, too
+    void writeBit(const modbus::Address& place, const modbus::HostRequest& asked);
+    /// Waits for input, at most so long, and takes it; false if there was none.
+    bool listen(qint64 milliseconds);
     /// Serial: false if the line does not become silent, with the reason in error_code_.
     bool waitForSilence();
     /// The silence that the line still needs, in milliseconds.
     qint64 missingSilence() const;
-    /// Waits until the answer is found or it is clear that there will be none.
+    /// Waits until the answer is found or it is clear that there will be none; after a broadcast,
+    /// for all of the time.
     /// \return 0 with the result in answer_, Stopped or NoAnswerInTime.
     int waitForAnswer(qint64 budget);
-    int waitAfterBroadcast(int sent_length);
     /// How long so many characters take on the line, in milliseconds; 0 for TCP.
     int lineTime(int characters) const;
 

@@ -98,25 +98,6 @@ int planRequest(const HostRequest& asked, Transport transport, Request* request)
     return Ok;
 }
 
-int planBitWrite(const HostRequest& asked, Transport transport, int* bit)
-{
-    // The register must be readable, too: so whatever a read would be refused for counts here.
-    HostRequest read = asked;
-    read.write = false;
-    read.data_length = asked.data.size();
-    Request planned;
-    const int status = planRequest(read, transport, &planned);
-    if (status != Ok)
-        return status;
-    Address address;
-    if (parseAddress(asked.address, &address) != Ok || address.bit < 0)
-        return BadAddress;
-    if (address.area->write_one == 0)
-        return ReadOnlyArea;
-    *bit = address.bit;
-    return Ok;
-}
-
 QByteArray hostBytes(const Request& request, const QByteArray& pdu)
 {
     const QByteArray values = answerValues(pdu);

@@ -47,10 +47,6 @@ struct Request
 /// \return Ok, or why the request is refused.
 int planRequest(const HostRequest& asked, Transport transport, Request* request);
 
-/// The checks of a write of one byte to a bit of a register.
-/// \return Ok with the bit's number, or why the request is refused.
-int planBitWrite(const HostRequest& asked, Transport transport, int* bit);
-
 /// The bytes for the host from a good answer to a read.
 QByteArray hostBytes(const Request& request, const QByteArray& pdu);
 

@@ -31,6 +31,21 @@ public:
     QByteArray word = QByteArray(2, '\0');
 };
 
+class StopAtInput : public TrafficListener
+{
+public:
+    explicit StopAtInput(DrvInterface* driver) : driver_(driver) {}
+
+    void hear(const Traffic& traffic) override
+    {
+        if (traffic.kind == Traffic::taken)
+            driver_->stop_flag = 1;
+    }
+
+private:
+    DrvInterface* driver_;
+};
+
 QList<int> functionsOf(const ModbusBench& bench)
 {
     QList<int> functions;
@@ -53,6 +68,7 @@ private Q_SLOTS:
     void refusedReadEndsTheWrite();
     void refusedWrite();
     void repeatsBothExchanges();
+    void stoppedBetweenTheTwo();
     void refusals_data();
     void refusals();
 };
@@ -88,6 +104,7 @@ void TestModbusDriverBits::writes_data()
     };
     row("sets bit 0", 0x0000, "4x17.0", 1, 0x0001);
     row("sets bit 3", 0x1200, "4x17.3", 1, 0x1208);
+    row("sets bit 8", 0x0000, "4x17.8", 1, 0x0100);
     row("sets bit 15", 0x0001, "4x17.15", 1, 0x8001);
     row("sets what is set", 0xFFFF, "4x17.8", 1, 0xFFFF);
     row("any byte but 0 sets", 0x0000, "4x17.7", 0x80, 0x0080);
@@ -161,6 +178,19 @@ void TestModbusDriverBits::repeatsBothExchanges()
     QCOMPARE(functionsOf(bench), (QList<int>{3, 6, 3, 6}));
 }
 
+/// The host stops the driver while that takes the first answer, which is good.
+void TestModbusDriverBits::stoppedBetweenTheTwo()
+{
+    ModbusBench bench(Transport::Tcp);
+    StopAtInput listener(bench.driver.get());
+    bench.driver->setTrafficListener(&listener);
+    QVERIFY(bench.connectLink());
+    const RegisterDevice device(bench, 0x00F0);
+    COMPARE_STATUS(bench.host->write(writeOf("4x17.0", hex("01"))).status, Stopped);
+    QCOMPARE(functionsOf(bench), QList<int>{3});
+    bench.driver->setTrafficListener(nullptr);
+}
+
 void TestModbusDriverBits::refusals_data()
 {
     QTest::addColumn<Asked>("asked");
@@ -170,9 +200,16 @@ void TestModbusDriverBits::refusals_data()
     QTest::newRow("input register") << writeOf("3x17.3", hex("01")) << int(ReadOnlyArea);
     QTest::newRow("bit 16") << writeOf("4x17.16", hex("01")) << int(BadAddress);
     QTest::newRow("bit of a coil") << writeOf("0x17.3", hex("01")) << int(BadAddress);
-    Asked broadcast = writeOf("4x17.3", hex("01"));
-    broadcast.station = 0;
-    QTest::newRow("broadcast") << broadcast << int(BroadcastRead);
+    const auto row = [](const char* name, int Asked::*member, int value, int status) {
+        Asked asked = writeOf("4x17.3", hex("01"));
+        asked.*member = value;
+        QTest::newRow(name) << asked << status;
+    };
+    row("broadcast", &Asked::station, 0, BroadcastRead);
+    row("station 248", &Asked::station, 248, BadStation);
+    row("order 4", &Asked::extra2, 4, BadOrder);
+    row("element of 3 bytes", &Asked::extra1, 3, BadElementSize);
+    row("field1 2", &Asked::field1, 2, BadFunctionChoice);
 }
 
 void TestModbusDriverBits::refusals()

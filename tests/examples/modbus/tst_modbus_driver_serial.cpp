@@ -1,6 +1,7 @@
 #include "examples/modbus/modbus_rtu.h"
 #include "examples/modbus/modbus_status.h"
 #include "tests/examples/modbus/modbus_bench.h"
+#include "tests/support/kernel_input.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -11,7 +12,7 @@
 
 using namespace modbus;
 
-// What only a serial line has: broadcasts, silences, noise. Times are lower bounds.
+// What only a serial line has: silences, noise. Times are lower bounds.
 
 namespace {
 
@@ -60,31 +61,17 @@ class TestModbusDriverSerial : public QObject
 
 private Q_SLOTS:
     void serialWinsOverEthernet();
-    void broadcasts_data();
-    void broadcasts();
-    void broadcastOnALostLine();
-    void broadcastStopped();
-    void ethernetHasNoBroadcast();
     void silenceAfterASilentDevice();
     void silenceAfterADamagedAnswer();
     void silenceAfterASilentDeviceOnASlowLine();
     void silenceAfterATransparentRequest();
     void silenceBetweenRequests();
+    void silenceAfterStaleBytes();
     void stoppedWhileListening();
     void lostWhileListening();
     void noisyLineIsGivenUp();
     void slowLineGetsItsTime();
-
-private:
-    static Asked broadcast(const Asked& asked);
 };
-
-Asked TestModbusDriverSerial::broadcast(const Asked& asked)
-{
-    Asked changed = asked;
-    changed.station = 0;
-    return changed;
-}
 
 void TestModbusDriverSerial::serialWinsOverEthernet()
 {
@@ -93,72 +80,6 @@ void TestModbusDriverSerial::serialWinsOverEthernet()
     bench.answerWith(hex(good_pdu));
     COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
     QCOMPARE(bench.device.requests().first(), rtuFrame(1, hex("0300000002")));
-}
-
-void TestModbusDriverSerial::broadcasts_data()
-{
-    QTest::addColumn<Asked>("asked");
-    QTest::addColumn<QByteArray>("pdu");
-    QTest::newRow("coil") << writeOf("0x1", hex("01")) << hex("050000FF00");
-    QTest::newRow("register") << writeOf("4x1", hex("3412")) << hex("0600001234");
-    QTest::newRow("coils") << writeOf("0x1", hex("0101")) << hex("0F000000020103");
-    QTest::newRow("registers") << writeOf("4x1", hex("34127856")) << hex("10000000020412345678");
-}
-
-/// Nobody answers, and the devices get time to carry it out.
-void TestModbusDriverSerial::broadcasts()
-{
-    QFETCH(Asked, asked);
-    QFETCH(QByteArray, pdu);
-    ModbusBench bench(Transport::Rtu);
-    QVERIFY(bench.connectLink());
-    bench.setResponseTimeout(60000);
-    bench.setRetries(3);
-    QElapsedTimer waited;
-    waited.start();
-    const Got got = bench.host->write(broadcast(asked));
-    QCOMPARE(got.answers, 1);
-    COMPARE_STATUS(got.status, Ok);
-    QVERIFY(waited.elapsed() >= 100);
-    QVERIFY(waited.elapsed() < 55000);
-    QCOMPARE(bench.device.requests().size(), 1);
-    QCOMPARE(bench.device.requests().first().toHex(), rtuFrame(0, pdu).toHex());
-    bench.answerWith(hex(good_pdu));
-    COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
-}
-
-void TestModbusDriverSerial::broadcastOnALostLine()
-{
-    ModbusBench bench(Transport::Rtu);
-    QVERIFY(bench.connectLink());
-    bench.device.setBehaviour([](const QByteArray&) {
-        return QList<DeviceStep>{{QByteArray(), 0, true}};
-    });
-    COMPARE_STATUS(bench.host->write(broadcast(writeOf("4x1", hex("3412")))).status, LinkLost);
-}
-
-void TestModbusDriverSerial::broadcastStopped()
-{
-    ModbusBench bench(Transport::Rtu);
-    QVERIFY(bench.connectLink());
-    bench.device.setBehaviour([&bench](const QByteArray&) {
-        bench.driver->stop_flag = 1;
-        return QList<DeviceStep>();
-    });
-    COMPARE_STATUS(bench.host->write(broadcast(writeOf("4x1", hex("3412")))).status, Stopped);
-}
-
-/// Over TCP, station 0 is the device itself, and answers.
-void TestModbusDriverSerial::ethernetHasNoBroadcast()
-{
-    ModbusBench bench(Transport::Tcp);
-    QVERIFY(bench.connectLink());
-    bench.answerWith(hex("0600001234"));
-    COMPARE_STATUS(bench.host->write(broadcast(writeOf("4x1", hex("3412")))).status, Ok);
-    bench.setResponseTimeout(short_timeout);
-    bench.device.setBehaviour(nullptr);
-    COMPARE_STATUS(bench.host->write(broadcast(writeOf("4x1", hex("3412")))).status,
-                   NoAnswerInTime);
 }
 
 void TestModbusDriverSerial::silenceAfterASilentDevice()
@@ -222,6 +143,21 @@ void TestModbusDriverSerial::silenceBetweenRequests()
     COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
     COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
     QVERIFY(requests->second() - requests->first() >= 115);
+}
+
+/// They have come since the last look, at what time nobody knows: so the 116 ms begin anew.
+void TestModbusDriverSerial::silenceAfterStaleBytes()
+{
+    ModbusBench bench(Transport::Rtu);
+    QVERIFY(bench.connectLink());
+    bench.serial.setBaudRate(BAUD300);
+    bench.setResponseTimeout(5000);
+    bench.device.send("stale");
+    QVERIFY(waitInKernel(&bench.serial, &bench.ethernet, 5));
+    QTest::qSleep(150); // longer than the silence
+    const std::shared_ptr<Arrivals> requests = recordArrivals(&bench);
+    COMPARE_STATUS(bench.host->read(readOf("4x1", 4)).status, Ok);
+    QVERIFY(requests->first() >= 116);
 }
 
 void TestModbusDriverSerial::stoppedWhileListening()

@@ -39,8 +39,6 @@ private Q_SLOTS:
     void writeOfNothing();
     void stations_data();
     void stations();
-    void bitWrites_data();
-    void bitWrites();
     void hostBytesOfAnswers_data();
     void hostBytesOfAnswers();
 };
@@ -99,6 +97,7 @@ void TestModbusRequest::refuses_data()
     };
     row("bad address", readOf("5x17", 2), BadAddress);
     row("write to a bit is two requests", writeOf("4x17.3", bytes(1)), BadAddress);
+    row("write to bit 0", writeOf("4x17.0", bytes(1)), BadAddress);
     row("write to discrete inputs", writeOf("1x17", bytes(1)), ReadOnlyArea);
     row("write to input registers", writeOf("3x17", bytes(2)), ReadOnlyArea);
     row("read of nothing", readOf("4x17", 0), BadLength);
@@ -187,34 +186,6 @@ void TestModbusRequest::stations()
     asked.station = station;
     QTEST(planRequest(asked, transport, &request), "write");
     QTEST(request.is_broadcast, "is_broadcast");
-}
-
-void TestModbusRequest::bitWrites_data()
-{
-    QTest::addColumn<Asked>("asked");
-    QTest::addColumn<int>("status");
-    const Asked good = writeOf("4x17.3", bytes(1));
-    const auto row = [](const char* name, const Asked& asked, int status) {
-        QTest::newRow(name) << asked << status;
-    };
-    row("good", good, Ok);
-    row("two bytes", writeOf("4x17.3", bytes(2)), BadLength);
-    row("input register", writeOf("3x17.3", bytes(1)), ReadOnlyArea);
-    row("broadcast", with(good, &Asked::station, 0), BroadcastRead);
-    row("station 248", with(good, &Asked::station, 248), BadStation);
-    row("order 4", with(good, &Asked::extra2, 4), BadOrder);
-    row("element of 3 bytes", with(good, &Asked::extra1, 3), BadElementSize);
-    row("field1 2", with(good, &Asked::field1, 2), BadFunctionChoice);
-    row("bad address", writeOf("4x17.16", bytes(1)), BadAddress);
-}
-
-void TestModbusRequest::bitWrites()
-{
-    QFETCH(Asked, asked);
-    QFETCH(int, status);
-    int bit = -1;
-    COMPARE_STATUS(planBitWrite(planned(asked), Transport::Rtu, &bit), status);
-    QCOMPARE(bit, status == Ok ? 3 : -1);
 }
 
 void TestModbusRequest::hostBytesOfAnswers_data()

@@ -26,7 +26,7 @@ quint32 drv_version()
                     .arg(version_major)
                     .arg(version_minor)
                     .arg(version_patch);
-    return version_major * 65536 + version_minor * 256 + version_patch;
+    return QT_VERSION_CHECK(version_major, version_minor, version_patch);
 }
 
 const result_code::Words* drv_result_codes()

@@ -13,9 +13,7 @@ Framing::~Framing() = default;
 
 void Framing::add(const QByteArray& bytes)
 {
-    input_.append(bytes);
-    if (input_.size() > largest_input)
-        input_.remove(0, input_.size() - largest_input);
+    input_ = (input_ + bytes).right(largest_input);
 }
 
 void Framing::reset()

@@ -37,7 +37,7 @@ public:
     /// Adds input.
     void add(const QByteArray& bytes);
     /// Forgets the input: it belonged to a connection that is gone.
-    virtual void reset();
+    void reset();
 
 protected:
     Request request_;

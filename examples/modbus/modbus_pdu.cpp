@@ -22,17 +22,6 @@ const Operation operations[] = {
     {15, Operation::WriteMany, false, 1968}, {16, Operation::WriteMany, true, 123},
 };
 
-void addByte(QByteArray& bytes, int value)
-{
-    ProtocolBasic::addNumber(bytes, static_cast<unsigned char>(value), raw);
-}
-
-void addNumber(QByteArray& bytes, int value)
-{
-    ProtocolBasic::addNumber(bytes, static_cast<unsigned short>(value), most_significant_first,
-                             raw);
-}
-
 int sizeOfValues(const PduRequest& request)
 {
     return request.operation->registers ? request.count * 2 : (request.count + 7) / 8;
@@ -47,6 +36,17 @@ int onlyValue(const PduRequest& request)
 }
 
 } // namespace
+
+void addByte(QByteArray& bytes, int value)
+{
+    ProtocolBasic::addNumber(bytes, static_cast<unsigned char>(value), raw);
+}
+
+void addNumber(QByteArray& bytes, int value)
+{
+    ProtocolBasic::addNumber(bytes, static_cast<unsigned short>(value), most_significant_first,
+                             raw);
+}
 
 int numberAt(const QByteArray& bytes, int offset)
 {

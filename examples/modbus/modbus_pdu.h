@@ -50,6 +50,9 @@ QByteArray answerValues(const QByteArray& pdu);
 const int exception_pdu_size = 2;
 const int exception_flag = 0x80;
 
+/// Adds a number of one byte, or of two, most significant first.
+void addByte(QByteArray& bytes, int value);
+void addNumber(QByteArray& bytes, int value);
 /// A number of two bytes that stand at \a offset, most significant first; 0 if they do not.
 int numberAt(const QByteArray& bytes, int offset);
 /// The byte at \a offset; -1 if there is none.

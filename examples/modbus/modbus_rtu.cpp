@@ -38,7 +38,7 @@ unsigned short crc16(const QByteArray& bytes)
 QByteArray rtuFrame(int station, const QByteArray& pdu)
 {
     QByteArray frame;
-    ProtocolBasic::addNumber(frame, static_cast<unsigned char>(station), raw);
+    addByte(frame, station);
     frame.append(pdu);
     ProtocolBasic::addNumber(frame, crc16(frame), least_significant_first, raw);
     return frame;

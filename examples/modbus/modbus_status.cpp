@@ -34,7 +34,7 @@ const result_code::Words* statusWords()
          "the answer is shorter or longer than the request asks for, or cut off"},
         {NotModbus, NotModbus, "the answer has no header of Modbus TCP"},
         {LinkLost, LinkLost, "the link was closed or lost while the driver waited"},
-        {0, 0, nullptr}};
+        {}};
     return words;
 }
 

@@ -1,15 +1,10 @@
 #include "modbus_tcp.h"
 
-#include "framework/protocol_basic.h"
 #include "modbus_status.h"
 
 namespace modbus {
 
 namespace {
-
-// Arguments of ProtocolBasic.
-const int most_significant_first = 0;
-const int raw = 0;
 
 // The header: transaction, protocol, length, each of two bytes, and the unit.
 const int protocol_at = 2;
@@ -31,12 +26,6 @@ struct PduStart
     int size;
 };
 
-void addNumber(QByteArray& bytes, int value)
-{
-    ProtocolBasic::addNumber(bytes, static_cast<unsigned short>(value), most_significant_first,
-                             raw);
-}
-
 } // namespace
 
 QByteArray tcpFrame(int transaction, int unit, const QByteArray& pdu)
@@ -46,7 +35,7 @@ QByteArray tcpFrame(int transaction, int unit, const QByteArray& pdu)
     addNumber(frame, transaction);
     addNumber(frame, 0);
     addNumber(frame, pdu.size() + 1);
-    ProtocolBasic::addNumber(frame, static_cast<unsigned char>(unit), raw);
+    addByte(frame, unit);
     frame.append(pdu);
     return frame;
 }
@@ -91,12 +80,6 @@ void TcpFraming::dropOldInput()
         reset();
     passed_over_.clear();
     is_in_step_ = input_.isEmpty();
-}
-
-void TcpFraming::reset()
-{
-    Framing::reset();
-    passed_over_.clear();
 }
 
 bool TcpFraming::takeFromAnywhere(Answer* answer)

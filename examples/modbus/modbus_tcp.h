@@ -24,7 +24,6 @@ public:
     int answerSize() const override;
     bool take(Answer* answer) override;
     Answer giveUp() override;
-    void reset() override;
 
 private:
     /// Whether the input begins with a header, or what may become one.

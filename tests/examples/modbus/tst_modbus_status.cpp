@@ -51,7 +51,12 @@ void TestModbusStatus::exceptions_data()
 {
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("text");
+    QTest::newRow("1") << 0x400B0001 << "the device does not know the function (exception 1)";
     QTest::newRow("2") << 0x400B0002 << "the device has no such address (exception 2)";
+    QTest::newRow("3") << 0x400B0003 << "the device refuses the value or the length (exception 3)";
+    QTest::newRow("4") << 0x400B0004 << "the device failed (exception 4)";
+    QTest::newRow("6") << 0x400B0006 << "the device is busy (exception 6)";
+    QTest::newRow("10") << 0x400B000A << "the gateway has no path to the device (exception 10)";
     QTest::newRow("11") << 0x400B000B
                         << "the device behind the gateway does not answer (exception 11)";
     QTest::newRow("5, not an error") << 0x400B0005 << "the device answered with exception 5";

@@ -59,6 +59,9 @@ private Q_SLOTS:
     void foundAtLast();
     void cutAnswersCostNoLaterRequest();
     void lateAnswerInTwoParts();
+    void answerHeldByAnother();
+    void noiseAsLongAsAHeader();
+    void wrongAnswerThatBeganTooEarly();
     void reset();
 };
 
@@ -100,6 +103,8 @@ void TestModbusTcp::finds_data()
     row("after a header with the length 0", hex("0001000000000103") + good(2), Ok);
     row("after noise", hex("FFFFFFFFFFFFFFFFFF") + good(2), Ok);
     row("after another protocol", good(2).replace(3, 1, "\7") + good(2), Ok);
+    row("after noise and another unit",
+        hex("FFFFFFFFFFFFFFFFFF") + tcpFrame(2, unit + 1, hex(good_pdu)) + good(2), Ok);
     row("exception after noise", hex("FFFFFFFFFFFFFFFFFF") + answer("8303"), 0x400B0003);
     row("before noise", good(2) + hex("000000"), Ok);
     row("other unit", tcpFrame(2, unit + 1, hex(good_pdu)), OtherStation);
@@ -107,6 +112,8 @@ void TestModbusTcp::finds_data()
     row("fewer registers", answer("03021234"), BadAnswerLength);
     row("more registers", answer("0306123456789ABC"), BadAnswerLength);
     row("wrong byte count", answer("030612345678"), BadAnswerLength);
+    row("function alone", answer("03"), BadAnswerLength);
+    row("as long as can be", tcpFrame(2, unit, QByteArray(253, '\3')), BadAnswerLength);
     row("the length says less than there is", answer("0304123456") + hex("78"), BadAnswerLength);
     row("exception with more", answer("830200"), BadAnswerLength);
 }
@@ -141,6 +148,7 @@ void TestModbusTcp::passesOver_data()
     row("one byte", hex("00"), NoAnswerInTime);
     row("late answer cut, the answer is no answer", good(1).left(12) + good(2).left(9),
         NoAnswerInTime);
+    row("the number alone", good(2).left(2), BadAnswerLength);
     row("cut in the header", good(2).left(5), BadAnswerLength);
     row("cut after the header", good(2).left(8), BadAnswerLength);
     row("a byte short", good(2).left(good(2).size() - 1), BadAnswerLength);
@@ -251,18 +259,62 @@ void TestModbusTcp::cutAnswersCostNoLaterRequest()
 
 void TestModbusTcp::lateAnswerInTwoParts()
 {
-    // The second part would be a header of its own if the first had been thrown away.
-    TcpFraming framing;
-    framing.frame(readRequest());
+    // The second part has an answer of its own, which would count if the first had been thrown
+    // away.
     const QByteArray late = tcpFrame(1, unit, QByteArray("\3\x0E") + good(2));
-    framing.add(late.left(9));
-    framing.frame(readRequest());
-    framing.dropOldInput();
+    for (int cut = 1; cut < 10; ++cut) {
+        TcpFraming framing;
+        framing.frame(readRequest());
+        framing.add(late.left(cut));
+        framing.frame(readRequest());
+        framing.dropOldInput();
+        Answer answer;
+        QVERIFY(!framing.take(&answer));
+        framing.add(late.mid(cut) + tcpFrame(2, unit, hex("0304AAAAAAAA")));
+        QVERIFY2(framing.take(&answer), qPrintable(QString::number(cut)));
+        QCOMPARE(answer.pdu.toHex(), QByteArray("0304aaaaaaaa"));
+    }
+}
+
+/// It counts when nothing better comes, but only once, and not when much has come since.
+void TestModbusTcp::answerHeldByAnother()
+{
+    const QByteArray holding = tcpFrame(1, unit, "\3\x0E" + good(2));
+    const QByteArray largest = tcpFrame(1, unit, QByteArray(253, '\3'));
+    SecondRequest second;
     Answer answer;
-    QVERIFY(!framing.take(&answer));
-    framing.add(late.mid(9) + tcpFrame(2, unit, hex("0304AAAAAAAA")));
-    QVERIFY(framing.take(&answer));
-    QCOMPARE(answer.pdu.toHex(), QByteArray("0304aaaaaaaa"));
+    second.framing.add(holding);
+    QVERIFY(!second.framing.take(&answer));
+    COMPARE_STATUS(second.framing.giveUp().status, Ok);
+    COMPARE_STATUS(second.framing.giveUp().status, NoAnswerInTime);
+    second.framing.add(holding + largest + largest);
+    QVERIFY(!second.framing.take(&answer));
+    COMPARE_STATUS(second.framing.giveUp().status, NoAnswerInTime);
+}
+
+/// It is not the beginning of a frame: what comes next is looked at at once.
+void TestModbusTcp::noiseAsLongAsAHeader()
+{
+    SecondRequest second;
+    second.framing.add(QByteArray(7, '\x55'));
+    second.framing.dropOldInput();
+    second.framing.add(tcpFrame(2, unit + 1, hex(good_pdu)));
+    Answer answer;
+    QVERIFY(second.framing.take(&answer));
+    COMPARE_STATUS(answer.status, OtherStation);
+}
+
+/// It has the number, the function and the length of the answer.
+void TestModbusTcp::wrongAnswerThatBeganTooEarly()
+{
+    const QByteArray wrong = tcpFrame(2, unit, hex("030512345678"));
+    SecondRequest second;
+    second.framing.add(wrong.left(3));
+    second.framing.dropOldInput();
+    second.framing.add(wrong.mid(3));
+    Answer answer;
+    QVERIFY(second.framing.take(&answer));
+    COMPARE_STATUS(answer.status, BadAnswerLength);
 }
 
 void TestModbusTcp::reset()

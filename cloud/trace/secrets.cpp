@@ -62,16 +62,17 @@ Place valueAfter(const QByteArray& body, int at)
 /// The value of the next secret member from \a from on; empty at the body's end: there is none.
 Place nextFrom(const QByteArray& body, int from)
 {
-    Place found = {body.size(), body.size()};
-    for (const char* key : keys) {
-        int at = body.indexOf(key, from);
-        for (; at >= 0 && at < found.begin; at = body.indexOf(key, at + 1)) {
-            const Place place = valueAfter(body, at + int(std::strlen(key)));
-            if (place.begin < found.begin)
-                found = place;
+    for (int at = body.indexOf('"', from); at >= 0; at = body.indexOf('"', at + 1)) {
+        for (const char* key : keys) {
+            const int length = int(std::strlen(key));
+            if (std::strncmp(body.constData() + at, key, size_t(length)) == 0) {
+                const Place place = valueAfter(body, at + length);
+                if (place.begin < body.size())
+                    return place;
+            }
         }
     }
-    return found;
+    return Place{body.size(), body.size()};
 }
 
 } // namespace

@@ -49,6 +49,10 @@ void TestSecrets::members_data()
     row("name alone", "{\"a\":\"token\",\"b\":\"password\"}",
         "{\"a\":\"token\",\"b\":\"password\"}", {});
     row("name without a value", "\"token\"", "\"token\"", {});
+    row("nothing in front", "\"token\":\"T\"", "\"token\":\"***\"", {"T"});
+    row("right after another quotation mark", "\"\"token\":\"T\"", "\"\"token\":\"***\"", {"T"});
+    row("one after a name alone", "{\"password\",\"token\":\"T\"}",
+        "{\"password\",\"token\":\"***\"}", {"T"});
     row("no JSON around it", "<html>\"token\":\"T\"</html>", "<html>\"token\":\"***\"</html>",
         {"T"});
 }

@@ -5,6 +5,7 @@
 
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QRegExp>
 #include <QStringList>
 #include <QVector>
 
@@ -22,15 +23,17 @@ RequestTrace::RequestTrace(TrafficListener* listener, int number, const QUrl& ur
       number_(number),
       url_(url),
       sockets_(QVector<int>()),
-      reply_(0),
-      has_header_(false)
+      reply_(0)
 {
     looks_.setInterval(1);
     connect(&looks_, SIGNAL(timeout()), this, SLOT(lookForSocket()));
 }
 
-void RequestTrace::tell(Traffic::Kind kind, const QByteArray& bytes, int code, const QString& text)
+void RequestTrace::tell(Traffic::Kind kind, const QString& text, const QByteArray& bytes, int code)
 {
+    // With any other the connection is there, or is not needed any more.
+    if (kind != Traffic::named)
+        looks_.stop();
     Traffic traffic(kind, bytes, code, text);
     traffic.number = number_;
     listener_->hear(traffic);
@@ -41,7 +44,7 @@ void RequestTrace::begin(const QByteArray& body)
     secrets_ = secrets::in(body);
     QUrl shown = url_;
     shown.setUserInfo(QString());
-    tell(Traffic::asked, secrets::blotted(body), 0, QLatin1String("POST ") + shown.toString());
+    tell(Traffic::asked, QLatin1String("POST ") + shown.toString(), secrets::blotted(body));
 }
 
 void RequestTrace::watch(QNetworkReply* reply)
@@ -65,47 +68,35 @@ void RequestTrace::onName(const QHostInfo& info)
     QStringList texts;
     for (int i = 0; i < addresses_.size(); ++i)
         texts << addresses_.at(i).toString();
-    tell(Traffic::named, QByteArray(), 0, texts.join(QLatin1String(", ")));
-    lookForSocket();
+    tell(Traffic::named, texts.join(QLatin1String(", ")));
 }
 
 void RequestTrace::lookForSocket()
 {
-    if (!looks_.isActive() || sockets_.connectedTo(addresses_, portOf(url_)).isEmpty())
-        return;
-    looks_.stop();
-    tell(Traffic::connected);
+    if (looks_.isActive() && !sockets_.connectedTo(addresses_, portOf(url_)).isEmpty())
+        tell(Traffic::connected);
 }
 
 void RequestTrace::onEncrypted()
 {
     lookForSocket();
-    looks_.stop();
     tell(Traffic::encrypted);
 }
 
 void RequestTrace::onHeader()
 {
-    // Told of a transport that has failed, too.
-    if (has_header_ || !reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
-        return;
-    has_header_ = true;
     lookForSocket();
-    looks_.stop();
-    tell(Traffic::answering, QByteArray(), isResumed(*reply_) ? 1 : 0);
+    tell(Traffic::answering, QString(), QByteArray(), int(isResumed(*reply_)));
 }
 
 void RequestTrace::end(const QByteArray& body)
 {
-    looks_.stop();
     const QVariant status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     QString problem;
     if (reply_->error() != QNetworkReply::NoError) {
         problem = reply_->errorString();
         // Qt quotes the address, with what it has for logging in.
-        problem.replace(url_.toString(), url_.toString(QUrl::RemoveUserInfo));
-        problem.replace(QString::fromLatin1(url_.toEncoded().constData()),
-                        url_.toString(QUrl::RemoveUserInfo));
+        problem.replace(QRegExp(QLatin1String("//[^/]*@")), QLatin1String("//"));
     }
-    tell(Traffic::answered, secrets::blotted(body, secrets_), status.toInt(), problem);
+    tell(Traffic::answered, problem, secrets::blotted(body, secrets_), status.toInt());
 }

@@ -43,8 +43,8 @@ private Q_SLOTS:
 private:
     Q_DISABLE_COPY(RequestTrace)
 
-    void tell(Traffic::Kind kind, const QByteArray& bytes = QByteArray(), int code = 0,
-              const QString& text = QString());
+    void tell(Traffic::Kind kind, const QString& text = QString(),
+              const QByteArray& bytes = QByteArray(), int code = 0);
 
     TrafficListener* listener_;
     int number_;
@@ -54,7 +54,6 @@ private:
     QList<QHostAddress> addresses_;
     QList<QByteArray> secrets_;
     QNetworkReply* reply_;
-    bool has_header_;
 };
 
 #endif

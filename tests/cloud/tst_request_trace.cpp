@@ -7,8 +7,12 @@
 #include "tests/support/traffic_log.h"
 
 #include <QDateTime>
+#include <QDeadlineTimer>
+#include <QTcpSocket>
 #include <QTest>
+#include <QThread>
 
+#include <functional>
 #include <memory>
 
 namespace {
@@ -35,7 +39,14 @@ Traffic firstOf(const QList<Traffic>& heard, Traffic::Kind kind)
     return Traffic(Traffic::ended, QByteArray(), -1);
 }
 
+TestCertificate certificateOfNow()
+{
+    return TestCertificate::make(QByteArray("127.0.0.1"), -60, 3600);
+}
+
 } // namespace
+
+Q_DECLARE_METATYPE(TestCertificate)
 
 /// What a listener hears of the client's requests.
 class TestRequestTrace : public QObject
@@ -49,6 +60,10 @@ private Q_SLOTS:
     void whatIsSaidBothWays();
     void secretsAreBlottedOut();
     void nameIsLookedUp();
+    void theUsualPorts_data();
+    void theUsualPorts();
+    void aBusyThreadHearsInOrder_data();
+    void aBusyThreadHearsInOrder();
     void noAnswer();
     void whoIsInTheAddressIsNotShown();
     void requestsAreNumbered();
@@ -57,6 +72,7 @@ private Q_SLOTS:
 
 private:
     service::Outcome login(Conversation& conversation);
+    bool hasHeard(Traffic::Kind kind) const { return kindsOf(log_.all()).contains(kind); }
 
     std::unique_ptr<ScriptedService> service_;
     PropertyTovikIot property_;
@@ -93,8 +109,7 @@ void TestRequestTrace::moments()
 {
     QFETCH(bool, is_encrypted);
     if (is_encrypted)
-        service_.reset(
-            new ScriptedService(TestCertificate::make(QByteArray("127.0.0.1"), -60, 3600)));
+        service_.reset(new ScriptedService(certificateOfNow()));
     property_.host = service_->url();
     const qint64 before = QDateTime::currentMSecsSinceEpoch() * 1000;
     Conversation conversation(&property_);
@@ -151,18 +166,93 @@ void TestRequestTrace::nameIsLookedUp()
     // The request's own look-up may be the faster one, and the connection over before it is seen.
     service_->setHandler([this](const ScriptedRequest&) {
         const bool is_named = QTest::qWaitFor(
-            [this] {
-                const QList<int> kinds = kindsOf(log_.all());
-                return kinds.contains(Traffic::named) && kinds.contains(Traffic::connected);
-            },
-            30000);
+            [this] { return hasHeard(Traffic::named) && hasHeard(Traffic::connected); }, 30000);
         return is_named ? ScriptedReply::json("{\"errorcode\":0}") : ScriptedReply::close();
     });
     Conversation conversation(&property_);
     QCOMPARE(login(conversation).result, 256); // without a token in the reply
     const Traffic named = firstOf(log_.all(), Traffic::named);
     QVERIFY2(named.text.contains(latin1("127.0.0.1")), qPrintable(named.text));
-    QVERIFY(kindsOf(log_.all()).contains(Traffic::connected));
+    QCOMPARE(named.code, 0);
+    QVERIFY(hasHeard(Traffic::connected));
+}
+
+void TestRequestTrace::theUsualPorts_data()
+{
+    QTest::addColumn<TestCertificate>("certificate");
+    QTest::addColumn<QString>("scheme");
+    QTest::addColumn<int>("port");
+    QTest::newRow("http") << TestCertificate() << latin1("http") << 80;
+    QTest::newRow("https") << certificateOfNow() << latin1("https") << 443;
+}
+
+/// At an address of the loopback network that no other test has.
+void TestRequestTrace::theUsualPorts()
+{
+    QFETCH(TestCertificate, certificate);
+    QFETCH(QString, scheme);
+    QFETCH(int, port);
+    const quint32 id = quint32(QCoreApplication::applicationPid());
+    const QHostAddress address(0x7f000000U | (id & 0xffffffU));
+    service_.reset(new ScriptedService(certificate));
+    service_->close();
+    if (!service_->listen(address, quint16(port)))
+        QSKIP("a port below 1024 needs a permission here");
+    property_.host = scheme + latin1("://") + address.toString();
+    service_->setHandler([this](const ScriptedRequest&) {
+        const bool is_seen =
+            QTest::qWaitFor([this] { return hasHeard(Traffic::connected); }, 30000);
+        return is_seen ? ScriptedReply::json("{\"errorcode\":0}") : ScriptedReply::close();
+    });
+    Conversation conversation(&property_);
+    login(conversation);
+    QCOMPARE(kindsOf(log_.all()).count(Traffic::connected), 1);
+}
+
+void TestRequestTrace::aBusyThreadHearsInOrder_data()
+{
+    QTest::addColumn<TestCertificate>("certificate");
+    QTest::addColumn<QList<int>>("kinds");
+    QTest::newRow("http") << TestCertificate()
+                          << QList<int>({Traffic::asked, Traffic::connected, Traffic::answering});
+    QTest::newRow("https") << certificateOfNow()
+                           << QList<int>({Traffic::asked, Traffic::connected, Traffic::encrypted,
+                                          Traffic::answering});
+}
+
+/// One in which no timer comes: it sees the connection when it is told of what comes after it.
+void TestRequestTrace::aBusyThreadHearsInOrder()
+{
+    QFETCH(TestCertificate, certificate);
+    service_.reset();
+    QThread thread;
+    QObject inside;
+    inside.moveToThread(&thread);
+    thread.start();
+    const auto call = [&inside](const std::function<void()>& function) {
+        QMetaObject::invokeMethod(&inside, function, Qt::BlockingQueuedConnection);
+    };
+    call([&] {
+        service_.reset(new ScriptedService(certificate));
+        // The header alone, so that the connection stays.
+        service_->setHandler([this](const ScriptedRequest&) {
+            service_->findChild<QTcpSocket*>(QString(), Qt::FindDirectChildrenOnly)
+                ->write("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n");
+            return ScriptedReply::hang();
+        });
+    });
+    PostMemory memory;
+    memory.listener = &log_;
+    {
+        const Post post(latin1("{}"), service_->url(), &memory);
+        const QDeadlineTimer limit(30000);
+        while (!hasHeard(Traffic::answering) && !limit.hasExpired())
+            QCoreApplication::sendPostedEvents();
+    }
+    call([this] { service_.reset(); });
+    thread.quit();
+    thread.wait();
+    QTEST(kindsOf(log_.all()), "kinds");
 }
 
 void TestRequestTrace::noAnswer()
@@ -172,7 +262,7 @@ void TestRequestTrace::noAnswer()
     Conversation conversation(&property_);
     QCOMPARE(login(conversation).result, 256);
     const QList<Traffic> heard = log_.all();
-    QVERIFY(!kindsOf(heard).contains(Traffic::answering));
+    QVERIFY(!hasHeard(Traffic::answering));
     QCOMPARE(heard.last().kind, Traffic::answered);
     QCOMPARE(heard.last().code, 0);
     QVERIFY2(heard.last().text.contains(latin1("closed")), qPrintable(heard.last().text));
@@ -180,7 +270,7 @@ void TestRequestTrace::noAnswer()
 
 void TestRequestTrace::whoIsInTheAddressIsNotShown()
 {
-    property_.host.replace(latin1("http://"), latin1("http://us%20er:h1dden@"));
+    property_.host.replace(latin1("http://"), latin1("http://us%20er:h1dden%2F%40h1dden@"));
     service_->setHandler([](const ScriptedRequest&) { return ScriptedReply::status(404, "no"); });
     Conversation conversation(&property_);
     login(conversation);

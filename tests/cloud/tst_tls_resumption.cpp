@@ -2,6 +2,7 @@
 #include "cloud/tovik_iot.h"
 #include "tests/support/local_cloud.h"
 #include "tests/support/log_recorder.h"
+#include "tests/support/traffic_log.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -71,6 +72,7 @@ class TestTlsResumption : public QObject
 private Q_SLOTS:
     void everyLaterRequestResumes_data();
     void everyLaterRequestResumes();
+    void aListenerHearsOfIt();
     void eachClientHasItsOwn();
     void faults_data();
     void faults();
@@ -102,6 +104,21 @@ void TestTlsResumption::everyLaterRequestResumes()
     QCOMPARE(logIn(&client, 3), QByteArray("+++"));
     QVERIFY(!client.PostRequest(latin1("{}"), urlOf(cloud)).isEmpty());
     QCOMPARE(handshakes(cloud), QByteArray("frrr"));
+}
+
+void TestTlsResumption::aListenerHearsOfIt()
+{
+    LocalCloud cloud;
+    TrafficLog log;
+    PostMemory memory;
+    memory.listener = &log;
+    post(cloud, &memory, 2);
+    QList<int> codes;
+    for (const Traffic& traffic : log.all()) {
+        if (traffic.kind == Traffic::answering)
+            codes << traffic.code;
+    }
+    QCOMPARE(codes, (QList<int>{0, 1}));
 }
 
 void TestTlsResumption::eachClientHasItsOwn()

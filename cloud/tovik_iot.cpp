@@ -9,6 +9,8 @@
 #include <QThread>
 #include <QTimer>
 
+#include <limits>
+
 namespace {
 
 const int monitor_interval = 1000;
@@ -192,13 +194,13 @@ QString TovikIot::PostRequest(QString body, QString url)
 void TovikIot::handleFailure(int result)
 {
     ReconnectTimer* const timer = reconnect_timer_;
-    const bool was_waiting = timer && timer->isActive();
-    const int remaining = was_waiting ? timer->remaining() : 0;
+    const int remaining =
+        timer && timer->isActive() ? timer->remaining() : std::numeric_limits<int>::max();
     state_->failed(result);
     Disconnect2Cloud();
     Q_EMIT EmitUpdateErrCode(result);
     StartReconnect();
-    if (was_waiting)
+    if (timer)
         timer->bringForward(remaining);
 }
 

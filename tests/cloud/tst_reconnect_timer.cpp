@@ -12,6 +12,19 @@ namespace {
 
 const int endless = 3600 * 1000;
 
+/// Counts those of the timer that it is a filter of.
+class TimerEvents : public QObject
+{
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        count += event->type() == QEvent::Timer ? 1 : 0;
+        return QObject::eventFilter(watched, event);
+    }
+
+    int count = 0;
+};
+
 } // namespace
 
 /// Starting anew without losing what has been waited.
@@ -30,6 +43,8 @@ private Q_SLOTS:
     void stopped_data();
     void stopped();
     void noShotInsideAShot();
+    void whatComesInsideAShot_data();
+    void whatComesInsideAShot();
     void aShotThatIsLeftOutCounts();
     void stopsWithItsThread();
 };
@@ -152,6 +167,34 @@ void TestReconnectTimer::noShotInsideAShot()
     QTRY_VERIFY(shots >= 2);
     timer.stop();
     QCOMPARE(deepest, 1);
+}
+
+void TestReconnectTimer::whatComesInsideAShot_data()
+{
+    QTest::addColumn<int>("interval");
+    QTest::addColumn<bool>("comes");
+    QTest::newRow("nothing of a timer of no time, which would come without end") << 0 << false;
+    QTest::newRow("of any other, what is left out") << 1 << true;
+}
+
+void TestReconnectTimer::whatComesInsideAShot()
+{
+    QFETCH(int, interval);
+    QFETCH(bool, comes);
+    ReconnectTimer timer(nullptr);
+    TimerEvents events;
+    timer.installEventFilter(&events);
+    bool is_over = false;
+    bool has_come = false;
+    connect(&timer, &QTimer::timeout, &timer, [&] {
+        const int before = events.count;
+        has_come = QTest::qWaitFor([&] { return events.count > before; }, comes ? 5000 : 50);
+        timer.stop();
+        is_over = true;
+    });
+    timer.start(interval);
+    QTRY_VERIFY(is_over);
+    QCOMPARE(has_come, comes);
 }
 
 /// What remains is the time to the next shot, not to the one that came to nothing.

@@ -1,3 +1,4 @@
+#include "cloud/post.h"
 #include "cloud/tovik_iot.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/scripted_service.h"
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void request();
     void headerAndBodyComeTogether_data();
     void headerAndBodyComeTogether();
+    void leavesAtOnceAfterTheHandshake();
     void bodyIsInTheLocalEncoding();
     void replies_data();
     void replies();
@@ -90,6 +92,21 @@ void TestTovikIotRequest::headerAndBodyComeTogether()
     }
     // A busy machine may look between two records of one write; without the hand-over it is none.
     QVERIFY2(together > posts / 2, qPrintable(QString::number(together)));
+}
+
+/// What is told to send at once is noted.
+void TestTovikIotRequest::leavesAtOnceAfterTheHandshake()
+{
+    ScriptedService service(TestCertificate::make("127.0.0.1", -day, day));
+    PostMemory memory;
+    bool is_noted = false;
+    service.setHandler([&](const ScriptedRequest&) {
+        is_noted = QTest::qWaitFor([&] { return !memory.sockets.all().isEmpty(); }, 30000);
+        return ScriptedReply::json("{}");
+    });
+    Post post(latin1("{}"), service.url(), &memory);
+    post.wait();
+    QVERIFY(is_noted);
 }
 
 void TestTovikIotRequest::bodyIsInTheLocalEncoding()

@@ -210,10 +210,18 @@ void TestWriteQueue::whatWaitsEndsWithTheThread()
     QVERIFY(thread.wait(10000));
     QVERIFY(has_come);
     QVERIFY(!writer.posts.first());
+    // Nothing old is written when the thread begins anew.
+    thread.start();
+    QTimer::singleShot(0, &inside, [&] { queue->add(0, 2); });
+    const bool comes_again = QTest::qWaitFor([&] { return service.requests().size() == 2; });
+    thread.quit();
+    QVERIFY(thread.wait(10000));
+    QVERIFY(comes_again);
+    QCOMPARE(service.bodies(), (QList<QByteArray>{"0", "2"}));
     queue.reset();
     QVERIFY2(log.take().isEmpty(), "Qt complains of timers of another thread");
-    QCOMPARE(writer.posts.size(), 1);
-    QCOMPARE(writer.ended.size(), 1);
+    QCOMPARE(writer.posts.size(), 2);
+    QCOMPARE(writer.ended.size(), 2);
 }
 
 /// Not the event loop that runs inside, where nobody could catch it.

@@ -33,7 +33,7 @@ inline bool isChosen(int number)
     static const int chosen = chosenNumber();
     static unsigned char* const reached = reachedMap();
     if (reached)
-        reached[number] = 1;
+        __atomic_store_n(reached + number, 1, __ATOMIC_RELAXED); // from any thread
     return number == chosen;
 }
 

@@ -228,12 +228,15 @@ void ModbusDriver::writeBit(const Address& place, const HostRequest& asked)
         return;
     const QString whole = asked.address.section(QLatin1Char('.'), 0, 0);
     QByteArray word;
-    DriverBasic::doCmdSM(CMD_READ, whole, asked.field1, register_bytes, &word, asked.station, 0, 0);
+    const auto exchange = [&](E_CMD_DIR dir) {
+        DriverBasic::doCmdSM(dir, whole, asked.field1, register_bytes, &word, asked.station,
+                             register_bytes, 0);
+    };
+    exchange(CMD_READ);
     if (error_code_ != Ok)
         return;
     const int at = place.bit / 8;
     const int mask = 1 << (place.bit % 8);
     word[at] = static_cast<char>(asked.data.at(0) != 0 ? word.at(at) | mask : word.at(at) & ~mask);
-    DriverBasic::doCmdSM(CMD_WRITE, whole, asked.field1, register_bytes, &word, asked.station, 0,
-                         0);
+    exchange(CMD_WRITE);
 }

@@ -40,13 +40,12 @@ bool isUp(const QIODevice* device)
     return socket->state() == QAbstractSocket::UnconnectedState && write_channel::isThere(*socket);
 }
 
-/// Waits for the kernel to report one of \a events or to take what has been written, at most so
-/// long, and has Qt fetch the input and send the output.
+/// Waits for the kernel to have input or to take what has been written, at most so long, and has Qt
+/// fetch the input and send the output.
 /// \return what the kernel reported
-int serve(QAbstractSocket* socket, int events, int milliseconds)
+int serve(QAbstractSocket* socket, int milliseconds)
 {
-    if (socket->bytesToWrite() > 0)
-        events |= POLLOUT;
+    const int events = socket->bytesToWrite() > 0 ? POLLIN | POLLOUT : POLLIN;
     pollfd kernel = {static_cast<int>(socket->socketDescriptor()), static_cast<short>(events), 0};
     if (poll(&kernel, 1, milliseconds) <= 0)
         return 0;
@@ -63,7 +62,7 @@ void waitForSocket(QAbstractSocket* socket, int milliseconds)
     timer.start();
     qint64 left = milliseconds;
     do {
-        if ((serve(socket, POLLIN, static_cast<int>(left)) & ~POLLOUT) != 0)
+        if ((serve(socket, static_cast<int>(left)) & ~POLLOUT) != 0)
             return;
         left = milliseconds - timer.elapsed();
     } while (left > 0 && connectedSocket(socket));
@@ -151,15 +150,15 @@ void waitUntilSent(QIODevice* device, int milliseconds)
 {
     QElapsedTimer timer;
     timer.start();
-    qint64 left = milliseconds;
     // Each wait ends with the first bytes that the line takes.
-    while (left > 0 && isUp(device) && device->bytesToWrite() > 0) {
+    for (qint64 left = milliseconds; left > 0; left = milliseconds - timer.elapsed()) {
+        if (!isUp(device) || device->bytesToWrite() == 0)
+            return;
         if (QAbstractSocket* socket = connectedSocket(device))
-            serve(socket, 0, static_cast<int>(left));
+            serve(socket, static_cast<int>(left));
         else if (qobject_cast<QAbstractSocket*>(device) ||
                  !device->waitForBytesWritten(static_cast<int>(left)))
             return; // a connection that is being made is the event loop's
-        left = milliseconds - timer.elapsed();
     }
 }
 
@@ -174,7 +173,7 @@ QByteArray take(QIODevice* device)
     if (!device || !device->isReadable())
         return QByteArray();
     if (QAbstractSocket* socket = connectedSocket(device))
-        serve(socket, POLLIN, 0);
+        serve(socket, 0);
     else if (!qobject_cast<QextSerialPort*>(device))
         return device->readAll(); // which asks a device that does not count its bytes
     // The far end may just have closed: what it had sent before can still be read.

@@ -17,6 +17,7 @@ namespace {
 const int least_base = 2;
 const int largest_base = 36;
 const int largest_width = 32;
+const int longest_array = std::numeric_limits<int>::max() / 4; // bytes
 
 bool isBase(int base)
 {
@@ -34,6 +35,12 @@ bool isFormat(int width, int base)
         return false;
     }
     return true;
+}
+
+/// Whether an element may be of so many bytes as far as the caller is told.
+bool isSize(int size)
+{
+    return size >= 1 && size <= 4;
 }
 
 /// The digits of a number other than 0, most significant first.
@@ -214,7 +221,7 @@ int ProtocolBasic::composeDataArea(QByteArray* out, char* data, int size, int co
 bool ProtocolBasic::addArray(QByteArray& out, const char* data, int len, int size, int order,
                              int ascii)
 {
-    if (size < 1 || size > 4 || !data || len > std::numeric_limits<int>::max() / 4) {
+    if (!isSize(size) || !data || len > longest_array) {
         qDebug() << "composeDataArray: Invalid parameter!";
         return false;
     }
@@ -228,7 +235,7 @@ bool ProtocolBasic::addArray(QByteArray& out, const char* data, int len, int siz
 bool ProtocolBasic::extractArray(QByteArray& out, const char* src, int len, int size, int order,
                                  int ascii)
 {
-    if (size < 1 || size > 4 || !src) {
+    if (!isSize(size) || !src) {
         qDebug() << "composeDataArray: Invalid parameter!";
         out.clear();
         return false;

@@ -131,14 +131,17 @@ void TestDriverBasicWaits::lines()
     });
     bench.driver->response_timeout_ = result == result_code::success ? long_time : short_time;
     int code = -1;
+    int was_ready = -1;
     QByteArray waiting;
     bench.driver->on_wait = [&](int, int* ready) {
         code = bench.driver->waitForLine(end, ready);
+        was_ready = *ready;
         waiting = bench.link()->peek(100);
         return code;
     };
     bench.read(3);
     QCOMPARE(code, result);
+    QCOMPARE(was_ready, 1);
     QVERIFY2(waiting.startsWith(first), waiting.constData());
     QCOMPARE(waiting.contains(end), result == result_code::success);
 }

@@ -4,6 +4,7 @@
 #include "tests/support/pty.h"
 
 #include <QElapsedTimer>
+#include <QTcpServer>
 #include <QTest>
 
 #include <climits>
@@ -32,8 +33,12 @@ private Q_SLOTS:
     void takeAfterALossThatIsKnown();
     void sendNeedsNoEventLoop_data() { addLineRows(); }
     void sendNeedsNoEventLoop();
+    void waitUntilSentWaitsForAll_data() { addLineRows(); }
     void waitUntilSentWaitsForAll();
+    void waitUntilSentGivesUp_data() { addLineRows(); }
     void waitUntilSentGivesUp();
+    void byteThatQtHasKept();
+    void connectionThatIsBeingMade();
     void portThatOnlyWrites();
 
 private:
@@ -183,35 +188,89 @@ void TestLinkIo::sendNeedsNoEventLoop()
     QVERIFY(bench.device.waitForReceived(7));
     QCOMPARE(bench.device.received(), QByteArray("one\0two", 7));
     QCOMPARE(bench.link()->bytesToWrite(), 0);
+    QElapsedTimer timer;
+    timer.start();
     link_io::waitUntilSent(bench.link(), patience); // there is nothing to wait for
+    QVERIFY(timer.elapsed() < patience);
 }
 
 void TestLinkIo::waitUntilSentWaitsForAll()
 {
-    DriverBench bench(ScriptedDevice::Line::Tcp);
+    QFETCH(int, line);
+    DriverBench bench(lineOf(line));
     QVERIFY(bench.connectLink());
+    if (bench.serial)
+        bench.serial->setTimeout(0);
     bench.device.behave(QStringList(QLatin1String("silent")));
-    const QByteArray bytes(16 * 1000 * 1000, '.'); // more than the kernel takes at once
+    // More than the kernel takes at once.
+    const QByteArray bytes((bench.serial ? 300 : 16000) * 1000, '.');
     link_io::send(bench.link(), bytes);
     link_io::waitUntilSent(bench.link(), patience);
     QCOMPARE(bench.link()->bytesToWrite(), 0);
     QVERIFY(bench.device.waitForReceived(bytes.size()));
     QVERIFY(bench.device.received() == bytes);
+    if (bench.ethernet)
+        QCOMPARE(bench.ethernet->error(), QAbstractSocket::UnknownSocketError);
 }
 
 void TestLinkIo::waitUntilSentGivesUp()
 {
-    Pty pty; // nobody reads it
-    DrvSerial link(pty.portName());
-    link.setTimeout(0);
-    QVERIFY(link.open(QIODevice::ReadWrite));
+    QFETCH(int, line);
+    Pty pty; // nobody reads it, nor what comes to the server
+    DrvSerial serial(pty.portName());
+    QTcpServer server;
+    DrvEthernet ethernet;
+    serial.setTimeout(0);
+    if (line == 0) {
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        ethernet.connectToHost(server.serverAddress(), server.serverPort());
+        QVERIFY(ethernet.waitForConnected(patience));
+    } else {
+        QVERIFY(serial.open(QIODevice::ReadWrite));
+    }
+    QIODevice* const link = line == 0 ? static_cast<QIODevice*>(&ethernet) : &serial;
     QElapsedTimer timer;
     timer.start();
-    link_io::send(&link, QByteArray(300 * 1000, 'x'));
-    link_io::waitUntilSent(&link, 50);
+    link_io::send(link, QByteArray((line == 0 ? 16000 : 300) * 1000, 'x'));
+    link_io::waitUntilSent(link, 50);
     QVERIFY(timer.elapsed() >= 49);
     QVERIFY(timer.elapsed() < patience);
-    QVERIFY(link.bytesToWrite() > 0);
+    QVERIFY(link->bytesToWrite() > 0);
+}
+
+/// No event loop has run.
+void TestLinkIo::byteThatQtHasKept()
+{
+    DriverBench bench(ScriptedDevice::Line::Tcp);
+    QVERIFY(bench.connectLink());
+    bench.ethernet->write("x");
+    QCOMPARE(bench.ethernet->bytesToWrite(), 1);
+    QElapsedTimer timer;
+    timer.start();
+    link_io::waitUntilSent(bench.link(), patience);
+    QVERIFY(timer.elapsed() < patience);
+    QCOMPARE(bench.ethernet->bytesToWrite(), 0);
+    QVERIFY(bench.device.waitForReceived(1));
+}
+
+/// It is the event loop's: nothing is sent, and input is waited for in vain.
+void TestLinkIo::connectionThatIsBeingMade()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    DrvEthernet link;
+    link.connectToHost(server.serverAddress(), server.serverPort());
+    QCOMPARE(link.state(), QAbstractSocket::ConnectingState);
+    link.write("kept");
+    QElapsedTimer timer;
+    timer.start();
+    link_io::waitUntilSent(&link, patience);
+    QVERIFY(timer.elapsed() < patience);
+    QCOMPARE(link.bytesToWrite(), 4);
+    timer.restart();
+    link_io::waitForInput(&link, 50);
+    QVERIFY(timer.elapsed() >= 49);
+    QCOMPARE(link.state(), QAbstractSocket::ConnectingState);
 }
 
 void TestLinkIo::portThatOnlyWrites()

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <iterator>
 
 namespace element_packing {
 
@@ -177,9 +176,8 @@ void unpack(char* dst, int room, const char* src, int len, int size, bool least_
     const int full = size == 3 ? 4 : size;
     const int missing = least_first ? 0 : (full - size) * width;
     for (int at = whole; at < room; at += size) {
-        char filled[2 * longest_element];
+        char filled[2 * longest_element] = {}; // zeros, which are worth 0 as characters, too
         char last[longest_element];
-        std::fill(std::begin(filled), std::end(filled), ascii ? '0' : '\0');
         const qint64 from = qMin(qint64(at) * width, qint64(len));
         const qint64 to = qMin(from + qint64(size) * width, qint64(len));
         std::copy(src + from, src + to, filled + missing);

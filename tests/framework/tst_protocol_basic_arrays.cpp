@@ -252,6 +252,9 @@ void TestProtocolBasicArrays::cutElements()
         QCOMPARE(out, expected);
         QVERIFY(ProtocolBasic::extractArray(out, seven.constData(), 7, 4, order, 0));
         QCOMPARE(out, expected);
+        const QByteArray characters = seven.toHex();
+        QVERIFY(ProtocolBasic::extractArray(out, characters.constData(), 14, 4, order, 1));
+        QCOMPARE(out, expected);
     }
     char room[] = "xxxxxxxx";
     QByteArray frame(seven);

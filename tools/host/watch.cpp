@@ -2,8 +2,7 @@
 #include "tools/host/commands.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
-#include "tools/host/watch/device_watch.h"
-#include "tools/host/watch/service_watch.h"
+#include "tools/host/watch/watch_view.h"
 
 #include <CLI/CLI.hpp>
 
@@ -27,15 +26,10 @@ With a device:
   tovik-host watch 4x1 4x10=32Bit-FLOAT --library modbus_drv \
       --link tcp:192.168.1.5:502 --interval 1000)";
 
-struct Watch
+struct Watch : watch::WatchOptions
 {
     config::CommonOptions common;
     QStringList items;
-    double seconds = 0; ///< 0: until a signal.
-    int stale = 3;      ///< Cycles without news after which a value is stale; 0: never.
-    watch::WatchGoal goal;
-    int interval = 500; ///< Milliseconds between the rounds of reads.
-    double metrics = 0; ///< Seconds between reports of the driver's numbers; 0: none.
 
     int run() const;
     int runOfService() const;
@@ -57,17 +51,17 @@ int Watch::runOfService() const
 {
     terminal::Context context;
     const driver::ServiceSetup setup(common, context);
-    const std::unique_ptr<watch::WatchView> view = watch::makeWatchView(common, context);
+    const std::unique_ptr<watch::WatchView> view = watch::watchView(common, context);
     const QVector<config::ItemConfig> watched =
         items.isEmpty() ? setup.config.items : setup.chosen(items);
     view->start({setup.plugin.path(), setup.plugin.versionText(), setup.shownUrl(),
                  setup.config.service.project},
                 QDateTime::currentDateTime());
     watch::WatchModel model(watched, QDateTime::currentDateTime(), stale);
-    watch::ServiceWatch(context, setup, model, *view, goal, [&](int status) {
+    watch::watchService(context, setup, *this, model, *view, [&](int status) {
         return causeOfNoConnection(context, setup, common, status);
-    }).run(seconds, interval, metrics);
-    const int code = watch::endWatch(*view, model, goal, context);
+    });
+    const int code = watch::endWatch(*view, model, *this, context);
     if (code == terminal::exitRefused && model.valueCount() == 0) {
         if (model.wasConnected())
             check::advise(context, model.cycleEndText(), check::checkCommand(common));
@@ -85,16 +79,16 @@ int Watch::runOfDevice() const
     }
     terminal::Context context;
     driver::DeviceSetup setup(common, items, context);
-    const std::unique_ptr<watch::WatchView> view = watch::makeWatchView(common, context);
+    const std::unique_ptr<watch::WatchView> view = watch::watchView(common, context);
     if (!setup.open())
         return terminal::exitRefused;
     view->start({setup.plugin.path(), setup.plugin.versionText(), QString(), QString(),
                  driver::linkText(setup.config.link)},
                 QDateTime::currentDateTime());
-    watch::DeviceWatch device_watch(setup, *view, goal,
-                                    !watch::isWatchedOnTerminal(common) && !common.verbose);
-    device_watch.run(seconds, interval);
-    return watch::endWatch(*view, device_watch.model(), goal, context);
+    watch::WatchModel model(setup.config.items, QDateTime::currentDateTime());
+    watch::watchDevice(setup, *this, model, *view,
+                       !watch::isWatchedOnTerminal(common) && !common.verbose);
+    return watch::endWatch(*view, model, *this, context);
 }
 
 } // namespace
@@ -113,9 +107,9 @@ void addWatch(CLI::App& app, Run& run)
     addSeconds(command, "--seconds", options->seconds, "End after this time", 1000000);
     addWhole(command, "--interval", options->interval, "Time between reads", "MS", 20, 3600000)
         ->capture_default_str();
-    addWhole(command, "-C,--count", options->goal.count, "End after so many values", "N", 1,
+    addWhole(command, "-C,--count", options->count, "End after so many values", "N", 1,
              std::numeric_limits<int>::max());
-    command->add_flag("--strict", options->goal.is_strict,
+    command->add_flag("--strict", options->is_strict,
                       "End with 1 if a value was stale or bad at any time");
     command->add_flag("-j,--json", options->common.json, "One line of JSON for every change");
     markOfService(addWhole(command, "--stale", options->stale,

@@ -55,7 +55,7 @@ void addCheck(CLI::App& app, Run& run)
     addTexts(command, "ADDRESS", options->addresses,
              "Of a device: addresses, or with --config names of items");
     addCommon(command, options->common);
-    addService(command, options->common);
+    addWays(command, options->common);
     CLI::Option* items = addTexts(command, "--items", options->items,
                                   "Items to look at, by a pattern of their names with * ? []; may "
                                   "be repeated (default: all)",
@@ -64,8 +64,6 @@ void addCheck(CLI::App& app, Run& run)
     items->allow_extra_args(false);
     addTimeout(command, options->common.timeout, "Longest wait for each step, or for the link");
     command->add_flag("-j,--json", options->common.json, "One line of JSON for every step");
-    addLink(command, options->common.link);
-    addRequest(command, options->common);
 }
 
 } // namespace tovik_host

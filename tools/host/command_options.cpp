@@ -83,6 +83,34 @@ void complete(const CLI::App* command, config::CommonOptions& common, Needs need
     common.service_options << givenOptions(command, service_group);
 }
 
+/// \param whose debug lines they are
+void addLog(CLI::App* command, QString& log, bool& verbose, const char* whose)
+{
+    const std::string name = whose;
+    const std::string group = name + "'s log";
+    const std::string append = std::string("Append the ") +
+                               (name == "Driver" ? "driver" : "client") +
+                               "'s debug lines to a file";
+    addText(command, "--log", log, append.c_str(), "FILE")->group(group);
+    command->add_flag("-v,--verbose", verbose, name + "'s debug lines to the standard error")
+        ->group(group);
+}
+
+void addTrace(CLI::App* command, config::CommonOptions& common)
+{
+    const auto set = [&common](const std::string& word) {
+        common.trace = QString::fromStdString(word);
+    };
+    // Takes a value after "=" only: the next word may be an item.
+    command
+        ->add_option_function<std::string>(
+            "--trace", set,
+            "Every byte both ways, with times, to the standard error; --trace=FILE appends it to "
+            "a file")
+        ->type_name("")
+        ->type_size(0);
+}
+
 } // namespace
 
 CLI::App* addCommand(CLI::App& app, Run& run, const char* name, const char* description,
@@ -164,33 +192,6 @@ CLI::Option* addTimeout(CLI::App* command, double& timeout, const char* descript
     return addSeconds(command, "--timeout", timeout, description)->capture_default_str();
 }
 
-void addLog(CLI::App* command, QString& log, bool& verbose, const char* whose)
-{
-    const std::string name = whose;
-    const std::string group = name + "'s log";
-    const std::string append = std::string("Append the ") +
-                               (name == "Driver" ? "driver" : "client") +
-                               "'s debug lines to a file";
-    addText(command, "--log", log, append.c_str(), "FILE")->group(group);
-    command->add_flag("-v,--verbose", verbose, name + "'s debug lines to the standard error")
-        ->group(group);
-}
-
-void addTrace(CLI::App* command, config::CommonOptions& common)
-{
-    const auto set = [&common](const std::string& word) {
-        common.trace = QString::fromStdString(word);
-    };
-    // Takes a value after "=" only: the next word may be an item.
-    command
-        ->add_option_function<std::string>(
-            "--trace", set,
-            "Every byte both ways, with times, to the standard error; --trace=FILE appends it to "
-            "a file")
-        ->type_name("")
-        ->type_size(0);
-}
-
 void addCommon(CLI::App* command, config::CommonOptions& common)
 {
     addText(command, "-c,--config", common.config,
@@ -203,7 +204,7 @@ void addCommon(CLI::App* command, config::CommonOptions& common)
     addTrace(command, common);
 }
 
-void addService(CLI::App* command, config::CommonOptions& common)
+void addWays(CLI::App* command, config::CommonOptions& common)
 {
     CLI::Option* url = addText(command, "--url", common.url,
                                "Address of the service, instead of the file's", "URL")
@@ -211,6 +212,27 @@ void addService(CLI::App* command, config::CommonOptions& common)
     addText(command, "--url-file", common.url_file, "File whose first line is the address", "FILE")
         ->group(service_group)
         ->excludes(url);
+    addLink(command, common.link);
+    config::RequestOptions& request = common.request;
+    addText(command, "--type", request.type,
+            "Type of the addresses: Bit, 16Bit- or 32Bit- with INT, UINT, HEX or BCD, "
+            "32Bit-FLOAT, String (default 16Bit-UINT); ADDRESS=TYPE is for one of them",
+            "TYPE")
+        ->group(link_group);
+    addNumber(command, "--length", request.length, "Bytes of a String", "BYTES", 1,
+              config::limits::length);
+    addNumber(command, "--elements", request.elements,
+              "Values of the type, one after the other, in one request (default 1)", "N", 1,
+              config::limits::elements);
+    addNumber(command, "--station", request.station, "Station number of the device (default 1)",
+              "N", 0, config::limits::station);
+    addText(command, "--unit", common.link.unit, "Unit name of the requests (default tovik-host)",
+            "NAME")
+        ->group(link_group);
+    const char* const driver_s = "Member of the request; its meaning is the driver's";
+    addNumber(command, "--field1", request.field1, driver_s);
+    addNumber(command, "--extra1", request.extra1, driver_s);
+    addNumber(command, "--extra2", request.extra2, driver_s);
 }
 
 void markOfService(CLI::Option* option)
@@ -241,30 +263,6 @@ void addLink(CLI::App* command, config::LinkOptions& link)
     addNumber(command, "--link-param-a", link.link_param_a, "For the driver's own use (default 0)");
     addNumber(command, "--link-param-b", link.link_param_b,
               "For the driver's own use (default 255)");
-}
-
-void addRequest(CLI::App* command, config::CommonOptions& common)
-{
-    config::RequestOptions& request = common.request;
-    addText(command, "--type", request.type,
-            "Type of the addresses: Bit, 16Bit- or 32Bit- with INT, UINT, HEX or BCD, "
-            "32Bit-FLOAT, String (default 16Bit-UINT); ADDRESS=TYPE is for one of them",
-            "TYPE")
-        ->group(link_group);
-    addNumber(command, "--length", request.length, "Bytes of a String", "BYTES", 1,
-              config::limits::length);
-    addNumber(command, "--elements", request.elements,
-              "Values of the type, one after the other, in one request (default 1)", "N", 1,
-              config::limits::elements);
-    addNumber(command, "--station", request.station, "Station number of the device (default 1)",
-              "N", 0, config::limits::station);
-    addText(command, "--unit", common.link.unit, "Unit name of the requests (default tovik-host)",
-            "NAME")
-        ->group(link_group);
-    const char* const driver_s = "Member of the request; its meaning is the driver's";
-    addNumber(command, "--field1", request.field1, driver_s);
-    addNumber(command, "--extra1", request.extra1, driver_s);
-    addNumber(command, "--extra2", request.extra2, driver_s);
 }
 
 QString causeOfNoConnection(terminal::Context& context, const driver::ServiceSetup& setup,

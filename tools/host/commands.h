@@ -101,19 +101,13 @@ CLI::Option* addSeconds(CLI::App* command, const char* name, double& seconds,
 CLI::Option* addWhole(CLI::App* command, const char* name, int& number, const char* description,
                       const char* type, int low, int high);
 CLI::Option* addTimeout(CLI::App* command, double& timeout, const char* description);
-/// \param whose debug lines they are
-void addLog(CLI::App* command, QString& log, bool& verbose, const char* whose);
 
-/// The trace of the traffic.
-void addTrace(CLI::App* command, config::CommonOptions& common);
 /// Configuration, library, log and trace.
 void addCommon(CLI::App* command, config::CommonOptions& common);
-/// The address of a service.
-void addService(CLI::App* command, config::CommonOptions& common);
 /// The link to a device and its settings.
 void addLink(CLI::App* command, config::LinkOptions& link);
-/// What a request to a device says beside its address.
-void addRequest(CLI::App* command, config::CommonOptions& common);
+/// The address of a service, or the link to a device and what a request says beside its address.
+void addWays(CLI::App* command, config::CommonOptions& common);
 /// Marks an option as one that only a service has, or only a device.
 void markOfService(CLI::Option* option);
 void markOfDevice(CLI::Option* option);

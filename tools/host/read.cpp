@@ -153,12 +153,10 @@ void addRead(CLI::App& app, Run& run)
              "addresses")
         ->required();
     addCommon(command, options->common);
-    addService(command, options->common);
+    addWays(command, options->common);
     addTimeout(command, options->common.timeout, "Longest wait for the values, or for the link");
     command->add_flag("-j,--json", options->common.json, "One line of JSON for every item");
     command->add_flag("-q,--quiet", options->quiet, "The values only");
-    addLink(command, options->common.link);
-    addRequest(command, options->common);
 }
 
 } // namespace tovik_host

@@ -1,5 +1,5 @@
 #include "tools/host/commands.h"
-#include "tools/host/config/account.h"
+#include "tools/host/config/config_file.h"
 #include "tools/host/config/json_file.h"
 
 #include <CLI/CLI.hpp>

@@ -103,7 +103,7 @@ void addWatch(CLI::App& app, Run& run)
              "Names of items, or patterns of them with * ? [] (default: all); of a device without "
              "--config: addresses");
     addCommon(command, options->common);
-    addService(command, options->common);
+    addWays(command, options->common);
     addSeconds(command, "--seconds", options->seconds, "End after this time", 1000000);
     addWhole(command, "--interval", options->interval, "Time between reads", "MS", 20, 3600000)
         ->capture_default_str();
@@ -118,8 +118,6 @@ void addWatch(CLI::App& app, Run& run)
                       ->capture_default_str());
     markOfService(addSeconds(command, "--metrics", options->metrics,
                              "Also report cycle time, reads per second, errors and ages so often"));
-    addLink(command, options->common.link);
-    addRequest(command, options->common);
     markOfDevice(addTimeout(command, options->common.timeout, "Longest wait for the link"));
 }
 

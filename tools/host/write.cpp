@@ -126,13 +126,11 @@ void addWrite(CLI::App& app, Run& run)
         ->required();
     addText(command, "VALUE", options->value, "New value")->required();
     addCommon(command, options->common);
-    addService(command, options->common);
+    addWays(command, options->common);
     addTimeout(command, options->common.timeout, "Longest wait until it is sent, or for the link");
     markOfService(addSeconds(command, "--confirm", options->confirm,
                              "Wait until the service shows the value"));
     command->add_flag("-j,--json", options->common.json, "One line of JSON");
-    addLink(command, options->common.link);
-    addRequest(command, options->common);
 }
 
 } // namespace tovik_host

@@ -1,10 +1,9 @@
 #include "tools/host/check/check.h"
 
-#include "tools/host/check/check_items.h"
 #include "tools/host/check/check_step.h"
-#include "tools/host/check/check_way.h"
+#include "tools/host/check/judge.h"
 #include "tools/host/check/probe.h"
-#include "tools/host/config/account.h"
+#include "tools/host/config/config_file.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/service/cloud_client.h"
 #include "tools/host/terminal/exit_code.h"
@@ -99,12 +98,108 @@ private:
 
     bool isEncrypted() const { return url_.scheme() == QLatin1String("https"); }
 
-    bool reachService();
-    bool greet(const QString& address, const QNetworkProxy& proxy);
-    bool converse();
-    void readItems();
-    void readItem(ItemFinding* finding);
-    void showNotTried();
+    /// The way up to the first words with the service, or with the proxy before it.
+    bool reachService()
+    {
+        if (isEncrypted() && !show(judgeSslLibrary(probeSslLibrary())))
+            return false;
+        const QNetworkProxy proxy = proxyFor(url_);
+        const ProxyFacts via = proxyFacts(proxy);
+        if (via.isInForce())
+            show(judgeProxy(via));
+        const Probe probe(context_.unix_signals, timeout_);
+        const NameFacts name = probe.lookUp(via.isInForce() ? via.host : url_.host());
+        if (!show(judgeName(name, timeout_)))
+            return false;
+        QVector<ConnectFacts> connections;
+        QString address;
+        for (const QString& one : name.addresses) {
+            connections << probe.connect(one, via.isInForce() ? via.port : portOf(url_));
+            if (address.isEmpty() && connections.last().end == ProbeEnd::done)
+                address = one;
+        }
+        for (const CheckStep& step : judgeConnections(connections, timeout_))
+            show(step);
+        if (address.isEmpty() || context_.unix_signals.endRequested())
+            return false;
+        return greet(via.isInForce() ? url_.host() : address, proxy);
+    }
+
+    /// The first words with the service at \a address.
+    bool greet(const QString& address, const QNetworkProxy& proxy)
+    {
+        const Probe probe(context_.unix_signals, timeout_);
+        if (isEncrypted()) {
+            const TlsFacts facts = probe.shakeHands(url_, address, proxy);
+            if (!show(judgeHandshake(facts, timeout_)))
+                return false;
+            if (facts.has_certificate)
+                show(judgeCertificate(facts.certificate, QDateTime::currentDateTime()));
+            return true;
+        }
+        // Behind a proxy it is the proxy that would answer.
+        return proxy.type() != QNetworkProxy::NoProxy ||
+               show(judgePlainHttp(probe.speakHttp(url_, address), timeout_));
+    }
+
+    bool converse()
+    {
+        client_ = std::make_unique<service::CloudClient>(config_.service);
+        client_->setListener(trace_);
+        QObject::connect(&context_.unix_signals, &terminal::UnixSignals::endAsked, client_.get(),
+                         &service::CloudClient::interrupt);
+        if (!show(judgeConversation("login", client_->login(timeout_))))
+            return false;
+        const service::ClientOutcome outcome = client_->loadCatalogue(timeout_);
+        if (!show(judgeCatalogue(outcome, client_->groups())))
+            return false;
+        return !isEncrypted() || show(judgeResumption(client_->hasResumed()));
+    }
+
+    void readItems()
+    {
+        const CatalogueItems catalogue = itemsOf(client_->groups());
+        QVector<ItemFinding> findings;
+        int timeouts = 0;
+        bool is_complete = items_.size() == config_.items.size();
+        for (const config::ItemConfig& item : items_) {
+            ItemFinding finding = lookUpItem(item, catalogue);
+            if (timeouts < most_timeouts && !context_.unix_signals.endRequested())
+                readItem(&finding);
+            timeouts = finding.outcome.kind == service::ClientOutcome::TimedOut ? timeouts + 1 : 0;
+            is_complete = is_complete && finding.is_read;
+            findings << finding;
+            show(judgeItem(finding));
+        }
+        if (!findings.isEmpty() && !context_.unix_signals.endRequested())
+            show(judgeCycle(findings, is_complete));
+    }
+
+    void readItem(ItemFinding* finding)
+    {
+        finding->is_read = true;
+        finding->outcome =
+            client_->readValue(finding->item.id, QString::fromLatin1(finding->item.type->name),
+                               timeout_, &finding->value);
+    }
+
+    /// What the way would have had after its last step.
+    void showNotTried()
+    {
+        QStringList names = {u"name"_s, u"connect"_s, isEncrypted() ? u"tls"_s : u"http"_s,
+                             u"login"_s, u"catalogue"_s};
+        for (const CheckStep& step : steps_)
+            names.removeAll(step.name);
+        if (names.isEmpty())
+            return;
+        for (const QString& name : names)
+            show(makeStep(name.toLatin1().constData(), Severity::not_tried));
+        for (const config::ItemConfig& item : items_) {
+            ItemFinding finding;
+            finding.item = item;
+            show(judgeItem(finding));
+        }
+    }
 
     terminal::Context& context_;
     const config::HostConfig& config_;
@@ -116,108 +211,6 @@ private:
     CheckSteps steps_;
     std::unique_ptr<service::CloudClient> client_;
 };
-
-/// The way up to the first words with the service, or with the proxy before it.
-bool Walk::reachService()
-{
-    if (isEncrypted() && !show(judgeSslLibrary(probeSslLibrary())))
-        return false;
-    const QNetworkProxy proxy = proxyFor(url_);
-    const ProxyFacts via = proxyFacts(proxy);
-    if (via.isInForce())
-        show(judgeProxy(via));
-    const Probe probe(context_.unix_signals, timeout_);
-    const NameFacts name = probe.lookUp(via.isInForce() ? via.host : url_.host());
-    if (!show(judgeName(name, timeout_)))
-        return false;
-    QVector<ConnectFacts> connections;
-    QString address;
-    for (const QString& one : name.addresses) {
-        connections << probe.connect(one, via.isInForce() ? via.port : portOf(url_));
-        if (address.isEmpty() && connections.last().end == ProbeEnd::done)
-            address = one;
-    }
-    for (const CheckStep& step : judgeConnections(connections, timeout_))
-        show(step);
-    if (address.isEmpty() || context_.unix_signals.endRequested())
-        return false;
-    return greet(via.isInForce() ? url_.host() : address, proxy);
-}
-
-/// The first words with the service at \a address.
-bool Walk::greet(const QString& address, const QNetworkProxy& proxy)
-{
-    const Probe probe(context_.unix_signals, timeout_);
-    if (isEncrypted()) {
-        const TlsFacts facts = probe.shakeHands(url_, address, proxy);
-        if (!show(judgeHandshake(facts, timeout_)))
-            return false;
-        if (facts.has_certificate)
-            show(judgeCertificate(facts.certificate, QDateTime::currentDateTime()));
-        return true;
-    }
-    // Behind a proxy it is the proxy that would answer.
-    return proxy.type() != QNetworkProxy::NoProxy ||
-           show(judgePlainHttp(probe.speakHttp(url_, address), timeout_));
-}
-
-bool Walk::converse()
-{
-    client_ = std::make_unique<service::CloudClient>(config_.service);
-    client_->setListener(trace_);
-    QObject::connect(&context_.unix_signals, &terminal::UnixSignals::endAsked, client_.get(),
-                     &service::CloudClient::interrupt);
-    if (!show(judgeConversation("login", client_->login(timeout_))))
-        return false;
-    const service::ClientOutcome outcome = client_->loadCatalogue(timeout_);
-    if (!show(judgeCatalogue(outcome, client_->groups())))
-        return false;
-    return !isEncrypted() || show(judgeResumption(client_->hasResumed()));
-}
-
-void Walk::readItems()
-{
-    const CatalogueItems catalogue = itemsOf(client_->groups());
-    QVector<ItemFinding> findings;
-    int timeouts = 0;
-    bool is_complete = items_.size() == config_.items.size();
-    for (const config::ItemConfig& item : items_) {
-        ItemFinding finding = lookUpItem(item, catalogue);
-        if (timeouts < most_timeouts && !context_.unix_signals.endRequested())
-            readItem(&finding);
-        timeouts = finding.outcome.kind == service::ClientOutcome::TimedOut ? timeouts + 1 : 0;
-        is_complete = is_complete && finding.is_read;
-        findings << finding;
-        show(judgeItem(finding));
-    }
-    if (!findings.isEmpty() && !context_.unix_signals.endRequested())
-        show(judgeCycle(findings, is_complete));
-}
-
-void Walk::readItem(ItemFinding* finding)
-{
-    finding->is_read = true;
-    finding->outcome = client_->readValue(
-        finding->item.id, QString::fromLatin1(finding->item.type->name), timeout_, &finding->value);
-}
-
-/// What the way would have had after its last step.
-void Walk::showNotTried()
-{
-    QStringList names = {u"name"_s, u"connect"_s, isEncrypted() ? u"tls"_s : u"http"_s, u"login"_s,
-                         u"catalogue"_s};
-    for (const CheckStep& step : steps_)
-        names.removeAll(step.name);
-    if (names.isEmpty())
-        return;
-    for (const QString& name : names)
-        show(makeStep(name.toLatin1().constData(), Severity::not_tried));
-    for (const config::ItemConfig& item : items_) {
-        ItemFinding finding;
-        finding.item = item;
-        show(judgeItem(finding));
-    }
-}
 
 } // namespace
 

@@ -1,4 +1,4 @@
-#include "tools/host/check/check_items.h"
+#include "tools/host/check/judge.h"
 
 #include "tools/host/terminal/text.h"
 #include "tools/host/value/status_text.h"
@@ -117,7 +117,7 @@ void judgeReadValue(const ItemFinding& finding, CheckStep* step)
 CatalogueItems itemsOf(const QList<PropertyTovikIotGroup>& groups)
 {
     CatalogueItems items;
-    for (const service::OfferedItem& item : service::offeredItems(service::catalogueGroups(groups)))
+    for (const service::OfferedItem& item : service::offeredItems(groups))
         items.insert(item.id, item);
     return items;
 }
@@ -133,7 +133,7 @@ ItemFinding lookUpItem(const config::ItemConfig& item, const CatalogueItems& cat
         return finding;
     }
     int best = -1;
-    for (const service::CatalogueItem& other : catalogue) {
+    for (const service::OfferedItem& other : catalogue) {
         // Somebody may have written the name where the id belongs.
         const bool is_name = other.name == item.id;
         if (!is_name && !terminal::isNear(item.id, other.id))

@@ -54,14 +54,12 @@ inline CheckStep makeStep(const char* name, Severity severity = Severity::ok,
     return step;
 }
 
-/// Something that is not well.
 struct Cause
 {
     QString found;
     QString advice; ///< What to do about it; may be empty.
 };
 
-/// What a check comes to.
 struct Verdict
 {
     bool is_well = true;   ///< Every value that was looked at arrives.

@@ -1,4 +1,4 @@
-#include "tools/host/check/check_way.h"
+#include "tools/host/check/judge.h"
 
 #include "cloud/error_handling.h"
 

@@ -1,5 +1,5 @@
 #include "tools/host/check/check.h"
-#include "tools/host/check/check_link.h"
+#include "tools/host/check/judge.h"
 #include "tools/host/driver/setup.h"
 #include "tools/host/terminal/exit_code.h"
 
@@ -83,10 +83,67 @@ private:
         context_.out.line(stepLine(step, as_json_));
     }
 
-    bool open();
-    void readAll();
-    LinkRead read(const config::ItemConfig& item);
-    void showItems(const QVector<LinkRead>& reads);
+    bool open()
+    {
+        const terminal::Stopwatch elapsed;
+        const QString problem = setup_.host.open();
+        show(judgeOpening(setup_.config, problem, elapsed.seconds()));
+        show(judgeLineSettings(setup_.config));
+        if (problem.isEmpty())
+            return true;
+        QVector<LinkRead> none;
+        for (const config::ItemConfig& item : qAsConst(setup_.config.items)) {
+            none << LinkRead();
+            none.last().item = item;
+        }
+        show(makeStep("answer", Severity::not_tried));
+        show(judgeStation(none));
+        showItems(none);
+        return false;
+    }
+
+    void readAll()
+    {
+        QVector<LinkRead> reads;
+        int silent = 0;
+        for (const config::ItemConfig& item : qAsConst(setup_.config.items)) {
+            LinkRead one;
+            one.item = item;
+            if (silent < most_silent && !context_.unix_signals.endRequested())
+                one = read(item);
+            silent = one.has_sent && one.bytes == 0 ? silent + 1 : 0;
+            reads << one;
+        }
+        show(judgeAnyAnswer(setup_.config, reads));
+        show(judgeStation(reads));
+        showItems(reads);
+        // The same item again, as often as it takes to tell a usual time.
+        for (int i = 0; i < reads.size() && reads.size() < enough_times; ++i) {
+            if (reads.at(i).isGood() && !context_.unix_signals.endRequested())
+                reads << read(reads.at(i).item);
+        }
+        show(judgeTimes(setup_.config, reads));
+    }
+
+    LinkRead read(const config::ItemConfig& item)
+    {
+        ear_.take();
+        const driver::DeviceAnswer answer = setup_.host.read(item);
+        LinkRead read = ear_.take();
+        read.item = item;
+        read.is_tried = true;
+        read.status = answer.answer.status;
+        read.problem = setup_.problemOf(item, answer);
+        if (read.isGood())
+            read.value = config::valueOf(item, answer.answer.bytes).value_or(QString());
+        return read;
+    }
+
+    void showItems(const QVector<LinkRead>& reads)
+    {
+        for (const LinkRead& read : reads)
+            show(judgeLinkItem(read));
+    }
 
     terminal::Context context_;
     LinkEar ear_; ///< The driver in the next member speaks to it up to its end.
@@ -94,68 +151,6 @@ private:
     bool as_json_;
     CheckSteps steps_;
 };
-
-bool LinkWalk::open()
-{
-    const terminal::Stopwatch elapsed;
-    const QString problem = setup_.host.open();
-    show(judgeOpening(setup_.config, problem, elapsed.seconds()));
-    show(judgeLineSettings(setup_.config));
-    if (problem.isEmpty())
-        return true;
-    QVector<LinkRead> none;
-    for (const config::ItemConfig& item : qAsConst(setup_.config.items)) {
-        none << LinkRead();
-        none.last().item = item;
-    }
-    show(makeStep("answer", Severity::not_tried));
-    show(judgeStation(none));
-    showItems(none);
-    return false;
-}
-
-LinkRead LinkWalk::read(const config::ItemConfig& item)
-{
-    ear_.take();
-    const driver::DeviceAnswer answer = setup_.host.read(item);
-    LinkRead read = ear_.take();
-    read.item = item;
-    read.is_tried = true;
-    read.status = answer.answer.status;
-    read.problem = setup_.problemOf(item, answer);
-    if (read.isGood())
-        read.value = config::valueOf(item, answer.answer.bytes).value_or(QString());
-    return read;
-}
-
-void LinkWalk::readAll()
-{
-    QVector<LinkRead> reads;
-    int silent = 0;
-    for (const config::ItemConfig& item : qAsConst(setup_.config.items)) {
-        LinkRead one;
-        one.item = item;
-        if (silent < most_silent && !context_.unix_signals.endRequested())
-            one = read(item);
-        silent = one.has_sent && one.bytes == 0 ? silent + 1 : 0;
-        reads << one;
-    }
-    show(judgeAnyAnswer(setup_.config, reads));
-    show(judgeStation(reads));
-    showItems(reads);
-    // The same item again, as often as it takes to tell a usual time.
-    for (int i = 0; i < reads.size() && reads.size() < enough_times; ++i) {
-        if (reads.at(i).isGood() && !context_.unix_signals.endRequested())
-            reads << read(reads.at(i).item);
-    }
-    show(judgeTimes(setup_.config, reads));
-}
-
-void LinkWalk::showItems(const QVector<LinkRead>& reads)
-{
-    for (const LinkRead& read : reads)
-        show(judgeLinkItem(read));
-}
 
 } // namespace
 

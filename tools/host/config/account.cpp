@@ -1,6 +1,5 @@
-#include "tools/host/config/account.h"
-
 #include "tools/host/config/config_file.h"
+
 #include "tools/host/terminal/exit_code.h"
 
 #include <QDir>
@@ -12,14 +11,12 @@ namespace tovik_host::config {
 
 namespace {
 
-/// Without its end; nothing when the file cannot be opened, and \a problem receives why.
-std::optional<QString> firstLine(const QString& path, QString* problem)
+/// Without its end. Throws UsageError when the file cannot be opened, which says \a what it is.
+QString firstLine(const QString& path, const QString& what, const QString& advice = QString())
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *problem = file.errorString();
-        return std::nullopt;
-    }
+    if (!file.open(QIODevice::ReadOnly))
+        throw terminal::UsageError(what + u": "_s + file.errorString() + advice);
     QByteArray line = file.readLine();
     while (line.endsWith('\n') || line.endsWith('\r'))
         line.chop(1);
@@ -28,13 +25,7 @@ std::optional<QString> firstLine(const QString& path, QString* problem)
 
 void takeFromFile(const QString& path, Account* account)
 {
-    QString problem;
-    const std::optional<QString> line = firstLine(path, &problem);
-    if (!line) {
-        throw terminal::UsageError(
-            u"cannot read the password file \"%1\": %2"_s.arg(path, problem));
-    }
-    account->password = *line;
+    account->password = firstLine(path, u"cannot read the password file \"%1\""_s.arg(path));
     account->has_password = true;
 }
 
@@ -128,12 +119,9 @@ QString readPassword(const JsonPlace& service, const QString& config_path)
     }
     if (service.has("password_file")) {
         const QString name = service.requiredText("password_file");
-        QString problem;
-        const std::optional<QString> line =
-            firstLine(QFileInfo(config_path).dir().absoluteFilePath(name), &problem);
-        if (!line)
-            service.at("password_file").fail(u"cannot read \"%1\": %2"_s.arg(name, problem));
-        return *line;
+        const QString problem = u"%1: cannot read \"%2\""_s;
+        return firstLine(QFileInfo(config_path).dir().absoluteFilePath(name),
+                         problem.arg(service.at("password_file").where(), name));
     }
     if (service.has("password"))
         return service.at("password").text();
@@ -170,14 +158,10 @@ QString givenAddress(const QString& url, const QString& url_file)
 {
     QString address;
     if (!url_file.isEmpty()) {
-        QString problem;
-        const std::optional<QString> line = firstLine(url_file, &problem);
-        if (!line) {
-            throw terminal::UsageError(
-                u"cannot read the address file \"%1\": %2 (is the service running?)"_s.arg(
-                    url_file, problem));
-        }
-        address = checkedUrl(line->trimmed(), url_file);
+        const QString line =
+            firstLine(url_file, u"cannot read the address file \"%1\""_s.arg(url_file),
+                      u" (is the service running?)"_s);
+        address = checkedUrl(line.trimmed(), url_file);
     }
     return url.isEmpty() ? address : checkedUrl(url, u"--url"_s);
 }

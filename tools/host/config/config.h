@@ -67,7 +67,6 @@ struct ErrorHandling
     bool restore_switch_enabled = false;
 };
 
-/// A whole configuration file.
 struct HostConfig
 {
     Account service;

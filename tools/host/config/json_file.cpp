@@ -7,7 +7,6 @@
 
 #include <iterator>
 #include <limits>
-#include <utility>
 
 namespace tovik_host::config {
 
@@ -70,30 +69,36 @@ QString reasonOf(const std::string& message)
         message.substr(start, message.find("; last read", start) - start));
 }
 
-/// Makes the document, and notes the lines, while the parser goes through the text. The library's
-/// own maker of documents takes a time that grows with the square of a list's length when it has
-/// somebody to tell.
-class DocumentMaker : public nlohmann::json_sax<nlohmann::json>
+/// Notes the lines while the parser goes through the text, and refuses what no file of ours has.
+class LineReader : public nlohmann::json_sax<nlohmann::json>
 {
 public:
-    DocumentMaker(const LineCounter& counter, JsonFile* file) : counter_(counter), file_(file) {}
+    LineReader(const LineCounter& counter, JsonFile* file) : counter_(counter), file_(file) {}
 
-    bool null() override { return take(nullptr); }
-    bool boolean(bool value) override { return take(value); }
-    bool number_integer(number_integer_t value) override { return take(value); }
-    bool number_unsigned(number_unsigned_t value) override { return take(value); }
-    bool number_float(number_float_t value, const string_t&) override { return take(value); }
-    bool string(string_t& value) override { return take(std::move(value)); }
+    bool null() override { return take(); }
+    bool boolean(bool) override { return take(); }
+    bool number_integer(number_integer_t) override { return take(); }
+    bool number_unsigned(number_unsigned_t) override { return take(); }
+    bool number_float(number_float_t, const string_t&) override { return take(); }
+    bool string(string_t&) override { return take(); }
     bool binary(binary_t&) override { return false; } // of other formats
-    bool start_object(std::size_t) override { return enter(nlohmann::json::object()); }
-    bool key(string_t& name) override
+    bool start_object(std::size_t) override { return enter(false); }
+    bool key(string_t& text) override
     {
-        takeName(QString::fromStdString(name));
-        levels_.last().member = &(*levels_.last().json)[name];
+        Level& level = levels_.last();
+        level.name = QString::fromStdString(text);
+        if (level.names.contains(level.name)) {
+            throw terminal::UsageError(
+                u"%1:%2: member \"%3\" stands twice in one object"_s.arg(file_->path)
+                    .arg(counter_.line)
+                    .arg(level.name));
+        }
+        level.names.insert(level.name);
+        file_->lines.insert(path(), counter_.line);
         return true;
     }
     bool end_object() override { return leave(); }
-    bool start_array(std::size_t) override { return enter(nlohmann::json::array()); }
+    bool start_array(std::size_t) override { return enter(true); }
     bool end_array() override { return leave(); }
     bool parse_error(std::size_t, const std::string&,
                      const nlohmann::detail::exception& error) override
@@ -109,51 +114,38 @@ private:
     /// An object or a list that the parser is in.
     struct Level
     {
-        nlohmann::json* json;
-        nlohmann::json* member; ///< The current one, of an object.
+        bool is_list;
         QString path;
-        QString name;        ///< Of the current member.
-        QSet<QString> names; ///< Of all members so far.
-        int index;
+        QString name = QString(); ///< Of the current member.
+        QSet<QString> names = {}; ///< Of all members so far.
+        int index = 0;            ///< Of the current element.
     };
 
-    bool isInList() const { return !levels_.isEmpty() && levels_.last().json->is_array(); }
+    bool isInList() const { return !levels_.isEmpty() && levels_.last().is_list; }
     /// Of the value that the parser is at.
     QString path() const
     {
         if (levels_.isEmpty())
             return QString();
         const Level& level = levels_.last();
-        return level.json->is_array() ? elementPath(level.path, level.index)
-                                      : memberPath(level.path, level.name);
+        return level.is_list ? elementPath(level.path, level.index)
+                             : memberPath(level.path, level.name);
     }
-    /// Puts a value where the parser is.
-    nlohmann::json* put(nlohmann::json value)
+    void note()
     {
-        if (isInList()) {
+        if (isInList())
             file_->lines.insert(path(), counter_.line);
-            levels_.last().json->push_back(std::move(value));
-            return &levels_.last().json->back();
-        }
-        nlohmann::json* const place = levels_.isEmpty() ? &file_->root : levels_.last().member;
-        *place = std::move(value);
-        return place;
     }
-    void goOn()
+    bool goOn()
     {
         if (isInList())
             ++levels_.last().index;
-    }
-    bool take(nlohmann::json value)
-    {
-        put(std::move(value));
-        goOn();
         return true;
     }
-    bool enter(nlohmann::json empty)
+    bool enter(bool is_list)
     {
-        const QString where = path();
-        levels_.append({put(std::move(empty)), nullptr, where, {}, {}, 0});
+        note();
+        levels_.append({is_list, path()});
         if (levels_.size() > deepest + 1) {
             throw terminal::UsageError(
                 u"%1: brackets stand in one another more than %2 deep"_s.arg(file_->path)
@@ -164,21 +156,12 @@ private:
     bool leave()
     {
         levels_.removeLast();
-        goOn();
-        return true;
+        return goOn();
     }
-    void takeName(const QString& name)
+    bool take()
     {
-        Level& level = levels_.last();
-        if (level.names.contains(name)) {
-            throw terminal::UsageError(
-                u"%1:%2: member \"%3\" stands twice in one object"_s.arg(file_->path)
-                    .arg(counter_.line)
-                    .arg(name));
-        }
-        level.names.insert(name);
-        level.name = name;
-        file_->lines.insert(path(), counter_.line);
+        note();
+        return goOn();
     }
 
     const LineCounter& counter_;
@@ -192,9 +175,10 @@ JsonFile parseJson(const QString& path, const QByteArray& text)
 {
     JsonFile file = {path, {}, {}};
     LineCounter counter;
-    DocumentMaker maker(counter, &file);
+    LineReader reader(counter, &file);
     nlohmann::json::sax_parse(CountingIterator{text.begin(), &counter},
-                              CountingIterator{text.end(), &counter}, &maker);
+                              CountingIterator{text.end(), &counter}, &reader);
+    file.root = nlohmann::json::parse(text.begin(), text.end());
     return file;
 }
 

@@ -1,4 +1,4 @@
-#include "tools/host/driver/device_session.h"
+#include "tools/host/driver/device_host.h"
 
 #include "tools/host/terminal/exit_code.h"
 

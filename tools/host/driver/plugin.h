@@ -33,7 +33,6 @@ public:
     /// drivers beside an installed program, in the build tree, and wherever the loader looks.
     static QStringList candidatesFor(const QString& name, const QString& program_folder);
 
-    /// The file that was loaded.
     QString path() const { return path_; }
     /// The driver's version as "major.minor.patch".
     QString versionText() const;

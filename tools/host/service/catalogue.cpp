@@ -10,7 +10,7 @@
 
 namespace tovik_host::service {
 
-QString CatalogueItem::shownType() const
+QString OfferedItem::shownType() const
 {
     return type == QLatin1String("String") ? u"%1(%2)"_s.arg(type).arg(length) : type;
 }
@@ -18,33 +18,18 @@ QString CatalogueItem::shownType() const
 int Catalogue::itemCount() const
 {
     int count = 0;
-    for (const CatalogueGroup& group : groups)
-        count += group.items.size();
+    for (const PropertyTovikIotGroup& group : groups)
+        count += group.dataitems.size();
     return count;
 }
 
-QVector<CatalogueGroup> catalogueGroups(const QList<PropertyTovikIotGroup>& loaded)
-{
-    QVector<CatalogueGroup> groups;
-    groups.reserve(loaded.size());
-    for (const PropertyTovikIotGroup& from : loaded) {
-        CatalogueGroup group = {from.group_id,   from.name,  from.location,
-                                from.permission, from.alert, {}};
-        group.items.reserve(from.dataitems.size());
-        for (const PropertyTovikIotDataItem& item : from.dataitems)
-            group.items << CatalogueItem{item.dataitem_id, item.name, item.type, item.length,
-                                         item.alert};
-        groups << group;
-    }
-    return groups;
-}
-
-QVector<OfferedItem> offeredItems(const QVector<CatalogueGroup>& groups)
+QVector<OfferedItem> offeredItems(const QList<PropertyTovikIotGroup>& groups)
 {
     QVector<OfferedItem> offered;
-    for (const CatalogueGroup& group : groups) {
-        for (const CatalogueItem& item : group.items)
-            offered << OfferedItem{item, group.id, group.name};
+    for (const PropertyTovikIotGroup& group : groups) {
+        for (const PropertyTovikIotDataItem& item : group.dataitems)
+            offered << OfferedItem{item.dataitem_id, item.name,      item.type, item.length,
+                                   item.alert,       group.group_id, group.name};
     }
     return offered;
 }
@@ -56,34 +41,26 @@ QString counted(int count, const QString& noun)
 
 namespace {
 
-value::OrderedJson jsonOf(const CatalogueItem& item)
-{
-    return {{"id", item.id},
-            {"name", item.name},
-            {"type", item.type},
-            {"length", item.length},
-            {"alert", item.alert}};
-}
-
-value::OrderedJson jsonOf(const CatalogueGroup& group)
+value::OrderedJson jsonOf(const PropertyTovikIotGroup& group)
 {
     value::OrderedJson items = value::OrderedJson::array();
-    for (const CatalogueItem& item : group.items)
-        items.push_back(jsonOf(item));
-    return {{"id", group.id},
-            {"name", group.name},
-            {"location", group.location},
-            {"permission", group.permission},
-            {"alert", group.alert},
-            {"items", items}};
+    for (const PropertyTovikIotDataItem& item : group.dataitems) {
+        items.push_back({{"id", item.dataitem_id},
+                         {"name", item.name},
+                         {"type", item.type},
+                         {"length", item.length},
+                         {"alert", item.alert}});
+    }
+    return {{"id", group.group_id},           {"name", group.name},   {"location", group.location},
+            {"permission", group.permission}, {"alert", group.alert}, {"items", items}};
 }
 
-CatalogueItem readItem(const config::JsonPlace& place)
+PropertyTovikIotDataItem readItem(const config::JsonPlace& place)
 {
     static const QStringList known = {u"id"_s, u"name"_s, u"type"_s, u"length"_s, u"alert"_s};
     place.allowOnly(known);
-    CatalogueItem item;
-    item.id = place.requiredText("id");
+    PropertyTovikIotDataItem item;
+    item.dataitem_id = place.requiredText("id");
     item.name = place.requiredText("name");
     item.type = QString::fromLatin1(config::itemType(place).name);
     item.length = place.optionalNumber("length", 0, std::numeric_limits<int>::min(),
@@ -92,17 +69,17 @@ CatalogueItem readItem(const config::JsonPlace& place)
     return item;
 }
 
-CatalogueGroup readGroup(const config::JsonPlace& place)
+PropertyTovikIotGroup readGroup(const config::JsonPlace& place)
 {
     place.allowOnly({"id", "name", "location", "permission", "alert", "items"});
-    CatalogueGroup group;
-    group.id = place.requiredText("id");
+    PropertyTovikIotGroup group;
+    group.group_id = place.requiredText("id");
     group.name = place.requiredText("name");
     group.location = place.optionalText("location");
     group.permission = place.optionalText("permission", u"RW"_s);
     group.alert = place.optionalFlag("alert", false);
     for (const config::JsonPlace& item : place.at("items").elements())
-        group.items << readItem(item);
+        group.dataitems << readItem(item);
     return group;
 }
 
@@ -111,7 +88,7 @@ CatalogueGroup readGroup(const config::JsonPlace& place)
 QString catalogueJson(const Catalogue& catalogue)
 {
     value::OrderedJson groups = value::OrderedJson::array();
-    for (const CatalogueGroup& group : catalogue.groups)
+    for (const PropertyTovikIotGroup& group : catalogue.groups)
         groups.push_back(jsonOf(group));
     const QString url = QUrl(catalogue.account.url).toString(QUrl::RemoveUserInfo);
     return value::jsonText({{"version", value::json_version},
@@ -160,10 +137,11 @@ QString heading(const Catalogue& catalogue)
         counted(catalogue.groups.size(), u"group"_s), counted(catalogue.itemCount(), u"item"_s));
 }
 
-QString remarks(const CatalogueGroup& group, bool alert)
+/// \param alert of the group, or of one of its items
+QString remarks(const PropertyTovikIotGroup& group, bool alert)
 {
     QStringList remarks;
-    if (group.isReadOnly())
+    if (!group.permission.contains(u'W', Qt::CaseInsensitive))
         remarks << u"read-only"_s;
     if (alert)
         remarks << u"alert"_s;
@@ -175,17 +153,17 @@ QString text(const QStringList& lines)
     return lines.join(u'\n') + u'\n';
 }
 
-QString groupTree(const CatalogueGroup& group)
+QString groupTree(const PropertyTovikIotGroup& group)
 {
     QStringList parts = {terminal::printable(group.name),
-                         u"(%1)"_s.arg(terminal::printable(group.id)),
+                         u"(%1)"_s.arg(terminal::printable(group.group_id)),
                          terminal::printable(group.location), remarks(group, group.alert)};
     parts.removeAll(QString());
     const QString line = parts.join(u"  "_s) + u'\n';
-    if (group.items.isEmpty())
+    if (group.dataitems.isEmpty())
         return line + u"  (no items)\n"_s;
     QVector<QStringList> rows;
-    for (const CatalogueItem& item : group.items)
+    for (const OfferedItem& item : offeredItems({group}))
         rows << QStringList{terminal::printable(item.name), terminal::printable(item.id),
                             item.shownType(), remarks(group, item.alert)};
     return line + text(terminal::columns(rows, u"  "_s));
@@ -196,7 +174,7 @@ QString groupTree(const CatalogueGroup& group)
 QString catalogueTree(const Catalogue& catalogue)
 {
     QString tree = heading(catalogue);
-    for (const CatalogueGroup& group : catalogue.groups)
+    for (const PropertyTovikIotGroup& group : catalogue.groups)
         tree += u'\n' + groupTree(group);
     return tree;
 }
@@ -204,8 +182,8 @@ QString catalogueTree(const Catalogue& catalogue)
 QString catalogueTable(const Catalogue& catalogue)
 {
     QVector<QStringList> rows = {{u"GROUP"_s, u"ITEM"_s, u"ID"_s, u"TYPE"_s, u"REMARKS"_s}};
-    for (const CatalogueGroup& group : catalogue.groups) {
-        for (const CatalogueItem& item : group.items) {
+    for (const PropertyTovikIotGroup& group : catalogue.groups) {
+        for (const OfferedItem& item : offeredItems({group})) {
             rows << QStringList{terminal::printable(group.name), terminal::printable(item.name),
                                 terminal::printable(item.id), item.shownType(),
                                 remarks(group, item.alert)};

@@ -12,55 +12,33 @@
 
 namespace tovik_host::service {
 
-/// A data item as the service's catalogue has it.
-struct CatalogueItem
+/// What a service offers to an account, and whose view it is.
+struct Catalogue
+{
+    config::Account account;
+    QList<PropertyTovikIotGroup> groups;
+
+    int itemCount() const;
+};
+
+/// An item of a catalogue together with its group, or one of a configuration, which has none.
+struct OfferedItem
 {
     QString id;
     QString name;
     QString type; ///< One of the driver's types.
     int length = 0;
     bool alert = false;
-
-    /// The type as it is shown: of a text with its length.
-    QString shownType() const;
-};
-
-/// A group of the catalogue.
-struct CatalogueGroup
-{
-    QString id;
-    QString name;
-    QString location;
-    QString permission; ///< Without a W, its items cannot be written to.
-    bool alert = false;
-    QVector<CatalogueItem> items;
-
-    bool isReadOnly() const { return !permission.contains(u'W', Qt::CaseInsensitive); }
-};
-
-/// What a service offers to an account, and whose view it is.
-struct Catalogue
-{
-    config::Account account;
-    QVector<CatalogueGroup> groups;
-
-    int itemCount() const;
-};
-
-/// An item of a catalogue together with its group, or one of a configuration, which has none.
-struct OfferedItem : CatalogueItem
-{
     QString group_id = QString();
     QString group = QString(); ///< The group's name.
 
     QString path() const { return group.isEmpty() ? name : group + u'/' + name; }
+    /// The type as it is shown: of a text with its length.
+    QString shownType() const;
 };
 
 /// All items of \a groups, in their order.
-QVector<OfferedItem> offeredItems(const QVector<CatalogueGroup>& groups);
-
-/// The groups as the client has loaded them.
-QVector<CatalogueGroup> catalogueGroups(const QList<PropertyTovikIotGroup>& loaded);
+QVector<OfferedItem> offeredItems(const QList<PropertyTovikIotGroup>& groups);
 
 /// The catalogue as JSON, for people and for readCatalogue(); ends with a line break. It holds no
 /// password, nor a user name and password within the address.

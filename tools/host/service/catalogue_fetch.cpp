@@ -108,7 +108,7 @@ std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const Servic
         *failure = loading;
         return std::nullopt;
     }
-    return Catalogue{account, catalogueGroups(client.groups())};
+    return Catalogue{account, client.groups()};
 }
 
 } // namespace tovik_host::service

@@ -1,7 +1,7 @@
 #ifndef TOOLS_HOST_SERVICE_CATALOGUE_FETCH_H
 #define TOOLS_HOST_SERVICE_CATALOGUE_FETCH_H
 
-#include "tools/host/config/account.h"
+#include "tools/host/config/config_file.h"
 #include "tools/host/service/catalogue.h"
 #include "tools/host/service/cloud_client.h"
 #include "tools/host/terminal/context.h"

@@ -1,4 +1,4 @@
-#include "tools/host/service/configure_choice.h"
+#include "tools/host/service/configure.h"
 
 #include "tools/host/config/config_file.h"
 #include "tools/host/terminal/exit_code.h"
@@ -165,7 +165,7 @@ QString numbered(const QString& name, const QSet<QString>& used, int* number)
     return candidate;
 }
 
-config::ItemConfig configOf(const CatalogueItem& item)
+config::ItemConfig configOf(const OfferedItem& item)
 {
     config::ItemConfig config;
     config.id = item.id;
@@ -180,14 +180,7 @@ config::ItemConfig configOf(const CatalogueItem& item)
 
 QString naturalName(const QString& group, const QString& item)
 {
-    QString name = group + u'.' + item;
-    for (QChar& character : name) {
-        const bool breaks =
-            character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
-        if (character.category() == QChar::Other_Control || breaks)
-            character = u'_';
-    }
-    return name;
+    return terminal::printable(group + u'.' + item, u'_');
 }
 
 NamedItems nameItems(const QVector<OfferedItem>& chosen)

@@ -1,7 +1,6 @@
-#include "tools/host/service/configure_dialogue.h"
+#include "tools/host/service/configure.h"
 
 #include "tools/host/service/catalogue.h"
-#include "tools/host/service/configure_choice.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/text.h"
 

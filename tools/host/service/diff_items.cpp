@@ -1,6 +1,6 @@
 #include "tools/host/service/diff_items.h"
 
-#include "tools/host/service/configure_choice.h"
+#include "tools/host/service/configure.h"
 #include "tools/host/terminal/text.h"
 
 #include <QHash>
@@ -147,19 +147,19 @@ private:
 
     void compareGroups()
     {
-        QHash<QString, const CatalogueGroup*> old_groups;
-        for (const CatalogueGroup& group : before_.groups)
-            old_groups.insert(group.id, &group);
-        for (const CatalogueGroup& group : after_.groups) {
+        QHash<QString, const PropertyTovikIotGroup*> old_groups;
+        for (const PropertyTovikIotGroup& group : before_.groups)
+            old_groups.insert(group.group_id, &group);
+        for (const PropertyTovikIotGroup& group : after_.groups) {
             // An id that stands there twice is compared once.
-            const CatalogueGroup* old_group = old_groups.take(group.id);
+            const PropertyTovikIotGroup* old_group = old_groups.take(group.group_id);
             if (!old_group)
                 continue;
             if (old_group->name != group.name)
-                found_ << Difference{Difference::group_renamed, group.id, old_group->name,
+                found_ << Difference{Difference::group_renamed, group.group_id, old_group->name,
                                      old_group->name, group.name};
             if (old_group->permission != group.permission)
-                found_ << Difference{Difference::access, group.id, old_group->name,
+                found_ << Difference{Difference::access, group.group_id, old_group->name,
                                      old_group->permission, group.permission};
         }
     }
@@ -227,8 +227,7 @@ DiffSide diffSide(const config::HostConfig& config)
     DiffSide side;
     side.is_config = true;
     for (const config::ItemConfig& item : config.items)
-        side.items << OfferedItem{
-            {item.id, item.name, QLatin1String(item.type->name), item.length}};
+        side.items << OfferedItem{item.id, item.name, QLatin1String(item.type->name), item.length};
     return side;
 }
 

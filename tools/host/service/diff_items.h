@@ -14,13 +14,12 @@ struct DiffSide
 {
     bool is_config = false;     ///< It is the items that a host uses, not all that a service has.
     QVector<OfferedItem> items; ///< Those of a configuration have no group, and its names.
-    QVector<CatalogueGroup> groups; ///< Of a catalogue.
+    QList<PropertyTovikIotGroup> groups; ///< Of a catalogue.
 };
 
 DiffSide diffSide(const Catalogue& catalogue);
 DiffSide diffSide(const config::HostConfig& config);
 
-/// One difference.
 struct Difference
 {
     enum Kind

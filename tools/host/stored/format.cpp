@@ -1,4 +1,4 @@
-#include "tools/host/stored/format.h"
+#include "tools/host/stored/stream.h"
 
 #include "tools/host/terminal/exit_code.h"
 

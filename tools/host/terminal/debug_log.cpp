@@ -1,4 +1,4 @@
-#include "tools/host/terminal/debug_log.h"
+#include "tools/host/terminal/context.h"
 
 #include <QDateTime>
 #include <QMutexLocker>

@@ -13,7 +13,6 @@ namespace tovik_host::terminal {
 /// something else; writing to them fails then.
 void reserveStandardDescriptors();
 
-/// The space that a terminal has.
 struct ScreenSize
 {
     int columns;
@@ -27,13 +26,11 @@ public:
     /// \param descriptor not closed by this class.
     explicit Output(int descriptor) : descriptor_(descriptor) {}
 
-    /// Writes \a text as it is.
     void write(const QString& text) { write(text.toUtf8()); }
     void write(const QByteArray& bytes);
-    /// Writes \a text and a line break.
     void line(const QString& text);
-    /// The same with what somebody else has written: on a terminal without control characters,
-    /// elsewhere as it is.
+    /// Writes a line of somebody else: on a terminal without control characters, elsewhere as it
+    /// is.
     void foreignLine(const QString& text);
     /// Whether the reader has gone; all further writing is in vain.
     bool broken() const;

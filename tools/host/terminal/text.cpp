@@ -35,14 +35,14 @@ int widthOf(uint code)
 
 } // namespace
 
-QString printable(const QString& text)
+QString printable(const QString& text, QChar mark)
 {
     QString shown = text;
     for (QChar& character : shown) {
         const bool breaks =
             character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
         if (character.category() == QChar::Other_Control || breaks)
-            character = QChar(0x00B7);
+            character = mark;
     }
     return shown;
 }

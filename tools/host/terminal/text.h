@@ -20,9 +20,9 @@ inline QString operator""_s(const char16_t* text, std::size_t size)
 
 namespace tovik_host::terminal {
 
-/// \a text with a visible mark in place of every control character: what a service says must not
+/// \a text with a visible \a mark in place of every control character: what a service says must not
 /// steer the user's terminal.
-QString printable(const QString& text);
+QString printable(const QString& text, QChar mark = QChar(0x00B7));
 /// Columns that \a text takes: none for a combining mark, two for a wide East Asian character.
 int displayWidth(const QString& text);
 /// \a text cut to \a columns, with an ellipsis in the last one if anything was cut.
@@ -33,7 +33,6 @@ QString fitted(const QString& text, int columns);
 /// \a widest. Nothing stands after the last cell that is not empty.
 QStringList columns(const QVector<QStringList>& rows, const QString& indent = QString(),
                     int widest = 1 << 20);
-/// \a line without the blanks at its end.
 QString trimmedRight(QString line);
 
 /// How many letters have to be inserted, removed or replaced to make one text of the other; upper

@@ -23,13 +23,10 @@ public:
     /// Gives the signals their default meaning back.
     ~UnixSignals() override;
 
-    /// Whether the program was asked to end.
     bool endRequested() const { return end_requested_; }
 
 Q_SIGNALS:
-    /// The program was asked to end.
     void endAsked();
-    /// The terminal has a new size.
     void terminalResized();
 
 private Q_SLOTS:
@@ -41,7 +38,6 @@ private:
     bool end_requested_ = false;
 };
 
-/// The time since it was made.
 class Stopwatch
 {
 public:
@@ -54,7 +50,6 @@ private:
     QElapsedTimer elapsed_;
 };
 
-/// How a wait ended.
 enum class Waited
 {
     met,

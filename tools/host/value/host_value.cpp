@@ -3,12 +3,12 @@
 #include "tools/host/terminal/exit_code.h"
 
 #include <QRegularExpression>
+#include <QtEndian>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace tovik_host::value {
@@ -18,10 +18,15 @@ namespace {
 /// The number in the first \a size bytes, least significant first.
 quint32 bits(const QByteArray& bytes, int size)
 {
-    quint32 number = 0;
-    for (int i = 0; i < size; ++i)
-        number |= quint32(static_cast<unsigned char>(bytes.at(i))) << (8 * i);
-    return number;
+    return qFromLittleEndian<quint32>(bytes.left(size).leftJustified(4, '\0').constData());
+}
+
+template <typename Number>
+QByteArray bytesOf(Number number, int size)
+{
+    QByteArray bytes(sizeof number, '\0');
+    qToLittleEndian(number, bytes.data());
+    return bytes.left(size);
 }
 
 std::optional<QString> decodeBit(const ItemType&, const QByteArray& bytes)
@@ -54,21 +59,12 @@ std::optional<QString> decodeBcd(const ItemType& type, const QByteArray& bytes)
     return QString::number(number);
 }
 
-/// The IEEE-754 single in the first four bytes.
-float floatFromBytes(const QByteArray& bytes)
-{
-    const quint32 pattern = bits(bytes, 4);
-    float number = 0;
-    std::memcpy(&number, &pattern, sizeof number);
-    return number;
-}
-
 std::optional<QString> decodeFloat(const ItemType&, const QByteArray& bytes)
 {
     // The shortest digits that read back as the same single: 0.1, not 0.100000001490116.
     std::array<char, 32> buffer = {};
-    const auto end =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), floatFromBytes(bytes));
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
+                                   qFromLittleEndian<float>(bytes.constData()));
     return QString::fromLatin1(buffer.data(), int(end.ptr - buffer.data()));
 }
 
@@ -82,14 +78,6 @@ std::optional<QString> decodeText(const ItemType&, const QByteArray& bytes)
 const double rounds_to_infinity = 340282356779733661637539395458142568448.0;
 
 using terminal::UsageError;
-
-QByteArray bytesOf(quint32 bits, int size)
-{
-    QByteArray bytes(size, '\0');
-    for (int i = 0; i < size; ++i)
-        bytes[i] = static_cast<char>((bits >> (8 * i)) & 0xFF);
-    return bytes;
-}
 
 bool matches(const QString& text, const QString& expression)
 {
@@ -118,9 +106,9 @@ QByteArray encodeBit(const ItemType& type, const QString& text, int)
 {
     const QString word = text.trimmed().toLower();
     if (QStringList{u"0"_s, u"off"_s, u"false"_s}.contains(word))
-        return bytesOf(0, type.size);
+        return bytesOf(quint32(0), type.size);
     if (QStringList{u"1"_s, u"on"_s, u"true"_s}.contains(word))
-        return bytesOf(1, type.size);
+        return bytesOf(quint32(1), type.size);
     throw UsageError(u"\"%1\" is not a bit: 0 or 1, off or on, false or true"_s.arg(text));
 }
 
@@ -162,9 +150,7 @@ QByteArray encodeFloat(const ItemType& type, const QString& text, int)
     }
     const double largest = double(std::numeric_limits<float>::max());
     const float narrow = static_cast<float>(std::clamp(wide, -largest, largest));
-    quint32 pattern = 0;
-    std::memcpy(&pattern, &narrow, sizeof pattern);
-    return bytesOf(pattern, type.size);
+    return bytesOf(narrow, type.size);
 }
 
 QByteArray encodeText(const ItemType&, const QString& text, int length)
@@ -238,8 +224,8 @@ bool sameValue(const ItemType& type, const QByteArray& shown, const QByteArray& 
         return shown_text->toLatin1() == wanted_text->toUtf8();
     if (type.decode != decodeFloat)
         return false;
-    const double a = double(floatFromBytes(shown));
-    const double b = double(floatFromBytes(wanted));
+    const double a = double(qFromLittleEndian<float>(shown.constData()));
+    const double b = double(qFromLittleEndian<float>(wanted.constData()));
     return std::fabs(a - b) <= 1e-6 * std::fmax(1.0, std::fabs(b));
 }
 

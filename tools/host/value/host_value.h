@@ -14,7 +14,6 @@
 /// rows of one table.
 namespace tovik_host::value {
 
-/// One type of data item.
 struct ItemType
 {
     /// The type's name in configurations, matched whole and case-sensitively.
@@ -33,7 +32,6 @@ struct ItemType
     QByteArray (*encode)(const ItemType& type, const QString& text, int length);
 };
 
-/// The type of that name, or null.
 const ItemType* findItemType(const QString& name);
 /// All names, separated by commas, for messages.
 QString allItemTypeNames();

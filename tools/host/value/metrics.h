@@ -32,7 +32,6 @@ struct DriverNumbers
     bool tells_ages = false;
     QVector<std::optional<int>> ages;
 
-    /// Whether the driver tells anything.
     bool isAny() const
     {
         return cycle_count || read_count || reconnect_count || last_error || tells_ages;

@@ -1,5 +1,5 @@
-#include "tools/host/check/check_items.h"
 #include "tools/host/check/check_step.h"
+#include "tools/host/check/judge.h"
 #include "tools/host/terminal/text.h"
 
 #include "property/property_tovik_iot_group.h"

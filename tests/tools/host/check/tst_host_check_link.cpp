@@ -1,4 +1,4 @@
-#include "tools/host/check/check_link.h"
+#include "tools/host/check/judge.h"
 
 #include "tools/host/value/host_value.h"
 

@@ -1,4 +1,3 @@
-#include "tools/host/config/account.h"
 #include "tools/host/config/config_file.h"
 #include "tools/host/terminal/exit_code.h"
 

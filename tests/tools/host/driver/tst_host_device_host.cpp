@@ -1,7 +1,7 @@
 #include "tests/support/host_process.h"
 #include "tests/tools/host/line_device.h"
 #include "tools/host/driver/device_host.h"
-#include "tools/host/terminal/debug_log.h"
+#include "tools/host/terminal/context.h"
 #include "tools/host/value/status_text.h"
 
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "tools/host/driver/link_address.h"
+#include "tools/host/driver/device_config.h"
 #include "tools/host/terminal/exit_code.h"
 
 #include <QtTest>

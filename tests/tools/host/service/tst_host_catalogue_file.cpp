@@ -31,10 +31,25 @@ namespace {
 
 Catalogue withNames(const QString& group, const QString& item)
 {
-    const CatalogueItem entry = {QStringLiteral("i"), item, QStringLiteral("String"), 40, true};
+    PropertyTovikIotDataItem entry;
+    entry.dataitem_id = QStringLiteral("i");
+    entry.name = item;
+    entry.type = QStringLiteral("String");
+    entry.length = 40;
+    entry.alert = true;
+    PropertyTovikIotGroup full;
+    full.group_id = QStringLiteral("g");
+    full.name = group;
+    full.location = QStringLiteral("L");
+    full.permission = QStringLiteral("R");
+    full.alert = true;
+    full.dataitems << entry;
+    PropertyTovikIotGroup empty;
+    empty.group_id = QStringLiteral("empty");
+    empty.name = QStringLiteral("E");
+    empty.permission.clear();
     return {{QStringLiteral("https://h:1"), QStringLiteral("p"), QStringLiteral("e"), QString()},
-            {{QStringLiteral("g"), group, QStringLiteral("L"), QStringLiteral("R"), true, {entry}},
-             {QStringLiteral("empty"), QStringLiteral("E"), {}, {}, false, {}}}};
+            {full, empty}};
 }
 
 } // namespace
@@ -69,7 +84,7 @@ void TestHostCatalogueFile::bringsBackWhatWasSaved()
     const Catalogue read = readCatalogue(file);
     QCOMPARE(read.groups.size(), 2);
     QCOMPARE(read.groups.at(0).name, group);
-    QCOMPARE(read.groups.at(0).items.at(0).name, item);
+    QCOMPARE(read.groups.at(0).dataitems.at(0).name, item);
     // All else shows in the text.
     QCOMPARE(catalogueJson(read), text);
     QVERIFY(text.endsWith(QLatin1String("}\n")));
@@ -146,9 +161,12 @@ void TestHostCatalogueFile::saysThatFileIsMissing()
 void TestHostCatalogueFile::takesLargeCatalogues()
 {
     Catalogue catalogue = withNames(QStringLiteral("G"), QStringLiteral("I"));
-    CatalogueGroup group = catalogue.groups.takeFirst();
-    group.items = QVector<CatalogueItem>(100, group.items.first());
-    catalogue.groups = QVector<CatalogueGroup>(100, group);
+    PropertyTovikIotGroup group = catalogue.groups.first();
+    while (group.dataitems.size() < 100)
+        group.dataitems << group.dataitems.first();
+    catalogue.groups.clear();
+    while (catalogue.groups.size() < 100)
+        catalogue.groups << group;
     QElapsedTimer elapsed;
     elapsed.start();
     const Catalogue read =

@@ -25,26 +25,34 @@ Catalogue plant()
 {
     const auto item = [](const char* id, const char* name, const char* type, int length,
                          bool alert) {
-        return CatalogueItem{QString::fromUtf8(id), QString::fromUtf8(name),
-                             QString::fromUtf8(type), length, alert};
+        PropertyTovikIotDataItem made;
+        made.dataitem_id = QString::fromUtf8(id);
+        made.name = QString::fromUtf8(name);
+        made.type = QString::fromUtf8(type);
+        made.length = length;
+        made.alert = alert;
+        return made;
+    };
+    const auto group = [](const char* id, const char* name, const char* location,
+                          const char* permission, bool alert,
+                          const QList<PropertyTovikIotDataItem>& items) {
+        PropertyTovikIotGroup made;
+        made.group_id = QString::fromUtf8(id);
+        made.name = QString::fromUtf8(name);
+        made.location = QString::fromUtf8(location);
+        made.permission = QString::fromUtf8(permission);
+        made.alert = alert;
+        made.dataitems = items;
+        return made;
     };
     Catalogue catalogue;
     catalogue.account.url = QStringLiteral("https://me:s3cret@h:1");
     catalogue.account.project = QStringLiteral("p");
     catalogue.groups = {
-        {QStringLiteral("b"),
-         QStringLiteral("Boiler"),
-         QStringLiteral("Cellar"),
-         QStringLiteral("RW"),
-         true,
-         {item("on", "On", "Bit", 1, true), item("t", "T\n\xC3\xBCr", "String", 16, false)}},
-        {QStringLiteral("e"),
-         QString::fromUtf8("\xF0\x9F\x9A\x80"),
-         QString(),
-         QStringLiteral("R"),
-         false,
-         {item("p", "Power", "32Bit-INT", 32, true)}},
-        {QStringLiteral("n"), QStringLiteral("None"), QString(), QStringLiteral("RW"), false, {}}};
+        group("b", "Boiler", "Cellar", "RW", true,
+              {item("on", "On", "Bit", 1, true), item("t", "T\n\xC3\xBCr", "String", 16, false)}),
+        group("e", "\xF0\x9F\x9A\x80", "", "R", false, {item("p", "Power", "32Bit-INT", 32, true)}),
+        group("n", "None", "", "RW", false, {})};
     return catalogue;
 }
 

@@ -1,4 +1,4 @@
-#include "tools/host/service/configure_choice.h"
+#include "tools/host/service/configure.h"
 #include "tools/host/terminal/exit_code.h"
 
 #include <QtTest>
@@ -26,7 +26,7 @@ namespace {
 OfferedItem offered(const QString& group, const QString& name, const QString& id,
                     const QString& type = QStringLiteral("Bit"))
 {
-    return {{id, name, type, 0, false}, group, group};
+    return {id, name, type, 0, false, group, group};
 }
 
 QVector<OfferedItem> plant()

@@ -1,4 +1,4 @@
-#include "tools/host/service/configure_dialogue.h"
+#include "tools/host/service/configure.h"
 
 #include <QtTest>
 
@@ -27,9 +27,8 @@ namespace {
 
 OfferedItem offered(const char* group, const char* name, const char* id, const char* type = "Bit")
 {
-    return {{QString::fromUtf8(id), QString::fromUtf8(name), QString::fromUtf8(type), 8, false},
-            QString::fromUtf8(group),
-            QString::fromUtf8(group)};
+    return {QString::fromUtf8(id),    QString::fromUtf8(name), QString::fromUtf8(type), 8, false,
+            QString::fromUtf8(group), QString::fromUtf8(group)};
 }
 
 QVector<OfferedItem> plant()

@@ -1,5 +1,5 @@
 #include "tools/host/config/config_file.h"
-#include "tools/host/service/configure_choice.h"
+#include "tools/host/service/configure.h"
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/output.h"
 
@@ -38,7 +38,7 @@ namespace {
 OfferedItem offered(const QString& group, const QString& name, const QString& id,
                     const QString& type = QStringLiteral("Bit"), int length = 1)
 {
-    return {{id, name, type, length, false}, group, group};
+    return {id, name, type, length, false, group, group};
 }
 
 config::Account account()

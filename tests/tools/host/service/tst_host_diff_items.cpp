@@ -39,8 +39,11 @@ DiffSide side(const QString& text, bool is_config = false)
             item.name = words.at(2);
             item.type = words.at(3);
             item.length = words.at(4).toInt();
-            side.groups << CatalogueGroup{item.group_id,  item.group, QString(),
-                                          words.value(5), false,      {}};
+            PropertyTovikIotGroup group;
+            group.group_id = item.group_id;
+            group.name = item.group;
+            group.permission = words.value(5);
+            side.groups << group;
         }
         side.items << item;
     }
@@ -149,14 +152,18 @@ void TestHostDiffItems::comparesConfigurations()
 
 void TestHostDiffItems::makesSides()
 {
+    PropertyTovikIotDataItem item;
+    item.dataitem_id = QStringLiteral("a");
+    item.name = QStringLiteral("A");
+    item.type = QStringLiteral("String");
+    item.length = 8;
+    PropertyTovikIotGroup group;
+    group.group_id = QStringLiteral("g");
+    group.name = QStringLiteral("G");
+    group.permission.clear();
+    group.dataitems << item;
     Catalogue catalogue;
-    catalogue.groups = {
-        {QStringLiteral("g"),
-         QStringLiteral("G"),
-         QString(),
-         QString(),
-         false,
-         {{QStringLiteral("a"), QStringLiteral("A"), QStringLiteral("String"), 8, false}}}};
+    catalogue.groups << group;
     config::HostConfig config;
     config.items = {{QStringLiteral("G.A"), QStringLiteral("a"),
                      value::findItemType(QStringLiteral("String")), 8}};
@@ -172,9 +179,9 @@ void TestHostDiffItems::comparesLargeCatalogues()
 {
     DiffSide before;
     for (int i = 0; i < 50000; ++i) {
-        const CatalogueItem item = {QString::number(i), QString::number(i % 1000),
-                                    QStringLiteral("Bit"), 1};
-        before.items << OfferedItem{item, QStringLiteral("g"), QStringLiteral("G")};
+        before.items << OfferedItem{
+            QString::number(i),  QString::number(i % 1000), QStringLiteral("Bit"), 1, false,
+            QStringLiteral("g"), QStringLiteral("G")};
     }
     DiffSide after = before;
     after.items.removeLast();

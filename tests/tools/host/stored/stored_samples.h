@@ -2,8 +2,8 @@
 #define TESTS_TOOLS_HOST_STORED_STORED_SAMPLES_H
 
 #include "property/property_tovik_iot.h"
-#include "tools/host/stored/format.h"
 #include "tools/host/stored/json.h"
+#include "tools/host/stored/stream.h"
 
 #include <QByteArray>
 #include <QVariant>

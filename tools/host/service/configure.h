@@ -1,5 +1,5 @@
-#ifndef TOOLS_HOST_SERVICE_CONFIGURE_CHOICE_H
-#define TOOLS_HOST_SERVICE_CONFIGURE_CHOICE_H
+#ifndef TOOLS_HOST_SERVICE_CONFIGURE_H
+#define TOOLS_HOST_SERVICE_CONFIGURE_H
 
 #include "tools/host/config/config.h"
 #include "tools/host/service/catalogue.h"
@@ -12,7 +12,6 @@
 
 namespace tovik_host::service {
 
-/// Whether an item is meant.
 using ItemTest = std::function<bool(const OfferedItem&)>;
 
 /// What a pattern means: `GROUP/ITEM` is compared with both names, anything else with the item's
@@ -23,7 +22,6 @@ using ItemTest = std::function<bool(const OfferedItem&)>;
 /// when \a text is empty, or neither a pattern nor what an item is called.
 ItemTest itemPattern(const QString& text, const QVector<OfferedItem>& offered);
 
-/// Which items are wanted.
 struct ItemFilter
 {
     QStringList patterns; ///< An item must match one; empty: all do.
@@ -31,7 +29,6 @@ struct ItemFilter
     QStringList types;    ///< An item must be of one; empty: all are.
 };
 
-/// The items that a filter lets through.
 struct FilteredItems
 {
     QVector<OfferedItem> items;
@@ -60,6 +57,50 @@ QString naturalName(const QString& group, const QString& item);
 /// Gives every item a name of its own. The first one of a name has it; the others get a number
 /// after it, and a warning each.
 NamedItems nameItems(const QVector<OfferedItem>& chosen);
+
+/// Lets a user choose items, line by line: takes what was typed and gives what is to be shown. It
+/// knows of no terminal, so that any will do.
+class ConfigureDialogue
+{
+public:
+    enum class State
+    {
+        open,
+        done, ///< The user has chosen.
+        quit  ///< The user wants nothing of it.
+    };
+
+    /// \param page how many items are shown at a time.
+    ConfigureDialogue(const QVector<OfferedItem>& offered, int page);
+
+    /// What is shown first.
+    QString opening();
+    QString prompt() const;
+    /// Takes one line of the user and returns the answer, which ends with a line break.
+    QString answer(const QString& typed);
+
+    State state() const { return state_; }
+    /// The chosen items in the catalogue's order.
+    QVector<OfferedItem> chosen() const;
+
+private:
+    QString select(const QString& text, bool choose);
+    /// The items that \a text names; \a problem says why there are none.
+    QVector<int> itemsNamed(const QString& text, QString* problem) const;
+    QString list(const QVector<int>& items);
+    QString nextPage();
+    QString search(const QString& text);
+    QString preview() const;
+    QString finish();
+    QString line(int index) const;
+
+    QVector<OfferedItem> offered_;
+    QVector<bool> chosen_;
+    QVector<int> listed_; ///< What the pages are of.
+    int shown_ = 0;       ///< How many of them have been shown.
+    int page_;
+    State state_ = State::open;
+};
 
 } // namespace tovik_host::service
 

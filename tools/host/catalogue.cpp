@@ -24,10 +24,9 @@ Example:
 
 struct Catalogue
 {
-    service::ServiceOptions service;
+    config::CommonOptions common;
     bool tree = false;
     bool table = false;
-    bool json = false;
 
     QString textOf(const service::Catalogue& catalogue) const;
     int run() const;
@@ -36,7 +35,7 @@ struct Catalogue
 /// A tree on a terminal and a table elsewhere, unless the options say otherwise.
 QString Catalogue::textOf(const service::Catalogue& catalogue) const
 {
-    if (json)
+    if (common.json)
         return service::catalogueJson(catalogue);
     return tree || (!table && isatty(STDOUT_FILENO) == 1) ? service::catalogueTree(catalogue)
                                                           : service::catalogueTable(catalogue);
@@ -44,13 +43,13 @@ QString Catalogue::textOf(const service::Catalogue& catalogue) const
 
 int Catalogue::run() const
 {
-    config::Account account = config::resolveAccount(service.account, config::Account());
+    config::Account account = config::resolveAccount(common, config::Account());
     config::requireAccount(account);
     terminal::Context context;
-    context.log.start(service.log, service.verbose);
+    context.log.start(common.log, common.verbose);
     if (!service::askForPassword(context, &account))
         return terminal::exitRefused;
-    const std::optional<service::Catalogue> catalogue = catalogueOf(context, service, account);
+    const std::optional<service::Catalogue> catalogue = catalogueOf(context, common, account);
     if (!catalogue)
         return terminal::exitRefused;
     context.out.write(textOf(*catalogue));
@@ -65,10 +64,10 @@ void addCatalogue(CLI::App& app, Run& run)
     CLI::App* const command =
         addCommand(app, run, "catalogue", "Print the groups and items that a service offers",
                    catalogue_text, [options] { return options->run(); });
-    addServiceOptions(command, options->service);
+    addServiceOptions(command, options->common);
     CLI::Option* tree = command->add_flag("--tree", options->tree, "As a tree");
     CLI::Option* table = command->add_flag("--table", options->table, "As a table")->excludes(tree);
-    command->add_flag("-j,--json", options->json, "As JSON, for configure and diff")
+    command->add_flag("-j,--json", options->common.json, "As JSON, for configure and diff")
         ->excludes(tree)
         ->excludes(table);
 }

@@ -289,7 +289,7 @@ void explainNoConnection(terminal::Context& context, const driver::ServiceSetup&
 }
 
 std::optional<service::Catalogue> catalogueOf(terminal::Context& context,
-                                              const service::ServiceOptions& options,
+                                              const config::CommonOptions& options,
                                               const config::Account& account)
 {
     service::ClientOutcome failure;
@@ -297,35 +297,30 @@ std::optional<service::Catalogue> catalogueOf(terminal::Context& context,
         service::fetchCatalogue(context, options, account, &failure);
     if (catalogue || context.unix_signals.endRequested())
         return catalogue;
-    config::CommonOptions check;
-    check.config = options.account.config;
-    check.url = options.account.url;
-    check.url_file = options.account.url_file;
     const QString cause = failure.isRefusal()
                               ? QString()
                               : check::causeOfSilence(context, account.url, options.timeout);
     // A check of a mere address has nothing to say on a login that was refused.
-    const bool is_of_use = !check.config.isEmpty() || !failure.isRefusal();
-    check::advise(context, cause, is_of_use ? check::checkCommand(check) : QString());
+    const bool is_of_use = !options.config.isEmpty() || !failure.isRefusal();
+    check::advise(context, cause, is_of_use ? check::checkCommand(options) : QString());
     return catalogue;
 }
 
-void addServiceOptions(CLI::App* command, service::ServiceOptions& options)
+void addServiceOptions(CLI::App* command, config::CommonOptions& options)
 {
-    config::AccountOptions& account = options.account;
     const auto of_account = [command](const char* name, QString& text, const char* description,
                                       const char* type) {
         return addText(command, name, text, description, type)->group("Account");
     };
-    of_account("-c,--config", account.config, "Configuration to take the account from", "FILE");
-    of_account("--url", account.url, "Address of the service", "URL");
-    of_account("--url-file", account.url_file, "File whose first line is the address", "FILE")
+    of_account("-c,--config", options.config, "Configuration to take the account from", "FILE");
+    of_account("--url", options.url, "Address of the service", "URL");
+    of_account("--url-file", options.url_file, "File whose first line is the address", "FILE")
         ->excludes("--url");
-    of_account("--project", account.project, "Project to log in to", "NAME");
-    of_account("--email", account.email, "Account to log in with", "ADDRESS");
-    of_account("--password-file", account.password_file, "File whose first line is the password",
+    of_account("--project", options.project, "Project to log in to", "NAME");
+    of_account("--email", options.email, "Account to log in with", "ADDRESS");
+    of_account("--password-file", options.password_file, "File whose first line is the password",
                "FILE");
-    of_account("--password-env", account.password_env, "Variable of the environment that holds it",
+    of_account("--password-env", options.password_env, "Variable of the environment that holds it",
                "NAME")
         ->excludes("--password-file");
     addTimeout(command, options.timeout, "Longest wait for one answer of the service");

@@ -23,7 +23,6 @@ struct Account;
 
 namespace tovik_host::service {
 struct Catalogue;
-struct ServiceOptions;
 } // namespace tovik_host::service
 
 namespace tovik_host::driver {
@@ -120,11 +119,11 @@ void explainNoConnection(terminal::Context& context, const driver::ServiceSetup&
 
 /// What the service offers; nothing: it has been said why, and what to try next.
 std::optional<service::Catalogue> catalogueOf(terminal::Context& context,
-                                              const service::ServiceOptions& options,
+                                              const config::CommonOptions& options,
                                               const config::Account& account);
 
 /// The account, the time-out and the client's log of the commands that ask for a catalogue.
-void addServiceOptions(CLI::App* command, service::ServiceOptions& options);
+void addServiceOptions(CLI::App* command, config::CommonOptions& options);
 
 } // namespace tovik_host
 

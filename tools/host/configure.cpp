@@ -32,7 +32,7 @@ Examples:
 
 struct Configure
 {
-    service::ServiceOptions service;
+    config::CommonOptions common;
     QString catalogue; ///< A saved catalogue; empty: the service is asked.
     service::ItemFilter filter;
     bool interactive = false;
@@ -127,7 +127,7 @@ void write(terminal::Context& context, const config::Account& account,
     }
     terminal::checkOutputFile(options.output, options.force);
     terminal::saveFile(options.output, text.toUtf8(), options.with_password);
-    if (!options.service.quiet) {
+    if (!options.common.quiet) {
         context.err.line(u"%1: %2"_s.arg(terminal::printable(options.output),
                                          service::counted(items.size(), u"item"_s)));
     }
@@ -141,10 +141,10 @@ int Configure::run() const
         offered = service::readCatalogue(config::readJson(catalogue, u"catalogue"_s));
     const bool needs_password = !offered || with_password;
     config::Account account = config::resolveAccount(
-        service.account, offered ? offered->account : config::Account(), needs_password);
+        common, offered ? offered->account : config::Account(), needs_password);
     config::requireAccount(account);
     terminal::Context context;
-    context.log.start(service.log, service.verbose);
+    context.log.start(common.log, common.verbose);
     if (needs_password && !service::askForPassword(context, &account))
         return terminal::exitRefused;
     if (with_password && !account.has_password) {
@@ -153,7 +153,7 @@ int Configure::run() const
                 account.password_env));
     }
     if (!offered)
-        offered = catalogueOf(context, service, account);
+        offered = catalogueOf(context, common, account);
     if (!offered)
         return terminal::exitRefused;
     const auto items = wantedItems(context, *offered, *this);
@@ -188,7 +188,7 @@ void addConfigure(CLI::App& app, Run& run)
     command->add_flag("--force", options->force, "Replace an existing file");
     command->add_flag("--with-password", options->with_password,
                       "Put the password into the configuration, as plain text");
-    addServiceOptions(command, options->service);
+    addServiceOptions(command, options->common);
 }
 
 } // namespace tovik_host

@@ -28,11 +28,10 @@ Examples:
 
 struct Diff
 {
-    service::ServiceOptions service;
+    config::CommonOptions common;
     QString before;      ///< A saved catalogue or a configuration.
     QString after;       ///< Likewise; empty: the service is asked.
     QStringList ignored; ///< Kinds of differences that do not count.
-    bool json = false;
 
     int run() const;
 };
@@ -56,16 +55,16 @@ LoadedSide sideFromFile(const QString& path)
     return {path, service::diffSide(config), config.service};
 }
 
-std::optional<LoadedSide> sideFromService(const service::ServiceOptions& service,
+std::optional<LoadedSide> sideFromService(const config::CommonOptions& common,
                                           const LoadedSide& before)
 {
-    config::Account account = config::resolveAccount(service.account, before.account);
+    config::Account account = config::resolveAccount(common, before.account);
     config::requireAccount(account);
     terminal::Context context;
-    context.log.start(service.log, service.verbose);
+    context.log.start(common.log, common.verbose);
     if (!service::askForPassword(context, &account))
         return std::nullopt;
-    const std::optional<service::Catalogue> catalogue = catalogueOf(context, service, account);
+    const std::optional<service::Catalogue> catalogue = catalogueOf(context, common, account);
     if (!catalogue)
         return std::nullopt;
     return LoadedSide{QUrl(account.url).toString(QUrl::RemoveUserInfo),
@@ -99,7 +98,7 @@ int Diff::run() const
     const bool asks_service = after.isEmpty();
     const LoadedSide old_side = sideFromFile(before);
     const std::optional<LoadedSide> new_side =
-        asks_service ? sideFromService(service, old_side) : sideFromFile(after);
+        asks_service ? sideFromService(common, old_side) : sideFromFile(after);
     if (!new_side)
         return terminal::exitUsage;
     QVector<service::Difference> differences =
@@ -111,7 +110,7 @@ int Diff::run() const
                                      }),
                       differences.end());
     QString text;
-    if (json) {
+    if (common.json) {
         text = asJson(old_side, *new_side, differences);
     } else {
         for (const service::Difference& difference : differences)
@@ -137,8 +136,8 @@ void addDiff(CLI::App& app, Run& run)
         ->allow_extra_args(false)
         ->check(CLI::IsMember(std::set<std::string>{"gone", "added", "renamed", "type", "moved",
                                                     "length", "group-renamed", "access"}));
-    command->add_flag("-j,--json", options->json, "As JSON");
-    addServiceOptions(command, options->service);
+    command->add_flag("-j,--json", options->common.json, "As JSON");
+    addServiceOptions(command, options->common);
 }
 
 } // namespace tovik_host

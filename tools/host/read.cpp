@@ -68,7 +68,6 @@ struct Read
 {
     config::CommonOptions common;
     QStringList items;
-    bool quiet = false;
 
     int run() const;
     int runOfService() const;
@@ -90,7 +89,7 @@ void Read::print(terminal::Context& context, const config::ItemConfig& item,
             line["problem"] = problem;
         context.out.line(value::jsonLine(line));
     } else if (text) {
-        context.out.foreignLine(quiet ? *text : u"%1 = %2"_s.arg(item.name, *text));
+        context.out.foreignLine(common.quiet ? *text : u"%1 = %2"_s.arg(item.name, *text));
     } else {
         context.complain(item.name, problem);
     }
@@ -156,7 +155,7 @@ void addRead(CLI::App& app, Run& run)
     addWays(command, options->common);
     addTimeout(command, options->common.timeout, "Longest wait for the values, or for the link");
     command->add_flag("-j,--json", options->common.json, "One line of JSON for every item");
-    command->add_flag("-q,--quiet", options->quiet, "The values only");
+    command->add_flag("-q,--quiet", options->common.quiet, "The values only");
 }
 
 } // namespace tovik_host

@@ -34,13 +34,14 @@ Example:
 Exit codes: 0 done; 1 the stream is damaged; 2 usage or file is wrong.)";
 
 /// One of two words: whether it is \a word_of_true goes to \a choice.
-CLI::Option* addWord(CLI::App* command, const char* name, const char* description,
-                     std::vector<std::string> words, const std::string& word_of_true,
-                     std::optional<bool>* choice)
+void addWord(CLI::App* command, const char* name, const char* type, const char* description,
+             std::vector<std::string> words, const std::string& word_of_true,
+             std::optional<bool>* choice)
 {
-    return command
+    command
         ->add_option_function<std::string>(
             name, [=](const std::string& word) { *choice = word == word_of_true; }, description)
+        ->type_name(type)
         ->check(CLI::IsMember(std::move(words)));
 }
 
@@ -56,9 +57,8 @@ std::string checkVersion(const std::string& word)
 void addInput(CLI::App* command, stored::Source& input)
 {
     addText(command, "IN", input.path, "The file to read; - for the standard input")->required();
-    addWord(command, "--from", "What IN is: json or stream (default: looks)", {"json", "stream"},
-            "json", &input.is_json)
-        ->type_name("KIND");
+    addWord(command, "--from", "KIND", "What IN is: json or stream (default: looks)",
+            {"json", "stream"}, "json", &input.is_json);
 }
 
 void addFormat(CLI::App* command, stored::Hints* format)
@@ -72,16 +72,13 @@ void addFormat(CLI::App* command, stored::Hints* format)
                                            "1 to 19, or a release of Qt: 12 or Qt_4_8, Qt_5_15")
         ->type_name("VERSION")
         ->check(CLI::Validator(checkVersion, "", "stream version"));
-    addWord(command, "--form", "record (bare) or variant (in a QVariant)", {"record", "variant"},
-            "variant", &format->is_variant)
-        ->type_name("FORM");
-    addWord(command, "--byte-order", "big (usual) or little", {"big", "little"}, "big",
-            &format->big_endian)
-        ->type_name("ORDER");
-    addWord(command, "--float-precision",
+    addWord(command, "--form", "FORM", "record (bare) or variant (in a QVariant)",
+            {"record", "variant"}, "variant", &format->is_variant);
+    addWord(command, "--byte-order", "ORDER", "big (usual) or little", {"big", "little"}, "big",
+            &format->big_endian);
+    addWord(command, "--float-precision", "PRECISION",
             "double (usual) or single: size of floating numbers from version 12 on",
-            {"double", "single"}, "single", &format->single_precision)
-        ->type_name("PRECISION");
+            {"double", "single"}, "single", &format->single_precision);
     for (const char* name : {"--stream-version", "--form", "--byte-order", "--float-precision"})
         command->get_option(name)->group("Stream");
 }
@@ -97,11 +94,10 @@ void addConvert(CLI::App& app, Run& run)
     addInput(command, options->input);
     addText(command, "OUT", options->output, "The file to write; - for the standard output")
         ->required();
-    addWord(command, "--to",
+    addWord(command, "--to", "KIND",
             "What OUT is: json or stream (default: json if OUT ends with .json, or if it is - and "
             "IN is a stream; stream if IN is JSON)",
-            {"json", "stream"}, "json", &options->to_json)
-        ->type_name("KIND");
+            {"json", "stream"}, "json", &options->to_json);
     command->add_flag("--force", options->force, "Replace OUT if it exists");
     command->add_flag("--salvage", options->salvage, "Of a damaged stream, write what can be read");
     addFormat(command, &options->format);

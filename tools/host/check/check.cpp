@@ -1,6 +1,5 @@
 #include "tools/host/check/check.h"
 
-#include "tools/host/check/check_step.h"
 #include "tools/host/check/judge.h"
 #include "tools/host/check/probe.h"
 #include "tools/host/config/config_file.h"

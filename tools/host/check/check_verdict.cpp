@@ -1,4 +1,4 @@
-#include "tools/host/check/check_step.h"
+#include "tools/host/check/judge.h"
 
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/terminal/text.h"

@@ -56,7 +56,7 @@ void takeConfigured(Account* account)
         account->password_env = configured;
 }
 
-void takePassword(const AccountOptions& options, Account* account, bool needs_password)
+void takePassword(const CommonOptions& options, Account* account, bool needs_password)
 {
     if (!options.password_file.isEmpty()) {
         takeFromFile(options.password_file, account);
@@ -76,7 +76,7 @@ QString defaultPasswordVariable()
     return u"TOVIK_PASSWORD"_s;
 }
 
-Account resolveAccount(const AccountOptions& options, Account account, bool needs_password)
+Account resolveAccount(const CommonOptions& options, Account account, bool needs_password)
 {
     if (!options.config.isEmpty())
         account = loadConfig(options.config, Password::in_file).config.service;

@@ -133,14 +133,19 @@ struct RequestOptions
     void fill(ItemRequest* request) const;
 };
 
-/// What every command takes.
+/// What commands take in common.
 struct CommonOptions
 {
     QString config;   ///< The configuration file.
     QString library;  ///< The driver library; empty: where it usually is.
     QString url;      ///< Replaces the configuration's address; empty: does not.
     QString url_file; ///< A file whose first line does the same.
+    QString project;
+    QString email;
+    QString password_file; ///< A file whose first line is the password.
+    QString password_env;  ///< A variable of the environment that holds it.
     bool json = false;
+    bool quiet = false;
     bool verbose = false; ///< The driver's debug lines go to the standard error.
     QString log;          ///< The driver's debug lines go to this file; empty: to none.
     /// Where the traffic is written: to this file, or to the standard error if it is empty.

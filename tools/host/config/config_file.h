@@ -12,18 +12,6 @@
 
 namespace tovik_host::config {
 
-/// What the command line says about the service and the account.
-struct AccountOptions
-{
-    QString config; ///< A configuration to take all of it from; empty: none.
-    QString url;
-    QString url_file; ///< A file whose first line is the address.
-    QString project;
-    QString email;
-    QString password_file; ///< A file whose first line is the password.
-    QString password_env;  ///< A variable of the environment that holds it.
-};
-
 /// The variable of the environment that is looked into when nothing says where the password is.
 QString defaultPasswordVariable();
 
@@ -31,7 +19,7 @@ QString defaultPasswordVariable();
 /// between the two. Looks for the password, without asking anybody. Throws UsageError for what
 /// cannot be read or is not valid, and not for what is missing.
 /// \param needs_password otherwise what a configuration says of the password's place is only noted
-Account resolveAccount(const AccountOptions& options, Account account, bool needs_password = true);
+Account resolveAccount(const CommonOptions& options, Account account, bool needs_password = true);
 
 /// Throws UsageError that says what to add, unless address, project and e-mail address are known.
 void requireAccount(const Account& account);

@@ -58,21 +58,6 @@ FirstValues fetchFirstValues(terminal::Context& context, const ServiceSetup& set
 
 namespace {
 
-/// Follows the driver until it is connected, or it is known that it will not be.
-class Connection
-{
-public:
-    bool isDecided(DriverSession& session, const config::ItemConfig& item)
-    {
-        status = session.read(item.name, item.length).status;
-        made = session.numbers().connected.value_or(false);
-        return made || value::isServiceError(status);
-    }
-
-    bool made = false;
-    int status = 0;
-};
-
 QString withStatus(const QString& problem, int status)
 {
     return status == 0 ? problem : problem + u": "_s + value::statusTextWithCode(status);
@@ -120,12 +105,16 @@ SentValue sendValue(terminal::Context& context, const ServiceSetup& setup,
     if (!session.numbers().write_count)
         return {u"this library does not tell what becomes of a write"_s, true, 0};
 
-    Connection connection;
-    terminal::Waited waited = terminal::waitUntil(
-        context.unix_signals, milliseconds, [&] { return connection.isDecided(session, item); });
-    if (!connection.made)
-        return {unfinished(waited, withStatus(u"no connection"_s, connection.status)), false,
-                connection.status};
+    // Until the driver is connected, or it is known that it will not be.
+    bool is_connected = false;
+    int status = 0;
+    terminal::Waited waited = terminal::waitUntil(context.unix_signals, milliseconds, [&] {
+        status = session.read(item.name, item.length).status;
+        is_connected = session.numbers().connected.value_or(false);
+        return is_connected || value::isServiceError(status);
+    });
+    if (!is_connected)
+        return {unfinished(waited, withStatus(u"no connection"_s, status)), false, status};
 
     const value::DriverNumbers before = session.numbers();
     value::DriverNumbers now = before;

@@ -73,7 +73,8 @@ bool askForPassword(terminal::Context& context, config::Account* account)
     return true;
 }
 
-std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const ServiceOptions& options,
+std::optional<Catalogue> fetchCatalogue(terminal::Context& context,
+                                        const config::CommonOptions& options,
                                         const config::Account& account, ClientOutcome* failure)
 {
     CloudClient client(account);

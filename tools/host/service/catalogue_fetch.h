@@ -37,22 +37,13 @@ private:
     QElapsedTimer since_line_;
 };
 
-/// What the commands have in common that ask a service for its catalogue.
-struct ServiceOptions
-{
-    config::AccountOptions account;
-    double timeout = 10;
-    bool quiet = false;   ///< No progress.
-    bool verbose = false; ///< The client's debug lines go to the standard error.
-    QString log;          ///< They go to this file; empty: to none.
-};
-
 /// Asks the user for the password if nobody has told it. False: the user did not answer. Throws
 /// UsageError if there is no terminal to ask on.
 bool askForPassword(terminal::Context& context, config::Account* account);
 
 /// Logs in and loads the catalogue. Nothing: it has been said why, and \a failure is what failed.
-std::optional<Catalogue> fetchCatalogue(terminal::Context& context, const ServiceOptions& options,
+std::optional<Catalogue> fetchCatalogue(terminal::Context& context,
+                                        const config::CommonOptions& options,
                                         const config::Account& account, ClientOutcome* failure);
 
 } // namespace tovik_host::service

@@ -1,4 +1,3 @@
-#include "tools/host/check/check_step.h"
 #include "tools/host/check/judge.h"
 #include "tools/host/terminal/text.h"
 

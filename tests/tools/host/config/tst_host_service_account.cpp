@@ -43,7 +43,7 @@ void TestHostServiceAccount::init()
 
 void TestHostServiceAccount::takesOptionsBeforeTheRest()
 {
-    AccountOptions options;
+    CommonOptions options;
     options.config = write("c.json", "{\"service\": {\"url\": \"https://c\", \"project\": \"pc\", "
                                      "\"email\": \"ec\", \"password\": \"s\"}, \"items\": "
                                      "[{\"name\": \"a\", \"id\": \"i\", \"type\": \"Bit\"}]}");
@@ -60,7 +60,7 @@ void TestHostServiceAccount::takesOptionsBeforeTheRest()
     QCOMPARE(account.url, QStringLiteral("https://f:1"));
     QCOMPARE(account.project, QStringLiteral("po"));
     QCOMPARE(account.email, QStringLiteral("eo"));
-    QCOMPARE(resolveAccount(AccountOptions(), base).project, QStringLiteral("base"));
+    QCOMPARE(resolveAccount(CommonOptions(), base).project, QStringLiteral("base"));
 }
 
 void TestHostServiceAccount::takesPasswordFromTheFirstPlace_data()
@@ -92,7 +92,7 @@ void TestHostServiceAccount::takesPasswordFromTheFirstPlace()
     QFETCH(QString, password);
     QFETCH(QString, password_env);
     Account base;
-    AccountOptions options;
+    CommonOptions options;
     if (file)
         options.password_file = write("pw", "from file\r\nsecond line\n");
     if (variable)
@@ -116,7 +116,7 @@ void TestHostServiceAccount::remembersWhereAConfigurationHasIt()
     const QByteArray end = "}, \"items\": [{\"name\": \"a\", \"id\": \"i\", \"type\": \"Bit\"}]}";
     const QByteArray start = "{\"service\": {\"project\": \"p\", \"email\": \"e\", ";
     const QString config = write("c.json", start + "\"password_file\": \"pw\"" + end);
-    AccountOptions options;
+    CommonOptions options;
     const Account of_file =
         resolveAccount(options, loadConfig(config, Password::in_file).config.service);
     QCOMPARE(of_file.password_file, folder_.filePath(QStringLiteral("pw")));
@@ -164,7 +164,7 @@ void TestHostServiceAccount::complains()
     QFETCH(QString, url_file);
     QFETCH(QString, password_file);
     QFETCH(QString, message);
-    AccountOptions options;
+    CommonOptions options;
     options.url = url;
     options.url_file = url_file;
     options.password_file = password_file;

@@ -1,7 +1,7 @@
 #include "tests/tools/host/check_run.h"
 
 #include <QTcpServer>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

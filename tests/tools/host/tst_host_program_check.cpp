@@ -1,8 +1,10 @@
 #include "tests/tools/host/check_run.h"
 
 #include <QFile>
+#include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QTcpServer>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

@@ -1,6 +1,6 @@
 #include "tests/tools/host/check_run.h"
 
-#include <QtTest>
+#include <QTest>
 
 /// The command with the faults of the simulated service.
 class TestHostProgramCheckFaults : public QObject

@@ -1,6 +1,6 @@
 #include "tests/tools/host/check_run.h"
 
-#include <QtTest>
+#include <QTest>
 
 /// The command with items that are not well.
 class TestHostProgramCheckItems : public QObject

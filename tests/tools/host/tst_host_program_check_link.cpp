@@ -1,6 +1,6 @@
 #include "tests/tools/host/device_run.h"
 
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -1,6 +1,7 @@
 #include "tests/support/host_process.h"
 
-#include <QtTest>
+#include <QTemporaryFile>
+#include <QTest>
 
 class TestHostProgramCommandLine : public QObject
 {

@@ -2,7 +2,8 @@
 #include "tests/support/pty.h"
 #include "tests/tools/host/service_run.h"
 
-#include <QtTest>
+#include <QProcess>
+#include <QTest>
 
 #include <csignal>
 

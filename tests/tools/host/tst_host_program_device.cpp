@@ -1,6 +1,7 @@
 #include "tests/tools/host/device_run.h"
 
-#include <QtTest>
+#include <QFloat16> // complete for the comparison of JSON values
+#include <QTest>
 
 #include <csignal>
 

@@ -1,6 +1,7 @@
 #include "tests/tools/host/device_run.h"
 
-#include <QtTest>
+#include <QProcess>
+#include <QTest>
 
 #include <csignal>
 

@@ -1,7 +1,7 @@
 #include "tests/support/cloud_process.h"
 #include "tests/tools/host/service_run.h"
 
-#include <QtTest>
+#include <QTest>
 
 /// `tovik-host diff` with files and against the simulated service.
 class TestHostProgramDiff : public QObject

@@ -2,7 +2,7 @@
 #include "tests/support/host_process.h"
 
 #include <QFile>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

@@ -1,7 +1,7 @@
 #include "tests/support/host_process.h"
 
 #include <QElapsedTimer>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <fcntl.h>

@@ -1,7 +1,7 @@
 #include "tests/support/host_process.h"
 
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

@@ -1,6 +1,6 @@
 #include "tests/support/host_process.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

@@ -1,7 +1,8 @@
 #include "tests/support/host_process.h"
 
 #include <QFileInfo>
-#include <QtTest>
+#include <QProcess>
+#include <QTest>
 
 #include <csignal>
 

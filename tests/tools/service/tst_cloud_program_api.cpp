@@ -1,6 +1,6 @@
 #include "tests/support/cloud_process.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <set>
 #include <string>

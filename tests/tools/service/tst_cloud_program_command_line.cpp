@@ -1,7 +1,8 @@
 #include "tests/support/cloud_process.h"
 
+#include <QProcess>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

@@ -2,7 +2,7 @@
 #include "tests/tools/service/raw_client.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

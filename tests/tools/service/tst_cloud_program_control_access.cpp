@@ -5,8 +5,8 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QUrl>
-#include <QtTest>
 
 /// The guard of the control port, in the program.
 class TestCloudProgramControlAccess : public QObject

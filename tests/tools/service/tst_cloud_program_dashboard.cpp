@@ -2,7 +2,7 @@
 #include "tests/tools/service/raw_client.h"
 
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTest>
 
 using nlohmann::json;
 

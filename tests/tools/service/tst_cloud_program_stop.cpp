@@ -1,7 +1,7 @@
 #include "tests/support/cloud_process.h"
 #include "tests/tools/service/raw_client.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <memory>

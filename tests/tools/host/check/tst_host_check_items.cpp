@@ -3,7 +3,7 @@
 
 #include "property/property_tovik_iot_group.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::check;

@@ -3,7 +3,8 @@
 #include "tools/host/terminal/exit_code.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
+#include <QThread>
 
 #include <unistd.h>
 

@@ -2,7 +2,7 @@
 #include "tools/host/terminal/exit_code.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::config;

@@ -4,7 +4,7 @@
 #include "interface/drv_ethernet.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::driver;

@@ -4,7 +4,8 @@
 #include "tools/host/terminal/context.h"
 #include "tools/host/value/status_text.h"
 
-#include <QtTest>
+#include <QTest>
+#include <QTimer>
 
 #include <memory>
 

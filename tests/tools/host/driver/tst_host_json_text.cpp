@@ -1,6 +1,6 @@
 #include "tools/host/driver/driver_session.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::driver;

@@ -3,7 +3,7 @@
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::service;

@@ -2,7 +2,7 @@
 #include "tools/host/service/catalogue_fetch.h"
 
 #include <QTemporaryFile>
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::service;

@@ -4,8 +4,8 @@
 #include "cloud/tovik_iot.h"
 
 #include <QElapsedTimer>
+#include <QTest>
 #include <QTimer>
-#include <QtTest>
 
 #include <csignal>
 

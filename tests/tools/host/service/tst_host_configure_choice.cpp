@@ -1,7 +1,7 @@
 #include "tools/host/service/configure.h"
 #include "tools/host/terminal/exit_code.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::service;

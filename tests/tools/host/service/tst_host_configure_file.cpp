@@ -4,7 +4,7 @@
 #include "tools/host/terminal/output.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <sys/stat.h>
 

@@ -1,6 +1,6 @@
 #include "tools/host/service/diff_items.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::service;

@@ -4,7 +4,8 @@
 #include "tests/tools/host/stored/stored_run.h"
 #include "tests/tools/host/stored/stored_samples.h"
 
-#include <QtTest>
+#include <QDataStream>
+#include <QTest>
 
 using namespace tovik_host::stored;
 

@@ -3,7 +3,8 @@
 #include "tests/tools/host/stored/stored_run.h"
 #include "tests/tools/host/stored/stored_samples.h"
 
-#include <QtTest>
+#include <QProcess>
+#include <QTest>
 
 #include <sys/stat.h>
 

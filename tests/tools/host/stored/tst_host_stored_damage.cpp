@@ -4,7 +4,8 @@
 #include "tests/tools/host/stored/stored_samples.h"
 #include "tools/host/stored/stream.h"
 
-#include <QtTest>
+#include <QDataStream>
+#include <QTest>
 
 #include <random>
 

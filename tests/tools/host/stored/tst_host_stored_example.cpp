@@ -1,7 +1,7 @@
 #include "tests/tools/host/stored/stored_samples.h"
 #include "tools/host/stored/stream.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host::stored;
 

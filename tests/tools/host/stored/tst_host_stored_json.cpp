@@ -3,7 +3,7 @@
 #include "tools/host/stored/stream.h"
 #include "tools/host/terminal/exit_code.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <cmath>
 #include <limits>

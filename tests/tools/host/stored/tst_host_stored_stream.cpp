@@ -2,8 +2,9 @@
 #include "tests/tools/host/stored/stored_samples.h"
 #include "tools/host/stored/stream.h"
 
+#include <QDataStream>
 #include <QEasingCurve>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 

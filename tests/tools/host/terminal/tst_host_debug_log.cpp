@@ -1,9 +1,10 @@
 #include "tools/host/terminal/context.h"
 #include "tools/host/terminal/exit_code.h"
 
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <thread>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "tools/host/terminal/exit_code.h"
 #include "tools/host/value/host_value.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::value;

@@ -1,6 +1,6 @@
 #include "tools/host/value/status_text.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::value;

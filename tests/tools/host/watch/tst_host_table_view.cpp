@@ -1,7 +1,7 @@
 #include "tools/host/terminal/text.h"
 #include "tools/host/watch/table_view.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::watch;

@@ -1,6 +1,6 @@
 #include "tools/host/watch/watch_model.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_host;
 using namespace tovik_host::watch;

@@ -1,7 +1,7 @@
 #include "tools/service/control/control_guard.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <stdexcept>
 

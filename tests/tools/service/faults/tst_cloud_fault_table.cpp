@@ -1,6 +1,6 @@
 #include "tools/service/faults/fault_table.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_service::plant;
 using namespace tovik_service::faults;

@@ -2,7 +2,7 @@
 #include "tools/service/http/request_log.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_service::http;
 

@@ -1,6 +1,6 @@
 #include "tools/service/plant/plant.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_service::plant;
 

@@ -1,7 +1,7 @@
 #include "tools/service/plant/project.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_service::plant;
 

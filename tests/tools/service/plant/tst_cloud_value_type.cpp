@@ -1,6 +1,6 @@
 #include "tools/service/plant/value_type.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace tovik_service::plant;
 

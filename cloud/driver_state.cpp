@@ -58,7 +58,6 @@ PropertyTovikIotDataItem DriverState::copy(int index) const
 
 void DriverState::cycleBegun()
 {
-    const QMutexLocker locker(&lock_);
     read_at_.clear();
 }
 
@@ -126,9 +125,9 @@ const DataItemType* DriverState::typeOf(int index) const
     return types_.at(index);
 }
 
+/// Without the lock: the driver alone assigns values.
 QVariant DriverState::value(int index) const
 {
-    const QMutexLocker locker(&lock_);
     return property_->dataitems.at(index).value;
 }
 

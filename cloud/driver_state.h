@@ -120,16 +120,16 @@ private:
     QHash<QString, int> index_of_name_;
     QVector<const DataItemType*> types_;
     QElapsedTimer clock_;
+    /// When each value of the running cycle was read, in the order of the reads. The client's
+    /// alone.
+    QVector<qint64> read_at_;
     mutable QMutex lock_; ///< Of all that follows, and of the items' cached values.
     DriverNumbers numbers_;
     int connect_count_;
     qint64 failed_at_;
-    /// When each value of the running cycle was read, in the order of the reads; those of the
-    /// cycles whose values are on their way to the driver; and of the values that it has.
-    QVector<qint64> read_at_;
-    QQueue<QVector<qint64>> sent_;
-    QHash<QString, Kept> kept_; ///< Newer than all that is on its way, by the items' ids.
-    QVector<qint64> taken_at_;
+    QQueue<QVector<qint64>> sent_; ///< The same of the cycles that are on their way to the driver.
+    QHash<QString, Kept> kept_;    ///< Newer than all that is on its way, by the items' ids.
+    QVector<qint64> taken_at_;     ///< The same of the values that the driver has.
 };
 
 #endif

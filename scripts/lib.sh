@@ -41,7 +41,7 @@ build() {
 # The tests of the parts that threads share, and what they are built with for the thread sanitizer.
 # shellcheck disable=SC2034 # other scripts read them
 thread_tests=(
-  cloud/tst_driver_state cloud/tst_drv_tovik_iot
+  cloud/tst_driver_state_threads cloud/tst_drv_tovik_iot
   cloud/tst_drv_tovik_iot_metrics cloud/tst_drv_tovik_iot_reads cloud/tst_drv_tovik_iot_writes
   cloud/tst_tls_resumption
   framework/tst_driver_basic_thread

@@ -4,10 +4,8 @@
 #include <QTest>
 #include <QThread>
 
-#include <atomic>
 #include <limits>
 #include <memory>
-#include <thread>
 
 namespace {
 
@@ -17,12 +15,6 @@ const int item_count = 20;
 QString text(int character)
 {
     return QString(40, QChar('a' + character % 26));
-}
-
-bool isWhole(const QVariant& value)
-{
-    const QString read = value.toString();
-    return read == QString(read.size(), read.at(0)) && read.size() == 40;
 }
 
 QString id(int item)
@@ -49,7 +41,6 @@ private Q_SLOTS:
     void findsTheFirstOfAName();
     void followsTheConfiguration();
     void takesTheFirstEntryOfAnId();
-    void textsStayWholeWhileBothThreadsWork();
 
     void startsWithNothing();
     void keepsLatestAndLongestCycle_data();
@@ -58,7 +49,6 @@ private Q_SLOTS:
     void countsWrites();
     void countsConnectionsAfterTheFirst();
     void keepsTheLatestError();
-    void isReadWhileItIsCounted();
 
     void agesOnlyWhatTheDriverHas();
     void aValueThatWaitedIsAsOldAsItsRead();
@@ -131,40 +121,6 @@ void TestDriverState::takesTheFirstEntryOfAnId()
     QCOMPARE(state_->value(5), QVariant(1));
     QCOMPARE(state_->value(2), QVariant(2));
     QCOMPARE(state_->value(3), QVariant(text(3)));
-}
-
-/// The overlap of the driver's assignments and the client's copies. Without the lock it corrupts
-/// the heap within a fraction of this time.
-void TestDriverState::textsStayWholeWhileBothThreadsWork()
-{
-    std::atomic<bool> done(false);
-    std::atomic<bool> torn(false);
-    std::atomic<int> copied(0);
-    std::thread client([&] {
-        while (!done) {
-            for (int i = 0; i < item_count; ++i) {
-                if (!isWhole(state_->copy(i).value))
-                    torn = true;
-            }
-            ++copied;
-        }
-    });
-    QElapsedTimer timer;
-    timer.start();
-    int assigned = 0;
-    while (timer.elapsed() < 3000 || copied < 1000) {
-        QList<MonitorDataItem> values;
-        for (int i = 0; i < item_count; ++i)
-            values.append(entry(i, text(i + assigned)));
-        for (int i = 0; i < item_count; ++i)
-            state_->setValue(i, text(i + assigned + 1));
-        state_->takeValues(values);
-        ++assigned;
-    }
-    done = true;
-    client.join();
-    QVERIFY(!torn);
-    QVERIFY(assigned > 0);
 }
 
 void TestDriverState::startsWithNothing()
@@ -246,39 +202,6 @@ void TestDriverState::keepsTheLatestError()
     QCOMPARE(state_->numbers().last_error, 256);
     QVERIFY(state_->numbers().last_error_age >= 0);
     QTRY_VERIFY(state_->numbers().last_error_age >= 100);
-}
-
-/// No age is ever below zero, and no count goes back.
-void TestDriverState::isReadWhileItIsCounted()
-{
-    const int rounds = 200000;
-    read({true});
-    state_->valuesSent();
-    state_->takeValues({entry(0, 1)});
-    std::atomic<bool> is_over(false);
-    std::thread client([this, &is_over] {
-        for (int i = 0; i < rounds; ++i) {
-            read({true});
-            state_->valuesSent();
-            state_->cycleDone(i);
-            state_->failed(1 + i % 9);
-            state_->takeValues({entry(0, i)});
-        }
-        is_over = true;
-    });
-    uint reads = 0;
-    bool is_sound = true;
-    while (!is_over) {
-        const DriverNumbers now = state_->numbers();
-        is_sound = is_sound && age(0) >= 0 && now.read_count >= reads && now.last_error_age >= -1 &&
-                   now.last_error < 10;
-        reads = now.read_count;
-    }
-    client.join();
-    QVERIFY(is_sound);
-    QCOMPARE(state_->numbers().read_count, uint(rounds) + 1);
-    QCOMPARE(state_->numbers().cycle_count, rounds);
-    QCOMPARE(state_->numbers().longest_cycle_milliseconds, rounds - 1);
 }
 
 /// A cycle that has read as many items.

@@ -1,13 +1,16 @@
+#include "interface/traffic.h"
 #include "tests/cloud/driver_fixture.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QNetworkProxy>
+#include <QPointer>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThread>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 
@@ -32,6 +35,14 @@ ScriptedReply answerAll(const ScriptedRequest& request)
         return ScriptedReply::json("{\"errorcode\":0,\"Number\":0,\"groups\":[]}");
     return ScriptedReply::json("{\"errorcode\":0,\"value\":5}");
 }
+
+/// Knows where it was called.
+struct ThreadListener : TrafficListener
+{
+    void hear(const Traffic&) override { thread = QThread::currentThread(); }
+
+    std::atomic<QThread*> thread{nullptr};
+};
 
 } // namespace
 
@@ -59,6 +70,8 @@ private Q_SLOTS:
     void closeAtOnce();
     void closedDriverAnswersFromItsCache();
     void destructorFreesAfterClosing();
+    void theClientsThreadGoes_data();
+    void theClientsThreadGoes();
     void initialisedAnewAfterClosing();
     void destructorLeavesARunningClientAlone();
     void configurationIsTheDriversOwn();
@@ -352,6 +365,31 @@ void TestDrvTovikIot::destructorFreesAfterClosing()
     host.driver.reset();
     QCOMPARE(sharersOf(password), with_driver - 1);
     QVERIFY2(host.log.lines().isEmpty(), qPrintable(host.log.lines().join(QLatin1Char('\n'))));
+}
+
+void TestDrvTovikIot::theClientsThreadGoes_data()
+{
+    QTest::addColumn<bool>("has_events");
+    QTest::newRow("with the host's event loop, while the driver stays") << true;
+    QTest::newRow("with the driver, when no event comes in between") << false;
+}
+
+void TestDrvTovikIot::theClientsThreadGoes()
+{
+    QFETCH(bool, has_events);
+    DriverFixture host;
+    ThreadListener listener;
+    traffic::setListener(&host.link, &listener);
+    host.start();
+    QTRY_COMPARE(host.service.requests().size(), 1);
+    const QPointer<QThread> thread(listener.thread);
+    QVERIFY(thread);
+    host.close();
+    if (has_events)
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    else
+        host.driver.reset();
+    QVERIFY(!thread);
 }
 
 /// The destructor must not take the second client's running thread for the first one's ended one.

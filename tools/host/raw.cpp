@@ -41,10 +41,9 @@ void printJson(terminal::Context& context, const QByteArray& request, const driv
 }
 
 /// Why there is no answer; what a silent device means is different here from a read.
-QString problemOf(const driver::DeviceSetup& setup, const driver::DeviceAnswer& answer)
+QString problemOf(const driver::DeviceSetup& setup, const driver::Answer& answer)
 {
-    const bool silent =
-        answer.answer.arrived && answer.answer.status == result_code::no_answer_in_time;
+    const bool silent = answer.arrived && answer.status == result_code::no_answer_in_time;
     if (!silent || !answer.link_problem.isEmpty() || setup.context.unix_signals.endRequested())
         return setup.failureOf(answer);
     return u"no complete answer within the budget of %1 ms; is the frame complete, with its "
@@ -87,12 +86,12 @@ int Raw::run() const
             "same"_s);
         return terminal::exitRefused;
     }
-    const driver::DeviceAnswer answer = setup.host.sendRaw(request);
+    const driver::Answer answer = setup.host.sendRaw(request);
     const QString problem = problemOf(setup, answer);
     if (common.json)
-        printJson(context, request, answer.answer, problem);
+        printJson(context, request, answer, problem);
     else if (problem.isEmpty())
-        context.out.line(value::hexText(answer.answer.bytes));
+        context.out.line(value::hexText(answer.bytes));
     else
         context.complain(subject(), problem);
     return context.codeAfterWriting(problem.isEmpty() ? terminal::exitDone : terminal::exitRefused);

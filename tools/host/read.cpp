@@ -129,10 +129,10 @@ int Read::runOfDevice() const
         return terminal::exitRefused;
     bool complete = true;
     for (const config::ItemConfig& item : qAsConst(setup.config.items)) {
-        const driver::DeviceAnswer answer = setup.host.read(item);
+        const driver::Answer answer = setup.host.read(item);
         const QString problem = setup.problemOf(item, answer);
         complete = complete && problem.isEmpty();
-        print(context, item, answer.answer, problem);
+        print(context, item, answer, problem);
         if (context.unix_signals.endRequested())
             return terminal::exitRefused;
     }

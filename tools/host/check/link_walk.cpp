@@ -128,14 +128,14 @@ private:
     LinkRead read(const config::ItemConfig& item)
     {
         ear_.take();
-        const driver::DeviceAnswer answer = setup_.host.read(item);
+        const driver::Answer answer = setup_.host.read(item);
         LinkRead read = ear_.take();
         read.item = item;
         read.is_tried = true;
-        read.status = answer.answer.status;
+        read.status = answer.status;
         read.problem = setup_.problemOf(item, answer);
         if (read.isGood())
-            read.value = config::valueOf(item, answer.answer.bytes).value_or(QString());
+            read.value = config::valueOf(item, answer.bytes).value_or(QString());
         return read;
     }
 

@@ -69,14 +69,6 @@ private:
     QElapsedTimer attempt_;
 };
 
-/// What became of one request to a device.
-struct DeviceAnswer
-{
-    Answer answer;
-    /// Why there was no link, or what became of it during the request; empty while it is well.
-    QString link_problem;
-};
-
 /// A link with a driver of the framework on it. All but stop() belongs into one thread, from
 /// open() to the destructor: requests block it.
 class DeviceSession : public QObject
@@ -94,13 +86,13 @@ public:
     QString open();
 
     /// Reads an item. A link that was lost is opened again before.
-    DeviceAnswer read(const config::ItemConfig& item);
+    Answer read(const config::ItemConfig& item);
     /// The same for a reader who comes again: does not wait for a link that is down, and answers
     /// offline_status meanwhile.
-    DeviceAnswer readAgain(const config::ItemConfig& item);
-    DeviceAnswer write(const config::ItemConfig& item, const QByteArray& bytes);
+    Answer readAgain(const config::ItemConfig& item);
+    Answer write(const config::ItemConfig& item, const QByteArray& bytes);
     /// Sends a frame as it is.
-    DeviceAnswer sendRaw(const QByteArray& request);
+    Answer sendRaw(const QByteArray& request);
     /// Whether the driver wants frames sent as they are.
     bool supportsRaw();
 
@@ -113,8 +105,8 @@ private Q_SLOTS:
     void take(QByteArray bytes, int status);
 
 private:
-    DeviceAnswer ask(const std::function<void()>& request);
-    DeviceAnswer askOnOpenLink(const std::function<void()>& request);
+    Answer ask(const std::function<void()>& request);
+    Answer askOnOpenLink(const std::function<void()>& request);
     void emitRead(const config::ItemConfig& item);
 
     const Plugin& plugin_;
@@ -148,19 +140,16 @@ public:
 
     /// As the session's functions of these names.
     QString open() { return ask(&DeviceSession::open); }
-    DeviceAnswer read(const config::ItemConfig& item) { return ask(&DeviceSession::read, item); }
-    DeviceAnswer readAgain(const config::ItemConfig& item)
+    Answer read(const config::ItemConfig& item) { return ask(&DeviceSession::read, item); }
+    Answer readAgain(const config::ItemConfig& item)
     {
         return ask(&DeviceSession::readAgain, item);
     }
-    DeviceAnswer write(const config::ItemConfig& item, const QByteArray& bytes)
+    Answer write(const config::ItemConfig& item, const QByteArray& bytes)
     {
         return ask(&DeviceSession::write, item, bytes);
     }
-    DeviceAnswer sendRaw(const QByteArray& request)
-    {
-        return ask(&DeviceSession::sendRaw, request);
-    }
+    Answer sendRaw(const QByteArray& request) { return ask(&DeviceSession::sendRaw, request); }
     bool supportsRaw() { return ask(&DeviceSession::supportsRaw); }
     void stop()
     {
@@ -174,11 +163,11 @@ private Q_SLOTS:
 private:
     void run(const std::function<void()>& job);
     /// What the session answers.
-    template <typename Answer, typename... Parameters>
-    Answer ask(Answer (DeviceSession::*function)(const Parameters&...),
+    template <typename Result, typename... Parameters>
+    Result ask(Result (DeviceSession::*function)(const Parameters&...),
                const Parameters&... parameters)
     {
-        Answer answer = Answer();
+        Result answer = Result();
         run([&] { answer = (session_.get()->*function)(parameters...); });
         return answer;
     }

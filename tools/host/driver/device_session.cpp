@@ -35,9 +35,9 @@ QSharedPointer<AddrData> addressOf(const config::ItemConfig& item)
     return address;
 }
 
-DeviceAnswer offline(const QString& problem)
+Answer offline(const QString& problem)
 {
-    return {{true, QByteArray(), value::offline_status, false, value::StatusOf::device}, problem};
+    return {true, QByteArray(), value::offline_status, false, value::StatusOf::device, problem};
 }
 
 } // namespace
@@ -83,12 +83,12 @@ void DeviceSession::stop()
         driver_->stop_flag = stop_value;
 }
 
-DeviceAnswer DeviceSession::read(const config::ItemConfig& item)
+Answer DeviceSession::read(const config::ItemConfig& item)
 {
     return askOnOpenLink([&] { emitRead(item); });
 }
 
-DeviceAnswer DeviceSession::readAgain(const config::ItemConfig& item)
+Answer DeviceSession::readAgain(const config::ItemConfig& item)
 {
     if (!link_->isUp()) {
         // What has become of the link says more than what comes of the next attempt.
@@ -99,7 +99,7 @@ DeviceAnswer DeviceSession::readAgain(const config::ItemConfig& item)
     return ask([&] { emitRead(item); });
 }
 
-DeviceAnswer DeviceSession::write(const config::ItemConfig& item, const QByteArray& bytes)
+Answer DeviceSession::write(const config::ItemConfig& item, const QByteArray& bytes)
 {
     return askOnOpenLink([&] {
         Q_EMIT driver_->SigSetValuesByteArray(config_.unit, u"link"_s, item.request.station, bytes,
@@ -107,7 +107,7 @@ DeviceAnswer DeviceSession::write(const config::ItemConfig& item, const QByteArr
     });
 }
 
-DeviceAnswer DeviceSession::sendRaw(const QByteArray& request)
+Answer DeviceSession::sendRaw(const QByteArray& request)
 {
     return askOnOpenLink([&] { driver_->RunTransparentRequest(request); });
 }
@@ -123,21 +123,22 @@ void DeviceSession::emitRead(const config::ItemConfig& item)
                                           addressOf(item));
 }
 
-DeviceAnswer DeviceSession::askOnOpenLink(const std::function<void()>& request)
+Answer DeviceSession::askOnOpenLink(const std::function<void()>& request)
 {
     if (!link_->open(config_.open_milliseconds, stopped_))
         return offline(link_->problem());
     return ask(request);
 }
 
-DeviceAnswer DeviceSession::ask(const std::function<void()>& request)
+Answer DeviceSession::ask(const std::function<void()>& request)
 {
     answer_ = Answer();
     answer_.status_of = value::StatusOf::deviceWith(plugin_.resultCodes());
     if (!stopped_)
         request();
-    const bool lost = answer_.status != 0 && !link_->isUp();
-    return {answer_, lost ? link_->problem() : QString()};
+    if (answer_.status != 0 && !link_->isUp())
+        answer_.link_problem = link_->problem();
+    return answer_;
 }
 
 void DeviceSession::take(QByteArray bytes, int status)

@@ -28,6 +28,9 @@ struct Answer
     int status = 0;
     bool has_value = true; ///< False: the bytes are none that the item has, however many they are.
     value::StatusOf status_of = value::StatusOf::service;
+    /// Of a device: why there was no link, or what became of it during the request; empty while it
+    /// is well.
+    QString link_problem = QString();
 };
 
 /// One link with one driver on it, from creation to release. To be used in one thread, which needs

@@ -117,28 +117,28 @@ void DeviceSetup::complainOfLink(const QString& problem)
     context.complain(linkText(config.link), problem);
 }
 
-QString DeviceSetup::failureOf(const DeviceAnswer& answer) const
+QString DeviceSetup::failureOf(const Answer& answer) const
 {
-    const int status = answer.answer.status;
-    if (context.unix_signals.endRequested() && (!answer.answer.arrived || status != 0))
+    const int status = answer.status;
+    if (context.unix_signals.endRequested() && (!answer.arrived || status != 0))
         return u"interrupted"_s;
-    if (!answer.answer.arrived) {
+    if (!answer.arrived) {
         return u"the driver does not answer; a driver of a device answers each request before it "
                "returns from it"_s;
     }
     if (status == 0)
         return QString();
-    return value::statusTextWithCode(status, answer.answer.status_of) +
-           (answer.link_problem.isEmpty() ? adviceFor(answer.answer, config)
+    return value::statusTextWithCode(status, answer.status_of) +
+           (answer.link_problem.isEmpty() ? adviceFor(answer, config)
                                           : u": "_s + answer.link_problem);
 }
 
-QString DeviceSetup::problemOf(const config::ItemConfig& item, const DeviceAnswer& answer) const
+QString DeviceSetup::problemOf(const config::ItemConfig& item, const Answer& answer) const
 {
     const QString failure = failureOf(answer);
     if (!failure.isEmpty())
         return failure;
-    const QByteArray& bytes = answer.answer.bytes;
+    const QByteArray& bytes = answer.bytes;
     if (config::valueOf(item, bytes))
         return QString();
     const QString type = QLatin1String(item.type->name);

@@ -42,9 +42,9 @@ struct DeviceSetup
     /// Says on the standard error what is wrong with the link.
     void complainOfLink(const QString& problem);
     /// Why there is no value in \a answer, for the user; empty if there is one.
-    QString problemOf(const config::ItemConfig& item, const DeviceAnswer& answer) const;
+    QString problemOf(const config::ItemConfig& item, const Answer& answer) const;
     /// Why a request failed; empty if it did not.
-    QString failureOf(const DeviceAnswer& answer) const;
+    QString failureOf(const Answer& answer) const;
 
     terminal::Context& context;
     DeviceConfig config;

@@ -58,7 +58,7 @@ private:
     }
 
     /// Once for each loss, however long it lasts.
-    void tellOfLink(const driver::DeviceAnswer& answer)
+    void tellOfLink(const driver::Answer& answer)
     {
         const bool is_lost = !answer.link_problem.isEmpty();
         if (is_lost == link_is_lost_)
@@ -75,11 +75,11 @@ private:
     void readRound()
     {
         for (int i = 0; i < model_.items().size(); ++i) {
-            const driver::DeviceAnswer answer = setup_.host.readAgain(model_.items().at(i).item);
+            const driver::Answer answer = setup_.host.readAgain(model_.items().at(i).item);
             if (ended())
                 return;
             tellOfLink(answer);
-            if (model_.take(i, answer.answer, QDateTime::currentDateTime()))
+            if (model_.take(i, answer, QDateTime::currentDateTime()))
                 view_.valueChanged(model_.items().at(i));
             if (since_drawing_.hasExpired(longest_without_drawing))
                 draw();

@@ -103,14 +103,14 @@ void TestHostDeviceHost::readsAndWrites()
     const std::unique_ptr<LineDevice> device = makeDevice();
     DeviceHost host(*plugin_, configFor(*device), *unix_signals_);
     QCOMPARE(host.open(), QString());
-    DeviceAnswer answer = host.read(item("hex:0500"));
-    QVERIFY(answer.answer.arrived);
-    QCOMPARE(answer.answer.status, 0);
-    QCOMPARE(answer.answer.bytes, QByteArray("\x05\0", 2));
+    Answer answer = host.read(item("hex:0500"));
+    QVERIFY(answer.arrived);
+    QCOMPARE(answer.status, 0);
+    QCOMPARE(answer.bytes, QByteArray("\x05\0", 2));
     QCOMPARE(answer.link_problem, QString());
     answer = host.write(item("speed"), QByteArray("\x39\x30"));
-    QCOMPARE(answer.answer.status, 0);
-    QCOMPARE(host.read(item("speed")).answer.bytes, QByteArray("\x39\x30"));
+    QCOMPARE(answer.status, 0);
+    QCOMPARE(host.read(item("speed")).bytes, QByteArray("\x39\x30"));
     QCOMPARE(device->lines().at(1), QByteArray("w 1 0 2 0 0 speed 3930"));
 }
 
@@ -125,7 +125,7 @@ void TestHostDeviceHost::handsOverEveryNumber()
     text.request.field1 = 3;
     text.request.extra1 = 4;
     text.request.extra2 = -5;
-    QCOMPARE(host.read(text).answer.bytes, QByteArray("17 3 24 4 -5").leftJustified(24, '\0'));
+    QCOMPARE(host.read(text).bytes, QByteArray("17 3 24 4 -5").leftJustified(24, '\0'));
 }
 
 void TestHostDeviceHost::handsOverNameAndSettings()
@@ -136,7 +136,7 @@ void TestHostDeviceHost::handsOverNameAndSettings()
     config.unit = QStringLiteral("{A}");
     DeviceHost host(*plugin_, config, *unix_signals_);
     QCOMPARE(host.open(), QString());
-    QCOMPARE(host.read(item("hex:0500")).answer.status, 0);
+    QCOMPARE(host.read(item("hex:0500")).status, 0);
     const QStringList lines = log_->lastLines(2);
     QCOMPARE(lines.first(), QStringLiteral("[Echo] \"tovik_echo_driver\" settings 1 20000 3 4 5"));
     QCOMPARE(lines.last(), QStringLiteral("[Echo] unit \"{A}\" asks for \"hex:0500\""));
@@ -175,18 +175,17 @@ void TestHostDeviceHost::opensALostLinkBeforeTheNextRequest()
     const std::unique_ptr<LineDevice> device = makeDevice();
     DeviceHost host(*plugin_, configFor(*device), *unix_signals_);
     QCOMPARE(host.open(), QString());
-    QCOMPARE(host.read(item("hex:0500")).answer.status, 0);
+    QCOMPARE(host.read(item("hex:0500")).status, 0);
     device->leave();
     // The far end's leaving takes a moment to arrive.
-    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0600")).answer.status, value::offline_status,
+    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0600")).status, value::offline_status,
                               30000);
-    const DeviceAnswer answer = host.read(item("hex:0600"));
-    QCOMPARE(answer.answer.status, value::offline_status);
+    const Answer answer = host.read(item("hex:0600"));
+    QCOMPARE(answer.status, value::offline_status);
     QVERIFY(!answer.link_problem.isEmpty());
-    QVERIFY(!answer.answer.has_value);
+    QVERIFY(!answer.has_value);
     device->comeBack();
-    QTRY_COMPARE_WITH_TIMEOUT(host.read(item("hex:0700")).answer.bytes, QByteArray("\x07\0", 2),
-                              30000);
+    QTRY_COMPARE_WITH_TIMEOUT(host.read(item("hex:0700")).bytes, QByteArray("\x07\0", 2), 30000);
 }
 
 void TestHostDeviceHost::saysThatTheLinkWentDuringTheRequest()
@@ -194,10 +193,10 @@ void TestHostDeviceHost::saysThatTheLinkWentDuringTheRequest()
     LineDevice device;
     DeviceHost host(*plugin_, configFor(device), *unix_signals_);
     QCOMPARE(host.open(), QString());
-    const DeviceAnswer answer = host.read(item("close"));
-    QCOMPARE(answer.answer.status, 0x20010003);
+    const Answer answer = host.read(item("close"));
+    QCOMPARE(answer.status, 0x20010003);
     QCOMPARE(answer.link_problem, QStringLiteral("the device has closed the connection"));
-    QCOMPARE(host.read(item("hex:0500")).answer.status, 0);
+    QCOMPARE(host.read(item("hex:0500")).status, 0);
     QCOMPARE(device.connections(), 2);
 }
 
@@ -206,13 +205,13 @@ void TestHostDeviceHost::comesBackWithoutWaiting()
     const std::unique_ptr<LineDevice> device = makeDevice();
     DeviceHost host(*plugin_, configFor(*device), *unix_signals_);
     QCOMPARE(host.open(), QString());
-    QCOMPARE(host.readAgain(item("hex:0500")).answer.status, 0);
+    QCOMPARE(host.readAgain(item("hex:0500")).status, 0);
     device->leave();
-    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0500")).answer.status, value::offline_status,
+    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0500")).status, value::offline_status,
                               30000);
-    QCOMPARE(host.readAgain(item("hex:0500")).answer.status, value::offline_status);
+    QCOMPARE(host.readAgain(item("hex:0500")).status, value::offline_status);
     device->comeBack();
-    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0500")).answer.status, 0, 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(host.readAgain(item("hex:0500")).status, 0, 30000);
 }
 
 void TestHostDeviceHost::stopEndsARequestAtOnce()
@@ -228,7 +227,7 @@ void TestHostDeviceHost::stopEndsARequestAtOnce()
     timer.start(5);
     QElapsedTimer elapsed;
     elapsed.start();
-    QCOMPARE(host.read(item("silent")).answer.status, 0x1002);
+    QCOMPARE(host.read(item("silent")).status, 0x1002);
     QVERIFY(elapsed.elapsed() < 30000);
 }
 
@@ -238,9 +237,9 @@ void TestHostDeviceHost::asksAStoppedDriverNoMore()
     DeviceHost host(*plugin_, configFor(device), *unix_signals_);
     QCOMPARE(host.open(), QString());
     host.stop();
-    QVERIFY(!host.read(item("hex:0500")).answer.arrived);
-    QVERIFY(!host.write(item("speed"), QByteArray("\1\0", 2)).answer.arrived);
-    QVERIFY(!host.sendRaw("x\n").answer.arrived);
+    QVERIFY(!host.read(item("hex:0500")).arrived);
+    QVERIFY(!host.write(item("speed"), QByteArray("\1\0", 2)).arrived);
+    QVERIFY(!host.sendRaw("x\n").arrived);
     QVERIFY(device.lines().isEmpty());
 }
 
@@ -250,9 +249,9 @@ void TestHostDeviceHost::passesFramesThrough()
     DeviceHost host(*plugin_, configFor(*device), *unix_signals_);
     QCOMPARE(host.open(), QString());
     QVERIFY(host.supportsRaw());
-    const DeviceAnswer answer = host.sendRaw(QByteArray("x\x01\xff\x02\n"));
-    QCOMPARE(answer.answer.status, 0);
-    QCOMPARE(answer.answer.bytes, QByteArray("\x01\xff\x02"));
+    const Answer answer = host.sendRaw(QByteArray("x\x01\xff\x02\n"));
+    QCOMPARE(answer.status, 0);
+    QCOMPARE(answer.bytes, QByteArray("\x01\xff\x02"));
 }
 
 void TestHostDeviceHost::releasesTheDriverInItsThread()

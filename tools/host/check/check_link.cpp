@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace tovik_host::check {
 
@@ -17,24 +18,11 @@ QString millisecondsText(double seconds)
     return u"%1 ms"_s.arg(seconds * 1000, 0, 'f', 1);
 }
 
-int countOf(const QVector<LinkRead>& reads, bool (*holds)(const LinkRead&))
+/// \param holds a member of a read
+template <typename Member>
+int countOf(const QVector<LinkRead>& reads, Member holds)
 {
-    return int(std::count_if(reads.begin(), reads.end(), holds));
-}
-
-bool isGood(const LinkRead& read)
-{
-    return read.isGood();
-}
-
-bool hasAnswer(const LinkRead& read)
-{
-    return read.bytes > 0;
-}
-
-bool hasSent(const LinkRead& read)
-{
-    return read.has_sent;
+    return int(std::count_if(reads.begin(), reads.end(), std::mem_fn(holds)));
 }
 
 QString stationsOf(const QVector<LinkRead>& reads)
@@ -87,10 +75,10 @@ CheckStep judgeLineSettings(const driver::DeviceConfig& config)
 CheckStep judgeAnyAnswer(const driver::DeviceConfig& config, const QVector<LinkRead>& reads)
 {
     CheckStep step = makeStep("answer");
-    const int answers = countOf(reads, hasAnswer);
+    const int answers = countOf(reads, &LinkRead::hasAnswer);
     if (answers > 0)
         step.text = u"%1 of %2 requests are answered"_s.arg(answers).arg(reads.size());
-    else if (countOf(reads, hasSent) == 0)
+    else if (countOf(reads, &LinkRead::has_sent) == 0)
         step.find(Severity::failure, u"nothing was asked: the driver sends no such request"_s,
                   u"correct the addresses; the steps of the items say why"_s);
     else
@@ -109,11 +97,11 @@ CheckStep judgeAnyAnswer(const driver::DeviceConfig& config, const QVector<LinkR
 CheckStep judgeStation(const QVector<LinkRead>& reads)
 {
     CheckStep step = makeStep("station");
-    const int good = countOf(reads, isGood);
+    const int good = countOf(reads, &LinkRead::isGood);
     step.facts["arriving"] = good;
     if (good > 0)
         step.text = stationsOf(reads) + u" with values"_s;
-    else if (countOf(reads, hasAnswer) == 0)
+    else if (countOf(reads, &LinkRead::hasAnswer) == 0)
         step.severity = Severity::not_tried;
     else
         step.find(Severity::warning, stationsOf(reads) + u", and with no value"_s,

@@ -156,6 +156,7 @@ struct LinkRead
     QString value = QString(); ///< The value in words.
 
     bool isGood() const { return is_tried && problem.isEmpty(); }
+    bool hasAnswer() const { return bytes > 0; }
 };
 
 /// Opening the link.

@@ -1,6 +1,7 @@
 #include "tools/host/watch/watch_model.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace tovik_host::watch {
 
@@ -61,14 +62,12 @@ void WatchModel::keepTrouble(const ItemState& state, const QString& what, const 
 
 int WatchModel::waitingCount() const
 {
-    return int(std::count_if(items_.begin(), items_.end(),
-                             [](const ItemState& state) { return state.is_waited_for; }));
+    return int(std::count_if(items_.begin(), items_.end(), std::mem_fn(&ItemState::is_waited_for)));
 }
 
 int WatchModel::staleCount() const
 {
-    return int(std::count_if(items_.begin(), items_.end(),
-                             [](const ItemState& state) { return state.is_stale; }));
+    return int(std::count_if(items_.begin(), items_.end(), std::mem_fn(&ItemState::is_stale)));
 }
 
 int WatchModel::staleAfter() const

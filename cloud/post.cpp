@@ -7,25 +7,21 @@
 #include <QEventLoop>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QPair>
 #include <QSslConfiguration>
+#include <QSslError>
 #include <QSslSocket>
 #include <QUrl>
 
-namespace {
-
-struct RegisteredTypes
-{
-    RegisteredTypes() { const QNetworkAccessManager manager; }
-};
-
-} // namespace
-
 PostMemory::PostMemory() : listener(0), count(0)
 {
-    // Each manager registers the types of its signals. When the first ones of two threads are made
-    // at once, both do, and Qt warns: one is made before a thread posts.
-    static const RegisteredTypes types;
+#if QT_VERSION >= 0x050000
+    // Each access manager registers these. Where the first ones of two threads are made at once,
+    // both do, and Qt warns: so that is done before a thread posts.
+    static const int types[] = {qRegisterMetaType<QList<QSslError>>(),
+                                qRegisterMetaType<QList<QPair<QByteArray, QByteArray>>>()};
     Q_UNUSED(types)
+#endif
 }
 
 Post::Post(const QString& body, const QString& url, PostMemory* memory)

@@ -7,25 +7,31 @@
 #include <QEventLoop>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QPair>
 #include <QSslConfiguration>
-#include <QSslError>
 #include <QSslSocket>
 #include <QUrl>
 
-PostMemory::PostMemory() : listener(0), count(0)
+namespace {
+
+struct RegisteredTypes
 {
-#if QT_VERSION >= 0x050000
-    // Each access manager registers these. Where the first ones of two threads are made at once,
-    // both do, and Qt warns: so that is done before a thread posts.
-    static const int types[] = {qRegisterMetaType<QList<QSslError>>(),
-                                qRegisterMetaType<QList<QPair<QByteArray, QByteArray>>>()};
+    RegisteredTypes() { const QNetworkAccessManager manager; }
+};
+
+/// \a memory, once Qt has its types: each manager registers those of its signals, and where the
+/// first ones of two threads are made at once, both do, and Qt warns. A manager does it here, since
+/// what this library registered itself would be gone with it when a host unloads it.
+PostMemory* afterRegistration(PostMemory* memory)
+{
+    static const RegisteredTypes types;
     Q_UNUSED(types)
-#endif
+    return memory;
 }
 
+} // namespace
+
 Post::Post(const QString& body, const QString& url, PostMemory* memory)
-    : memory_(memory),
+    : memory_(afterRegistration(memory)),
       trace_(memory->listener ? new RequestTrace(memory->listener, ++memory->count, QUrl(url)) : 0),
       prompt_(QUrl(url), &memory->sockets),
       reply_(0)

@@ -19,7 +19,7 @@ class TrafficListener;
 /// one cheaper, and changes nothing of what it says.
 struct PostMemory
 {
-    PostMemory();
+    PostMemory() : listener(0), count(0) {}
 
     TlsSession session;
     SocketNumbers sockets;

@@ -36,7 +36,6 @@ class TestConversation : public QObject
 private Q_SLOTS:
     void init();
     void cleanup() { log_.reset(); }
-    void typesAreRegisteredBeforeAnyPost();
     void reasons_data();
     void reasons();
     void noAnswer_data();
@@ -86,20 +85,6 @@ Outcome TestConversation::run(const QString& operation)
     if (operation == latin1("read"))
         return conversation.readValue(old_token, &item_);
     return conversation.writeValue(old_token, item_, 1);
-}
-
-// The first row: a post, too, has them registered.
-void TestConversation::typesAreRegisteredBeforeAnyPost()
-{
-    PostMemory memory;
-    const int list = qMetaTypeId<QtMetaTypePrivate::QSequentialIterableImpl>();
-    const int pair = qMetaTypeId<QtMetaTypePrivate::QPairVariantInterfaceImpl>();
-    const auto isKnown = [](const char* name, int form) {
-        return QMetaType::hasRegisteredConverterFunction(QMetaType::type(name), form);
-    };
-    QVERIFY(isKnown("QList<QSslError>", list));
-    QVERIFY(isKnown("QList<QPair<QByteArray,QByteArray> >", list));
-    QVERIFY(isKnown("QPair<QByteArray,QByteArray>", pair));
 }
 
 void TestConversation::reasons_data()

@@ -1,6 +1,7 @@
 #include "cloud/post.h"
 
 #include "cloud/trace/request_trace.h"
+#include "compat/cipher_list.h"
 #include "compat/whole_post.h"
 
 #include <QDebug>
@@ -40,6 +41,7 @@ Post::Post(const QString& body, const QString& url, PostMemory* memory)
     request.setRawHeader(QByteArray("Content-Type"), QByteArray("application/json"));
     QSslConfiguration ssl = request.sslConfiguration();
     ssl.setPeerVerifyMode(QSslSocket::VerifyNone);
+    cipher_list::leaveToOpenSsl(&ssl);
     request.setSslConfiguration(ssl);
     memory_->session.offer(&request);
 

@@ -41,6 +41,7 @@ set(TOVIK_CLIENT_SOURCES
   cloud/service_message.h cloud/service_message.cpp
   cloud/tovik_iot.h cloud/tovik_iot.cpp
   cloud/write_queue.h cloud/write_queue.cpp
+  compat/cipher_list.h compat/cipher_list.cpp
   compat/new_sockets.h compat/new_sockets.cpp
   compat/prompt_request.h compat/prompt_request.cpp
   compat/session_bytes.h compat/session_bytes.cpp

@@ -1,6 +1,7 @@
 # Precompiled headers for tools and tests, most of whose compile time is other people's headers.
 # The release preset builds without: what a file needs it still has to include. ccache caches what is
-# compiled with them only if CCACHE_SLOPPINESS allows it, as the presets do.
+# compiled with them only if CCACHE_SLOPPINESS allows it, as the presets do; with CCACHE_DEPEND it takes what
+# a source includes from the compiler, and need not preprocess each source that it does not know.
 
 # Targets that are compiled alike share what the first of them has precompiled, by the name KIND.
 function(tovik_precompile target kind)

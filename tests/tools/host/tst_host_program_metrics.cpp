@@ -32,6 +32,10 @@ const QStringList watch = {QStringLiteral("watch"), QStringLiteral("--interval")
                            QStringLiteral("20")};
 const QStringList often = {QStringLiteral("--metrics"), QStringLiteral("0.2")};
 
+// What is shown of On. A watch that has shown no value at all ends with 1.
+const QString value_as_json = QStringLiteral("\"value\":1,");
+const QString value_as_line = QStringLiteral("On = 1  [");
+
 } // namespace
 
 void TestHostProgramMetrics::useService(HostProcess& host, CloudProcess& cloud)
@@ -51,6 +55,7 @@ void TestHostProgramMetrics::ofTheRealDriverAsJson()
     HostProcess host;
     useService(host, cloud);
     host.start(watch + often + QStringList{latin1("--json")});
+    QVERIFY(host.waitForOutput(value_as_json));
     QVERIFY(
         host.waitForOutput(latin1("\"last_error\":{\"result\":7,\"text\":\"service error 7\"")));
     host.sendSignal(SIGINT);
@@ -77,6 +82,7 @@ void TestHostProgramMetrics::ofTheRealDriverAsLines()
     HostProcess host;
     useService(host, cloud);
     host.start(watch + often);
+    QVERIFY(host.waitForOutput(value_as_line));
     QVERIFY(host.waitForOutput(latin1("metrics: no whole cycle yet, ")));
     QVERIFY(host.waitForOutput(latin1("last error: service error 7 at ")));
     QVERIFY(host.waitForOutput(latin1(", no value yet of Bad\n")));
@@ -100,6 +106,7 @@ void TestHostProgramMetrics::notUnlessAskedFor()
     HostProcess host;
     useService(host, cloud);
     host.start(watch + QStringList{latin1("--json")});
+    QVERIFY(host.waitForOutput(value_as_json));
     QVERIFY(host.waitForOutput(latin1("service error 7")));
     host.sendSignal(SIGINT);
     QCOMPARE(host.wait(), 0);

@@ -1,6 +1,6 @@
 # Builds the library on a machine that has a serial port library, by a stand-in for it. Run as
-#   cmake -DSOURCE_DIR=... -DWORK_DIR=... -DLIBRARY=... -DGENERATOR=... -DNM=...
-#         -P test_machine_serial_port.cmake
+#   cmake -DSOURCE_DIR=... -DWORK_DIR=... -DLIBRARY=... -DCOMPILER=... -DGENERATOR=...
+#         -DNM=... -P test_machine_serial_port.cmake
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/../support/run.cmake)
 
@@ -10,7 +10,8 @@ string(STRIP "${output}" include_dir)
 file(COPY ${CMAKE_CURRENT_LIST_DIR}/machine_serial_port/qextserialport.h DESTINATION ${include_dir})
 
 run("configure" ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR} -G ${GENERATOR}
-    -DCMAKE_BUILD_TYPE=Debug -DTOVIK_TOOLS=OFF -DTOVIK_TESTS=OFF -DTOVIK_EXAMPLES=OFF -DTOVIK_PRECOMPILE=ON
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DTOVIK_TOOLS=OFF -DTOVIK_TESTS=OFF -DTOVIK_EXAMPLES=OFF
+    -DTOVIK_PRECOMPILE=ON
     -DQEXTSERIALPORT_INCLUDE_DIR=${include_dir}
     -DQEXTSERIALPORT_LIBRARY=${LIBRARY})
 run("build" ${CMAKE_COMMAND} --build ${WORK_DIR} --target tovik_iot)

@@ -11,10 +11,6 @@ function(tovik_precompile target kind)
   # ccache takes a precompiled header of Clang's for another one when it holds the time.
   target_compile_options(${target} PRIVATE
     "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
-  # Hardly ever holds anything, and would take the precompiled headers in all the same.
-  set_source_files_properties(
-    ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp
-    PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   get_property(first GLOBAL PROPERTY TOVIK_PRECOMPILED_${kind})
   if(first)
     target_precompile_headers(${target} REUSE_FROM ${first})
@@ -24,7 +20,7 @@ function(tovik_precompile target kind)
   endif()
 endfunction()
 
-# Several sources of a tool are compiled as one where TOVIK_UNITE says so: most of the time goes into
+# Several sources of a target are compiled as one where TOVIK_UNITE says so: most of the time goes into
 # what they all include. Every source still has to stand for itself: scripts/analyze and the release
 # preset compile each alone.
 function(tovik_unite target)

@@ -11,7 +11,7 @@
 
 namespace {
 
-const int patience = 30000; // ms
+const int lock_patience = 30000; // ms
 
 /// A serial port marks its device as in use by a file of the device's name, which it removes when
 /// it has closed the device. The kernel may give the name away in between.
@@ -19,7 +19,7 @@ void waitForFormerOwner(const QString& port_name)
 {
     QString name = port_name;
     name.remove(QLatin1String("/dev/")).replace(QLatin1Char('/'), QLatin1Char('_'));
-    QLockFile(QLatin1String("/var/lock/LCK..") + name).tryLock(patience);
+    QLockFile(QLatin1String("/var/lock/LCK..") + name).tryLock(lock_patience);
 }
 
 } // namespace

@@ -16,11 +16,6 @@ constexpr int after = 80;
 constexpr int steady = 7;
 constexpr double start_limit = 30;
 
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
 QByteArray bytesOf(int value)
 {
     QByteArray bytes;

@@ -17,11 +17,6 @@ namespace {
 constexpr int usage_error = 2;
 constexpr int jobs_per_core = 12; ///< a cell mostly waits for the next second
 
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
 int fail(const QString& problem)
 {
     std::fprintf(stderr, "fault_matrix: %s\n", qPrintable(problem));

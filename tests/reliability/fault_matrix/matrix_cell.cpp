@@ -6,11 +6,6 @@ namespace fault_matrix {
 
 namespace {
 
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
 struct OperationRow
 {
     Operation operation;

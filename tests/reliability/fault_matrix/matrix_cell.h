@@ -7,6 +7,11 @@
 
 namespace fault_matrix {
 
+inline QString latin1(const char* text)
+{
+    return QString::fromLatin1(text);
+}
+
 /// What the fault strikes: the five requests and the first login of all; beyond what the simulated
 /// service can do, replies that no service of this kind sends, and writes that JSON has no number
 /// for.

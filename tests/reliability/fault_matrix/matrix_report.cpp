@@ -8,11 +8,6 @@ namespace fault_matrix {
 
 namespace {
 
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
 /// Least and greatest of what was measured.
 class Range
 {

@@ -9,11 +9,6 @@ namespace {
 constexpr int client_failure = 256;
 constexpr int unknown_token = 4;
 
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
 bool isOneOf(const QString& kind, const QSet<QString>& kinds)
 {
     return kinds.contains(kind);

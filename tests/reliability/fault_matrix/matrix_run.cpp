@@ -14,11 +14,6 @@ namespace {
 
 constexpr int longest_cell = 60000; // ms
 
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
 /// What the C++ library says of an exception that nobody catches.
 QString lastWords(const QByteArray& errors)
 {
@@ -95,13 +90,13 @@ void MatrixRun::startNext()
 void MatrixRun::take(QProcess* process, int index)
 {
     Result& result = results_[index];
-    const Measurement before = result.measured;
+    const Measurement last = result.measured;
     result.measured = measurementOf(process);
     result.breaches = breaches(result.cell, result.measured, Limits::patient(patience_));
     const bool is_only_late = isOnlyLate(result.cell, result.measured);
     // What was late is not to be hidden by the run after it.
-    result.measured.close = qMax(result.measured.close, before.close);
-    result.measured.longest_answer = qMax(result.measured.longest_answer, before.longest_answer);
+    result.measured.close = qMax(result.measured.close, last.close);
+    result.measured.longest_answer = qMax(result.measured.longest_answer, last.longest_answer);
     process->deleteLater();
     // If many are late, it is not by chance.
     const int most = 20 + results_.size() / 5;

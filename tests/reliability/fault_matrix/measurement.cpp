@@ -6,12 +6,7 @@ namespace fault_matrix {
 
 namespace {
 
-constexpr int unknown_token = 0x400F0004;
-
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
+constexpr int unknown_token_status = 0x400F0004;
 
 QString seconds(double value)
 {
@@ -69,7 +64,7 @@ private:
         if (expected_.isSeen())
             allowed.append(expected_.status);
         if (needsReconnect(cell_.operation))
-            allowed.append(unknown_token); // what the connection is lost by
+            allowed.append(unknown_token_status); // what the connection is lost by
         for (int status : is_.statuses)
             require(allowed.contains(status), latin1("status ") + statusText(status));
         if (expected_.isSeen())

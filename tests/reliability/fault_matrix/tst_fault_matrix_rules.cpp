@@ -9,11 +9,6 @@ using namespace fault_matrix;
 
 namespace {
 
-QString latin1(const char* text)
-{
-    return QString::fromLatin1(text);
-}
-
 Cell cellOf(const char* name)
 {
     Cell cell{};

@@ -37,6 +37,9 @@ public:
     QByteArray kindOfState() const;
 
 private:
+    static const int detected = 256; ///< The result of a failure that the client sees itself.
+    static const int second = 1000;  ///< In milliseconds.
+
     Model() = default;
 
     enum TimerName

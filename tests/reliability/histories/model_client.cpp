@@ -6,9 +6,7 @@
 
 namespace {
 
-const int detected = 256; ///< The result of a failure that the client sees itself.
 const int most_writes = 16;
-const int second = 1000;
 
 const char* const paths[] = {
     "/qlix_api/auth/login", "/qlix_api/imonitor/group/list", "/qlix_api/imonitor/group/dataitems",

@@ -4,9 +4,6 @@
 
 namespace {
 
-const int detected = 256; ///< The result of a failure that the client sees itself.
-const int second = 1000;
-
 /// Of the group list and of an item list, by what is wrong with it.
 const char* const complaints[2][3] = {
     {"[TOVIK IoT] GetGroupList Error: no Number/groups!",

@@ -8,11 +8,11 @@ namespace {
 
 const int patience = 10000; // ms
 const int calm = 500;       // ms
-const int pause = 10;       // ms
+const int breath = 10;      // ms
 
 ProcessFacts next()
 {
-    QThread::msleep(pause);
+    QThread::msleep(breath);
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return processFacts();

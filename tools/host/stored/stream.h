@@ -14,8 +14,8 @@
 #include <vector>
 
 /// \file
-/// The record in the bytes of a stream, read and written by the library's operators, and the settings
-/// that decide these bytes.
+/// The record in the bytes of a stream, read and written by the library's operators, and the
+/// settings that decide these bytes.
 namespace tovik_host::stored {
 
 /// Everything that decides the bytes.
